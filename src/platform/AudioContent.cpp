@@ -1,0 +1,116 @@
+#include "platform/AudioContent.h"
+
+#include "platform/AudioFrames.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <string>
+
+namespace {
+
+using Kind = AudioContent::Kind;
+
+constexpr int mostTags = 4;
+constexpr std::size_t id3HeaderSize = 10;
+constexpr std::size_t oggHeaderSize = 27; // before the segment table (RFC 3533, section 6)
+
+std::string_view textAt(BoundedStream& stream, std::int64_t position, std::size_t length)
+{
+    const std::span<const char> bytes = stream.at(position, length);
+    return {bytes.data(), bytes.size()};
+}
+
+/// The position behind the ID3v2 tags at the file's beginning (ID3v2.4 structure, section 3.1).
+std::int64_t endOfTags(BoundedStream& stream)
+{
+    std::int64_t position = 0;
+    for (int tags = 0; tags < mostTags; ++tags) {
+        const std::string_view header = textAt(stream, position, id3HeaderSize);
+        if (header.size() < id3HeaderSize || !header.starts_with("ID3")) {
+            break;
+        }
+        std::int64_t size = 0;
+        for (const char byte : header.substr(6)) {
+            size = size << 7 | (byte & 0x7F);
+        }
+        const bool hasFooter = (static_cast<unsigned char>(header[5]) & 0x10) != 0;
+        position += std::int64_t(id3HeaderSize) + size + (hasFooter ? std::int64_t(id3HeaderSize) : 0);
+    }
+    return position;
+}
+
+Kind oggKind(BoundedStream& stream, std::int64_t position)
+{
+    const std::string_view page = textAt(stream, position, oggHeaderSize);
+    if (page.size() < oggHeaderSize) {
+        return Kind::Unknown;
+    }
+    const auto segments = static_cast<unsigned char>(page.back());
+    const std::string_view packet = textAt(stream, position + std::int64_t(oggHeaderSize) + segments, 8);
+    return packet.starts_with("\x01vorbis") ? Kind::OggVorbis
+        : packet.starts_with("OpusHead")    ? Kind::OggOpus
+        : packet.starts_with("\x7F"
+                             "FLAC")
+        ? Kind::OggFlac
+        : packet.starts_with("Speex   ") ? Kind::OggSpeex
+                                         : Kind::Unknown;
+}
+
+Kind kindAt(BoundedStream& stream, std::int64_t position)
+{
+    const std::string_view head = textAt(stream, position, 12);
+    if (head.starts_with("OggS")) {
+        return oggKind(stream, position);
+    }
+    if (head.size() == 12 && head.substr(4, 4) == "ftyp") {
+        return Kind::Mp4;
+    }
+    if (head.starts_with("RIFF") && head.ends_with("WAVE")) {
+        return Kind::Wave;
+    }
+    if (head.starts_with("FORM") && (head.ends_with("AIFF") || head.ends_with("AIFC"))) {
+        return Kind::Aiff;
+    }
+    if (head.starts_with("fLaC")) {
+        return Kind::Flac;
+    }
+    if (head.starts_with("MAC ")) {
+        return Kind::Ape;
+    }
+    if (head.starts_with("wvpk")) {
+        return Kind::WavPack;
+    }
+    if (head.starts_with("MPCK") || head.starts_with("MP+")) {
+        return Kind::Musepack;
+    }
+    if (AudioFrames::frameAt(AudioFrames::Kind::Adts, head)) {
+        return Kind::Adts;
+    }
+    return AudioFrames::frameAt(AudioFrames::Kind::Mpeg, head) ? Kind::Mpeg : Kind::Unknown;
+}
+
+/// Formats whose beginning may be padding, junk or (Musepack before version 7) nothing that tells.
+Kind kindByExtension(std::string_view extension)
+{
+    std::string lower(extension);
+    std::transform(lower.begin(), lower.end(), lower.begin(),
+        [](char c) { return c >= 'A' && c <= 'Z' ? char(c - 'A' + 'a') : c; });
+    return lower == ".mp3" ? Kind::Mpeg
+        : lower == ".aac"  ? Kind::Adts
+        : lower == ".mpc"  ? Kind::Musepack
+        : lower == ".ape"  ? Kind::Ape
+                           : Kind::Unknown;
+}
+
+} // namespace
+
+AudioContent audioContent(BoundedStream& stream, std::string_view extension)
+{
+    const std::int64_t start = endOfTags(stream);
+    Kind kind = kindAt(stream, start);
+    if (kind == Kind::Unknown) {
+        kind = kindByExtension(extension);
+    }
+    return {kind, start};
+}

@@ -1,0 +1,99 @@
+// Detached background jobs, awaited by coroutines of the UI thread.
+//
+//     auto work = [copies...] { return blockingCall(); };
+//     auto result = co_await background(work);
+//
+// The work runs on a pool thread; the coroutine goes on where it was, on its own thread. An exception of the work
+// is thrown by the co_await. The work is taken by non-const reference and moved out, so that only a named callable
+// binds to it: GCC 12 destroys a temporary twice that stands in an expression with co_await. After each co_await
+// the owner is tested (QPointer) before any member is touched, since it can be gone by then.
+#pragma once
+
+#include <QCoro/QCoroFuture>
+#include <QCoro/QCoroTask>
+#include <QPromise>
+#include <QThreadPool>
+
+#include <atomic>
+#include <chrono>
+#include <concepts>
+#include <exception>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <type_traits>
+#include <variant>
+
+enum class JobPriority : std::uint8_t {
+    Utility, ///< device discovery and content; may hang with the disk without holding up the other jobs
+    UserInitiated, ///< import and transfer
+};
+
+namespace BackgroundJobs {
+
+[[nodiscard]] QThreadPool &pool(JobPriority priority);
+/// Waits until no job runs; false if some still did after `limit`.
+[[nodiscard]] bool drain(std::chrono::milliseconds limit);
+
+/// A job and its outcome, shared by the two threads. `stage` orders their accesses.
+template<typename Work, typename Result>
+struct Job {
+    using Stored = std::conditional_t<std::is_void_v<Result>, std::monostate, Result>;
+
+    explicit Job(Work &&taken)
+        : work(std::move(taken))
+    {
+    }
+
+    void run() noexcept
+    {
+        stage.load(std::memory_order_acquire);
+        try {
+            if constexpr (std::is_void_v<Result>) {
+                (*work)();
+                value.emplace();
+            } else {
+                value.emplace((*work)());
+            }
+        } catch (...) {
+            failure = std::current_exception();
+        }
+        work.reset(); // what the work holds dies on the thread that used it
+        stage.store(2, std::memory_order_release);
+    }
+
+    std::optional<Work> work;
+    std::optional<Stored> value;
+    std::exception_ptr failure;
+    std::atomic<int> stage = 0;
+};
+
+} // namespace BackgroundJobs
+
+/// Runs `action` on the UI thread later; from any thread. What it needs of an owner it holds as a QPointer, which it
+/// tests there.
+void postToUi(std::function<void()> action);
+
+template<std::invocable Work>
+QCoro::Task<std::invoke_result_t<Work &>> background(Work &work, JobPriority priority = JobPriority::UserInitiated)
+{
+    using Result = std::invoke_result_t<Work &>;
+    auto job = std::make_shared<BackgroundJobs::Job<Work, Result>>(std::move(work));
+    job->stage.store(1, std::memory_order_release);
+    auto promise = std::make_shared<QPromise<void>>();
+    promise->start();
+    QFuture<void> finished = promise->future();
+    auto task = [job, promise] {
+        job->run();
+        promise->finish();
+    };
+    BackgroundJobs::pool(priority).start(std::move(task));
+    co_await finished;
+    job->stage.load(std::memory_order_acquire);
+    if (job->failure) {
+        std::rethrow_exception(job->failure);
+    }
+    if constexpr (!std::is_void_v<Result>) {
+        co_return std::move(*job->value);
+    }
+}

@@ -1,0 +1,7 @@
+// User-perceived characters: extended grapheme clusters (Unicode Standard Annex #29), not bytes or code units.
+#pragma once
+
+#include <QString>
+
+/// The first `count` characters of `text`; the whole text if it has no more.
+[[nodiscard]] QString firstCharacters(const QString &text, qsizetype count);

@@ -1,0 +1,28 @@
+// The system calls with which the program changes a disk, in one replaceable table.
+//
+// Every writer goes through diskCalls(), so a test can make the n-th call fail and look at what is left behind.
+// The table is process-wide and is replaced only by tests, before other threads run. Each entry behaves as the
+// call it is named after: -1 (or a short count) and errno on failure.
+#pragma once
+
+#include <sys/types.h>
+
+#include <cstddef>
+#include <filesystem>
+
+struct DiskCalls {
+    int (*open)(const char *path, int flags, mode_t mode);
+    ssize_t (*write)(int descriptor, const void *bytes, std::size_t count);
+    int (*fsync)(int descriptor);
+    int (*close)(int descriptor);
+    int (*rename)(const char *from, const char *to);
+    /// rename() that fails with EEXIST where `to` exists, be it a dangling link.
+    int (*renameExclusive)(const char *from, const char *to);
+    int (*mkdir)(const char *path, mode_t mode);
+    int (*unlink)(const char *path);
+
+    /// The calls of the operating system.
+    [[nodiscard]] static DiskCalls system();
+};
+
+[[nodiscard]] DiskCalls &diskCalls();

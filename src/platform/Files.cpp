@@ -1,0 +1,269 @@
+#include "platform/Files.h"
+
+#include "platform/DiskCalls.h"
+
+#include <QStringDecoder>
+#include <QUuid>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <system_error>
+#include <utility>
+
+namespace {
+
+constexpr char16_t escapedByteBase = 0xDC00;
+
+[[noreturn]] void throwFailure(int error, const std::filesystem::path &path)
+{
+    throw std::filesystem::filesystem_error("disk", path, std::error_code(error, std::generic_category()));
+}
+
+[[noreturn]] void throwFailure(int error)
+{
+    throw std::system_error(error, std::generic_category());
+}
+
+bool isContinuation(unsigned char byte)
+{
+    return (byte & 0xC0) == 0x80;
+}
+
+/// Length of the well-formed UTF-8 sequence at the start of `bytes`, 0 if there is none (RFC 3629, section 4).
+std::size_t sequenceLength(std::string_view bytes)
+{
+    const auto at = [&](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
+    const unsigned char first = at(0);
+    const std::size_t length = first < 0x80 ? 1 : first >= 0xC2 && first < 0xE0 ? 2 : (first & 0xF0) == 0xE0 ? 3 : first >= 0xF0 && first < 0xF5 ? 4 : 0;
+    if (length == 0 || length > bytes.size()) {
+        return 0;
+    }
+    for (std::size_t i = 1; i < length; ++i) {
+        if (!isContinuation(at(i))) {
+            return 0;
+        }
+    }
+    const bool overlong = (first == 0xE0 && at(1) < 0xA0) || (first == 0xF0 && at(1) < 0x90);
+    const bool surrogate = first == 0xED && at(1) >= 0xA0;
+    const bool beyond = first == 0xF4 && at(1) >= 0x90;
+    return overlong || surrogate || beyond ? 0 : length;
+}
+
+} // namespace
+
+namespace Files {
+
+QString text(const std::filesystem::path &path)
+{
+    const std::string_view bytes = path.native();
+    const auto whole = QUtf8StringView(bytes.data(), qsizetype(bytes.size()));
+    if (whole.isValidUtf8()) {
+        return whole.toString();
+    }
+    QString result;
+    for (std::size_t i = 0; i < bytes.size();) {
+        const std::size_t length = sequenceLength(bytes.substr(i));
+        if (length == 0) {
+            result += QChar(char16_t(escapedByteBase + static_cast<unsigned char>(bytes[i])));
+            ++i;
+        } else {
+            result += QString::fromUtf8(bytes.data() + i, qsizetype(length));
+            i += length;
+        }
+    }
+    return result;
+}
+
+std::filesystem::path fromText(const QString &text)
+{
+    std::string bytes;
+    bytes.reserve(std::size_t(text.size()));
+    qsizetype run = 0; // start of the text not yet taken over
+    const auto take = [&](qsizetype end) {
+        const QByteArray piece = QStringView(text).sliced(run, end - run).toUtf8();
+        bytes.append(piece.constData(), std::size_t(piece.size()));
+    };
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        if (text[i].isHighSurrogate() && i + 1 < text.size() && text[i + 1].isLowSurrogate()) {
+            ++i;
+        } else if (const char16_t unit = text[i].unicode(); unit >= escapedByteBase + 0x80 && unit <= escapedByteBase + 0xFF) {
+            take(i);
+            bytes.push_back(static_cast<char>(unit - escapedByteBase));
+            run = i + 1;
+        }
+    }
+    take(text.size());
+    return bytes;
+}
+
+QString name(const std::filesystem::path &path)
+{
+    const std::filesystem::path item = path.has_filename() ? path : path.parent_path();
+    return item.has_filename() ? text(item.filename()) : text(item);
+}
+
+QString baseName(const std::filesystem::path &path)
+{
+    return text(path.stem());
+}
+
+QString extension(const std::filesystem::path &path)
+{
+    return text(path.extension()).mid(1);
+}
+
+std::filesystem::path standardised(const std::filesystem::path &path)
+{
+    std::filesystem::path result = std::filesystem::absolute(path).lexically_normal();
+    return result.has_filename() || result == result.root_path() ? result : result.parent_path();
+}
+
+bool exists(const std::filesystem::path &path)
+{
+    struct stat status {};
+    return ::stat(path.c_str(), &status) == 0;
+}
+
+bool isDirectory(const std::filesystem::path &path)
+{
+    struct stat status {};
+    return ::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+std::optional<std::int64_t> size(const std::filesystem::path &path)
+{
+    struct stat status {};
+    if (::stat(path.c_str(), &status) != 0) {
+        return std::nullopt;
+    }
+    return status.st_size;
+}
+
+Descriptor::Descriptor(Descriptor &&other) noexcept
+    : m_descriptor(std::exchange(other.m_descriptor, -1))
+{
+}
+
+Descriptor &Descriptor::operator=(Descriptor &&other) noexcept
+{
+    std::swap(m_descriptor, other.m_descriptor);
+    return *this;
+}
+
+Descriptor::~Descriptor()
+{
+    if (m_descriptor >= 0) {
+        ::close(m_descriptor);
+    }
+}
+
+int Descriptor::release()
+{
+    return std::exchange(m_descriptor, -1);
+}
+
+Descriptor openForReading(const std::filesystem::path &path)
+{
+    const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (descriptor < 0) {
+        throwFailure(errno, path);
+    }
+    return Descriptor(descriptor);
+}
+
+std::size_t readFully(int descriptor, std::span<char> buffer)
+{
+    std::size_t filled = 0;
+    while (filled < buffer.size()) {
+        const ssize_t count = ::read(descriptor, buffer.data() + filled, buffer.size() - filled);
+        if (count < 0 && errno == EINTR) {
+            continue;
+        }
+        if (count < 0) {
+            throwFailure(errno);
+        }
+        if (count == 0) {
+            break;
+        }
+        filled += std::size_t(count);
+    }
+    return filled;
+}
+
+std::optional<QByteArray> readBelow(const std::filesystem::path &path, std::int64_t limit)
+{
+    // Non-blocking, so that a pipe or a device under a file's name is refused and not waited for.
+    const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    struct stat status {};
+    if (file.get() < 0 || ::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode) || status.st_size >= limit) {
+        return std::nullopt;
+    }
+    try {
+        QByteArray bytes(status.st_size, Qt::Uninitialized);
+        const std::size_t count = readFully(file.get(), {bytes.data(), std::size_t(bytes.size())});
+        bytes.truncate(qsizetype(count));
+        return bytes;
+    } catch (const std::system_error &) {
+        return std::nullopt;
+    }
+}
+
+Descriptor createExclusively(const std::filesystem::path &path)
+{
+    const int descriptor = diskCalls().open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0644);
+    if (descriptor < 0) {
+        throwFailure(errno, path);
+    }
+    return Descriptor(descriptor);
+}
+
+void writeFully(int descriptor, std::span<const char> bytes)
+{
+    while (!bytes.empty()) {
+        const ssize_t count = diskCalls().write(descriptor, bytes.data(), bytes.size());
+        if (count < 0 && errno == EINTR) {
+            continue;
+        }
+        if (count <= 0) {
+            throwFailure(count == 0 ? EIO : errno);
+        }
+        bytes = bytes.subspan(std::size_t(count));
+    }
+}
+
+void synchronise(int descriptor)
+{
+    if (diskCalls().fsync(descriptor) != 0) {
+        throwFailure(errno);
+    }
+}
+
+std::filesystem::path temporaryName()
+{
+    const QByteArray id = QUuid::createUuid().toByteArray(QUuid::WithoutBraces).toUpper();
+    return (".marlune-" + id + ".partial").toStdString();
+}
+
+void writeAtomically(const std::filesystem::path &path, std::span<const char> bytes)
+{
+    const std::filesystem::path temporary = path.parent_path() / temporaryName();
+    Descriptor file = createExclusively(temporary);
+    try {
+        writeFully(file.get(), bytes);
+        synchronise(file.get());
+        if (diskCalls().close(file.release()) != 0) {
+            throwFailure(errno, path);
+        }
+        if (diskCalls().rename(temporary.c_str(), path.c_str()) != 0) {
+            throwFailure(errno, path);
+        }
+    } catch (...) {
+        diskCalls().unlink(temporary.c_str());
+        throw;
+    }
+}
+
+} // namespace Files

@@ -1,0 +1,79 @@
+// Files of the computer and the device: names as text, reading with limits, and the one atomic writer.
+//
+// A local file's location is a std::filesystem::path, because a Linux name is bytes. All functions are blocking,
+// keep no state and may run on any thread; failures are std::system_error unless a comment says otherwise.
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <span>
+
+namespace Files {
+
+/// A path as text, for display and storage. Lossless: a byte that is not valid UTF-8 becomes the lone surrogate
+/// U+DC00 + byte, from which fromText() makes the same byte again.
+[[nodiscard]] QString text(const std::filesystem::path &path);
+[[nodiscard]] std::filesystem::path fromText(const QString &text);
+
+/// The last component as text; of "/a/b/" it is "b", of the root "/".
+[[nodiscard]] QString name(const std::filesystem::path &path);
+/// The name without its last extension, as text. A leading dot begins no extension.
+[[nodiscard]] QString baseName(const std::filesystem::path &path);
+/// The extension without its dot, as text; empty if there is none.
+[[nodiscard]] QString extension(const std::filesystem::path &path);
+
+/// Absolute, without "." and ".." pieces, doubled or trailing separators; links are not resolved.
+[[nodiscard]] std::filesystem::path standardised(const std::filesystem::path &path);
+
+/// Links are followed; any failure of the query counts as "no".
+[[nodiscard]] bool exists(const std::filesystem::path &path);
+[[nodiscard]] bool isDirectory(const std::filesystem::path &path);
+/// Size in bytes of what stands at `path` (links followed), absent if it cannot be had.
+[[nodiscard]] std::optional<std::int64_t> size(const std::filesystem::path &path);
+
+/// A file descriptor that is closed at every way out; an error of that close is ignored.
+class Descriptor {
+public:
+    Descriptor() = default;
+    explicit Descriptor(int descriptor)
+        : m_descriptor(descriptor)
+    {
+    }
+    Descriptor(Descriptor &&other) noexcept;
+    Descriptor &operator=(Descriptor &&other) noexcept;
+    Descriptor(const Descriptor &) = delete;
+    Descriptor &operator=(const Descriptor &) = delete;
+    ~Descriptor();
+
+    [[nodiscard]] int get() const { return m_descriptor; }
+    /// Gives the descriptor away; the caller closes it.
+    [[nodiscard]] int release();
+
+private:
+    int m_descriptor = -1;
+};
+
+[[nodiscard]] Descriptor openForReading(const std::filesystem::path &path);
+/// Reads until `buffer` is full or the file ends; returns the bytes read.
+[[nodiscard]] std::size_t readFully(int descriptor, std::span<char> buffer);
+/// The whole file if it is a regular one and smaller than `limit` bytes, else absent. Never throws.
+[[nodiscard]] std::optional<QByteArray> readBelow(const std::filesystem::path &path, std::int64_t limit);
+
+/// Makes a file that must not exist, mode 0644, following no link at its name.
+[[nodiscard]] Descriptor createExclusively(const std::filesystem::path &path);
+/// Writes all bytes, through short writes and interruptions.
+void writeFully(int descriptor, std::span<const char> bytes);
+/// Returns when the file's data is on the medium.
+void synchronise(int descriptor);
+
+/// A hidden name, new at each call, for a file on its way to its final name in the same folder.
+[[nodiscard]] std::filesystem::path temporaryName();
+/// Replaces `path` by a file of these bytes in one step: whatever fails, what stands there is the old file or the
+/// complete new one, and no temporary file stays.
+void writeAtomically(const std::filesystem::path &path, std::span<const char> bytes);
+
+} // namespace Files

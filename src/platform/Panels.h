@@ -1,0 +1,29 @@
+// Asks the user for files or folders. The question is put, the call returns, and the answer comes later on the UI
+// thread; a cancelled question is never answered. The window implements it with the desktop's own dialogs.
+#pragma once
+
+#include <QString>
+
+#include <filesystem>
+#include <functional>
+#include <vector>
+
+class Panels {
+public:
+    struct Request {
+        bool files = false;
+        bool folders = false;
+        bool multiple = false;
+        QString prompt; ///< text of the confirming button
+        QString message; ///< what is to be chosen, may be empty
+    };
+    using Answer = std::function<void(std::vector<std::filesystem::path> chosen)>;
+
+    virtual ~Panels() = default;
+    virtual void open(const Request &request, Answer answered) = 0;
+
+protected:
+    Panels() = default;
+    Panels(const Panels &) = default;
+    Panels &operator=(const Panels &) = default;
+};

@@ -1,0 +1,61 @@
+#include "platform/RegularFile.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <utility>
+
+std::optional<RegularFile> RegularFile::open(const std::filesystem::path& path)
+{
+    struct stat status {};
+    // Asked before the opening, because to open a device can already do something to it, and once more after it,
+    // because the name may mean another file by then.
+    if (::stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) {
+        return std::nullopt;
+    }
+    Files::Descriptor descriptor(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+    if (descriptor.get() < 0 || ::fstat(descriptor.get(), &status) != 0 || !S_ISREG(status.st_mode)) {
+        return std::nullopt;
+    }
+    return RegularFile(std::move(descriptor), status.st_size);
+}
+
+std::size_t RegularFile::readAt(std::int64_t position, std::span<char> buffer) const
+{
+    std::size_t filled = 0;
+    while (filled < buffer.size()) {
+        const ssize_t count = ::pread(
+            m_descriptor.get(), buffer.data() + filled, buffer.size() - filled, position + std::int64_t(filled));
+        if (count < 0 && errno == EINTR) {
+            continue;
+        }
+        if (count <= 0) {
+            break;
+        }
+        filled += std::size_t(count);
+    }
+    return filled;
+}
+
+FileWindow::FileWindow(const RegularFile& file, std::size_t capacity, std::size_t kept)
+    : m_file(file)
+    , m_capacity(capacity)
+    , m_kept(kept)
+    , m_bytes(std::make_unique_for_overwrite<char[]>(capacity))
+{
+}
+
+std::span<const char> FileWindow::at(std::int64_t position, std::size_t length)
+{
+    length = std::min(length, m_capacity - m_kept);
+    const bool isHeld = position >= m_start && position + std::int64_t(length) <= m_start + std::int64_t(m_length);
+    if (!isHeld) {
+        m_start = std::max<std::int64_t>(0, position - std::int64_t(m_kept));
+        m_length = m_file.readAt(m_start, {m_bytes.get(), m_capacity});
+    }
+    const std::size_t offset = std::min(std::size_t(position - m_start), m_length);
+    return {m_bytes.get() + offset, std::min(length, m_length - offset)};
+}

@@ -1,0 +1,54 @@
+// The program's settings: texts, numbers, lists and maps of texts under text keys.
+//
+// One JSON file. A change is seen by the next read at once and is handed in the same moment to a writer thread,
+// which replaces the file atomically; the UI thread never waits for the disk. Use from one thread. A file that is
+// damaged is set aside under another name, never overwritten.
+#pragma once
+
+#include <QJsonObject>
+#include <QMap>
+#include <QString>
+#include <QStringList>
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+
+class Settings {
+public:
+    /// Reads `file` if it is there. Nothing is written before the first change.
+    explicit Settings(std::filesystem::path file);
+    /// Returns when the last change is on the disk.
+    ~Settings();
+    Settings(const Settings &) = delete;
+    Settings &operator=(const Settings &) = delete;
+
+    /// Marlune/settings.json in the user's configuration folder (XDG base directories).
+    [[nodiscard]] static std::filesystem::path defaultFile();
+
+    /// Absent, or empty for the list and the map, where the key is missing or holds another type.
+    [[nodiscard]] std::optional<QString> text(const QString &key) const;
+    [[nodiscard]] std::optional<double> number(const QString &key) const;
+    [[nodiscard]] QStringList texts(const QString &key) const;
+    [[nodiscard]] QMap<QString, QString> textMap(const QString &key) const;
+
+    void setText(const QString &key, const QString &value);
+    void setNumber(const QString &key, double value);
+    void setTexts(const QString &key, const QStringList &value);
+    void setTextMap(const QString &key, const QMap<QString, QString> &value);
+    void remove(const QString &key);
+
+    /// Waits until the last change is on the disk.
+    void flush();
+    /// Called on the writer thread with a reason when a change could not be written; the values stay in memory and
+    /// go out with the next change.
+    void onWriteFailure(std::function<void(QString)> handler);
+
+private:
+    class Writer;
+    void set(const QString &key, const QJsonValue &value);
+
+    QJsonObject m_values;
+    std::unique_ptr<Writer> m_writer;
+};

@@ -1,0 +1,73 @@
+#include "platform/Settings.h"
+
+#include "platform/Files.h"
+
+#include "support/FailingDisk.h"
+#include "support/SampleDevice.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+const QString oddKey = QStringLiteral("finish-/media/a/IPOD\"") + QChar(u'\0') + QStringLiteral("ż");
+
+} // namespace
+
+TEST(Settings, comeBackAtTheNextStart)
+{
+    const TemporaryFolder folder;
+    const auto file = folder / "config/Marlune/settings.json";
+    const QString notUtf8 = Files::text(std::string("caf\xE9.mp3"));
+    {
+        Settings settings(file);
+        EXPECT_FALSE(settings.text(QStringLiteral("viewMode")));
+        settings.setText(oddKey, QStringLiteral("czarny"));
+        settings.setNumber(QStringLiteral("tileSize"), 181.5);
+        settings.setTexts(QStringLiteral("libraryPaths"), {QStringLiteral("/a/ż.mp3"), notUtf8, QString()});
+        settings.setTextMap(QStringLiteral("artworkOverrides"), {{oddKey, QStringLiteral("/x")}});
+        settings.setText(QStringLiteral("gone"), QStringLiteral("x"));
+        settings.remove(QStringLiteral("gone"));
+        EXPECT_EQ(settings.text(oddKey), QStringLiteral("czarny")); // seen at once
+    }
+    Settings settings(file);
+    EXPECT_EQ(settings.text(oddKey), QStringLiteral("czarny"));
+    EXPECT_EQ(settings.number(QStringLiteral("tileSize")), 181.5);
+    EXPECT_EQ(settings.texts(QStringLiteral("libraryPaths")), QStringList({QStringLiteral("/a/ż.mp3"), notUtf8, QString()}));
+    EXPECT_EQ(settings.textMap(QStringLiteral("artworkOverrides")).value(oddKey), QStringLiteral("/x"));
+    EXPECT_FALSE(settings.text(QStringLiteral("gone")));
+    EXPECT_FALSE(settings.text(QStringLiteral("tileSize"))); // another type
+    EXPECT_FALSE(holdsPartialFile(folder.path()));
+}
+
+TEST(Settings, setADamagedFileAside)
+{
+    const TemporaryFolder folder;
+    folder.write("settings.json", "{\"viewMode\": \"Utwo");
+    Settings settings(folder / "settings.json");
+    EXPECT_FALSE(settings.text(QStringLiteral("viewMode")));
+    settings.setText(QStringLiteral("viewMode"), QStringLiteral("Albumy"));
+    settings.flush();
+    const auto files = filesBelow(folder.path());
+    ASSERT_EQ(files.size(), 2U);
+    EXPECT_EQ(files.rbegin()->first.rfind("settings.json.damaged-", 0), 0U);
+    EXPECT_EQ(files.rbegin()->second, "{\"viewMode\": \"Utwo");
+}
+
+TEST(Settings, reportAFailureAndKeepTheOldFile)
+{
+    const TemporaryFolder folder;
+    const auto file = folder.write("settings.json", "{\"viewMode\": \"old\"}");
+    Settings settings(file);
+    std::vector<QString> reasons;
+    settings.onWriteFailure([&](const QString &reason) { reasons.push_back(reason); });
+    {
+        const FailingDisk disk(2, ENOSPC);
+        settings.setText(QStringLiteral("viewMode"), QStringLiteral("new"));
+        settings.flush();
+    }
+    ASSERT_EQ(reasons.size(), 1U);
+    EXPECT_NE(fileBytes(file).find("old"), std::string::npos);
+    settings.setText(QStringLiteral("sortMode"), QStringLiteral("Rok"));
+    settings.flush();
+    EXPECT_EQ(Settings(file).text(QStringLiteral("viewMode")), QStringLiteral("new")); // went out with the next change
+}

@@ -1,0 +1,31 @@
+// A test folder that is a device, and what lies below a folder.
+#pragma once
+
+#include "TemporaryFolder.h"
+
+#include <algorithm>
+#include <map>
+#include <string>
+
+inline void makeDevice(const TemporaryFolder &folder, const std::filesystem::path &relative = {})
+{
+    folder.write(relative / ".rockbox/rockbox-info.txt", "Target: ipodvideo\nVersion: 3.15\nBinary size: 774144\n");
+}
+
+/// All regular files below `folder` by relative path, hidden ones too, with their bytes.
+inline std::map<std::string, std::string> filesBelow(const std::filesystem::path &folder)
+{
+    std::map<std::string, std::string> files;
+    for (const auto &entry : std::filesystem::recursive_directory_iterator(folder)) {
+        if (entry.is_regular_file() && !entry.is_symlink()) {
+            files[entry.path().lexically_relative(folder).string()] = fileBytes(entry.path());
+        }
+    }
+    return files;
+}
+
+inline bool holdsPartialFile(const std::filesystem::path &folder)
+{
+    const auto files = filesBelow(folder);
+    return std::any_of(files.begin(), files.end(), [](const auto &f) { return f.first.find(".partial") != std::string::npos; });
+}

@@ -1,0 +1,11 @@
+// A Qt application object for tests that need an event loop, a D-Bus connection or standard folders.
+#include <QCoreApplication>
+
+#include <gtest/gtest.h>
+
+int main(int argc, char **argv)
+{
+    const QCoreApplication application(argc, argv);
+    testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}
