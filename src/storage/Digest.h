@@ -1,0 +1,13 @@
+// The SHA-256 of a file's content. Blocking; any thread but the UI's.
+#pragma once
+
+#include "platform/Sha256.h"
+
+#include <filesystem>
+
+namespace Storage {
+
+/// Reads the file in blocks of 1 MiB. Throws the system's failure.
+[[nodiscard]] Sha256::Digest digest(const std::filesystem::path &file);
+
+} // namespace Storage

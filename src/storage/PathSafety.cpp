@@ -1,0 +1,151 @@
+#include "storage/PathSafety.h"
+
+#include "storage/Device.h"
+
+#include "platform/Characters.h"
+#include "platform/DiskCalls.h"
+#include "platform/Files.h"
+#include "platform/MarluneError.h"
+
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cerrno>
+
+namespace {
+
+constexpr qsizetype longestName = 160; // characters
+constexpr qsizetype longestFatName = 255; // UTF-16 units
+
+const QString nameless = QStringLiteral("Bez nazwy");
+
+bool endsPath(QChar c)
+{
+    switch (c.unicode()) {
+    case u'/':
+    case u'\\':
+    case u':':
+    case u'\n':
+    case u'\r':
+    case u'\0':
+        return true;
+    default:
+        return false;
+    }
+}
+
+QChar fatCharacter(QChar c)
+{
+    static const QString refused = QStringLiteral("*:<>?\\|");
+    if (c == u'"') {
+        return u'\'';
+    }
+    // A lone surrogate stands for a byte that is no UTF-8; these volumes store UTF-16 and have no such name.
+    const bool control = c.unicode() < 0x20 || c.unicode() == 0x7F;
+    return control || refused.contains(c) ? QChar(u'_') : c;
+}
+
+QString withoutLoneSurrogates(QString name)
+{
+    for (qsizetype i = 0; i < name.size(); ++i) {
+        if (name[i].isHighSurrogate() && i + 1 < name.size() && name[i + 1].isLowSurrogate()) {
+            ++i;
+        } else if (name[i].isSurrogate()) {
+            name[i] = u'_';
+        }
+    }
+    return name;
+}
+
+/// The longest start of `name` that is at most `units` UTF-16 units and ends between two characters.
+QString cut(const QString &name, qsizetype units)
+{
+    QString result = name;
+    for (qsizetype characters = units; result.size() > units; --characters) {
+        result = firstCharacters(name, characters);
+    }
+    return result;
+}
+
+} // namespace
+
+bool isSymbolicLink(const std::filesystem::path &path)
+{
+    // lstat() of a name that ends in a separator would follow the link.
+    const std::filesystem::path item = path.has_filename() ? path : path.parent_path();
+    struct stat status {};
+    return ::lstat(item.c_str(), &status) == 0 && S_ISLNK(status.st_mode);
+}
+
+QString safeName(const QString &name)
+{
+    QString result = name;
+    std::replace_if(result.begin(), result.end(), endsPath, QChar(u'-'));
+    result = result.trimmed();
+    if (result.isEmpty() || result == QLatin1String(".") || result == QLatin1String("..")) {
+        return nameless;
+    }
+    return firstCharacters(result, longestName);
+}
+
+QString volumeName(const QString &name, Volumes::NameRules rules)
+{
+    if (rules == Volumes::NameRules::Posix) {
+        return name;
+    }
+    QString result = withoutLoneSurrogates(name);
+    std::transform(result.begin(), result.end(), result.begin(), fatCharacter);
+    result = cut(result, longestFatName);
+    const auto dropped = [](QChar c) { return c == u'.' || c == u' '; };
+    while (!result.isEmpty() && dropped(result.back())) {
+        result.chop(1);
+    }
+    return result.isEmpty() ? nameless : result;
+}
+
+namespace Storage {
+
+void rejectLinks(const std::filesystem::path &path)
+{
+    const auto refuse = [] { throw MarluneError(QStringLiteral("Paczka zawiera dowiązanie symboliczne.")); };
+    if (isSymbolicLink(path)) {
+        refuse();
+    }
+    std::error_code failure;
+    std::filesystem::recursive_directory_iterator item(
+        path, std::filesystem::directory_options::skip_permission_denied, failure);
+    for (; !failure && item != std::filesystem::recursive_directory_iterator(); item.increment(failure)) {
+        if (isSymbolicLink(item->path())) {
+            refuse();
+        }
+    }
+}
+
+std::filesystem::path directory(const std::filesystem::path &relative, const std::filesystem::path &root)
+{
+    (void)Device::inspect(root);
+    std::filesystem::path current = root;
+    for (const std::filesystem::path &piece : relative.relative_path()) {
+        if (piece.empty()) {
+            continue;
+        }
+        if (piece == "." || piece == "..") {
+            throw MarluneError(QStringLiteral("Nieprawidłowa ścieżka."));
+        }
+        current /= piece;
+        if (isSymbolicLink(current)) {
+            throw MarluneError(QStringLiteral("Ścieżka zawiera dowiązanie: ") + Files::name(current));
+        }
+        if (!Files::exists(current)) {
+            if (diskCalls().mkdir(current.c_str(), 0777) != 0) {
+                const std::error_code failure(errno, std::generic_category());
+                throw std::filesystem::filesystem_error("mkdir", current, failure);
+            }
+        } else if (!Files::isDirectory(current)) {
+            throw MarluneError(QStringLiteral("Folder jest zajęty przez plik: ") + Files::name(current));
+        }
+    }
+    return current;
+}
+
+} // namespace Storage

@@ -1,0 +1,37 @@
+// What may serve as a name on a device, and which paths may be walked and written without leaving it.
+//
+// Blocking, no state, any thread but the UI's.
+#pragma once
+
+#include "platform/Volumes.h"
+
+#include <QString>
+
+#include <filesystem>
+
+/// Whether the item itself is a symbolic link; false also where it cannot be queried.
+[[nodiscard]] bool isSymbolicLink(const std::filesystem::path &path);
+
+/// Turns one untrusted text into one path component, never empty: path separators, colons and line ends become "-",
+/// outer white space goes, "." and ".." and nothing become "Bez nazwy", and 160 characters stay. It knows nothing of
+/// extensions: a longer file name loses its own.
+[[nodiscard]] QString safeName(const QString &name);
+
+/// The second step for a name on a volume with these rules. On FAT and exFAT it does what the firmware does when it
+/// looks for a cover by its album's name: `"` becomes `'`, each of * : < > ? \ | and every control character becomes
+/// "_", trailing dots and blanks go; what is longer than 255 UTF-16 units is cut. Elsewhere the name stays.
+[[nodiscard]] QString volumeName(const QString &name, Volumes::NameRules rules);
+
+namespace Storage {
+
+/// Refuses a tree that holds any symbolic link, at any depth, hidden or dangling. Items that cannot be queried are
+/// passed over. Throws MarluneError.
+void rejectLinks(const std::filesystem::path &path);
+
+/// Makes sure that the folder `relative` exists under the device at `root` and that no link lies on the way; returns it.
+/// Pieces are made as they are: safeName() is the caller's duty. Folders made before a refusal stay.
+/// Throws MarluneError, or the system's failure.
+[[nodiscard]] std::filesystem::path directory(
+    const std::filesystem::path &relative, const std::filesystem::path &root);
+
+} // namespace Storage

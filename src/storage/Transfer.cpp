@@ -1,0 +1,148 @@
+#include "storage/Transfer.h"
+
+#include "storage/Device.h"
+#include "storage/Digest.h"
+#include "storage/PathSafety.h"
+#include "storage/Writers.h"
+
+#include "platform/DiskCalls.h"
+#include "platform/Files.h"
+#include "platform/MarluneError.h"
+
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <cstdint>
+
+namespace {
+
+/// Makes names for one volume.
+class Names {
+public:
+    explicit Names(Volumes::NameRules rules)
+        : m_rules(rules)
+    {
+    }
+
+    [[nodiscard]] std::filesystem::path folder(const TransferFile &file) const
+    {
+        std::filesystem::path relative = std::filesystem::path("Music") / component(safeName(file.artist))
+            / component(safeName(file.album));
+        if (file.discFolder) {
+            relative /= component(safeName(*file.discFolder));
+        }
+        return relative;
+    }
+
+    [[nodiscard]] std::filesystem::path file(const std::filesystem::path &source) const
+    {
+        return component(safeName(Files::name(source)));
+    }
+
+    /// The name to try when all before it are taken: "NAME (2).EXT". Without an extension the dot stays.
+    [[nodiscard]] std::filesystem::path numbered(const std::filesystem::path &source, int number) const
+    {
+        return component(safeName(Files::baseName(source)) + QStringLiteral(" (") + QString::number(number)
+            + QStringLiteral(").") + Files::extension(source));
+    }
+
+private:
+    [[nodiscard]] std::filesystem::path component(const QString &name) const
+    {
+        return Files::fromText(volumeName(name, m_rules));
+    }
+
+    Volumes::NameRules m_rules;
+};
+
+struct Destination {
+    std::filesystem::path path;
+    bool identical = false; ///< the same content stands there already
+};
+
+/// The first of the names for `source` in `folder` that is free or holds the same content.
+Destination findDestination(
+    const std::filesystem::path &source, const std::filesystem::path &folder, const Names &names)
+{
+    std::filesystem::path candidate = folder / names.file(source);
+    for (int number = 2; Files::exists(candidate); ++number) {
+        if (isSymbolicLink(candidate)) {
+            throw MarluneError(QStringLiteral("Plik docelowy jest dowiązaniem symbolicznym."));
+        }
+        if (Storage::digest(source) == Storage::digest(candidate)) {
+            return {candidate, true};
+        }
+        candidate = folder / names.numbered(source, number);
+    }
+    return {candidate, false};
+}
+
+/// Copies under a hidden name, looks again that the device is still there, and gives the final name in one step.
+void copyInto(const std::filesystem::path &source, const std::filesystem::path &destination,
+    const std::filesystem::path &root)
+{
+    const std::filesystem::path temporary = destination.parent_path() / Files::temporaryName();
+    try {
+        Storage::copyAudioBytes(source, temporary);
+        (void)Device::inspect(root);
+        if (diskCalls().renameExclusive(temporary.c_str(), destination.c_str()) != 0) {
+            const std::error_code failure(errno, std::generic_category());
+            throw std::filesystem::filesystem_error("rename", destination, failure);
+        }
+    } catch (...) {
+        diskCalls().unlink(temporary.c_str());
+        throw;
+    }
+}
+
+/// A missing source ends the run here, before anything is written. A link counts as itself; it is refused later.
+std::int64_t totalSize(std::span<const TransferFile> files)
+{
+    std::int64_t total = 0;
+    for (const TransferFile &file : files) {
+        struct stat status {};
+        if (::lstat(file.source.c_str(), &status) != 0) {
+            const std::error_code failure(errno, std::generic_category());
+            throw std::filesystem::filesystem_error("size", file.source, failure);
+        }
+        total += status.st_size;
+    }
+    return total;
+}
+
+} // namespace
+
+namespace Storage {
+
+TransferResult transfer(
+    std::span<const TransferFile> files, const std::filesystem::path &root, const TransferProgress &progress)
+{
+    (void)Device::inspect(root);
+    const std::int64_t total = totalSize(files);
+    // Files that are on the device already count too: to leave them out would cost a pass over all content.
+    if (total >= Device::inspect(root).available) {
+        throw MarluneError(QStringLiteral("Za mało wolnego miejsca na cały transfer."));
+    }
+    const Names names(Volumes::nameRules(root));
+    TransferResult result;
+    result.destinations.reserve(files.size());
+    for (const TransferFile &file : files) {
+        (void)Device::inspect(root);
+        if (isSymbolicLink(file.source)) {
+            throw MarluneError(QStringLiteral("Import dowiązań nie jest obsługiwany."));
+        }
+        const std::filesystem::path folder = directory(names.folder(file), root);
+        Destination destination = findDestination(file.source, folder, names);
+        if (destination.identical) {
+            ++result.skipped;
+        } else {
+            copyInto(file.source, destination.path, root);
+            ++result.copied;
+        }
+        result.destinations.push_back(std::move(destination.path));
+        progress(int(result.destinations.size()), int(files.size()));
+    }
+    return result;
+}
+
+} // namespace Storage

@@ -1,0 +1,44 @@
+// Copies chosen music onto the device and never replaces a file that is already there.
+//
+// Stopping at any point leaves only complete files: a file gets its final name in one rename, after its bytes are on
+// the medium. A file that is there already is known by its content and skipped, so a run that was cut short is
+// resumed by running it again. Blocking; no state; any thread but the UI's.
+#pragma once
+
+#include <QString>
+
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <span>
+#include <vector>
+
+/// One file planned for the device. The three texts become folder names through safeName().
+struct TransferFile {
+    std::filesystem::path source;
+    QString artist;
+    QString album;
+    std::optional<QString> discFolder; ///< absent for an album of one disc
+
+    bool operator==(const TransferFile &) const = default;
+};
+
+/// The outcome of a finished run; the two counts add up to the number of files asked for.
+struct TransferResult {
+    int copied = 0;
+    int skipped = 0; ///< found on the device with identical content
+    std::vector<std::filesystem::path> destinations; ///< where each file now is on the device, in input order
+};
+
+namespace Storage {
+
+using TransferProgress = std::function<void(int done, int total)>;
+
+/// Copies `files` to Music/ARTIST/ALBUM[/DISC]/ of the device at `root`, inspecting the device before each step.
+/// `progress` runs on the calling thread after each file and must return quickly.
+/// Throws MarluneError (a text for the user) or std::system_error (the system's own) at the first failure; files
+/// finished by then stay.
+[[nodiscard]] TransferResult transfer(
+    std::span<const TransferFile> files, const std::filesystem::path &root, const TransferProgress &progress);
+
+} // namespace Storage

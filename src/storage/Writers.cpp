@@ -1,0 +1,31 @@
+#include "storage/Writers.h"
+
+#include "storage/Blocks.h"
+
+#include "platform/Files.h"
+
+#include <fcntl.h>
+
+namespace Storage {
+
+void writeBytes(const QByteArray &bytes, const std::filesystem::path &destination)
+{
+    Files::writeAtomically(destination, {bytes.constData(), std::size_t(bytes.size())});
+}
+
+void copyAudioBytes(const std::filesystem::path &source, const std::filesystem::path &destination)
+{
+    const Files::Descriptor from = Files::openForReading(source);
+    const Files::Descriptor to = Files::createExclusively(destination);
+    off_t written = 0;
+    forEachBlock(from.get(), [&](std::span<const char> block) {
+        Files::writeFully(to.get(), block);
+        // Starts the transport to the medium now, so that little is left to wait for at the end. Only a hint: not
+        // every file system knows it.
+        (void)::sync_file_range(to.get(), written, off_t(block.size()), SYNC_FILE_RANGE_WRITE);
+        written += off_t(block.size());
+    });
+    Files::synchronise(to.get());
+}
+
+} // namespace Storage

@@ -1,0 +1,82 @@
+#include "storage/Device.h"
+
+#include "platform/Volumes.h"
+
+#include "support/Messages.h"
+#include "support/SampleDevice.h"
+
+#include <gtest/gtest.h>
+
+TEST(DeviceInspection, readsWhatTheFolderSays)
+{
+    const TemporaryFolder folder;
+    makeDevice(folder, "IPOD");
+    const Device device = Device::inspect(folder / "IPOD");
+    EXPECT_EQ(device.root, folder / "IPOD");
+    EXPECT_EQ(device.name, QStringLiteral("IPOD"));
+    EXPECT_EQ(device.version, QStringLiteral("3.15"));
+    EXPECT_GT(device.available, 0);
+    EXPECT_GE(device.total, device.available);
+    EXPECT_FALSE(device.isVolume);
+    EXPECT_EQ(Device::inspect((folder / "IPOD").string() + "/").name, device.name);
+}
+
+TEST(DeviceInspection, isAVolumeOnlyDirectlyInAMountFolder)
+{
+    const TemporaryFolder folder;
+    makeDevice(folder, "media/IPOD");
+    makeDevice(folder, "media/IPOD/deeper");
+    Volumes::setMountFolders({folder / "media"});
+    EXPECT_TRUE(Device::inspect(folder / "media/IPOD").isVolume);
+    EXPECT_FALSE(Device::inspect(folder / "media/IPOD/deeper").isVolume);
+    Volumes::setMountFolders({});
+}
+
+TEST(DeviceInspection, refusesWhatIsNoDevice)
+{
+    const TemporaryFolder folder;
+    makeDevice(folder, "real");
+    folder.write("file/.rockbox", "a file");
+    std::filesystem::create_directories(folder / "empty");
+    std::filesystem::create_directories(folder / "linked");
+    std::filesystem::create_directory_symlink(folder / "real", folder / "link");
+    std::filesystem::create_directory_symlink(folder / "real/.rockbox", folder / "linked/.rockbox");
+    const std::string none = "Ten folder nie zawiera katalogu .rockbox.";
+    const std::string link = "Folder urządzenia nie może być dowiązaniem symbolicznym.";
+    const std::pair<const char *, std::string> rows[]
+        = {{"empty", none}, {"missing", none}, {"file", none}, {"link", link}, {"link/", link}, {"linked", link}};
+    for (const auto &[name, message] : rows) {
+        EXPECT_EQ(messageOf([&] { (void)Device::inspect(folder / name); }), message) << name;
+    }
+}
+
+TEST(DeviceInspection, findsTheVersionInTheInfoFile)
+{
+    const std::string unknown = "wersja nieznana";
+    const std::pair<std::string, std::string> rows[] = {
+        {"Target: x\r\nVersion: 3.15\r\nMemory: 64\r\n", "3.15"},
+        {"Version:", ""},
+        {"Version: Version: x", "x"},
+        {"Version:\t a b \nVersion: later", "a b"},
+        {"x\xC2\x85Version: next line", "next line"},
+        {"x\xE2\x80\xA8Version: line separator", "line separator"},
+        {"version: 3.15", unknown},
+        {" Version: 3.15", unknown},
+        {"Version: \xFF", unknown},
+        {"", unknown},
+    };
+    for (const auto &[bytes, version] : rows) {
+        EXPECT_EQ(Device::versionFrom(QByteArray::fromStdString(bytes)).toStdString(), version) << bytes;
+    }
+}
+
+TEST(DeviceInspection, doesWithoutAnInfoFile)
+{
+    const TemporaryFolder folder;
+    std::filesystem::create_directories(folder / "a/.rockbox");
+    std::filesystem::create_directories(folder / "b/.rockbox/rockbox-info.txt");
+    folder.write("c/.rockbox/rockbox-info.txt", "Version: 1\n" + std::string(2'000'000, 'x'));
+    for (const char *name : {"a", "b", "c"}) {
+        EXPECT_EQ(Device::inspect(folder / name).version, QStringLiteral("wersja nieznana")) << name;
+    }
+}

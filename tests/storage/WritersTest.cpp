@@ -1,0 +1,164 @@
+#include "storage/Digest.h"
+#include "storage/Writers.h"
+
+#include "support/FailingDisk.h"
+#include "support/Messages.h"
+#include "support/SampleDevice.h"
+
+#include <gtest/gtest.h>
+
+#include <sys/resource.h>
+
+#include <csignal>
+
+namespace {
+
+/// As long as it lives, no file grows past `bytes`: the kernel's answer is that of a full disk.
+class SmallDisk {
+public:
+    explicit SmallDisk(rlim_t bytes)
+        : m_handler(std::signal(SIGXFSZ, SIG_IGN))
+    {
+        ::getrlimit(RLIMIT_FSIZE, &m_before);
+        const rlimit limit {.rlim_cur = bytes, .rlim_max = m_before.rlim_max};
+        EXPECT_EQ(::setrlimit(RLIMIT_FSIZE, &limit), 0);
+    }
+    ~SmallDisk()
+    {
+        ::setrlimit(RLIMIT_FSIZE, &m_before);
+        std::signal(SIGXFSZ, m_handler);
+    }
+    SmallDisk(const SmallDisk &) = delete;
+    SmallDisk &operator=(const SmallDisk &) = delete;
+
+private:
+    rlimit m_before {};
+    void (*m_handler)(int);
+};
+
+std::string hex(const Sha256::Digest &digest)
+{
+    const QByteArray bytes(reinterpret_cast<const char *>(digest.data()), qsizetype(digest.size()));
+    return bytes.toHex().toStdString();
+}
+
+} // namespace
+
+TEST(WriteBytes, leavesTheOldFileOrTheNewWhicheverCallFails)
+{
+    for (const bool replaces : {false, true}) {
+        for (int failAt = 1;; ++failAt) {
+            const TemporaryFolder folder;
+            if (replaces) {
+                folder.write("file", "old");
+            }
+            const FailingDisk disk(failAt);
+            const std::string failure = failureOf([&] { Storage::writeBytes("new bytes", folder / "file"); });
+            const auto files = filesBelow(folder.path());
+            if (!FailingDisk::reached()) {
+                ASSERT_GT(failAt, 4); // open, write, fsync, close, rename
+                EXPECT_EQ(failure, "");
+                EXPECT_EQ(files, (std::map<std::string, std::string> {{"file", "new bytes"}}));
+                break;
+            }
+            EXPECT_NE(failure, "");
+            const std::map<std::string, std::string> old {{"file", "old"}};
+            EXPECT_EQ(files, replaces ? old : decltype(old) {}) << "call " << failAt;
+        }
+    }
+}
+
+TEST(WriteBytes, keepsTheOldFileOnAFullDisk)
+{
+    const TemporaryFolder folder;
+    folder.write("file", "old");
+    {
+        const SmallDisk disk(100'000);
+        EXPECT_NE(failureOf([&] { Storage::writeBytes(QByteArray(300'000, 'x'), folder / "file"); }), "");
+    }
+    EXPECT_EQ(filesBelow(folder.path()), (std::map<std::string, std::string> {{"file", "old"}}));
+}
+
+TEST(WriteBytes, refusesFoldersAndReplacesLinksNotTheirTargets)
+{
+    const TemporaryFolder folder;
+    folder.write("target", "precious");
+    std::filesystem::create_symlink("target", folder / "link");
+    Storage::writeBytes("new", folder / "link");
+    EXPECT_FALSE(std::filesystem::is_symlink(folder / "link"));
+    EXPECT_EQ(fileBytes(folder / "target"), "precious");
+    folder.write("folder/inside", "x");
+    EXPECT_NE(failureOf([&] { Storage::writeBytes("new", folder / "folder"); }), "");
+    EXPECT_NE(failureOf([&] { Storage::writeBytes("new", folder / "missing/file"); }), "");
+    EXPECT_FALSE(holdsPartialFile(folder.path()));
+    EXPECT_EQ(fileBytes(folder / "folder/inside"), "x");
+}
+
+TEST(CopyAudioBytes, copiesEverySizeAroundABlock)
+{
+    for (const std::size_t size : {0UL, 1UL, 0xFFFFFUL, 0x100000UL, 0x100001UL, 0x2800000UL}) {
+        const TemporaryFolder folder;
+        std::string bytes(size, '\0');
+        for (std::size_t i = 0; i < size; ++i) {
+            bytes[i] = char(i * 31 % 251);
+        }
+        folder.write("source", bytes);
+        Storage::copyAudioBytes(folder / "source", folder / "copy");
+        EXPECT_TRUE(fileBytes(folder / "copy") == bytes) << size;
+    }
+}
+
+TEST(CopyAudioBytes, neverTouchesWhatIsThere)
+{
+    const TemporaryFolder folder;
+    folder.write("source", "new");
+    folder.write("taken", "old");
+    folder.write("target", "precious");
+    std::filesystem::create_symlink("target", folder / "link");
+    std::filesystem::create_symlink("nowhere", folder / "dangling");
+    const auto before = filesBelow(folder.path());
+    for (const char *name : {"taken", "link", "dangling", "missing/file"}) {
+        EXPECT_NE(failureOf([&] { Storage::copyAudioBytes(folder / "source", folder / name); }), "") << name;
+    }
+    EXPECT_NE(failureOf([&] { Storage::copyAudioBytes(folder / "nothing", folder / "copy"); }), "");
+    EXPECT_EQ(filesBelow(folder.path()), before);
+}
+
+TEST(CopyAudioBytes, reportsEveryFailureAndKeepsTheSource)
+{
+    for (int failAt = 1;; ++failAt) {
+        const TemporaryFolder folder;
+        const std::string bytes(2'500'000, 'x');
+        folder.write("source", bytes);
+        const FailingDisk disk(failAt);
+        const std::string failure = failureOf([&] { Storage::copyAudioBytes(folder / "source", folder / "copy"); });
+        ASSERT_TRUE(fileBytes(folder / "source") == bytes);
+        if (!FailingDisk::reached()) {
+            EXPECT_EQ(failAt, 6); // open, three blocks, fsync
+            EXPECT_TRUE(fileBytes(folder / "copy") == bytes);
+            break;
+        }
+        EXPECT_NE(failure, "") << "call " << failAt;
+    }
+    const TemporaryFolder folder;
+    folder.write("source", std::string(300'000, 'x'));
+    const SmallDisk disk(100'000);
+    EXPECT_NE(failureOf([&] { Storage::copyAudioBytes(folder / "source", folder / "copy"); }), "");
+}
+
+TEST(Digest, isTheStandards)
+{
+    const TemporaryFolder folder;
+    // FIPS 180-4 examples: the empty text, "abc", and a million times "a", which spans blocks with the size below.
+    const std::pair<std::string, const char *> rows[] = {
+        {"", "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855"},
+        {"abc", "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad"},
+        {std::string(1'000'000, 'a'), "cdc76e5c9914fb9281a1c7e284d73e67f1809a48a497200e046d39ccc7112cd0"},
+        {std::string(0x100000, 'a'), "9bc1b2a288b26af7257a36277ae3816a7d4f16e89c1e7e77d0a5c48bad62b360"},
+    };
+    for (const auto &[bytes, digest] : rows) {
+        EXPECT_EQ(hex(Storage::digest(folder.write("file", bytes))), digest) << bytes.size();
+    }
+    EXPECT_NE(failureOf([&] { (void)Storage::digest(folder / "missing"); }), "");
+    EXPECT_NE(failureOf([&] { (void)Storage::digest(folder.path()); }), "");
+}
