@@ -1,0 +1,199 @@
+#include "audio/AudioInfo.h"
+
+#include "platform/Files.h"
+
+#include "support/FlacBytes.h"
+#include "support/Messages.h"
+#include "support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using namespace FlacBytes;
+
+namespace {
+
+AudioInfo read(std::string_view bytes)
+{
+    const TemporaryFolder folder;
+    return AudioInfo::readFLAC(folder.write("a.flac", bytes));
+}
+
+std::string message(std::string_view bytes)
+{
+    return messageOf([&] { (void)read(bytes); });
+}
+
+AudioInfo readComments(const std::vector<std::string> &list)
+{
+    return read("fLaC" + block(4, comments(list), true));
+}
+
+bool isSane(const AudioInfo &info)
+{
+    return info.codec == QStringLiteral("FLAC") && info.sampleRate >= 0 && info.bitDepth >= 0 && info.duration >= 0
+        && info.bitrate == 0 && info.trackNumber >= 0 && info.discNumber >= 0 && info.year.size() <= 16;
+}
+
+std::string goodHead()
+{
+    return "fLaC" + block(0, streamInfo(44100, 16, 441000)) + block(3, std::string(36, 's'))
+        + block(4, comments({"TITLE=Światło", "ARTIST=Żaneta", "TRACKNUMBER=3/12", "DISCNUMBER=2", "DATE=2001-05-04"}))
+        + block(6, picture(3, "JPEG bytes")) + block(1, std::string(20, '\0'), true);
+}
+
+} // namespace
+
+TEST(FlacReader, readsAllThatTheHeadHolds)
+{
+    const AudioInfo info = read(goodHead() + "audio frames");
+    EXPECT_EQ(info.sampleRate, 44100);
+    EXPECT_EQ(info.bitDepth, 16);
+    EXPECT_EQ(info.duration, 10.0);
+    EXPECT_EQ(info.bitrate, 0);
+    EXPECT_EQ(info.trackNumber, 3);
+    EXPECT_EQ(info.discNumber, 2);
+    EXPECT_EQ(info.year, QStringLiteral("2001"));
+    EXPECT_EQ(info.tags.value(QStringLiteral("TITLE")), QStringLiteral("Światło"));
+    EXPECT_EQ(info.picture, QByteArray("JPEG bytes"));
+}
+
+TEST(FlacReader, refusesWhatIsNoFlacOrDoesNotFitTogether)
+{
+    const std::string noHeader = "Nieprawidłowy nagłówek FLAC.";
+    const std::string damaged = "Nieprawidłowe metadane FLAC.";
+    EXPECT_EQ(message(""), noHeader);
+    EXPECT_EQ(message("fLa"), noHeader);
+    EXPECT_EQ(message("fLaX" + block(0, "")), noHeader);
+    EXPECT_EQ(message("fLaC"), "");
+    EXPECT_EQ(message("fLaC" + block(1, "").substr(0, 3)), "");
+    EXPECT_EQ(message("fLaC" + block(1, "12345").substr(0, 8)), damaged);
+    EXPECT_EQ(message("fLaC" + block(1, "") + block(0, streamInfo(44100, 16, 0), true)), "");
+    const TemporaryFolder folder;
+    EXPECT_NE(failureOf([&] { (void)AudioInfo::readFLAC(folder.path()); }), "");
+    EXPECT_NE(failureOf([&] { (void)AudioInfo::readFLAC(folder / "missing.flac"); }), "");
+    ASSERT_EQ(::mkfifo((folder / "pipe.flac").c_str(), 0600), 0);
+    EXPECT_NE(failureOf([&] { (void)AudioInfo::readFLAC(folder / "pipe.flac"); }), "");
+}
+
+TEST(FlacReader, stopsAtThirtyTwoMillionBytesOfMetadata)
+{
+    const std::string padding = block(1, std::string(16'000'000, '\0'));
+    EXPECT_EQ(message("fLaC" + padding + block(1, std::string(15'999'999, '\0'), true)), "");
+    EXPECT_EQ(message("fLaC" + padding + block(1, std::string(16'000'000, '\0'), true)), "Nieprawidłowe metadane FLAC.");
+}
+
+TEST(FlacReader, takesStreamInfoOnlyOfItsSize)
+{
+    const std::string body = streamInfo(44100, 24, 44100);
+    for (const std::string &odd : {body.substr(1), body + 'x', std::string()}) {
+        const AudioInfo info = read("fLaC" + block(0, odd) + block(4, comments({"TITLE=x"}), true));
+        EXPECT_EQ(std::tuple(info.sampleRate, info.bitDepth, info.duration), std::tuple(0, 0, 0.0));
+        EXPECT_EQ(info.tags.size(), 1);
+    }
+    const AudioInfo zero = read("fLaC" + block(0, streamInfo(0, 16, 1000), true));
+    EXPECT_EQ(std::tuple(zero.sampleRate, zero.bitDepth, zero.duration), std::tuple(0, 16, 0.0));
+    const AudioInfo last = read("fLaC" + block(0, body) + block(0, streamInfo(1048575, 32, 0xFFFFFFFFF), true));
+    EXPECT_EQ(std::tuple(last.sampleRate, last.bitDepth), std::tuple(1048575, 32));
+    EXPECT_NEAR(last.duration, 65536.06, 0.01);
+}
+
+TEST(FlacReader, takesCommentsApart)
+{
+    using Tags = QHash<QString, QString>;
+    const auto q = [](const char *text) { return QString::fromUtf8(text); };
+    EXPECT_EQ(readComments({"title=A=B", "=x", "novalue", "empty=", "żó=1", "bad\xFF=1"}).tags,
+        (Tags {{q("TITLE"), q("A=B")}, {q(""), q("x")}, {q("EMPTY"), q("")}, {q("ŻÓ"), q("1")}}));
+    EXPECT_EQ(readComments({"artist=A", "ARTIST=B"}).tags, (Tags {{q("ARTIST"), q("B")}}));
+    EXPECT_EQ(read("fLaC" + block(4, comments({"a=1", "b=1"})) + block(4, comments({"b=2"}), true)).tags,
+        (Tags {{q("A"), q("1")}, {q("B"), q("2")}}));
+    EXPECT_EQ(readComments({}).tags, Tags());
+    EXPECT_EQ(readComments(std::vector<std::string>(9'999, "a=1")).tags.size(), 1);
+    EXPECT_EQ(readComments(std::vector<std::string>(10'000, "a=1")).tags.size(), 0);
+    // Lengths that lie: what came before them stands.
+    const std::string list = comments({"a=1", "b=2"});
+    EXPECT_EQ(read("fLaC" + block(4, list.substr(0, list.size() - 1), true)).tags, (Tags {{q("A"), q("1")}}));
+    EXPECT_EQ(read("fLaC" + block(4, little(0xFFFFFFFF) + "x", true)).tags, Tags());
+    EXPECT_EQ(read("fLaC" + block(4, little(0) + little(2) + little(3) + "a=1" + little(0xFFFFFFFF), true)).tags,
+        (Tags {{q("A"), q("1")}}));
+}
+
+TEST(FlacReader, parsesNumbersAndYears)
+{
+    const std::pair<const char *, std::int64_t> numbers[] = {{"03", 3}, {"3/12", 3}, {"/12", 12}, {"+7", 7}, {"A1", 0},
+        {" 3", 0}, {"3 ", 0}, {"", 0}, {"/", 0}, {"-", 0}, {"-3", 0}, {"9223372036854775807", INT64_MAX},
+        {"9223372036854775808", 0}, {"٣", 0}, {"1.5", 0}};
+    for (const auto &[text, number] : numbers) {
+        const std::string value = text;
+        const AudioInfo info = readComments({"TRACKNUMBER=" + value, "DISCNUMBER=" + value});
+        EXPECT_EQ(info.trackNumber, number) << value;
+        EXPECT_EQ(info.discNumber, number) << value;
+    }
+    EXPECT_EQ(readComments({"DATE=99", "YEAR=1999"}).year, QStringLiteral("99"));
+    EXPECT_EQ(readComments({"DATE=", "YEAR=1999"}).year, QString());
+    EXPECT_EQ(readComments({"YEAR=1999-01"}).year, QStringLiteral("1999"));
+    EXPECT_EQ(readComments({}).year, QString());
+}
+
+TEST(FlacReader, choosesTheFrontCover)
+{
+    const std::pair<std::vector<std::uint32_t>, const char *> rows[] = {
+        {{4, 3, 5}, "1"}, {{4, 5}, "0"}, {{3, 3}, "1"}, {{3, 4}, "0"}, {{0}, "0"}};
+    for (const auto &[types, chosen] : rows) {
+        std::string bytes = "fLaC";
+        for (std::size_t i = 0; i < types.size(); ++i) {
+            bytes += block(6, picture(types[i], std::to_string(i)));
+        }
+        EXPECT_EQ(read(bytes).picture, QByteArray(chosen));
+    }
+    const std::string largest(10'000'000, 'p');
+    EXPECT_EQ(read("fLaC" + block(6, picture(3, largest), true)).picture->size(), 10'000'000);
+    EXPECT_EQ(read("fLaC" + block(6, picture(4, "small")) + block(6, picture(3, largest + 'p'), true)).picture,
+        QByteArray("small"));
+    // Lengths that lie take nothing.
+    const std::string good = picture(3, "data");
+    for (std::size_t cut = 0; cut < good.size(); ++cut) {
+        EXPECT_FALSE(read("fLaC" + block(6, good.substr(0, cut), true)).picture) << cut;
+    }
+    EXPECT_EQ(read("fLaC" + block(6, picture(3, ""), true)).picture, QByteArray(""));
+}
+
+TEST(FlacReader, survivesEveryTruncation)
+{
+    const std::string head = goodHead();
+    int whole = 0;
+    for (std::size_t size = 0; size <= head.size(); ++size) {
+        const TemporaryFolder folder;
+        const auto file = folder.write("a.flac", std::string_view(head).substr(0, size));
+        try {
+            EXPECT_TRUE(isSane(AudioInfo::readFLAC(file))) << size;
+            ++whole;
+        } catch (const MarluneError &) { // the usual answer
+        }
+    }
+    EXPECT_EQ(whole, 5 * 4 + 1); // cuts in or before one of five block headers, and none
+}
+
+TEST(FlacReader, survivesEveryChangeOfOneByte)
+{
+    const TemporaryFolder folder;
+    const std::string head = goodHead();
+    const auto file = folder.write("a.flac", head);
+    const Files::Descriptor descriptor(::open(file.c_str(), O_WRONLY));
+    ASSERT_GE(descriptor.get(), 0);
+    for (std::size_t position = 0; position < head.size(); ++position) {
+        for (int change = 1; change < 256; ++change) {
+            const char changed = char(head[position] ^ change);
+            ASSERT_EQ(::pwrite(descriptor.get(), &changed, 1, off_t(position)), 1);
+            try {
+                ASSERT_TRUE(isSane(AudioInfo::readFLAC(file))) << position << " ^ " << change;
+            } catch (const MarluneError &) { // the usual answer
+            }
+        }
+        ASSERT_EQ(::pwrite(descriptor.get(), &head[position], 1, off_t(position)), 1);
+    }
+    EXPECT_EQ(AudioInfo::readFLAC(file).trackNumber, 3);
+}

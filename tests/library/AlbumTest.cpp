@@ -1,0 +1,46 @@
+#include "library/Album.h"
+
+#include "support/Messages.h"
+#include "support/SampleTracks.h"
+
+#include <QBuffer>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+QByteArray png(int width, int height)
+{
+    QImage image(width, height, QImage::Format_RGB32);
+    image.fill(Qt::red);
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    EXPECT_TRUE(image.save(&buffer, "PNG"));
+    return bytes;
+}
+
+} // namespace
+
+TEST(Album, isIdentifiedByItsGroupElseByNamesAndFolder)
+{
+    Album album {.artist = QStringLiteral("A"), .title = QStringLiteral("T"), .tracks = {}, .groupID = {}};
+    const QChar nul(u'\0');
+    EXPECT_EQ(album.id(), QStringLiteral("A") + nul + QStringLiteral("T") + nul);
+    album.tracks = makeTracks({{"one/a.mp3"}, {"two/b.mp3"}});
+    EXPECT_EQ(album.id(), QStringLiteral("A") + nul + QStringLiteral("T") + nul + QStringLiteral("/music/one"));
+    album.groupID = QStringLiteral("key");
+    EXPECT_EQ(album.id(), QStringLiteral("key"));
+}
+
+TEST(Album, showsTheFirstArtworkOrNone)
+{
+    Album album;
+    album.tracks = makeTracks({{"a.mp3"}, {"b.mp3"}, {"c.mp3"}});
+    EXPECT_TRUE(album.artwork(100).isNull());
+    album.tracks[2].artwork = png(400, 200);
+    EXPECT_EQ(album.artwork(100).size(), QSize(100, 50));
+    EXPECT_EQ(album.artwork(1000).size(), QSize(400, 200));
+    album.tracks[1].artwork = "no picture";
+    EXPECT_TRUE(album.artwork(100).isNull());
+}
