@@ -1,0 +1,6 @@
+#include "ui/MarluneApp.h"
+
+int main(int argc, char **argv)
+{
+    return MarluneApp::run(argc, argv);
+}

@@ -1,0 +1,230 @@
+// How devices are found, chosen, lost and ejected.
+#include "model/Model.h"
+
+#include "platform/Files.h"
+#include "platform/MarluneError.h"
+#include "platform/Volumes.h"
+
+#include <QPointer>
+#include <QTimer>
+
+#include <algorithm>
+
+std::vector<Device> discoverDevices()
+{
+    std::vector<Device> devices;
+    for (const std::filesystem::path &volume : Volumes::mounted()) {
+        try {
+            devices.push_back(Device::inspect(volume));
+        } catch (const MarluneError &) { // any other disk
+        } catch (const std::system_error &) { // a disk that just left
+        }
+    }
+    return devices;
+}
+
+void MarluneModel::refresh()
+{
+    if (m_refreshing) {
+        return;
+    }
+    m_refreshing = true;
+    runRefresh();
+    QTimer::singleShot(m_environment.discoveryPatience, this, [this] {
+        if (m_refreshing) {
+            setStatus(
+                QStringLiteral("Urządzenie nie odpowiada. Możesz nadal korzystać z biblioteki i poradnika."));
+        }
+    });
+    readBackups();
+}
+
+QCoro::Task<> MarluneModel::runRefresh()
+{
+    const QPointer<MarluneModel> self(this);
+    std::vector<Device> found;
+    try {
+        auto discover = [discovery = m_environment.deviceDiscovery] { return discovery(); };
+        found = co_await background(discover, JobPriority::Utility);
+    } catch (const std::exception &) {
+        found.clear(); // no device could be read: the list is empty
+    }
+    if (self) {
+        landDevices(std::move(found));
+    }
+}
+
+void MarluneModel::landDevices(std::vector<Device> found)
+{
+    m_refreshing = false;
+    const bool changed = m_devices != found;
+    m_devices = std::move(found);
+    if (m_device && m_device->isVolume) {
+        const auto same = std::find_if(m_devices.begin(), m_devices.end(),
+            [this](const Device &device) { return device.root == m_device->root; });
+        if (same != m_devices.end()) {
+            setDevice(*same);
+        } else if (!m_ejecting) {
+            disconnect();
+        }
+    }
+    if (!m_device && m_devices.size() == 1) {
+        setDevice(m_devices.front());
+    }
+    if (changed) {
+        Q_EMIT devicesChanged();
+    }
+}
+
+void MarluneModel::readBackups()
+{
+    std::vector<std::filesystem::path> backups;
+    std::error_code failure;
+    std::filesystem::directory_iterator entry(m_environment.supportFolder / "Marlune" / "Backups", failure);
+    for (; !failure && entry != std::filesystem::directory_iterator(); entry.increment(failure)) {
+        if (!entry->path().filename().native().starts_with('.')) {
+            backups.push_back(entry->path());
+        }
+    }
+    // Their names begin with the date.
+    std::sort(backups.begin(), backups.end(), [](const auto &a, const auto &b) { return a.filename() > b.filename(); });
+    if (m_backups != backups) {
+        m_backups = std::move(backups);
+        Q_EMIT backupsChanged();
+    }
+}
+
+void MarluneModel::setDevice(const std::optional<Device> &device)
+{
+    if (m_device != device) {
+        m_device = device;
+        Q_EMIT deviceChanged();
+    }
+}
+
+void MarluneModel::setTransferred(std::vector<std::filesystem::path> files)
+{
+    if (m_transferred != files) {
+        m_transferred = std::move(files);
+        Q_EMIT transferredChanged();
+    }
+}
+
+void MarluneModel::clearDeviceMusic()
+{
+    setTransferred({});
+    m_deviceTracks.clear();
+    m_selectedOnDevice.clear();
+    tracksWereChanged();
+    Q_EMIT selectionChanged();
+}
+
+void MarluneModel::disconnect()
+{
+    setDevice(std::nullopt);
+    clearDeviceMusic();
+    setStatus(QStringLiteral("iPod został odłączony"));
+}
+
+void MarluneModel::select(const Device &device)
+{
+    if (!m_device || m_device->root != device.root) {
+        clearDeviceMusic();
+    }
+    setDevice(device);
+}
+
+void MarluneModel::chooseDevice()
+{
+    const Panels::Request request {.files = false,
+        .folders = true,
+        .multiple = false,
+        .prompt = QStringLiteral("Wybierz"),
+        .message = QStringLiteral("Wybierz dysk iPoda lub folder testowy zawierający .rockbox.")};
+    m_environment.panels.open(request, [self = QPointer(this)](const std::vector<std::filesystem::path> &chosen) {
+        if (self && !chosen.empty()) {
+            self->runChoice(chosen.front());
+        }
+    });
+}
+
+QCoro::Task<> MarluneModel::runChoice(std::filesystem::path folder)
+{
+    const QPointer<MarluneModel> self(this);
+    std::optional<Device> device;
+    std::exception_ptr failure;
+    try {
+        auto inspect = [folder = Files::standardised(folder)] { return Device::inspect(folder); };
+        device = co_await background(inspect);
+    } catch (const std::exception &) {
+        failure = std::current_exception();
+    }
+    if (!self) {
+        co_return;
+    }
+    if (failure) {
+        setAlert(describeFailure(failure));
+    } else if (!m_busy) { // a job that began while the question stood open keeps its device
+        select(*device);
+        setStatus(QStringLiteral("Wybrano: ") + Files::name(folder));
+    }
+}
+
+void MarluneModel::eject()
+{
+    if (!m_device || m_busy || !m_device->isVolume) {
+        return;
+    }
+    runEject(*m_device);
+}
+
+QCoro::Task<> MarluneModel::runEject(Device device)
+{
+    const QPointer<MarluneModel> self(this);
+    const QString statusBefore = m_status;
+    // The disk may take its time to write out what it holds; nothing else may start on it meanwhile.
+    m_ejecting = device.root;
+    m_unmountedWhileEjecting = false;
+    setProgress(0);
+    setBusy(true);
+    setStatus(QStringLiteral("Wysuwam iPoda…"));
+    std::exception_ptr failure;
+    try {
+        auto ejectVolume = [ejector = m_environment.ejectVolume, root = device.root] { ejector(root); };
+        co_await background(ejectVolume);
+    } catch (const std::exception &) {
+        failure = std::current_exception();
+    }
+    if (!self) {
+        co_return;
+    }
+    m_ejecting.reset();
+    setBusy(false);
+    if (failure) {
+        setStatus(statusBefore);
+        setAlert(describeFailure(failure));
+        if (m_unmountedWhileEjecting) {
+            disconnect(); // the first half was done
+        }
+    } else {
+        setDevice(std::nullopt);
+        clearDeviceMusic();
+        setStatus(QStringLiteral("Możesz odłączyć iPoda"));
+    }
+    refresh();
+}
+
+void MarluneModel::volumeMounted()
+{
+    refresh();
+}
+
+void MarluneModel::volumeUnmounted(const std::filesystem::path &mountPoint)
+{
+    if (m_ejecting && *m_ejecting == mountPoint) {
+        m_unmountedWhileEjecting = true; // our own doing: the eject tells how it ended
+    } else if (m_device && m_device->root == mountPoint) {
+        disconnect();
+    }
+    refresh();
+}

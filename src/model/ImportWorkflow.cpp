@@ -1,0 +1,152 @@
+// Files and folders become tracks of the library or of the device.
+#include "model/LibraryScan.h"
+#include "model/Model.h"
+#include "model/TrackReader.h"
+
+#include "platform/Files.h"
+#include "platform/MarluneError.h"
+
+#include <QPointer>
+
+namespace {
+
+std::vector<QByteArray> artworkOf(const std::vector<Track> &tracks)
+{
+    std::vector<QByteArray> artwork;
+    for (const Track &track : tracks) {
+        // Neighbours share one buffer; what is handed twice all the same is pooled by its content.
+        if (track.artwork && (artwork.empty() || artwork.back().constData() != track.artwork->constData())) {
+            artwork.push_back(*track.artwork);
+        }
+    }
+    return artwork;
+}
+
+} // namespace
+
+void MarluneModel::importMusic()
+{
+    const Panels::Request request {.files = true,
+        .folders = true,
+        .multiple = true,
+        .prompt = QStringLiteral("Dodaj muzykę"),
+        .message = {}};
+    m_environment.panels.open(request, [self = QPointer(this)](const std::vector<std::filesystem::path> &chosen) {
+        if (self) {
+            self->importURLs(chosen, false, true);
+        }
+    });
+}
+
+void MarluneModel::importURLs(const std::vector<std::filesystem::path> &urls, bool fromDevice, bool enqueue)
+{
+    if (m_busy) {
+        return;
+    }
+    setBusy(true);
+    setStatus(QStringLiteral("Odczytuję albumy…"));
+    setProgress(0);
+    runImport(urls, fromDevice, enqueue);
+}
+
+QCoro::Task<> MarluneModel::runImport(std::vector<std::filesystem::path> urls, bool fromDevice, bool enqueue)
+{
+    const QPointer<MarluneModel> self(this);
+    const std::vector<Track> &held = fromDevice ? m_deviceTracks : m_tracks;
+    TrackImport import;
+    import.urls = std::move(urls);
+    for (const Track &track : held) {
+        import.known.insert(Files::standardised(track.url).native());
+    }
+    import.artworkOverrides = m_environment.settings.textMap(QStringLiteral("artworkOverrides"));
+    import.artwork = artworkOf(held);
+    auto work = [import = std::move(import), self] {
+        return readTracks(import, [self](int done, int total) {
+            postToUi([self, done, total] {
+                if (self && self->m_busy) {
+                    self->setProgress(double(done) / std::max(total, 1));
+                    self->setStatus(QStringLiteral("Odczytuję utwory: ") + QString::number(done) + QStringLiteral(" / ")
+                        + QString::number(total));
+                }
+            });
+        });
+    };
+    std::vector<Track> read;
+    std::exception_ptr failure;
+    try {
+        read = co_await background(work);
+    } catch (const std::exception &) {
+        failure = std::current_exception(); // out of memory and the like: a file never fails an import
+    }
+    if (!self) {
+        co_return;
+    }
+    landImport(std::move(read), fromDevice, enqueue);
+    if (failure) {
+        setAlert(describeFailure(failure));
+    }
+}
+
+void MarluneModel::landImport(std::vector<Track> read, bool fromDevice, bool enqueue)
+{
+    const std::size_t count = read.size();
+    std::vector<Track> &target = fromDevice ? m_deviceTracks : m_tracks;
+    if (!fromDevice && enqueue) {
+        for (const Track &track : read) {
+            m_queued.insert(track.id);
+        }
+    }
+    std::move(read.begin(), read.end(), std::back_inserter(target));
+    if (!fromDevice) {
+        storeLibraryPaths();
+        setLibraryOnDevice(false);
+    }
+    forgetDuplicates();
+    if (count > 0) {
+        tracksWereChanged();
+        Q_EMIT selectionChanged();
+    }
+    setBusy(false);
+    setStatus(count == 0 ? QStringLiteral("Nie znaleziono nowych plików audio")
+                         : QStringLiteral("Odczytano utwory: ") + QString::number(count));
+}
+
+void MarluneModel::scanDeviceMusic()
+{
+    if (!m_device || m_busy) {
+        return;
+    }
+    m_deviceTracks.clear();
+    m_selectedOnDevice.clear();
+    setLibraryOnDevice(true);
+    tracksWereChanged();
+    Q_EMIT selectionChanged();
+    importURLs(deviceMusicFolders(m_device->root), true, false);
+}
+
+void MarluneModel::storeLibraryPaths()
+{
+    QStringList paths;
+    paths.reserve(qsizetype(m_tracks.size()));
+    for (const Track &track : m_tracks) {
+        paths.append(Files::text(track.url));
+    }
+    m_environment.settings.setTexts(QStringLiteral("libraryPaths"), paths);
+}
+
+void MarluneModel::forget(const Album &album)
+{
+    if (m_busy || m_libraryOnDevice) {
+        return;
+    }
+    QSet<QUuid> ids;
+    for (const Track &track : album.tracks) {
+        ids.insert(track.id);
+    }
+    std::erase_if(m_tracks, [&](const Track &track) { return ids.contains(track.id); });
+    m_queued.subtract(ids);
+    forgetDuplicates();
+    storeLibraryPaths();
+    tracksWereChanged();
+    Q_EMIT selectionChanged();
+}

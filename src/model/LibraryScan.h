@@ -1,0 +1,16 @@
+// Finds audio files below files and folders of the user's choice. Blocking; any thread but the UI's; never throws.
+#pragma once
+
+#include <filesystem>
+#include <vector>
+
+/// Whether the extension, in any case, is one of the 13 that the library takes.
+[[nodiscard]] bool hasAudioExtension(const std::filesystem::path &file);
+
+/// The audio files among `urls` and in the folders among them, at any depth. Symbolic links and hidden items are passed
+/// over; what cannot be read contributes nothing. Order of discovery; may hold one file twice.
+[[nodiscard]] std::vector<std::filesystem::path> scanAudio(const std::vector<std::filesystem::path> &urls);
+
+/// The folders directly in a device's root that can hold music: not hidden, and none of those that the first firmware
+/// and other systems keep there.
+[[nodiscard]] std::vector<std::filesystem::path> deviceMusicFolders(const std::filesystem::path &root);

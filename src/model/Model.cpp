@@ -1,0 +1,136 @@
+#include "model/Model.h"
+
+#include "platform/Files.h"
+#include "platform/Volumes.h"
+
+#include <QPointer>
+
+namespace {
+
+const QString duplicatesUnchecked = QStringLiteral("Duplikaty nie zostały jeszcze sprawdzone.");
+constexpr double defaultTileSize = 170;
+constexpr std::chrono::seconds drainPatience {3};
+
+} // namespace
+
+MarluneModel::MarluneModel(ModelEnvironment environment, QObject *parent)
+    : QObject(parent)
+    , m_environment(std::move(environment))
+    , m_duplicateStatus(duplicatesUnchecked)
+{
+    Settings &settings = m_environment.settings;
+    m_viewMode = settings.text(QStringLiteral("viewMode")).value_or(QStringLiteral("Albumy"));
+    m_sortMode = settings.text(QStringLiteral("sortMode")).value_or(QStringLiteral("Wykonawca"));
+    const double storedSize = settings.number(QStringLiteral("tileSize")).value_or(0);
+    m_tileSize = storedSize > 0 ? storedSize : defaultTileSize;
+    settings.onWriteFailure([self = QPointer(this)](const QString &reason) {
+        postToUi([self, reason] {
+            if (self) {
+                self->setAlert(QStringLiteral("Nie udało się zapisać ustawień: ") + reason);
+            }
+        });
+    });
+
+    refresh();
+
+    std::vector<std::filesystem::path> stored;
+    for (const QString &path : settings.texts(QStringLiteral("libraryPaths"))) {
+        const std::filesystem::path file = Files::fromText(path);
+        if (Files::exists(file)) {
+            stored.push_back(file);
+        }
+    }
+    if (m_environment.restoreLibrary && !stored.empty()) {
+        importURLs(stored, false, false);
+    }
+}
+
+MarluneModel::~MarluneModel()
+{
+    m_environment.settings.onWriteFailure({});
+    (void)BackgroundJobs::drain(drainPatience);
+}
+
+void MarluneModel::setSection(Section section)
+{
+    if (m_section != section) {
+        m_section = section;
+        Q_EMIT sectionChanged();
+    }
+}
+
+void MarluneModel::setSectionText(const QString &title)
+{
+    if (const std::optional<Section> section = sectionFromTitle(title)) {
+        setSection(*section);
+    }
+}
+
+void MarluneModel::setBusy(bool busy)
+{
+    if (m_busy != busy) {
+        m_busy = busy;
+        Q_EMIT busyChanged();
+    }
+}
+
+void MarluneModel::setProgress(double progress)
+{
+    if (m_progress != progress) {
+        m_progress = progress;
+        Q_EMIT progressChanged();
+    }
+}
+
+void MarluneModel::setStatus(const QString &status)
+{
+    if (m_status != status) {
+        m_status = status;
+        Q_EMIT statusChanged();
+    }
+}
+
+void MarluneModel::setAlert(const std::optional<QString> &alert)
+{
+    if (m_alert != alert) {
+        m_alert = alert;
+        Q_EMIT alertChanged();
+    }
+}
+
+void MarluneModel::dismissAlert()
+{
+    setAlert(std::nullopt);
+}
+
+void MarluneModel::setAppearance(const QString &id)
+{
+    setChoice(QStringLiteral("appearance-"), id);
+}
+
+void MarluneModel::setFinish(const QString &id)
+{
+    setChoice(QStringLiteral("finish-"), id);
+}
+
+void MarluneModel::setChoice(const QString &prefix, const QString &id)
+{
+    if (!m_device) {
+        return;
+    }
+    const QString key = prefix + Files::text(m_device->root);
+    if (id == QLatin1String("auto")) {
+        m_environment.settings.remove(key);
+    } else {
+        m_environment.settings.setText(key, id);
+    }
+    Q_EMIT appearanceChanged();
+}
+
+void MarluneModel::forgetDuplicates()
+{
+    if (m_duplicateStatus != duplicatesUnchecked) {
+        m_duplicateStatus = duplicatesUnchecked;
+        Q_EMIT duplicateStatusChanged();
+    }
+}

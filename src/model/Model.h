@@ -1,0 +1,245 @@
+// The one observable state of the program. Pages show it and call its actions; it starts every workflow.
+//
+// Belongs to the UI thread, all of it. Work that touches a disk runs in background jobs that get copies and whose
+// results are written here on the UI thread. A workflow returns at once; `busy` excludes a second long job, which is
+// dropped without a word. A failure, or a notice that must be read, ends up in `alert`, a short result in `status`.
+#pragma once
+
+#include "library/Album.h"
+
+#include "model/Section.h"
+
+#include "storage/Device.h"
+
+#include "platform/Background.h"
+#include "platform/Panels.h"
+#include "platform/Settings.h"
+
+#include <QObject>
+#include <QSet>
+
+#include <chrono>
+#include <functional>
+
+/// What the model needs from outside.
+struct ModelEnvironment {
+    Settings &settings;
+    Panels &panels;
+    /// Finds the devices among the mounted disks; called on a background thread.
+    std::function<std::vector<Device>()> deviceDiscovery;
+    /// Unmounts and ejects the volume; blocking, called on a background thread.
+    std::function<void(const std::filesystem::path &)> ejectVolume;
+    /// The user's folder for application data; the program's own lies in "Marlune" below it.
+    std::filesystem::path supportFolder;
+    /// Whether the library of the last run comes back.
+    bool restoreLibrary = true;
+    /// After this long a discovery counts as hanging, and the user is told.
+    std::chrono::milliseconds discoveryPatience = std::chrono::seconds(5);
+};
+
+/// The devices among all mounted volumes, in their order. A volume that cannot be read is none. Blocking.
+[[nodiscard]] std::vector<Device> discoverDevices();
+
+/// More than 16 bits a sample or more than 48 kHz.
+[[nodiscard]] bool isHighResolution(const AudioInfo &info);
+
+class MarluneModel : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(QString section READ sectionText WRITE setSectionText NOTIFY sectionChanged)
+    Q_PROPERTY(bool busy READ busy NOTIFY busyChanged)
+    Q_PROPERTY(double progress READ progress NOTIFY progressChanged)
+    Q_PROPERTY(QString status READ status NOTIFY statusChanged)
+    Q_PROPERTY(QString alert READ alertText NOTIFY alertChanged)
+    Q_PROPERTY(bool libraryOnDevice READ libraryOnDevice WRITE setLibraryOnDevice NOTIFY libraryOnDeviceChanged)
+    Q_PROPERTY(QString search READ search WRITE setSearch NOTIFY searchChanged)
+    Q_PROPERTY(QString formatFilter READ formatFilter WRITE setFormatFilter NOTIFY formatFilterChanged)
+    Q_PROPERTY(bool hiResOnly READ hiResOnly WRITE setHiResOnly NOTIFY hiResOnlyChanged)
+    Q_PROPERTY(QString viewMode READ viewMode WRITE setViewMode NOTIFY viewModeChanged)
+    Q_PROPERTY(QString sortMode READ sortMode WRITE setSortMode NOTIFY sortModeChanged)
+    Q_PROPERTY(double tileSize READ tileSize WRITE setTileSize NOTIFY tileSizeChanged)
+
+public:
+    explicit MarluneModel(ModelEnvironment environment, QObject *parent = nullptr);
+    /// Waits a moment for running jobs; the results of those that hang on a disk are dropped.
+    ~MarluneModel() override;
+
+    // The page shown.
+    [[nodiscard]] Section section() const { return m_section; }
+    void setSection(Section section);
+
+    // Devices.
+    [[nodiscard]] const std::vector<Device> &devices() const { return m_devices; }
+    [[nodiscard]] const std::optional<Device> &device() const { return m_device; }
+    /// Files copied to the selected device since it was selected, by path.
+    [[nodiscard]] const std::vector<std::filesystem::path> &transferred() const { return m_transferred; }
+    /// Backup folders on the computer, newest first.
+    [[nodiscard]] const std::vector<std::filesystem::path> &backups() const { return m_backups; }
+    /// Looks for devices again. Calls while a discovery is under way are dropped.
+    Q_INVOKABLE void refresh();
+    void select(const Device &device);
+    /// Asks for a folder and selects it if it is a device.
+    Q_INVOKABLE void chooseDevice();
+    Q_INVOKABLE void eject();
+    /// The illustration and finish chosen for the selected device; "auto" forgets the choice.
+    void setAppearance(const QString &id);
+    void setFinish(const QString &id);
+
+    // Library.
+    [[nodiscard]] const std::vector<Track> &tracks() const { return m_tracks; }
+    [[nodiscard]] const std::vector<Track> &deviceTracks() const { return m_deviceTracks; }
+    [[nodiscard]] bool libraryOnDevice() const { return m_libraryOnDevice; }
+    void setLibraryOnDevice(bool onDevice);
+    /// Asks for files and folders and adds their music to the library and the queue.
+    Q_INVOKABLE void importMusic();
+    void importURLs(const std::vector<std::filesystem::path> &urls, bool fromDevice, bool enqueue);
+    /// Reads the music of the selected device.
+    Q_INVOKABLE void scanDeviceMusic();
+    [[nodiscard]] QString duplicateStatus() const { return m_duplicateStatus; }
+
+    // Browsing. The derived lists are kept while nothing that they depend on changes.
+    [[nodiscard]] const std::vector<Track> &activeTracks() const;
+    [[nodiscard]] bool matches(const Track &track) const;
+    [[nodiscard]] std::shared_ptr<const std::vector<Album>> albums() const;
+    [[nodiscard]] std::shared_ptr<const std::vector<Track>> filteredTracks() const;
+    [[nodiscard]] QString search() const { return m_search; }
+    void setSearch(const QString &text);
+    [[nodiscard]] QString formatFilter() const { return m_formatFilter; }
+    void setFormatFilter(const QString &filter);
+    [[nodiscard]] bool hiResOnly() const { return m_hiResOnly; }
+    void setHiResOnly(bool only);
+    [[nodiscard]] QString viewMode() const { return m_viewMode; }
+    void setViewMode(const QString &mode);
+    [[nodiscard]] QString sortMode() const { return m_sortMode; }
+    void setSortMode(const QString &mode);
+    [[nodiscard]] double tileSize() const { return m_tileSize; }
+    void setTileSize(double size);
+    [[nodiscard]] const std::optional<Album> &openAlbum() const { return m_openAlbum; }
+    void setOpenAlbum(const std::optional<Album> &album);
+
+    // Queue and selection.
+    [[nodiscard]] const QSet<QUuid> &queued() const { return m_queued; }
+    [[nodiscard]] const QSet<QUuid> &selectedOnDevice() const { return m_selectedOnDevice; }
+    /// The queued tracks in the library's order.
+    [[nodiscard]] std::vector<Track> queue() const;
+    [[nodiscard]] std::int64_t queueBytes() const;
+    /// Adds the album to the set of the side that is shown, or takes it out if all of it is there.
+    void toggle(const Album &album);
+    void toggleTrack(const Track &track);
+    Q_INVOKABLE void clearQueue();
+    /// Drops the album from the library; its files stay.
+    void forget(const Album &album);
+
+    // Transfer.
+    /// Copies the given tracks, or the queue, to the selected device.
+    void transfer(const std::optional<std::vector<Track>> &only);
+    Q_INVOKABLE void transferQueue() { transfer(std::nullopt); }
+
+    // Progress and messages.
+    [[nodiscard]] bool busy() const { return m_busy; }
+    [[nodiscard]] double progress() const { return m_progress; }
+    [[nodiscard]] QString status() const { return m_status; }
+    [[nodiscard]] const std::optional<QString> &alert() const { return m_alert; }
+    Q_INVOKABLE void dismissAlert();
+
+    // What the platform tells.
+    void volumeMounted();
+    void volumeUnmounted(const std::filesystem::path &mountPoint);
+
+Q_SIGNALS:
+    void sectionChanged();
+    void devicesChanged();
+    void deviceChanged();
+    void backupsChanged();
+    void transferredChanged();
+    /// The library of the computer or of the device holds other tracks.
+    void tracksChanged();
+    void libraryOnDeviceChanged();
+    /// albums() and filteredTracks() may differ from what they were.
+    void browsingChanged();
+    void searchChanged();
+    void formatFilterChanged();
+    void hiResOnlyChanged();
+    void viewModeChanged();
+    void sortModeChanged();
+    void tileSizeChanged();
+    void openAlbumChanged();
+    /// The queue or the selection on the device changed.
+    void selectionChanged();
+    void duplicateStatusChanged();
+    void busyChanged();
+    void progressChanged();
+    void statusChanged();
+    void alertChanged();
+    /// A choice that lives in the settings alone changed.
+    void appearanceChanged();
+
+private:
+    struct TransferPlan;
+
+    [[nodiscard]] QString sectionText() const { return sectionTitle(m_section); }
+    void setSectionText(const QString &title);
+    [[nodiscard]] QString alertText() const { return m_alert.value_or(QString()); }
+
+    void setBusy(bool busy);
+    void setProgress(double progress);
+    void setStatus(const QString &status);
+    void setAlert(const std::optional<QString> &alert);
+    void setDevice(const std::optional<Device> &device);
+    void setTransferred(std::vector<std::filesystem::path> files);
+    void clearDeviceMusic();
+    void setChoice(const QString &prefix, const QString &id);
+    void forgetDuplicates();
+    void tracksWereChanged();
+    void browsingWasChanged();
+    void storeLibraryPaths();
+    void readBackups();
+    void disconnect();
+    [[nodiscard]] QSet<QUuid> &selectionTarget();
+
+    QCoro::Task<> runRefresh();
+    QCoro::Task<> runChoice(std::filesystem::path folder);
+    QCoro::Task<> runEject(Device device);
+    QCoro::Task<> runImport(std::vector<std::filesystem::path> urls, bool fromDevice, bool enqueue);
+    QCoro::Task<> runTransfer(std::shared_ptr<const TransferPlan> plan);
+    [[nodiscard]] TransferPlan planTransfer(std::vector<Track> items) const;
+    void noteTransferred(const Device &device, std::vector<std::filesystem::path> files);
+    void landDevices(std::vector<Device> found);
+    void landImport(std::vector<Track> read, bool fromDevice, bool enqueue);
+
+    /// Derived lists and what they were derived under; absent when something that they depend on has changed.
+    struct Derived {
+        std::shared_ptr<const std::vector<Album>> grouped; ///< depends on the active tracks alone
+        std::shared_ptr<const std::vector<Album>> albums;
+        std::shared_ptr<const std::vector<Track>> filteredTracks;
+        int language = -1;
+    };
+    [[nodiscard]] Derived &derived() const;
+
+    ModelEnvironment m_environment;
+    Section m_section = Section::Music;
+    std::vector<Device> m_devices;
+    std::optional<Device> m_device;
+    std::vector<Track> m_tracks;
+    std::vector<Track> m_deviceTracks;
+    bool m_libraryOnDevice = false;
+    QSet<QUuid> m_selectedOnDevice;
+    QSet<QUuid> m_queued;
+    QString m_search;
+    bool m_busy = false;
+    double m_progress = 0;
+    QString m_status = QStringLiteral("Gotowy na Twoją muzykę");
+    std::optional<QString> m_alert;
+    QString m_duplicateStatus;
+    std::vector<std::filesystem::path> m_backups;
+    std::vector<std::filesystem::path> m_transferred;
+    std::optional<Album> m_openAlbum;
+    QString m_formatFilter = QStringLiteral("Wszystko");
+    bool m_hiResOnly = false;
+    QString m_viewMode;
+    QString m_sortMode;
+    double m_tileSize = 0;
+    bool m_refreshing = false;
+    std::optional<std::filesystem::path> m_ejecting; ///< root of the volume that is on its way out
+    bool m_unmountedWhileEjecting = false;
+    mutable Derived m_derived;
+};
