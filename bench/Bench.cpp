@@ -1,0 +1,43 @@
+// marlune_bench NAME LIBRARY: measures one figure, or all of them.
+#include "Figures.h"
+
+#include <QGuiApplication>
+
+#include <cstdio>
+#include <cstring>
+
+namespace {
+
+struct Figure {
+    const char *name;
+    void (*measure)(const std::filesystem::path &library);
+};
+
+constexpr Figure figures[] = {{"import", Bench::import}, {"flac", Bench::flac}, {"digest", Bench::digest},
+    {"transfer", Bench::transfer}, {"group", Bench::group}, {"browse", Bench::browse},
+    {"heartbeat", Bench::heartbeatAndMemory}, {"memory", Bench::heartbeatAndMemory}};
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    const QGuiApplication application(argc, argv);
+    if (argc < 3) {
+        std::fprintf(stderr, "usage: %s NAME|all LIBRARY\n", argv[0]);
+        return 2;
+    }
+    const bool all = std::strcmp(argv[1], "all") == 0;
+    bool known = false;
+    void (*last)(const std::filesystem::path &) = nullptr;
+    for (const Figure &figure : figures) {
+        if ((all || std::strcmp(argv[1], figure.name) == 0) && figure.measure != last) {
+            figure.measure(argv[2]);
+            last = figure.measure;
+            known = true;
+        }
+    }
+    if (!known) {
+        std::fprintf(stderr, "no figure of the name %s\n", argv[1]);
+    }
+    return known ? 0 : 2;
+}

@@ -1,0 +1,51 @@
+// Figures of the bench: ours and a peer, measured in turn in one run, as medians.
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace Bench {
+
+inline constexpr int rounds = 5;
+
+/// Seconds that `work` takes.
+[[nodiscard]] double seconds(const std::function<void()> &work);
+[[nodiscard]] double median(std::vector<double> values);
+
+struct Pair {
+    double ours = 0;
+    double peer = 0;
+};
+
+/// Medians of `rounds` turns; each function returns its own figure.
+[[nodiscard]] Pair inTurn(const std::function<double()> &ours, const std::function<double()> &peer, int turns = rounds);
+
+/// One line: name, ours, peer, ours / peer.
+void print(const char *name, const Pair &figures);
+
+/// A folder beside the user's cache that is removed at the end.
+class WorkFolder {
+public:
+    WorkFolder();
+    ~WorkFolder();
+    WorkFolder(const WorkFolder &) = delete;
+    WorkFolder &operator=(const WorkFolder &) = delete;
+    [[nodiscard]] const std::filesystem::path &path() const { return m_path; }
+
+private:
+    std::filesystem::path m_path;
+};
+
+// One function a figure.
+void import(const std::filesystem::path &library);
+void flac(const std::filesystem::path &library);
+void digest(const std::filesystem::path &library);
+void transfer(const std::filesystem::path &library);
+void group(const std::filesystem::path &library);
+void browse(const std::filesystem::path &library);
+/// Both import the library into the real window; they share one run.
+void heartbeatAndMemory(const std::filesystem::path &library);
+
+} // namespace Bench
