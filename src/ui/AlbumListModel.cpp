@@ -1,0 +1,225 @@
+#include "ui/AlbumListModel.h"
+
+#include "ui/Localization.h"
+#include "ui/RowChanges.h"
+#include "ui/Wording.h"
+
+#include "platform/Desktop.h"
+
+#include <algorithm>
+
+namespace {
+
+/// Past this many steps a view is done sooner with all rows anew.
+constexpr std::size_t mostSteps = 48;
+
+/// Whether two albums of one identity would be shown alike: tracks are compared by their ids, since a track's record does
+/// not change but for its artwork.
+bool looksTheSame(const Album &a, const Album &b)
+{
+    const auto sameArtwork = [](const Track &x, const Track &y) {
+        return x.artwork.has_value() == y.artwork.has_value()
+            && (!x.artwork || x.artwork->constData() == y.artwork->constData());
+    };
+    return a.title == b.title && a.artist == b.artist
+        && std::equal(a.tracks.begin(), a.tracks.end(), b.tracks.begin(), b.tracks.end(),
+            [&](const Track &x, const Track &y) { return x.id == y.id && sameArtwork(x, y); });
+}
+
+} // namespace
+
+AlbumListModel::AlbumListModel(MarluneModel &model, std::shared_ptr<CoverStore> covers, QObject *parent)
+    : QAbstractListModel(parent)
+    , m_model(model)
+    , m_covers(std::move(covers))
+{
+    for (QTimer *timer : {&m_listChange, &m_selectionChange}) {
+        timer->setSingleShot(true);
+        timer->setInterval(0);
+    }
+    connect(&m_listChange, &QTimer::timeout, this, &AlbumListModel::refresh);
+    connect(&m_selectionChange, &QTimer::timeout, this, &AlbumListModel::refreshSelection);
+    connect(&m_model, &MarluneModel::browsingChanged, &m_listChange, qOverload<>(&QTimer::start));
+    connect(&m_model, &MarluneModel::selectionChanged, &m_selectionChange, qOverload<>(&QTimer::start));
+    refresh();
+}
+
+int AlbumListModel::rowCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : int(m_rows.size());
+}
+
+QHash<int, QByteArray> AlbumListModel::roleNames() const
+{
+    return {{TitleRole, "albumTitle"}, {ArtistRole, "artist"}, {CountAndSizeRole, "countAndSize"},
+        {FormatRole, "format"}, {HighResolutionRole, "highResolution"}, {DiscsRole, "discs"},
+        {SelectedRole, "selected"}, {CoverRole, "cover"}};
+}
+
+const AlbumListModel::Row *AlbumListModel::row(int index) const
+{
+    return index >= 0 && index < int(m_rows.size()) ? &m_rows[std::size_t(index)] : nullptr;
+}
+
+QVariant AlbumListModel::data(const QModelIndex &index, int role) const
+{
+    const Row *shown = index.isValid() ? row(index.row()) : nullptr;
+    if (!shown) {
+        return {};
+    }
+    switch (role) {
+    case Qt::DisplayRole:
+    case TitleRole:
+        return shown->album->title;
+    case ArtistRole:
+        return shown->album->artist;
+    case CountAndSizeRole:
+        return texts(*shown).countAndSize;
+    case FormatRole:
+        return texts(*shown).format;
+    case HighResolutionRole:
+        return texts(*shown).highResolution;
+    case DiscsRole:
+        return texts(*shown).discs;
+    case SelectedRole:
+        return shown->selected;
+    case CoverRole:
+        return texts(*shown).cover;
+    default:
+        return {};
+    }
+}
+
+const AlbumListModel::Texts &AlbumListModel::texts(const Row &row) const
+{
+    if (!row.texts) {
+        const Album &album = *row.album;
+        Texts made;
+        made.countAndSize = QString::number(album.tracks.size()) + QStringLiteral(" / ") + Wording::bytes(album.bytes());
+        made.format = album.tracks.empty() ? QString() : album.tracks.front().info.codec;
+        made.highResolution = std::any_of(album.tracks.begin(), album.tracks.end(),
+            [](const Track &track) { return isHighResolution(track.info); });
+        if (const std::size_t discs = album.discs().size(); discs >= 2) {
+            made.discs = AppLocalizer::text(QString::number(discs) + QStringLiteral(" CD · jeden album"));
+        }
+        if (const std::optional<QByteArray> artwork = album.artworkBytes(); artwork && !artwork->isEmpty()) {
+            made.cover = m_covers->nameOf(*artwork);
+        }
+        row.texts = std::move(made);
+    }
+    return *row.texts;
+}
+
+bool AlbumListModel::isSelected(const Album &album) const
+{
+    const QSet<QUuid> &chosen = m_model.libraryOnDevice() ? m_model.selectedOnDevice() : m_model.queued();
+    return std::all_of(
+        album.tracks.begin(), album.tracks.end(), [&](const Track &track) { return chosen.contains(track.id); });
+}
+
+void AlbumListModel::refresh()
+{
+    const std::shared_ptr<const std::vector<Album>> albums = m_model.albums();
+    if (albums != m_albums) {
+        replaceRows(rowsFor(*albums));
+        m_albums = albums; // the rows before these belonged to the albums before these
+        m_covers->prune();
+    }
+    Q_EMIT refreshed();
+}
+
+std::vector<AlbumListModel::Row> AlbumListModel::rowsFor(const std::vector<Album> &albums) const
+{
+    QHash<QString, const Row *> shown;
+    shown.reserve(qsizetype(m_rows.size()));
+    for (const Row &row : m_rows) {
+        shown.insert(row.id, &row);
+    }
+    std::vector<Row> rows;
+    rows.reserve(albums.size());
+    for (const Album &album : albums) {
+        Row row {.id = album.id(), .album = &album, .selected = isSelected(album), .texts = {}};
+        if (const Row *before = shown.value(row.id); before && looksTheSame(album, *before->album)) {
+            row.texts = before->texts;
+        }
+        rows.push_back(std::move(row));
+    }
+    return rows;
+}
+
+void AlbumListModel::replaceRows(std::vector<Row> rows)
+{
+    const auto ids = [](const std::vector<Row> &of) {
+        std::vector<QString> result(of.size());
+        std::transform(of.begin(), of.end(), result.begin(), [](const Row &row) { return row.id; });
+        return result;
+    };
+    const std::optional<std::vector<RowChanges::Step>> steps = RowChanges::plan(ids(m_rows), ids(rows), mostSteps);
+    if (!steps) {
+        beginResetModel();
+        m_rows = std::move(rows);
+        endResetModel();
+        return;
+    }
+    for (const auto &[kind, first, count] : *steps) {
+        if (kind == RowChanges::Step::Kind::Remove) {
+            beginRemoveRows({}, first, first + count - 1);
+            m_rows.erase(m_rows.begin() + first, m_rows.begin() + first + count);
+            endRemoveRows();
+        } else {
+            beginInsertRows({}, first, first + count - 1);
+            m_rows.insert(m_rows.begin() + first, rows.begin() + first, rows.begin() + first + count);
+            endInsertRows();
+        }
+    }
+    updateRows(std::move(rows));
+}
+
+void AlbumListModel::updateRows(std::vector<Row> rows)
+{
+    std::vector<Row> before = std::exchange(m_rows, std::move(rows));
+    for (int i = 0; i < int(m_rows.size()); ++i) {
+        const Row &was = before[std::size_t(i)];
+        const Row &is = m_rows[std::size_t(i)];
+        if (was.album != is.album && (was.selected != is.selected || !looksTheSame(*was.album, *is.album))) {
+            Q_EMIT dataChanged(index(i), index(i));
+        }
+    }
+}
+
+void AlbumListModel::refreshSelection()
+{
+    int first = -1;
+    for (int i = 0; i <= int(m_rows.size()); ++i) {
+        const bool changed
+            = i < int(m_rows.size()) && isSelected(*m_rows[std::size_t(i)].album) != m_rows[std::size_t(i)].selected;
+        if (changed) {
+            m_rows[std::size_t(i)].selected = !m_rows[std::size_t(i)].selected;
+            first = first < 0 ? i : first;
+        } else if (first >= 0) {
+            Q_EMIT dataChanged(index(first), index(i - 1), {SelectedRole});
+            first = -1;
+        }
+    }
+}
+
+void AlbumListModel::toggle(int index)
+{
+    if (const Row *chosen = row(index)) {
+        m_model.toggle(*chosen->album);
+    }
+}
+
+void AlbumListModel::forget(int index)
+{
+    if (const Row *chosen = row(index)) {
+        m_model.forget(*chosen->album);
+    }
+}
+
+void AlbumListModel::reveal(int index) const
+{
+    if (const Row *chosen = row(index); chosen && !chosen->album->tracks.empty()) {
+        Desktop::reveal(chosen->album->tracks.front().url);
+    }
+}

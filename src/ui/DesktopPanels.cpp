@@ -1,0 +1,36 @@
+#include "ui/DesktopPanels.h"
+
+#include "ui/LocalPath.h"
+
+#include <utility>
+
+DesktopPanels::DesktopPanels(QObject *parent)
+    : QObject(parent)
+{
+}
+
+void DesktopPanels::open(const Request &request, Answer answered)
+{
+    m_request = request;
+    m_answered = std::move(answered);
+    Q_EMIT asked(!request.folders ? ChooseFiles : request.files ? ChooseFilesOrFolder : ChooseFolder);
+}
+
+void DesktopPanels::answer(const QList<QUrl> &chosen)
+{
+    std::vector<std::filesystem::path> paths;
+    for (const QUrl &url : chosen) {
+        if (const std::optional<std::filesystem::path> path = localPath(url)) {
+            paths.push_back(*path);
+        }
+    }
+    // The answer may well lead to the next question.
+    if (const Answer answered = std::exchange(m_answered, {}); answered && !paths.empty()) {
+        answered(std::move(paths));
+    }
+}
+
+void DesktopPanels::cancel()
+{
+    m_answered = {};
+}

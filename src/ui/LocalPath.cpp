@@ -1,0 +1,13 @@
+#include "ui/LocalPath.h"
+
+std::optional<std::filesystem::path> localPath(const QUrl &url)
+{
+    if (!url.isLocalFile()) {
+        return std::nullopt;
+    }
+    const QByteArray bytes = QByteArray::fromPercentEncoding(url.path(QUrl::FullyEncoded).toLatin1());
+    if (bytes.isEmpty() || bytes.contains('\0')) {
+        return std::nullopt;
+    }
+    return std::filesystem::path(bytes.toStdString());
+}

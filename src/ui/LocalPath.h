@@ -1,0 +1,10 @@
+// File addresses of dialogs and drops as paths.
+#pragma once
+
+#include <QUrl>
+
+#include <filesystem>
+#include <optional>
+
+/// The path that a "file:" address names, byte for byte, also where its bytes are not UTF-8. Absent for any other address.
+[[nodiscard]] std::optional<std::filesystem::path> localPath(const QUrl &url);

@@ -1,0 +1,165 @@
+#include "ui/MarluneApp.h"
+
+#include "ui/CoverProvider.h"
+#include "ui/DesktopPanels.h"
+#include "ui/LibraryPresenter.h"
+#include "ui/Localization.h"
+#include "ui/ShadowProvider.h"
+#include "ui/ShellPresenter.h"
+#include "ui/Symbols.h"
+
+#include "platform/Files.h"
+#include "platform/Volumes.h"
+
+#include <QFontDatabase>
+#include <QGuiApplication>
+#include <QIcon>
+#include <QQmlApplicationEngine>
+#include <QQuickStyle>
+#include <QStandardPaths>
+
+#include <cstdio>
+#include <unistd.h>
+
+// Written by Qt's build for the QML module, which no header declares.
+void qml_register_types_Marlune();
+
+namespace MarluneApp {
+
+namespace {
+
+/// While the application object is made: Qt ends the process without a display, after several lines of its own.
+void reportMissingDisplay(QtMsgType type, const QMessageLogContext &, const QString &)
+{
+    if (type == QtFatalMsg) {
+        std::fputs("marlune: no usable display; start it from a graphical session.\n", stderr);
+        ::_exit(1);
+    }
+}
+
+void reportGraphicsFailure(QQuickWindow::SceneGraphError, const QString &message)
+{
+    std::fprintf(stderr, "marlune: the window cannot be drawn: %s\n", message.toUtf8().constData());
+    QCoreApplication::exit(1);
+}
+
+QFont applicationFont()
+{
+    QFont font = QGuiApplication::font();
+    const QString preferred = QStringLiteral("Inter");
+    if (QFontDatabase::families().contains(preferred)) {
+        font.setFamily(preferred);
+    }
+    return font;
+}
+
+} // namespace
+
+struct Program::Parts {
+    explicit Parts(const Setup &setup);
+    ~Parts();
+
+    // In the order of their making; they go the other way round.
+    Settings settings;
+    DesktopPanels desktopPanels;
+    MarluneModel model;
+    std::shared_ptr<CoverStore> covers = std::make_shared<CoverStore>();
+    ShellPresenter shell;
+    LibraryPresenter library;
+    Volumes::Watcher watcher;
+    QQmlApplicationEngine engine;
+};
+
+Program::Parts::Parts(const Setup &setup)
+    : settings(setup.settingsFile)
+    , model({.settings = settings,
+          .panels = setup.panels ? *setup.panels : desktopPanels,
+          .deviceDiscovery = setup.deviceDiscovery,
+          .ejectVolume = setup.ejectVolume,
+          .supportFolder = setup.supportFolder})
+    , shell(model)
+    , library(model, covers)
+{
+    QObject::connect(&watcher, &Volumes::Watcher::mounted, &model, &MarluneModel::volumeMounted);
+    QObject::connect(&watcher, &Volumes::Watcher::unmounted, &model, &MarluneModel::volumeUnmounted);
+
+    qml_register_types_Marlune();
+    engine.addImportPath(QStringLiteral(":/qml"));
+    engine.addImageProvider(QStringLiteral("cover"), new CoverProvider(covers));
+    engine.addImageProvider(QStringLiteral("shadow"), new ShadowProvider);
+    engine.addImageProvider(QStringLiteral("symbol"), new Symbols::Provider);
+    engine.setInitialProperties({{QStringLiteral("model"), QVariant::fromValue(&model)},
+        {QStringLiteral("shell"), QVariant::fromValue(&shell)},
+        {QStringLiteral("library"), QVariant::fromValue(&library)},
+        {QStringLiteral("panels"), QVariant::fromValue(&desktopPanels)}});
+    engine.load(QUrl(QStringLiteral("qrc:/qml/Marlune/shell/Main.qml")));
+}
+
+Program::Parts::~Parts()
+{
+    // The window's bindings read what is about to go.
+    qDeleteAll(engine.rootObjects());
+}
+
+Program::Program(const Setup &setup)
+    : m_parts(std::make_unique<Parts>(setup))
+{
+}
+
+Program::~Program()
+{
+    m_parts.reset();
+    // Workflows that waited for a job learn of the model's end from what the job posted.
+    QCoreApplication::sendPostedEvents();
+    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+}
+
+MarluneModel &Program::model()
+{
+    return m_parts->model;
+}
+
+QQuickWindow *Program::window() const
+{
+    const QList<QObject *> roots = m_parts->engine.rootObjects();
+    return roots.isEmpty() ? nullptr : qobject_cast<QQuickWindow *>(roots.front());
+}
+
+Setup Setup::forUser()
+{
+    return {.settingsFile = Settings::defaultFile(),
+        .supportFolder
+        = Files::fromText(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation)),
+        .ejectVolume = [](const std::filesystem::path &volume) { Volumes::eject(volume); }};
+}
+
+void prepareApplication()
+{
+    QCoreApplication::setApplicationName(QStringLiteral("Marlune"));
+    QCoreApplication::setOrganizationName(QStringLiteral("Marlune"));
+    QGuiApplication::setApplicationDisplayName(QStringLiteral("Marlune"));
+    QGuiApplication::setDesktopFileName(QStringLiteral("marlune"));
+    QGuiApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/marlune.svg")));
+    QGuiApplication::setFont(applicationFont());
+    QQuickStyle::setStyle(QStringLiteral("Basic"));
+    AppLocalizer::applyToTextOrder();
+}
+
+int run(int argc, char **argv)
+{
+    const QtMessageHandler handler = qInstallMessageHandler(reportMissingDisplay);
+    const QGuiApplication application(argc, argv);
+    qInstallMessageHandler(handler);
+    prepareApplication();
+
+    Program program(Setup::forUser());
+    QQuickWindow *window = program.window();
+    if (!window) {
+        std::fputs("marlune: the window could not be made.\n", stderr);
+        return 1;
+    }
+    QObject::connect(window, &QQuickWindow::sceneGraphError, window, reportGraphicsFailure);
+    return QGuiApplication::exec();
+}
+
+} // namespace MarluneApp

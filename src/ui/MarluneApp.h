@@ -1,0 +1,47 @@
+// The program's entry, and the assembly of its parts around one model. UI thread.
+#pragma once
+
+#include "model/Model.h"
+
+#include <QQuickWindow>
+
+#include <memory>
+
+namespace MarluneApp {
+
+/// Runs the program to its end; returns its exit code. Without a usable display it says so in one line and returns 1.
+[[nodiscard]] int run(int argc, char **argv);
+
+/// Names, style, font and the rules of text order; once, after the application object is made and before a Program.
+void prepareApplication();
+
+/// What one run of the program works with.
+struct Setup {
+    std::filesystem::path settingsFile;
+    std::filesystem::path supportFolder; ///< the user's folder for application data
+    std::function<std::vector<Device>()> deviceDiscovery = discoverDevices;
+    std::function<void(const std::filesystem::path &)> ejectVolume;
+    Panels *panels = nullptr; ///< asked in place of the desktop's dialogs, where given
+
+    /// The user's own settings, folders and disks.
+    [[nodiscard]] static Setup forUser();
+};
+
+/// Settings, model and window of one run. After it is destroyed no part of it is at work any more.
+class Program {
+public:
+    explicit Program(const Setup &setup);
+    ~Program();
+    Program(const Program &) = delete;
+    Program &operator=(const Program &) = delete;
+
+    [[nodiscard]] MarluneModel &model();
+    /// Null if the window could not be made.
+    [[nodiscard]] QQuickWindow *window() const;
+
+private:
+    struct Parts;
+    std::unique_ptr<Parts> m_parts;
+};
+
+} // namespace MarluneApp

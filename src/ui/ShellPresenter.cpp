@@ -1,0 +1,167 @@
+#include "ui/ShellPresenter.h"
+
+#include "ui/Localization.h"
+#include "ui/Wording.h"
+
+#include "platform/Desktop.h"
+
+#include <algorithm>
+
+ShellPresenter::ShellPresenter(MarluneModel &model, QObject *parent)
+    : QObject(parent)
+    , m_model(model)
+    , m_sections(model)
+{
+    m_change.setSingleShot(true);
+    m_change.setInterval(0);
+    connect(&m_change, &QTimer::timeout, this, &ShellPresenter::refresh);
+    const auto follow = [this](auto signal) { connect(&m_model, signal, &m_change, qOverload<>(&QTimer::start)); };
+    follow(&MarluneModel::devicesChanged);
+    follow(&MarluneModel::deviceChanged);
+    follow(&MarluneModel::selectionChanged);
+    follow(&MarluneModel::tracksChanged);
+    follow(&MarluneModel::progressChanged);
+    connect(&m_model, &MarluneModel::sectionChanged, this, &ShellPresenter::sectionChanged);
+    connect(&m_model, &MarluneModel::busyChanged, this, &ShellPresenter::noteBusy);
+    connect(&m_model, &MarluneModel::alertChanged, this, &ShellPresenter::closeWhenDone, Qt::QueuedConnection);
+    noteBusy();
+    refresh();
+}
+
+void ShellPresenter::noteBusy()
+{
+    if (m_model.busy()) {
+        m_workTime.start();
+    } else {
+        m_workTime.invalidate();
+        // The end of a job fills in more than one field; what it has to say comes first.
+        QMetaObject::invokeMethod(this, &ShellPresenter::closeWhenDone, Qt::QueuedConnection);
+    }
+    m_change.start();
+}
+
+void ShellPresenter::refresh()
+{
+    const QSet<QUuid> &queued = m_model.queued();
+    m_queuedTracks = 0; // counted in place: the queue itself would be a copy of its tracks
+    for (const Track &track : m_model.tracks()) {
+        m_queuedTracks += queued.contains(track.id) ? 1 : 0;
+    }
+    m_queuedBytes = m_model.queueBytes();
+    Q_EMIT changed();
+}
+
+QString ShellPresenter::headline() const
+{
+    return AppLocalizer::text(m_model.busy() ? QStringLiteral("Pracuję…") : QStringLiteral("Gotowe do wgrania"));
+}
+
+QString ShellPresenter::queueLine() const
+{
+    return AppLocalizer::text(
+        QString::number(m_queuedTracks) + QStringLiteral(" utworów · ") + Wording::bytes(m_queuedBytes));
+}
+
+QString ShellPresenter::remaining() const
+{
+    if (!m_workTime.isValid()) {
+        return {};
+    }
+    const std::chrono::milliseconds elapsed(m_workTime.elapsed());
+    const std::optional<std::chrono::seconds> left = Wording::remaining(elapsed, m_model.progress());
+    return left ? Wording::remainingText(*left) : QString();
+}
+
+bool ShellPresenter::canEject() const
+{
+    return m_model.device() && m_model.device()->isVolume && !m_model.busy();
+}
+
+QString ShellPresenter::deviceName() const
+{
+    return m_model.device() ? m_model.device()->name : QString();
+}
+
+QString ShellPresenter::deviceVersion() const
+{
+    return m_model.device() ? AppLocalizer::text(QStringLiteral("Rockbox · ") + m_model.device()->version) : QString();
+}
+
+QString ShellPresenter::deviceSpace() const
+{
+    if (!m_model.device()) {
+        return {};
+    }
+    return AppLocalizer::text(Wording::bytes(m_model.device()->total) + QStringLiteral(" · ")
+        + Wording::bytes(m_model.device()->available) + QStringLiteral(" wolne"));
+}
+
+double ShellPresenter::usedShare() const
+{
+    if (!m_model.device() || m_model.device()->total <= 0) {
+        return 0;
+    }
+    const double total = double(m_model.device()->total);
+    return std::clamp((total - double(m_model.device()->available)) / total, 0.0, 1.0);
+}
+
+bool ShellPresenter::testFolder() const
+{
+    return m_model.device() && !m_model.device()->isVolume;
+}
+
+QStringList ShellPresenter::offeredDevices() const
+{
+    QStringList names;
+    if (!m_model.device()) {
+        for (const Device &device : m_model.devices()) {
+            names.append(device.name + QStringLiteral(" · ") + Wording::bytes(device.total));
+        }
+    }
+    return names;
+}
+
+void ShellPresenter::selectOffered(int place)
+{
+    if (!m_model.device() && place >= 0 && place < int(m_model.devices().size())) {
+        m_model.select(m_model.devices()[std::size_t(place)]);
+    }
+}
+
+void ShellPresenter::openDeviceFolder() const
+{
+    if (m_model.device()) {
+        Desktop::open(m_model.device()->root);
+    }
+}
+
+bool ShellPresenter::requestClose()
+{
+    if (!m_model.busy()) {
+        return true;
+    }
+    setClosing(true);
+    return false;
+}
+
+void ShellPresenter::stayOpen()
+{
+    setClosing(false);
+}
+
+void ShellPresenter::setClosing(bool closing)
+{
+    if (m_closing != closing) {
+        m_closing = closing;
+        Q_EMIT closingChanged();
+    }
+}
+
+void ShellPresenter::closeWhenDone()
+{
+    // A job's last word is read before the window goes.
+    if (m_closing && !m_model.busy() && !m_model.alert()) {
+        setClosing(false);
+        Q_EMIT mayCloseNow();
+    }
+}

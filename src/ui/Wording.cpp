@@ -1,0 +1,42 @@
+#include "ui/Wording.h"
+
+#include "ui/Localization.h"
+
+#include <cmath>
+
+namespace Wording {
+
+QString bytes(std::int64_t count)
+{
+    constexpr std::int64_t mega = 1'000'000;
+    constexpr std::int64_t giga = 1'000 * mega;
+    const int decimals = count < mega ? 0 : count < giga ? 1 : 2;
+    return AppLocalizer::locale().formattedDataSize(count, decimals, QLocale::DataSizeSIFormat);
+}
+
+std::optional<std::chrono::seconds> remaining(std::chrono::milliseconds elapsed, double progress)
+{
+    constexpr std::chrono::seconds enough {4};
+    constexpr double clear = 0.03;
+    if (elapsed < enough || progress < clear || progress >= 1) {
+        return std::nullopt;
+    }
+    const double left = double(elapsed.count()) / 1000.0 * (1 - progress) / progress;
+    return std::chrono::seconds(std::llround(left));
+}
+
+QString remainingText(std::chrono::seconds remaining)
+{
+    constexpr std::int64_t minute = 60;
+    constexpr std::int64_t step = 10;
+    const std::int64_t seconds = remaining.count();
+    if (seconds >= 60 * minute) {
+        return AppLocalizer::text(QStringLiteral("jeszcze około %1 godz.").arg((seconds + 30 * minute) / (60 * minute)));
+    }
+    if (seconds >= minute) {
+        return AppLocalizer::text(QStringLiteral("jeszcze około %1 min").arg((seconds + minute / 2) / minute));
+    }
+    return AppLocalizer::text(QStringLiteral("jeszcze około %1 s").arg((seconds / step + 1) * step));
+}
+
+} // namespace Wording

@@ -1,0 +1,94 @@
+// A button in one of three kinds and sizes: a text, a symbol or both.
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Templates as T
+import Marlune
+
+T.Button {
+    id: root
+
+    enum Kind { Bordered, Prominent, Borderless }
+    enum Measure { Small, Regular, Large }
+
+    property int kind: Button.Bordered
+    property int measure: Button.Regular
+    property string symbol
+    property string toolTip
+    property color tint: root.kind === Button.Prominent ? Tokens.color.onAccent
+        : root.kind === Button.Borderless ? Tokens.color.accent : Tokens.color.text
+
+    readonly property bool filled: root.kind === Button.Prominent
+
+    implicitWidth: implicitContentWidth + leftPadding + rightPadding
+    implicitHeight: root.measure === Button.Large ? Tokens.height.large
+        : root.measure === Button.Small ? Tokens.height.small : Tokens.height.regular
+    horizontalPadding: root.text === "" ? (implicitHeight - Tokens.height.symbol) / 2
+        : root.kind === Button.Borderless ? Tokens.space.tight
+        : root.measure === Button.Large ? Tokens.space.wide : Tokens.space.regular
+    focusPolicy: Qt.StrongFocus
+    opacity: root.enabled ? 1 : Tokens.color.disabled
+    font: root.measure === Button.Small ? Tokens.type.caption : Tokens.type.subheadlineStrong
+    Accessible.name: root.text !== "" ? root.text : root.toolTip
+    Accessible.description: root.text !== "" ? root.toolTip : ""
+    Keys.onReturnPressed: root.clicked()
+    Keys.onEnterPressed: root.clicked()
+
+    contentItem: Item {
+        implicitWidth: row.implicitWidth
+        implicitHeight: row.implicitHeight
+
+        Row {
+            id: row
+            anchors.centerIn: parent
+            spacing: Tokens.space.hair + 2
+
+            Icon {
+                id: picture
+                visible: root.symbol !== ""
+                symbol: root.symbol
+                color: root.tint
+                side: root.measure === Button.Small ? Tokens.height.symbol - 2 : Tokens.height.symbol
+                anchors.verticalCenter: parent.verticalCenter
+            }
+            Text {
+                visible: root.text !== ""
+                width: Math.min(implicitWidth, root.availableWidth - (picture.visible ? picture.width + row.spacing : 0))
+                text: root.text
+                textFormat: Text.PlainText
+                font: root.font
+                color: root.tint
+                elide: Text.ElideRight
+                anchors.verticalCenter: parent.verticalCenter
+            }
+        }
+    }
+    background: Rectangle {
+        radius: Tokens.radius.control
+        color: root.filled ? Tokens.color.accent : root.kind === Button.Bordered ? Tokens.color.card : "transparent"
+        border.width: root.kind === Button.Bordered ? 1 : 0
+        border.color: Tokens.color.line
+
+        Rectangle {
+            anchors.fill: parent
+            radius: parent.radius
+            color: root.down ? Tokens.color.pressed : Tokens.color.hover
+            opacity: root.enabled && (root.down || root.hovered) ? 1 : 0
+            Behavior on opacity {
+                NumberAnimation { duration: Tokens.motion.state }
+            }
+        }
+        FocusRing {
+            shown: root.visualFocus
+        }
+    }
+
+    Loader {
+        anchors.fill: parent
+        active: root.toolTip !== "" && root.hovered
+        sourceComponent: Tooltip {
+            text: root.toolTip
+            visible: true
+        }
+    }
+}

@@ -1,0 +1,103 @@
+// One of several values, behind a button that shows the present one after its title.
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Templates as T
+import Marlune
+
+T.ComboBox {
+    id: root
+
+    required property string title
+    required property var values ///< texts
+    property string value
+
+    signal picked(string value)
+
+    implicitWidth: 185
+    implicitHeight: Tokens.height.regular
+    leftPadding: Tokens.space.regular
+    rightPadding: Tokens.space.tight
+    model: root.values
+    currentIndex: root.values.indexOf(root.value)
+    displayText: L10n.text(root.value)
+    font: Tokens.type.subheadlineStrong
+    focusPolicy: Qt.StrongFocus
+    opacity: root.enabled ? 1 : Tokens.color.disabled
+    Accessible.name: root.title
+    Keys.onReturnPressed: root.popup.open()
+    onActivated: index => root.picked(root.values[index])
+
+    contentItem: Row {
+        spacing: Tokens.space.tight - 2
+
+        Text {
+            id: heading
+            text: root.title
+            textFormat: Text.PlainText
+            font: Tokens.type.subheadline
+            color: Tokens.color.textMuted
+            anchors.verticalCenter: parent.verticalCenter
+        }
+        Text {
+            width: Math.min(implicitWidth, root.availableWidth - heading.width - parent.spacing - Tokens.height.symbol)
+            text: root.displayText
+            textFormat: Text.PlainText
+            font: root.font
+            color: Tokens.color.text
+            elide: Text.ElideRight
+            anchors.verticalCenter: parent.verticalCenter
+        }
+    }
+    indicator: Icon {
+        x: root.width - width - root.rightPadding
+        y: (root.height - height) / 2
+        symbol: "chevron.up.chevron.down"
+        color: Tokens.color.textMuted
+    }
+    background: Rectangle {
+        radius: Tokens.radius.control
+        color: Tokens.color.card
+        border.color: Tokens.color.line
+
+        Rectangle {
+            anchors.fill: parent
+            radius: parent.radius
+            color: root.down ? Tokens.color.pressed : Tokens.color.hover
+            visible: root.enabled && (root.down || root.hovered)
+        }
+        FocusRing {
+            shown: root.visualFocus
+        }
+    }
+    delegate: MenuItem {
+        required property int index
+        required property string modelData
+
+        width: ListView.view?.width ?? implicitWidth
+        text: L10n.text(modelData)
+        marked: root.currentIndex === index
+        markable: true
+        highlighted: root.highlightedIndex === index
+        Accessible.role: Accessible.ListItem
+    }
+    popup: T.Popup {
+        y: root.height + Tokens.space.hair
+        width: root.width
+        implicitHeight: contentItem.implicitHeight + 2 * padding
+        padding: Tokens.space.hair
+        margins: Tokens.space.tight
+
+        contentItem: ListView {
+            clip: true
+            implicitHeight: contentHeight
+            model: root.delegateModel
+            currentIndex: root.highlightedIndex
+            highlightMoveDuration: 0
+        }
+        background: MenuGround {}
+        enter: Transition {
+            NumberAnimation { property: "opacity"; from: 0; to: 1; duration: Tokens.motion.state }
+        }
+    }
+}

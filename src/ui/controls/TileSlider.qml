@@ -1,0 +1,71 @@
+// A slider for the size of tiles.
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Templates as T
+import Marlune
+
+T.Slider {
+    id: root
+
+    property string toolTip
+
+    readonly property int knob: 16
+
+    implicitWidth: 85
+    implicitHeight: Tokens.height.regular
+    focusPolicy: Qt.StrongFocus
+    opacity: root.enabled ? 1 : Tokens.color.disabled
+    Accessible.name: root.toolTip
+
+    handle: Rectangle {
+        x: root.leftPadding + root.visualPosition * (root.availableWidth - width)
+        y: (root.height - height) / 2
+        width: root.knob
+        height: root.knob
+        radius: width / 2
+        color: Tokens.color.raised
+        border.color: Tokens.color.line
+
+        Shadow {
+            around: 4
+            blur: 4
+            drop: 1
+            strength: Tokens.color.sheetShadow
+        }
+        Rectangle {
+            anchors.fill: parent
+            radius: parent.radius
+            color: root.pressed ? Tokens.color.pressed : Tokens.color.hover
+            visible: root.enabled && (root.pressed || root.hovered)
+        }
+        FocusRing {
+            shown: root.visualFocus
+            around: parent.radius
+        }
+    }
+    background: Rectangle {
+        x: root.leftPadding
+        y: (root.height - height) / 2
+        width: root.availableWidth
+        height: 4
+        radius: 2
+        color: Tokens.color.pressed
+
+        Rectangle {
+            width: root.visualPosition * parent.width
+            height: parent.height
+            radius: parent.radius
+            color: Tokens.color.accent
+        }
+    }
+
+    Loader {
+        anchors.fill: parent
+        active: root.toolTip !== "" && root.hovered && !root.pressed
+        sourceComponent: Tooltip {
+            text: root.toolTip
+            visible: true
+        }
+    }
+}

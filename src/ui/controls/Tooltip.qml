@@ -1,0 +1,36 @@
+// A short text about what the pointer rests on. Its parent says when.
+import QtQuick
+import QtQuick.Templates as T
+import Marlune
+
+T.ToolTip {
+    id: root
+
+    readonly property int widest: 320
+
+    x: parent ? Math.round((parent.width - implicitWidth) / 2) : 0
+    y: parent ? parent.height + Tokens.space.tight : 0
+    implicitWidth: Math.min(root.widest, label.implicitWidth + 2 * padding)
+    implicitHeight: label.implicitHeight + 2 * padding
+    margins: Tokens.space.tight
+    padding: Tokens.space.tight
+    delay: Tokens.motion.hint
+    closePolicy: T.Popup.CloseOnEscape | T.Popup.CloseOnPressOutsideParent | T.Popup.CloseOnReleaseOutsideParent
+
+    contentItem: Text {
+        id: label
+        text: root.text
+        textFormat: Text.PlainText
+        font: Tokens.type.caption
+        color: Tokens.color.text
+        wrapMode: Text.Wrap
+    }
+    background: Rectangle {
+        color: Tokens.color.raised
+        border.color: Tokens.color.line
+        radius: Tokens.radius.control
+    }
+    enter: Transition {
+        NumberAnimation { property: "opacity"; from: 0; to: 1; duration: Tokens.motion.state }
+    }
+}

@@ -1,0 +1,142 @@
+// One album in the grid. Shows what it is given, reports clicks, decides nothing.
+import QtQuick
+import Marlune
+
+Item {
+    id: root
+
+    required property string albumTitle
+    required property string artist
+    required property string countAndSize
+    required property string format
+    required property bool highResolution
+    required property string discs
+    required property bool selected
+    required property string cover
+    required property bool deviceSide
+    property int coverDecodeSide: Math.round(root.width)
+    property bool ringShown: false
+
+    signal toggled
+    signal menuWanted
+
+    implicitHeight: root.width + Tokens.space.regular + words.implicitHeight
+    Accessible.role: Accessible.ListItem
+    Accessible.name: root.albumTitle + ", " + root.artist
+    Accessible.description: root.format + ", " + root.countAndSize + (root.discs === "" ? "" : ", " + root.discs)
+    Accessible.selected: root.selected
+    Accessible.onPressAction: root.toggled()
+
+    HoverHandler {
+        id: hover
+    }
+    TapHandler {
+        acceptedButtons: Qt.RightButton
+        onTapped: root.menuWanted()
+    }
+
+    Cover {
+        id: picture
+        width: root.width
+        height: root.width
+        y: hover.hovered ? -2 : 0
+        cover: root.cover
+        decodeSide: root.coverDecodeSide
+        marked: root.selected
+
+        Behavior on y {
+            NumberAnimation { duration: Tokens.motion.state; easing.type: Easing.OutCubic }
+        }
+        FocusRing {
+            shown: root.ringShown
+            around: Tokens.radius.cover
+        }
+    }
+    Column {
+        id: words
+        y: root.width + Tokens.space.regular
+        width: root.width
+        spacing: 2
+
+        TextLine {
+            width: parent.width
+            text: root.albumTitle
+            font: Tokens.type.bodyStrong
+        }
+        TextLine {
+            width: parent.width
+            text: root.artist
+            font: Tokens.type.caption
+            color: Tokens.color.textMuted
+        }
+        Row {
+            width: parent.width
+            height: facts.implicitHeight + 4
+            spacing: Tokens.space.hair + 2
+
+            Rectangle {
+                id: badge
+                visible: root.format !== ""
+                anchors.verticalCenter: parent.verticalCenter
+                width: badgeText.implicitWidth + 8
+                height: facts.implicitHeight + 2
+                radius: 4
+                color: Tokens.color.field
+
+                Text {
+                    id: badgeText
+                    anchors.centerIn: parent
+                    text: root.format
+                    textFormat: Text.PlainText
+                    font: Tokens.type.caption2
+                    color: Tokens.color.text
+                }
+            }
+            Text {
+                id: hiRes
+                visible: root.highResolution
+                anchors.verticalCenter: parent.verticalCenter
+                text: L10n.text("Hi-Res")
+                textFormat: Text.PlainText
+                font: Tokens.type.of(9, Font.DemiBold)
+                color: Tokens.color.warning
+            }
+            TextLine {
+                id: facts
+                width: Math.min(implicitWidth, parent.width - (badge.visible ? badge.width + parent.spacing : 0)
+                    - (hiRes.visible ? hiRes.width + parent.spacing : 0))
+                anchors.verticalCenter: parent.verticalCenter
+                text: root.countAndSize
+                font: Tokens.type.caption2
+                color: Tokens.color.textMuted
+            }
+        }
+        Row {
+            visible: root.discs !== ""
+            spacing: Tokens.space.hair
+
+            Icon {
+                anchors.verticalCenter: parent.verticalCenter
+                symbol: root.discs === "" ? "" : "opticaldisc"
+                color: Tokens.color.textMuted
+                side: Tokens.height.symbol - 3
+            }
+            TextLine {
+                width: Math.min(implicitWidth, root.width - Tokens.height.symbol)
+                text: root.discs
+                font: Tokens.type.caption2
+                color: Tokens.color.textMuted
+            }
+        }
+        Button {
+            objectName: "queueButton"
+            x: -leftPadding // its symbol stands in line with the texts
+            kind: Button.Borderless
+            measure: Button.Small
+            focusPolicy: Qt.NoFocus // the grid is the keyboard's way here
+            symbol: root.selected ? "checkmark.circle.fill" : "plus.circle"
+            text: L10n.text(root.selected ? "Zaznaczono" : root.deviceSide ? "Do playlisty" : "Do kolejki")
+            onClicked: root.toggled()
+        }
+    }
+}

@@ -1,0 +1,25 @@
+// What else can be done with the album under the pointer.
+import QtQuick
+import QtQuick.Templates as T
+import Marlune
+
+Menu {
+    id: root
+
+    required property AlbumListModel albums
+    required property bool deviceSide
+    required property bool busy
+    property int row: -1
+
+    T.Action {
+        text: L10n.text("Pokaż pliki w Finderze")
+        onTriggered: root.albums.reveal(root.row)
+    }
+    MenuItem {
+        visible: !root.deviceSide
+        height: visible ? implicitHeight : 0
+        enabled: !root.busy
+        text: L10n.text("Usuń z biblioteki Marlune")
+        onTriggered: root.albums.forget(root.row)
+    }
+}

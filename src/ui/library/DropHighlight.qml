@@ -1,0 +1,26 @@
+// Shows that what hangs at the pointer can be let go here.
+import QtQuick
+import Marlune
+
+Rectangle {
+    id: root
+
+    required property bool shown
+
+    radius: Tokens.radius.card
+    color: Tokens.color.content
+    border.width: 2
+    border.color: Tokens.color.accent
+    opacity: root.shown ? 0.94 : 0
+    visible: opacity > 0
+    Behavior on opacity {
+        NumberAnimation { duration: Tokens.motion.state }
+    }
+
+    EmptyState {
+        anchors.fill: parent
+        symbol: "arrow.down.to.line"
+        title: L10n.text("Upuść, aby dodać do biblioteki")
+        detail: L10n.text("Pliki i foldery z muzyką trafią też do kolejki.")
+    }
+}

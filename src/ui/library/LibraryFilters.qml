@@ -1,0 +1,93 @@
+// What of the collection is shown, and how: source, format, search, order and size.
+import QtQuick
+import QtQuick.Layouts
+import Marlune
+
+ColumnLayout {
+    id: root
+
+    required property MarluneModel model
+    required property LibraryPresenter library
+
+    readonly property list<string> sources: ["Na Macu", "Na iPodzie"]
+
+    spacing: 15
+
+    Flow {
+        Layout.fillWidth: true
+        spacing: Tokens.space.regular
+
+        SegmentedPicker {
+            objectName: "sourcePicker"
+            width: Math.max(200, implicitWidth)
+            title: L10n.text("Źródło")
+            values: root.sources
+            value: root.sources[root.model.libraryOnDevice ? 1 : 0]
+            onPicked: value => root.model.libraryOnDevice = value === root.sources[1]
+        }
+        Button {
+            objectName: "readDeviceButton"
+            text: L10n.text("Odczytaj iPoda")
+            enabled: root.library.canReadDevice
+            onClicked: root.model.scanDeviceMusic()
+        }
+        SegmentedPicker {
+            objectName: "formatPicker"
+            width: Math.min(implicitWidth, root.width)
+            title: L10n.text("Format")
+            values: root.library.formats
+            value: root.model.formatFilter
+            onPicked: value => root.model.formatFilter = value
+        }
+        CheckBox {
+            objectName: "hiResCheck"
+            text: L10n.text("Hi-Res")
+            toolTip: L10n.text("Pliki powyżej 16-bit lub 48 kHz. Parametry pliku, niezależnie od możliwości wyjścia iPoda.")
+            checked: root.model.hiResOnly
+            onToggled: root.model.hiResOnly = checked
+        }
+    }
+    SearchField {
+        id: search
+        objectName: "searchField"
+        Layout.fillWidth: true
+        placeholderText: L10n.text("Szukaj albumu, wykonawcy lub utworu")
+        text: root.model.search
+        onTextEdited: root.library.searchSoon(text)
+        onTextChanged: if (text === "") root.library.searchSoon(text)
+
+        Shortcut {
+            sequence: "Ctrl+F"
+            onActivated: search.forceActiveFocus(Qt.ShortcutFocusReason)
+        }
+    }
+    RowLayout {
+        Layout.fillWidth: true
+        spacing: Tokens.space.regular
+
+        ComboPicker {
+            objectName: "sortPicker"
+            Layout.preferredWidth: Math.round(185 * Math.max(1, Tokens.type.scale))
+            title: L10n.text("Sortuj")
+            values: root.library.sortModes
+            value: root.model.sortMode
+            onPicked: value => root.model.sortMode = value
+        }
+        Item {
+            Layout.fillWidth: true
+        }
+        Icon {
+            symbol: "square.grid.2x2"
+            color: Tokens.color.textMuted
+        }
+        TileSlider {
+            objectName: "tileSlider"
+            from: 140
+            to: 240
+            stepSize: 5
+            value: root.model.tileSize
+            toolTip: L10n.text("Rozmiar okładek")
+            onMoved: root.model.tileSize = value
+        }
+    }
+}

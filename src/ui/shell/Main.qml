@@ -1,0 +1,126 @@
+// The window: menus above, sections at the left, the chosen page with the transfer bar, the device at the right.
+import QtQuick
+import QtQuick.Layouts
+import QtQuick.Templates as T
+import Marlune
+
+T.ApplicationWindow {
+    id: root
+
+    required property MarluneModel model
+    required property ShellPresenter shell
+    required property LibraryPresenter library
+    required property DesktopPanels panels
+
+    width: Math.min(1260, Screen.desktopAvailableWidth)
+    height: Math.min(820, Screen.desktopAvailableHeight)
+    minimumWidth: 1050
+    minimumHeight: 690
+    visible: true
+    title: L10n.text("Marlune")
+    color: Tokens.color.content
+    font: Tokens.type.body
+    // For the dialogs that Qt draws itself where the desktop has none.
+    palette {
+        window: Tokens.color.window
+        windowText: Tokens.color.text
+        base: Tokens.color.content
+        text: Tokens.color.text
+        button: Tokens.color.card
+        buttonText: Tokens.color.text
+        highlight: Tokens.color.accent
+        highlightedText: Tokens.color.onAccent
+        placeholderText: Tokens.color.textMuted
+        light: Tokens.color.raised
+        mid: Tokens.color.pressed
+    }
+    onClosing: close => close.accepted = root.shell.requestClose()
+
+    Connections {
+        target: root.shell
+        function onMayCloseNow() {
+            root.close();
+        }
+    }
+
+    ColumnLayout {
+        anchors.fill: parent
+        spacing: 0
+
+        TopBar {
+            Layout.fillWidth: true
+            model: root.model
+            shell: root.shell
+            onQuit: root.close()
+        }
+        Divider {
+            Layout.fillWidth: true
+        }
+        RowLayout {
+            spacing: 0
+
+            Sidebar {
+                Layout.fillHeight: true
+                Layout.preferredWidth: implicitWidth
+                sections: root.shell.sections
+            }
+            Divider {
+                Layout.fillHeight: true
+                vertical: true
+            }
+            ColumnLayout {
+                spacing: 0
+
+                LibraryPage {
+                    Layout.fillWidth: true
+                    Layout.fillHeight: true
+                    visible: root.shell.musicShown
+                    model: root.model
+                    library: root.library
+                }
+                EmptyState {
+                    Layout.fillWidth: true
+                    Layout.fillHeight: true
+                    visible: !root.shell.musicShown
+                    symbol: root.shell.sectionSymbol
+                    title: L10n.text(root.model.section)
+                    detail: L10n.text(root.shell.sectionPurpose)
+                }
+                Divider {
+                    Layout.fillWidth: true
+                }
+                ClosingNotice {
+                    Layout.fillWidth: true
+                    visible: root.shell.closing
+                    onStay: root.shell.stayOpen()
+                }
+                TransferBar {
+                    Layout.fillWidth: true
+                    model: root.model
+                    shell: root.shell
+                }
+            }
+            Divider {
+                Layout.fillHeight: true
+                visible: root.shell.inspectorShown
+                vertical: true
+            }
+            Inspector {
+                Layout.fillHeight: true
+                Layout.preferredWidth: 285
+                visible: root.shell.inspectorShown
+                model: root.model
+                shell: root.shell
+            }
+        }
+    }
+
+    AlertDialog {
+        objectName: "alertDialog"
+        message: L10n.text(root.model.alert)
+        onDismissed: root.model.dismissAlert()
+    }
+    PanelHost {
+        panels: root.panels
+    }
+}

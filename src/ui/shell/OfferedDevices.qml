@@ -1,0 +1,38 @@
+// The devices found, while none of them is chosen.
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Layouts
+import Marlune
+
+ColumnLayout {
+    id: root
+
+    required property var names ///< texts
+
+    signal chosen(int place)
+
+    spacing: Tokens.space.tight
+
+    Text {
+        Layout.fillWidth: true
+        text: L10n.text("Znalezione urządzenia")
+        textFormat: Text.PlainText
+        font: Tokens.type.of(13, Font.DemiBold)
+        color: Tokens.color.text
+    }
+    Repeater {
+        model: root.names
+
+        Button {
+            required property int index
+            required property string modelData
+
+            objectName: "offeredDevice"
+            Layout.fillWidth: true
+            symbol: "ipod"
+            text: modelData
+            onClicked: root.chosen(index)
+        }
+    }
+}

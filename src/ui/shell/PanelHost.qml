@@ -1,0 +1,104 @@
+// Shows the questions for files and folders: the desktop's dialogs, and before them, where both will do, which it is to be.
+import QtQuick
+import QtQuick.Dialogs
+import QtQuick.Layouts
+import Marlune
+
+Item {
+    id: root
+
+    required property DesktopPanels panels
+
+    function show(kind: int) {
+        if (kind === DesktopPanels.ChooseFiles) {
+            files.open();
+        } else if (kind === DesktopPanels.ChooseFolder) {
+            folder.open();
+        } else {
+            choice.open();
+        }
+    }
+
+    Connections {
+        target: root.panels
+        function onAsked(kind: int) {
+            root.show(kind);
+        }
+    }
+
+    FileDialog {
+        id: files
+        title: L10n.text(root.panels.message === "" ? root.panels.prompt : root.panels.message)
+        acceptLabel: L10n.text(root.panels.prompt)
+        fileMode: root.panels.multiple ? FileDialog.OpenFiles : FileDialog.OpenFile
+        onAccepted: root.panels.answer(files.selectedFiles)
+        onRejected: root.panels.cancel()
+    }
+    FolderDialog {
+        id: folder
+        title: L10n.text(root.panels.message === "" ? root.panels.prompt : root.panels.message)
+        acceptLabel: L10n.text(root.panels.prompt)
+        onAccepted: root.panels.answer([folder.selectedFolder])
+        onRejected: root.panels.cancel()
+    }
+
+    Sheet {
+        id: choice
+
+        property bool answered: false
+
+        function go(kind: int) {
+            choice.answered = true;
+            choice.close();
+            root.show(kind);
+        }
+
+        onAboutToShow: choice.answered = false
+        onOpened: folderButton.forceActiveFocus(Qt.PopupFocusReason)
+        onClosed: if (!choice.answered) root.panels.cancel()
+
+        contentItem: ColumnLayout {
+            spacing: Tokens.space.regular
+
+            Text {
+                Layout.preferredWidth: 320
+                text: L10n.text(root.panels.prompt)
+                textFormat: Text.PlainText
+                font: Tokens.type.title2
+                color: Tokens.color.text
+            }
+            Text {
+                Layout.preferredWidth: 320
+                text: L10n.text("Co chcesz wskazać?")
+                textFormat: Text.PlainText
+                font: Tokens.type.body
+                color: Tokens.color.textMuted
+            }
+            Button {
+                id: folderButton
+                objectName: "chooseFolderButton"
+                Layout.fillWidth: true
+                Layout.topMargin: Tokens.space.hair
+                measure: Button.Large
+                kind: Button.Prominent
+                symbol: "folder"
+                text: L10n.text("Folder z muzyką…")
+                onClicked: choice.go(DesktopPanels.ChooseFolder)
+            }
+            Button {
+                objectName: "chooseFilesButton"
+                Layout.fillWidth: true
+                measure: Button.Large
+                symbol: "music.note"
+                text: L10n.text("Pliki audio…")
+                onClicked: choice.go(DesktopPanels.ChooseFiles)
+            }
+            Button {
+                Layout.fillWidth: true
+                kind: Button.Borderless
+                text: L10n.text("Anuluj")
+                onClicked: choice.close()
+            }
+        }
+    }
+}

@@ -1,0 +1,61 @@
+// One section in the sidebar.
+import QtQuick
+import QtQuick.Templates as T
+import Marlune
+
+T.AbstractButton {
+    id: root
+
+    required property string title
+    required property string symbol
+    required property bool current
+
+    readonly property color ink: root.current ? Tokens.color.onAccent : Tokens.color.text
+
+    implicitWidth: implicitContentWidth + leftPadding + rightPadding
+    implicitHeight: implicitContentHeight + topPadding + bottomPadding
+    horizontalPadding: 13
+    verticalPadding: 11
+    text: L10n.text(root.title)
+    focusPolicy: root.current ? Qt.StrongFocus : Qt.ClickFocus
+    font: root.current ? Tokens.type.headline : Tokens.type.body
+    Accessible.role: Accessible.PageTab
+    Accessible.name: root.text
+    Accessible.selected: root.current
+    Keys.onReturnPressed: root.clicked()
+
+    contentItem: Row {
+        spacing: Tokens.space.tight + 2
+
+        Icon {
+            id: picture
+            anchors.verticalCenter: parent.verticalCenter
+            symbol: root.symbol
+            color: root.ink
+            side: Tokens.height.symbol + 2
+        }
+        TextLine {
+            width: Math.min(implicitWidth, root.availableWidth - picture.width - parent.spacing)
+            text: root.text
+            font: root.font
+            color: root.ink
+        }
+    }
+    background: Rectangle {
+        radius: Tokens.radius.control
+        color: root.current ? Tokens.color.accent : "transparent"
+
+        Rectangle {
+            anchors.fill: parent
+            radius: parent.radius
+            color: root.down ? Tokens.color.pressed : Tokens.color.hover
+            opacity: root.down || root.hovered ? 1 : 0
+            Behavior on opacity {
+                NumberAnimation { duration: Tokens.motion.state }
+            }
+        }
+        FocusRing {
+            shown: root.visualFocus
+        }
+    }
+}

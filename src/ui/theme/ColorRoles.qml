@@ -1,0 +1,33 @@
+// The colours by what they are used for, in one of the two looks.
+import QtQuick
+
+QtObject {
+    property bool dark: false
+
+    // Grounds
+    readonly property color window: dark ? "#1C1C1E" : "#F5F5F7"
+    readonly property color content: dark ? "#161618" : "#FFFFFF"
+    readonly property color sidebar: dark ? "#242427" : "#ECECEF"
+    readonly property color card: dark ? "#1F1F22" : "#F7F7F9"
+    readonly property color raised: dark ? "#3A3A3E" : "#FFFFFF" ///< chosen segment, menus, sheets' buttons
+    readonly property color field: dark ? "#12F2F2F4" : "#0D1D1D1F" ///< laid over the ground below
+
+    // What stands on them
+    readonly property color text: dark ? "#F2F2F4" : "#1D1D1F"
+    readonly property color textMuted: dark ? "#A4A4AD" : "#63636A"
+    readonly property color accent: dark ? "#4C9BFF" : "#0A63E0"
+    readonly property color onAccent: dark ? "#0B1522" : "#FFFFFF"
+    readonly property color warning: dark ? "#FFB340" : "#A84B00"
+    readonly property color good: dark ? "#4CD07D" : "#16753B"
+    readonly property color danger: dark ? "#FF6B60" : "#C4281C"
+
+    // Laid over whatever lies below
+    readonly property color line: dark ? "#1CFFFFFF" : "#17000000"
+    readonly property color hover: dark ? "#12F2F2F4" : "#0D1D1D1F"
+    readonly property color pressed: dark ? "#24F2F2F4" : "#1A1D1D1F"
+    readonly property color focusRing: dark ? "#734C9BFF" : "#730A63E0"
+    readonly property color scrim: dark ? "#80000000" : "#40000000"
+    readonly property real coverShadow: dark ? 0.4 : 0.14
+    readonly property real sheetShadow: dark ? 0.6 : 0.26
+    readonly property real disabled: 0.4
+}

@@ -1,0 +1,262 @@
+// A new user's road through the real window, by mouse and keyboard only: choose the device, add music, search, filter,
+// queue, transfer, transfer again, lose the device in the middle.
+#include "support/ModelDesk.h"
+
+#include "platform/DiskCalls.h"
+#include "ui/MarluneApp.h"
+
+#include <QGuiApplication>
+#include <QQuickItem>
+#include <QQuickWindow>
+
+namespace {
+
+const std::filesystem::path sample = MARLUNE_SAMPLE;
+
+/// The visible item of this name, wherever it hangs, popups included; null if there is none.
+QQuickItem *findItem(QQuickItem *root, const QString &name)
+{
+    if (!root->isVisible()) {
+        return nullptr;
+    }
+    if (root->objectName() == name) {
+        return root;
+    }
+    for (QQuickItem *child : root->childItems()) {
+        if (QQuickItem *found = findItem(child, name)) {
+            return found;
+        }
+    }
+    return nullptr;
+}
+
+/// The tiles that the grid shows now, by album title.
+void findTiles(QQuickItem *root, std::map<std::string, QQuickItem *> &tiles)
+{
+    const QVariant title = root->property("albumTitle");
+    if (title.isValid() && root->isVisible()) {
+        tiles[title.toString().toStdString()] = root;
+    }
+    for (QQuickItem *child : root->childItems()) {
+        findTiles(child, tiles);
+    }
+}
+
+/// What the firmware's folders are to hold of one album of the sample.
+using FileMap = std::map<std::string, std::string>;
+
+FileMap expectedFiles(const std::filesystem::path &folder, const std::string &destination)
+{
+    FileMap files;
+    for (const auto &[name, bytes] : filesBelow(folder)) {
+        const std::string extension = std::filesystem::path(name).extension().string();
+        if (extension != ".jpg" && extension != ".png") {
+            files[destination + name] = bytes;
+        }
+    }
+    return files;
+}
+
+FileMap joined(std::initializer_list<FileMap> parts)
+{
+    FileMap all;
+    for (const FileMap &part : parts) {
+        all.insert(part.begin(), part.end());
+    }
+    return all;
+}
+
+/// The window of a new user with a copy of the sample iPod.
+struct NewUser {
+    TemporaryFolder folder;
+    KeptPanels panels;
+    std::filesystem::path device = folder / "IPOD";
+    MarluneApp::Program program;
+
+    NewUser()
+        : program(MarluneApp::Setup {.settingsFile = folder / "config/settings.json",
+              .supportFolder = folder / "data",
+              .deviceDiscovery = [] { return std::vector<Device> {}; },
+              .ejectVolume = [](const std::filesystem::path &) {},
+              .panels = &panels})
+    {
+        std::filesystem::copy(sample / "iPod", device, std::filesystem::copy_options::recursive);
+    }
+
+    [[nodiscard]] QQuickItem *item(const char *name) const
+    {
+        return findItem(program.window()->contentItem(), QString::fromLatin1(name));
+    }
+
+    [[nodiscard]] std::map<std::string, QQuickItem *> tiles() const
+    {
+        std::map<std::string, QQuickItem *> result;
+        findTiles(program.window()->contentItem(), result);
+        return result;
+    }
+
+    void click(QQuickItem *target) const
+    {
+        QVERIFY(target);
+        const QPointF centre = target->mapToScene({target->width() / 2, target->height() / 2});
+        QVERIFY(program.window()->contentItem()->contains(centre));
+        QTest::mouseClick(program.window(), Qt::LeftButton, Qt::NoModifier, centre.toPoint());
+    }
+
+    void clickNamed(const char *name) const
+    {
+        QTRY_VERIFY2(item(name) && item(name)->isEnabled(), name);
+        click(item(name));
+    }
+
+    void clickQueueButtonOf(const std::string &title) const
+    {
+        QTRY_VERIFY2(tiles().contains(title), title.c_str());
+        QQuickItem *button = findItem(tiles().at(title), QStringLiteral("queueButton"));
+        QVERIFY2(button, title.c_str());
+        click(button);
+    }
+
+    void searchFor(const char *text) const
+    {
+        click(item("searchField"));
+        QTest::keyClick(program.window(), Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClick(program.window(), Qt::Key_Delete);
+        for (const QChar c : QString::fromUtf8(text)) {
+            QTest::sendKeyEvent(QTest::Click, program.window(), Qt::Key(c.toUpper().unicode()), c, Qt::NoModifier);
+        }
+    }
+
+    void waitUntilIdle() { QTRY_VERIFY_WITH_TIMEOUT(!program.model().busy(), 30'000); }
+
+    [[nodiscard]] std::string shownText(const char *name) const
+    {
+        const QQuickItem *found = item(name);
+        return found ? found->property("text").toString().toStdString() : std::string();
+    }
+};
+
+} // namespace
+
+class WindowTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        QVERIFY(std::filesystem::exists(sample / "Music"));
+        MarluneApp::prepareApplication();
+    }
+
+    void takesMusicFromAFolderToADevice()
+    {
+        NewUser user;
+        QQuickWindow *window = user.program.window();
+        QVERIFY(window);
+        QVERIFY(QTest::qWaitForWindowExposed(window));
+        MarluneModel &model = user.program.model();
+
+        user.clickNamed("chooseDeviceButton");
+        QCOMPARE(user.panels.requests.size(), 1U);
+        user.panels.answer({user.device});
+        QTRY_COMPARE(user.shownText("deviceName"), std::string("IPOD"));
+        QVERIFY(!user.item("transferButton")->isEnabled());
+
+        user.clickNamed("addMusicButton");
+        user.panels.answer({sample / "Music"});
+        user.waitUntilIdle();
+        QVERIFY(model.tracks().size() > 40);
+        QCOMPARE(std::size_t(model.queued().size()), model.tracks().size());
+        QTRY_VERIFY(user.tiles().size() >= 6);
+        user.clickNamed("clearQueueButton");
+        QVERIFY(model.queued().isEmpty());
+
+        user.searchFor("źródła");
+        QTRY_COMPARE(user.tiles().size(), 1U);
+        user.searchFor("nothing has this name");
+        QTRY_COMPARE(user.tiles().size(), 0U);
+        QVERIFY(user.item("emptyState"));
+        user.searchFor("");
+        user.clickNamed("hiResCheck");
+        QTRY_VERIFY(user.tiles().contains("Źródła i ujścia") && !user.tiles().contains("Ostatni kurs"));
+        user.clickNamed("hiResCheck");
+
+        queueTwoAlbums(user);
+        user.clickNamed("transferButton");
+        QTRY_VERIFY_WITH_TIMEOUT(model.alert(), 30'000);
+        const FileMap before = expectedFiles(sample / "iPod/Music", "");
+        const FileMap expected = joined({before, expectedFiles(sample / "Music/Low Tide Almanac/Soundings/CD1", "Low Tide Almanac/Soundings/CD 1/"),
+            expectedFiles(sample / "Music/Low Tide Almanac/Soundings/CD2", "Low Tide Almanac/Soundings/CD 2/"),
+            expectedFiles(sample / "Music/AC-DC Revival/What Now?", "AC-DC Revival/What Now?/")});
+        QCOMPARE(expected.size() - before.size(), 13U);
+        QVERIFY(expectedFiles(user.device / "Music", "") == expected);
+        QVERIFY(model.alert()->startsWith(QStringLiteral("Wgrano: 13. Pominięto identyczne: 0.")));
+        user.clickNamed("alertOk");
+        QTRY_VERIFY(!user.item("alertDialog"));
+        QVERIFY(!model.alert());
+
+        queueTwoAlbums(user);
+        user.clickNamed("transferButton");
+        QTRY_VERIFY_WITH_TIMEOUT(model.alert(), 30'000);
+        QVERIFY(model.alert()->startsWith(QStringLiteral("Wgrano: 0. Pominięto identyczne: 13.")));
+        QVERIFY(expectedFiles(user.device / "Music", "") == expected);
+        QTRY_VERIFY(user.item("alertDialog"));
+        QTest::keyClick(window, Qt::Key_Escape);
+        QTRY_VERIFY(!model.alert());
+    }
+
+    void goesOnWhenTheDeviceIsTakenAwayInTheMiddle()
+    {
+        NewUser user;
+        QVERIFY(QTest::qWaitForWindowExposed(user.program.window()));
+        MarluneModel &model = user.program.model();
+        user.clickNamed("chooseDeviceButton");
+        user.panels.answer({user.device});
+        QTRY_VERIFY(model.device());
+        user.clickNamed("addMusicButton");
+        user.panels.answer({sample / "Music/Low Tide Almanac"});
+        user.waitUntilIdle();
+
+        // The disk is pulled out while the third file is on its way.
+        s_lost = user.device / ".rockbox";
+        s_synchronised = 0;
+        diskCalls().fsync = [](int descriptor) {
+            if (++s_synchronised == 3) {
+                std::filesystem::remove_all(s_lost);
+            }
+            return ::fsync(descriptor);
+        };
+        user.clickNamed("transferButton");
+        QTRY_VERIFY_WITH_TIMEOUT(model.alert(), 30'000);
+        diskCalls() = DiskCalls::system();
+        QVERIFY(model.alert()->startsWith(QStringLiteral("Ten folder nie zawiera katalogu .rockbox.\n\nCzęść utworów")));
+        QVERIFY(!model.busy());
+        QCOMPARE(model.queued().size(), 8);
+        QCOMPARE(filesBelow(user.device / "Music/Low Tide Almanac").size(), 2U);
+        QVERIFY(!holdsPartialFile(user.device));
+
+        user.clickNamed("alertOk");
+        QTRY_VERIFY(!user.item("alertDialog"));
+        user.searchFor("soundings");
+        QTRY_COMPARE(user.tiles().size(), 1U);
+        QCOMPARE(user.shownText("statusText"), std::string("Transfer przerwany"));
+    }
+
+private:
+    static void queueTwoAlbums(NewUser &user)
+    {
+        for (const auto &[text, title] : {std::pair("soundings", "Soundings"), std::pair("what now", "What Now?")}) {
+            user.searchFor(text);
+            QTRY_COMPARE(user.tiles().size(), 1U);
+            user.clickQueueButtonOf(title);
+        }
+        QCOMPARE(user.program.model().queue().size(), 13U);
+        user.searchFor("");
+    }
+
+    static inline std::filesystem::path s_lost;
+    static inline std::atomic<int> s_synchronised = 0;
+};
+
+QTEST_MAIN(WindowTest)
+#include "WindowTest.moc"
