@@ -192,15 +192,15 @@ private Q_SLOTS:
         QVERIFY(expectedFiles(user.device / "Music", "") == expected);
         QVERIFY(model.alert()->startsWith(QStringLiteral("Wgrano: 13. Pominięto identyczne: 0.")));
         user.clickNamed("alertOk");
-        QTRY_VERIFY(!user.item("alertDialog"));
-        QVERIFY(!model.alert());
+        QTRY_VERIFY(!user.item("alertOk"));
+        QTRY_VERIFY(!model.alert());
 
         queueTwoAlbums(user);
         user.clickNamed("transferButton");
         QTRY_VERIFY_WITH_TIMEOUT(model.alert(), 30'000);
         QVERIFY(model.alert()->startsWith(QStringLiteral("Wgrano: 0. Pominięto identyczne: 13.")));
         QVERIFY(expectedFiles(user.device / "Music", "") == expected);
-        QTRY_VERIFY(user.item("alertDialog"));
+        QTRY_VERIFY(user.item("alertOk"));
         QTest::keyClick(window, Qt::Key_Escape);
         QTRY_VERIFY(!model.alert());
     }
@@ -236,7 +236,7 @@ private Q_SLOTS:
         QVERIFY(!holdsPartialFile(user.device));
 
         user.clickNamed("alertOk");
-        QTRY_VERIFY(!user.item("alertDialog"));
+        QTRY_VERIFY(!user.item("alertOk"));
         user.searchFor("soundings");
         QTRY_COMPARE(user.tiles().size(), 1U);
         QCOMPARE(user.shownText("statusText"), std::string("Transfer przerwany"));
