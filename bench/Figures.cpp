@@ -42,7 +42,8 @@ WorkFolder::WorkFolder()
 {
     const char *home = std::getenv("HOME");
     const char *cache = std::getenv("XDG_CACHE_HOME");
-    const std::filesystem::path base = cache ? std::filesystem::path(cache) : std::filesystem::path(home ? home : "/tmp") / ".cache";
+    const std::filesystem::path base
+        = cache ? std::filesystem::path(cache) : std::filesystem::path(home ? home : "/tmp") / ".cache";
     std::filesystem::create_directories(base);
     std::string name = (base / "marlune-bench-XXXXXX").string();
     if (::mkdtemp(name.data()) == nullptr) {

@@ -28,7 +28,8 @@ public:
 std::vector<Track> makeTracks(int count)
 {
     static const std::vector<QString> words {QStringLiteral("Noc"), QStringLiteral("światło"), QStringLiteral("Żar"),
-        QStringLiteral("river"), QStringLiteral("Glass"), QStringLiteral("łąka"), QStringLiteral("dawn"), QStringLiteral("Cień")};
+        QStringLiteral("river"), QStringLiteral("Glass"), QStringLiteral("łąka"), QStringLiteral("dawn"),
+        QStringLiteral("Cień")};
     std::mt19937 random(7);
     const auto word = [&] { return words[random() % words.size()]; };
     std::vector<Track> tracks;
@@ -79,7 +80,8 @@ void import(const std::filesystem::path &library)
             [&] {
                 std::vector<Track> tracks; // freed outside the time, as the program keeps them
                 const double time = seconds([&] {
-                    tracks = readTracks({.urls = {library}, .known = {}, .artworkOverrides = {}, .artwork = {}}, [](int, int) {});
+                    tracks = readTracks(
+                        {.urls = {library}, .known = {}, .artworkOverrides = {}, .artwork = {}}, [](int, int) { });
                 });
                 return double(tracks.size()) / time;
             },
@@ -121,7 +123,8 @@ void group(const std::filesystem::path &)
                     }
                     std::vector<std::size_t> order(names.size());
                     std::iota(order.begin(), order.end(), 0);
-                    std::sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) { return keys[a] < keys[b]; });
+                    std::sort(
+                        order.begin(), order.end(), [&](std::size_t a, std::size_t b) { return keys[a] < keys[b]; });
                 });
             }));
 }
@@ -147,7 +150,12 @@ void browse(const std::filesystem::path &)
     while (model.busy()) {
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     }
-    const auto read = [&] { return seconds([&] { (void)model.albums(); (void)model.filteredTracks(); }); };
+    const auto read = [&] {
+        return seconds([&] {
+            (void)model.albums();
+            (void)model.filteredTracks();
+        });
+    };
     bool narrow = false;
     std::vector<double> first;
     std::vector<double> second;

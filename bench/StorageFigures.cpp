@@ -44,7 +44,8 @@ void runTool(const QString &program, const QStringList &arguments)
     process.setStandardOutputFile(QProcess::nullDevice());
     process.setStandardErrorFile(QProcess::nullDevice());
     process.start(program, arguments);
-    require(process.waitForFinished(-1) && process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0, "the peer failed");
+    require(process.waitForFinished(-1) && process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0,
+        "the peer failed");
 }
 
 QString text(const std::filesystem::path &path)
@@ -96,7 +97,10 @@ void transfer(const std::filesystem::path &)
         return double(total) / seconds([&] { copy(root); });
     };
     print("transfer",
-        inTurn([&] { return onEmptyFolder([&](const auto &root) { (void)Storage::transfer(files, root, [](int, int) {}); }); },
+        inTurn(
+            [&] {
+                return onEmptyFolder([&](const auto &root) { (void)Storage::transfer(files, root, [](int, int) { }); });
+            },
             [&] {
                 return onEmptyFolder([&](const auto &root) {
                     std::filesystem::create_directories(root / "Music/Artist/Album");

@@ -7,8 +7,8 @@ target_compile_definitions(project_options INTERFACE
 target_compile_options(project_options INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor $<$<BOOL:${MARLUNE_WERROR}>:-Werror>)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
-    # libstdc++ 12's coroutine header is complete for clang, which then wants no experimental flag.
-    target_compile_options(project_options INTERFACE -Wno-unknown-warning-option)
+    # Fields that a designated initialiser leaves out have their defaults; that is what they are for.
+    target_compile_options(project_options INTERFACE -Wno-missing-designated-field-initializers)
 else()
     # In a unity build GCC takes a coroutine's frame for a type of a header and warns of its lambdas' linkage.
     target_compile_options(project_options INTERFACE -fcoroutines -Wno-subobject-linkage)

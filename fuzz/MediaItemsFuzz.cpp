@@ -5,7 +5,7 @@
 
 #include <array>
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     static const std::array<FuzzFile, 14> files {FuzzFile(".mp3"), FuzzFile(".flac"), FuzzFile(".m4a"),
         FuzzFile(".aac"), FuzzFile(".ogg"), FuzzFile(".opus"), FuzzFile(".wav"), FuzzFile(".aiff"), FuzzFile(".aif"),
@@ -18,7 +18,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     require(!seconds || (*seconds > 0 && *seconds <= 100e6));
     const std::optional<AudioStream> stream = asset.firstAudioStream();
     require(!stream || (stream->sampleRate > 0 && stream->sampleRate <= 100e6));
-    for (const MetadataItem& item : asset.metadata()) {
+    for (const MetadataItem &item : asset.metadata()) {
         require(item.text.has_value() != item.data.has_value());
         require(!item.data || (!item.data->isEmpty() && item.data->size() <= 10'000'000));
     }

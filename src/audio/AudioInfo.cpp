@@ -54,14 +54,10 @@ QJsonObject toJson(const AudioInfo &info)
         tags.insert(tag.key(), tag.value());
     }
     const auto integer = [](std::int64_t value) { return qint64(value); };
-    QJsonObject object {{QStringLiteral("codec"), info.codec},
-        {QStringLiteral("sampleRate"), integer(info.sampleRate)},
-        {QStringLiteral("bitDepth"), integer(info.bitDepth)},
-        {QStringLiteral("duration"), info.duration},
-        {QStringLiteral("bitrate"), integer(info.bitrate)},
-        {QStringLiteral("trackNumber"), integer(info.trackNumber)},
-        {QStringLiteral("discNumber"), integer(info.discNumber)},
-        {QStringLiteral("year"), info.year},
+    QJsonObject object {{QStringLiteral("codec"), info.codec}, {QStringLiteral("sampleRate"), integer(info.sampleRate)},
+        {QStringLiteral("bitDepth"), integer(info.bitDepth)}, {QStringLiteral("duration"), info.duration},
+        {QStringLiteral("bitrate"), integer(info.bitrate)}, {QStringLiteral("trackNumber"), integer(info.trackNumber)},
+        {QStringLiteral("discNumber"), integer(info.discNumber)}, {QStringLiteral("year"), info.year},
         {QStringLiteral("tags"), tags}};
     if (info.picture) {
         object.insert(QStringLiteral("picture"), QString::fromLatin1(info.picture->toBase64()));

@@ -38,7 +38,8 @@ std::uint64_t bigEndian(std::span<const unsigned char> bytes)
     return value;
 }
 
-/// RFC 9639, section 8.2: behind the block and frame sizes, 20 bits of rate, 3 of channels, 5 of depth and 36 of length.
+/// RFC 9639, section 8.2: behind the block and frame sizes, 20 bits of rate, 3 of channels, 5 of depth and 36 of
+/// length.
 void readStreamInfo(WindowedFile &file, std::uint64_t begin, std::uint64_t length, AudioInfo &info)
 {
     constexpr std::uint64_t streamInfoBytes = 34;
@@ -71,7 +72,8 @@ void readComments(BlockCursor cursor, AudioInfo &info)
         }
         const qsizetype equals = bytes->indexOf('=');
         if (equals >= 0 && QUtf8StringView(*bytes).isValidUtf8()) {
-            info.tags.insert(QString::fromUtf8(bytes->first(equals)).toUpper(), QString::fromUtf8(bytes->sliced(equals + 1)));
+            info.tags.insert(
+                QString::fromUtf8(bytes->first(equals)).toUpper(), QString::fromUtf8(bytes->sliced(equals + 1)));
         }
     }
 }
@@ -148,7 +150,8 @@ std::size_t WindowedFile::readAt(std::uint64_t position, std::span<char> buffer)
 {
     std::size_t filled = 0;
     while (filled < buffer.size()) {
-        const ssize_t count = ::pread(m_file.get(), buffer.data() + filled, buffer.size() - filled, off_t(position + filled));
+        const ssize_t count
+            = ::pread(m_file.get(), buffer.data() + filled, buffer.size() - filled, off_t(position + filled));
         if (count < 0 && errno == EINTR) {
             continue;
         }

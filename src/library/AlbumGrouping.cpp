@@ -66,23 +66,37 @@ struct Name {
     static Name artist(const QString &text) { return {canonical(text), text, canonical(text.toLower()), false}; }
 };
 
+std::int64_t discOf(const Track &track, const Folder &folder)
+{
+    return folder.disc ? *folder.disc : std::max<std::int64_t>(1, track.info.discNumber);
+}
+
 AlbumGrouping::Description describe(const Track &track, const Folder &folder, const Name &artist, const Name &album)
 {
     AlbumGrouping::Description result;
     result.artist = track.artist;
+    result.disc = discOf(track, folder);
     if (folder.disc) {
         const bool namesFolder = album.exact == canonical(folder.parentName);
         result.key = key("release", folder.parentPath);
         result.title = namesFolder || album.namesDisc ? folder.parentName : album.cleaned;
-        result.disc = *folder.disc;
     } else {
         result.key = key("album", folder.path, artist.keyed, album.keyed);
         result.title = album.cleaned;
-        result.disc = std::max<std::int64_t>(1, track.info.discNumber);
     }
     if (result.title.isEmpty()) {
         result.title = folder.disc ? folder.parentName : folder.name;
     }
+    return result;
+}
+
+/// describe() for a track of the same folder, artist and album as `described`, whose texts it shares.
+AlbumGrouping::Description sameRelease(
+    const AlbumGrouping::Description &described, const Track &track, const Folder &folder)
+{
+    AlbumGrouping::Description result = described;
+    result.artist = track.artist;
+    result.disc = discOf(track, folder);
     return result;
 }
 
@@ -97,7 +111,10 @@ public:
             const Folder &folder = folderOf(track);
             const Name &artist = lookUp(m_artists, track.artist, Name::artist);
             const Name &album = lookUp(m_albums, track.album, Name::album);
-            m_entries.push_back({&folder, &artist, &album, ::describe(track, folder, artist, album)});
+            const bool asBefore = !m_entries.empty() && m_entries.back().isFrom(folder, artist, album);
+            m_entries.push_back({&folder, &artist, &album,
+                asBefore ? sameRelease(m_entries.back().description, track, folder)
+                         : ::describe(track, folder, artist, album)});
         }
     }
 
@@ -106,6 +123,11 @@ public:
         const Name *artist;
         const Name *album;
         AlbumGrouping::Description description;
+
+        [[nodiscard]] bool isFrom(const Folder &aFolder, const Name &anArtist, const Name &anAlbum) const
+        {
+            return folder == &aFolder && artist == &anArtist && album == &anAlbum;
+        }
     };
 
     [[nodiscard]] const Track &track(std::size_t index) const { return m_tracks[index]; }
@@ -153,22 +175,30 @@ private:
 using Indices = std::vector<std::size_t>;
 
 /// Indices of the entries that `keyOf` gives a key, by key, in the order in which keys first come.
-template<typename KeyOf>
-std::vector<Indices> groupsBy(const Catalogue &catalogue, const KeyOf &keyOf)
+template <typename KeyOf> std::vector<Indices> groupsBy(const Catalogue &catalogue, const KeyOf &keyOf)
 {
     QHash<QString, std::size_t> positions;
     positions.reserve(qsizetype(catalogue.size()));
     std::vector<Indices> groups;
+    QString last;
+    std::size_t lastGroup = 0;
     for (std::size_t index = 0; index < catalogue.size(); ++index) {
         const std::optional<QString> text = keyOf(index);
         if (!text) {
             continue;
         }
+        if (text->constData() == last.constData() && !groups.empty()) { // neighbours mostly share their key
+            groups[lastGroup].push_back(index);
+            continue;
+        }
         const auto found = positions.constFind(*text);
+        last = *text;
         if (found != positions.constEnd()) {
-            groups[*found].push_back(index);
+            lastGroup = *found;
+            groups[lastGroup].push_back(index);
         } else {
-            positions.insert(*text, groups.size());
+            lastGroup = groups.size();
+            positions.insert(*text, lastGroup);
             groups.push_back({index});
         }
     }
@@ -178,12 +208,18 @@ std::vector<Indices> groupsBy(const Catalogue &catalogue, const KeyOf &keyOf)
 /// Joins discs in sibling folders that only their tags tell to belong together.
 void joinTaggedDiscs(Catalogue &catalogue)
 {
+    const Catalogue::Entry *previous = nullptr;
+    QString previousKey;
     const auto candidate = [&](std::size_t index) -> std::optional<QString> {
         if (catalogue.track(index).info.discNumber <= 0) {
             return std::nullopt;
         }
         const Catalogue::Entry &entry = catalogue.entry(index);
-        return key("tagged", entry.folder->parentPath, entry.artist->keyed, entry.album->keyed);
+        if (!previous || !previous->isFrom(*entry.folder, *entry.artist, *entry.album)) {
+            previous = &entry;
+            previousKey = key("tagged", entry.folder->parentPath, entry.artist->keyed, entry.album->keyed);
+        }
+        return previousKey;
     };
     for (const Indices &group : groupsBy(catalogue, candidate)) {
         const auto differs = [&](const auto &valueOf) {
@@ -295,7 +331,8 @@ std::optional<std::int64_t> folderDisc(const QString &name)
 QString cleanedAlbum(const QString &album)
 {
     static const QRegularExpression suffix(
-        QStringLiteral(R"((?:[-–:]\s*+)?(?:[\[(]\s*+)?(?:cd|disc|disk)\s*+[0-9]++(?:\s*+(?:of|/)\s*+[0-9]++)?\s*+[\])]?$)"),
+        QStringLiteral(
+            R"((?:[-–:]\s*+)?(?:[\[(]\s*+)?(?:cd|disc|disk)\s*+[0-9]++(?:\s*+(?:of|/)\s*+[0-9]++)?\s*+[\])]?$)"),
         caseless);
     // The suffix ends in a number, maybe in brackets; most albums need no match to tell that they have none.
     const auto decoration = [](QChar c) { return c.isSpace() || c == u']' || c == u')'; };

@@ -8,8 +8,8 @@
 
 namespace AlbumGrouping {
 
-/// The grouping's view of one track. `key` is the identity of its album: a word for the kind of album, then a folder and
-/// lower-cased names, joined by NUL, which no path contains.
+/// The grouping's view of one track. `key` is the identity of its album: a word for the kind of album, then a folder
+/// and lower-cased names, joined by NUL, which no path contains.
 struct Description {
     QString key;
     QString title; ///< as this track suggests it

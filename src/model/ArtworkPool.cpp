@@ -25,8 +25,7 @@ QByteArray ArtworkPool::shared(const QByteArray &bytes)
 {
     const std::size_t hash = sample(bytes);
     const auto [begin, end] = m_pictures.equal_range(hash);
-    const auto found = std::find_if(begin, end, [&](const auto &entry) {
-        return entry.second.constData() == bytes.constData() || entry.second == bytes;
-    });
+    const auto found = std::find_if(begin, end,
+        [&](const auto &entry) { return entry.second.constData() == bytes.constData() || entry.second == bytes; });
     return found != end ? found->second : m_pictures.emplace(hash, bytes)->second;
 }

@@ -28,8 +28,8 @@ enum class Order : std::uint8_t { Artist, Album, Year, Size };
 
 Order orderOf(const QString &sortMode)
 {
-    return sortMode == QLatin1String("Album") ? Order::Album
-        : sortMode == QLatin1String("Rok")    ? Order::Year
+    return sortMode == QLatin1String("Album")   ? Order::Album
+        : sortMode == QLatin1String("Rok")      ? Order::Year
         : sortMode == QStringLiteral("Rozmiar") ? Order::Size
                                                 : Order::Artist;
 }
@@ -41,7 +41,7 @@ const QString &yearOf(const Album &album)
 }
 
 /// A stable sort by a value of each item that is worked out once.
-template<typename Item, typename ValueOf, typename Before>
+template <typename Item, typename ValueOf, typename Before>
 void sortByValue(std::vector<Item> &items, const ValueOf &valueOf, const Before &before)
 {
     using Value = std::decay_t<decltype(valueOf(items.front()))>;
@@ -50,7 +50,8 @@ void sortByValue(std::vector<Item> &items, const ValueOf &valueOf, const Before 
     for (std::size_t i = 0; i < items.size(); ++i) {
         values.emplace_back(valueOf(items[i]), i);
     }
-    std::stable_sort(values.begin(), values.end(), [&](const auto &a, const auto &b) { return before(a.first, b.first); });
+    std::stable_sort(
+        values.begin(), values.end(), [&](const auto &a, const auto &b) { return before(a.first, b.first); });
     std::vector<Item> sorted;
     sorted.reserve(items.size());
     for (const auto &entry : values) {
@@ -114,8 +115,7 @@ bool MarluneModel::matches(const Track &track) const
     if (!formatMatches(track.info.codec, m_formatFilter) || (m_hiResOnly && !isHighResolution(track.info))) {
         return false;
     }
-    return m_search.isEmpty()
-        || TextOrder::contains(track.artist + u' ' + track.album + u' ' + track.title, m_search);
+    return m_search.isEmpty() || TextOrder::contains(track.artist + u' ' + track.album + u' ' + track.title, m_search);
 }
 
 MarluneModel::Derived &MarluneModel::derived() const

@@ -32,8 +32,7 @@ void MarluneModel::refresh()
     runRefresh();
     QTimer::singleShot(m_environment.discoveryPatience, this, [this] {
         if (m_refreshing) {
-            setStatus(
-                QStringLiteral("Urządzenie nie odpowiada. Możesz nadal korzystać z biblioteki i poradnika."));
+            setStatus(QStringLiteral("Urządzenie nie odpowiada. Możesz nadal korzystać z biblioteki i poradnika."));
         }
     });
     readBackups();
@@ -60,8 +59,8 @@ void MarluneModel::landDevices(std::vector<Device> found)
     const bool changed = m_devices != found;
     m_devices = std::move(found);
     if (m_device && m_device->isVolume) {
-        const auto same = std::find_if(m_devices.begin(), m_devices.end(),
-            [this](const Device &device) { return device.root == m_device->root; });
+        const auto same = std::find_if(
+            m_devices.begin(), m_devices.end(), [this](const Device &device) { return device.root == m_device->root; });
         if (same != m_devices.end()) {
             setDevice(*same);
         } else if (!m_ejecting) {

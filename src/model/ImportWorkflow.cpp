@@ -26,11 +26,8 @@ std::vector<QByteArray> artworkOf(const std::vector<Track> &tracks)
 
 void MarluneModel::importMusic()
 {
-    const Panels::Request request {.files = true,
-        .folders = true,
-        .multiple = true,
-        .prompt = QStringLiteral("Dodaj muzykę"),
-        .message = {}};
+    const Panels::Request request {
+        .files = true, .folders = true, .multiple = true, .prompt = QStringLiteral("Dodaj muzykę"), .message = {}};
     m_environment.panels.open(request, [self = QPointer(this)](const std::vector<std::filesystem::path> &chosen) {
         if (self) {
             self->importURLs(chosen, false, true);

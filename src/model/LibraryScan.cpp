@@ -16,8 +16,7 @@ constexpr std::array<std::string_view, 13> audioExtensions {
 constexpr std::array<std::string_view, 7> foldersWithoutMusic {
     "Calendars", "Contacts", "Notes", "Photos", "System Volume Information", "Android", "LOST.DIR"};
 
-template<std::size_t Count>
-bool holds(const std::array<std::string_view, Count> &list, std::string_view text)
+template <std::size_t Count> bool holds(const std::array<std::string_view, Count> &list, std::string_view text)
 {
     return std::find(list.begin(), list.end(), text) != list.end();
 }

@@ -12,8 +12,7 @@
 
 namespace {
 
-constexpr std::array folderCovers {
-    "cover.jpeg", "cover.jpg", "cover.bmp", "folder.jpg", "cover.png", "folder.png"};
+constexpr std::array folderCovers {"cover.jpeg", "cover.jpg", "cover.bmp", "folder.jpg", "cover.png", "folder.png"};
 constexpr std::int64_t folderCoverLimit = 10'000'000; // bytes; one that is as large is not read
 constexpr std::int64_t chosenCoverLimit = 100'000'000; // bytes; only keeps a mistaken file out of memory
 
@@ -99,7 +98,8 @@ TrackReader::Folder &TrackReader::folderOf(const std::filesystem::path &file)
         const QString name = Files::name(path);
         const std::filesystem::path above = path.parent_path();
         const std::filesystem::path artist = AlbumGrouping::folderDisc(name) ? above.parent_path() : above;
-        m_folder = {.path = std::move(path), .name = name, .artist = Files::name(artist), .coverLooked = false, .cover = {}};
+        m_folder
+            = {.path = std::move(path), .name = name, .artist = Files::name(artist), .coverLooked = false, .cover = {}};
     }
     return m_folder;
 }

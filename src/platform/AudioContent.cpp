@@ -15,14 +15,14 @@ constexpr int mostTags = 4;
 constexpr std::size_t id3HeaderSize = 10;
 constexpr std::size_t oggHeaderSize = 27; // before the segment table (RFC 3533, section 6)
 
-std::string_view textAt(BoundedStream& stream, std::int64_t position, std::size_t length)
+std::string_view textAt(BoundedStream &stream, std::int64_t position, std::size_t length)
 {
     const std::span<const char> bytes = stream.at(position, length);
     return {bytes.data(), bytes.size()};
 }
 
 /// The position behind the ID3v2 tags at the file's beginning (ID3v2.4 structure, section 3.1).
-std::int64_t endOfTags(BoundedStream& stream)
+std::int64_t endOfTags(BoundedStream &stream)
 {
     std::int64_t position = 0;
     for (int tags = 0; tags < mostTags; ++tags) {
@@ -40,7 +40,7 @@ std::int64_t endOfTags(BoundedStream& stream)
     return position;
 }
 
-Kind oggKind(BoundedStream& stream, std::int64_t position)
+Kind oggKind(BoundedStream &stream, std::int64_t position)
 {
     const std::string_view page = textAt(stream, position, oggHeaderSize);
     if (page.size() < oggHeaderSize) {
@@ -57,7 +57,7 @@ Kind oggKind(BoundedStream& stream, std::int64_t position)
                                          : Kind::Unknown;
 }
 
-Kind kindAt(BoundedStream& stream, std::int64_t position)
+Kind kindAt(BoundedStream &stream, std::int64_t position)
 {
     const std::string_view head = textAt(stream, position, 12);
     if (head.starts_with("OggS")) {
@@ -90,7 +90,8 @@ Kind kindAt(BoundedStream& stream, std::int64_t position)
     return AudioFrames::frameAt(AudioFrames::Kind::Mpeg, head) ? Kind::Mpeg : Kind::Unknown;
 }
 
-/// Formats whose beginning may be padding, junk or (Musepack before version 7) nothing that tells.
+/// Formats that may begin with padding or junk, with any atom (MP4) or with nothing that tells (Musepack before
+/// version 7).
 Kind kindByExtension(std::string_view extension)
 {
     std::string lower(extension);
@@ -98,6 +99,8 @@ Kind kindByExtension(std::string_view extension)
         [](char c) { return c >= 'A' && c <= 'Z' ? char(c - 'A' + 'a') : c; });
     return lower == ".mp3" ? Kind::Mpeg
         : lower == ".aac"  ? Kind::Adts
+        : lower == ".m4a"  ? Kind::Mp4
+        : lower == ".alac" ? Kind::Mp4
         : lower == ".mpc"  ? Kind::Musepack
         : lower == ".ape"  ? Kind::Ape
                            : Kind::Unknown;
@@ -105,7 +108,7 @@ Kind kindByExtension(std::string_view extension)
 
 } // namespace
 
-AudioContent audioContent(BoundedStream& stream, std::string_view extension)
+AudioContent audioContent(BoundedStream &stream, std::string_view extension)
 {
     const std::int64_t start = endOfTags(stream);
     Kind kind = kindAt(stream, start);

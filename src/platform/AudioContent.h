@@ -29,4 +29,4 @@ struct AudioContent {
 };
 
 /// `extension` has its dot; it decides only where the bytes do not.
-[[nodiscard]] AudioContent audioContent(BoundedStream& stream, std::string_view extension);
+[[nodiscard]] AudioContent audioContent(BoundedStream &stream, std::string_view extension);

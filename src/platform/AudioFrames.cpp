@@ -66,7 +66,7 @@ std::optional<Frame> adtsFrame(std::span<const char> bytes)
 /// if another one follows it, or it ends the file.
 class Walk {
 public:
-    Walk(const RegularFile& file, Kind kind, std::int64_t position)
+    Walk(const RegularFile &file, Kind kind, std::int64_t position)
         : m_file(file)
         , m_kind(kind)
         , m_position(position)
@@ -97,7 +97,7 @@ private:
         return frame && (m_sampleRate == 0 || frame->sampleRate == m_sampleRate) ? frame : std::nullopt;
     }
 
-    bool isConfirmed(std::int64_t position, const Frame& frame)
+    bool isConfirmed(std::int64_t position, const Frame &frame)
     {
         const std::int64_t end = position + frame.bytes;
         if (end >= m_file.size()) {
@@ -120,7 +120,7 @@ private:
         return std::nullopt;
     }
 
-    const RegularFile& m_file;
+    const RegularFile &m_file;
     Kind m_kind;
     std::int64_t m_position;
     std::uint32_t m_sampleRate = 0;
@@ -138,7 +138,7 @@ std::optional<Frame> frameAt(Kind kind, std::span<const char> bytes)
     return kind == Kind::Mpeg ? mpegFrame(bytes) : adtsFrame(bytes);
 }
 
-std::optional<double> seconds(const RegularFile& file, Kind kind, std::int64_t position)
+std::optional<double> seconds(const RegularFile &file, Kind kind, std::int64_t position)
 {
     Walk walk(file, kind, position);
     std::int64_t samples = 0;
@@ -158,7 +158,7 @@ std::optional<double> seconds(const RegularFile& file, Kind kind, std::int64_t p
     return double(samples) / sampleRate;
 }
 
-bool hasVariableBitRate(const RegularFile& file, std::int64_t position)
+bool hasVariableBitRate(const RegularFile &file, std::int64_t position)
 {
     std::uint32_t bitRate = 0;
     for (const std::int64_t start : {position, position + (file.size() - position) / 2}) {

@@ -20,7 +20,7 @@ struct Frame {
     std::uint32_t sampleRate = 0; ///< Hz
     std::uint32_t bitRate = 0; ///< kbit/s; 0 for ADTS
 
-    bool operator==(const Frame&) const = default;
+    bool operator==(const Frame &) const = default;
 };
 
 inline constexpr std::size_t headerSize = 7;
@@ -30,9 +30,9 @@ inline constexpr std::size_t headerSize = 7;
 
 /// The length in seconds of all frames from `position` on. Past 64 MiB the rest counts as being like the part read.
 /// Absent if no frame is found near `position`.
-[[nodiscard]] std::optional<double> seconds(const RegularFile& file, Kind kind, std::int64_t position);
+[[nodiscard]] std::optional<double> seconds(const RegularFile &file, Kind kind, std::int64_t position);
 
 /// Whether MPEG audio from `position` on changes its bit rate, judged by short runs at its beginning and in its middle.
-[[nodiscard]] bool hasVariableBitRate(const RegularFile& file, std::int64_t position);
+[[nodiscard]] bool hasVariableBitRate(const RegularFile &file, std::int64_t position);
 
 } // namespace AudioFrames

@@ -36,8 +36,7 @@ namespace BackgroundJobs {
 [[nodiscard]] bool drain(std::chrono::milliseconds limit);
 
 /// A job and its outcome, shared by the two threads. `stage` orders their accesses.
-template<typename Work, typename Result>
-struct Job {
+template <typename Work, typename Result> struct Job {
     using Stored = std::conditional_t<std::is_void_v<Result>, std::monostate, Result>;
 
     explicit Job(Work &&taken)
@@ -74,7 +73,7 @@ struct Job {
 /// tests there.
 void postToUi(std::function<void()> action);
 
-template<std::invocable Work>
+template <std::invocable Work>
 QCoro::Task<std::invoke_result_t<Work &>> background(Work &work, JobPriority priority = JobPriority::UserInitiated)
 {
     using Result = std::invoke_result_t<Work &>;

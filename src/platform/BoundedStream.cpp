@@ -6,9 +6,9 @@ namespace {
 
 constexpr std::int64_t largestBlock = 16 << 20;
 constexpr std::uintptr_t deepestStack = 262'144;
-constexpr unsigned long id3HeaderSize = 10;
+constexpr unsigned long tagHeaderSize = 10;
 constexpr unsigned long atomHeaderSize = 8;
-constexpr std::size_t mostParts = 64; // tags and covers
+constexpr std::size_t mostParts = 8; // ID3v2 tags, and atoms with covers
 
 /// How far the calling function's stack frame stands from other frames of the same thread.
 [[gnu::always_inline]] inline std::uintptr_t stackPosition()
@@ -18,7 +18,7 @@ constexpr std::size_t mostParts = 64; // tags and covers
 
 } // namespace
 
-BoundedStream::BoundedStream(const RegularFile& file)
+BoundedStream::BoundedStream(const RegularFile &file)
     : m_file(file)
     , m_stackBase(stackPosition())
 {
@@ -31,11 +31,11 @@ bool BoundedStream::isExhausted() const
     return m_blocksLeft <= 0 || m_bytesLeft <= 0 || depth > deepestStack;
 }
 
-BoundedStream::Window& BoundedStream::windowFor(std::int64_t position, std::size_t length)
+BoundedStream::Window &BoundedStream::windowFor(std::int64_t position, std::size_t length)
 {
-    Window* oldest = &m_windows.front();
+    Window *oldest = &m_windows.front();
     bool isBackwards = false;
-    for (Window& held : m_windows) {
+    for (Window &held : m_windows) {
         if (position >= held.start && position + std::int64_t(length) <= held.start + std::int64_t(held.length)) {
             return held;
         }
@@ -54,7 +54,7 @@ BoundedStream::Window& BoundedStream::windowFor(std::int64_t position, std::size
 std::span<const char> BoundedStream::at(std::int64_t position, std::size_t length)
 {
     length = std::min(length, window);
-    Window& held = windowFor(position, length);
+    Window &held = windowFor(position, length);
     held.lastUse = ++m_uses;
     const std::size_t offset = std::min(std::size_t(position - held.start), held.length);
     return std::span<const char>(held.bytes).subspan(offset, std::min(length, held.length - offset));
@@ -101,10 +101,10 @@ bool BoundedStream::isWithheld(unsigned long length)
     return false;
 }
 
-void BoundedStream::noteHeader(const TagLib::ByteVector& block, unsigned long length)
+void BoundedStream::noteHeader(const TagLib::ByteVector &block, unsigned long length)
 {
     m_pendingTag.position = -1;
-    if (length == id3HeaderSize && block.size() == length && block.startsWith("ID3")
+    if (length == tagHeaderSize && block.size() == length && block.startsWith("ID3")
         && m_id3v2Bodies.size() < mostParts) {
         m_pendingTag
             = {m_position, 0, static_cast<unsigned char>(block.at(3)), static_cast<unsigned char>(block.at(5))};

@@ -35,15 +35,15 @@ struct Mp4CoverBody {
 class BoundedStream final : public TagLib::IOStream {
 public:
     /// `file` must outlive the stream. Made and read in one thread, in functions called from the same one.
-    explicit BoundedStream(const RegularFile& file);
+    explicit BoundedStream(const RegularFile &file);
 
     /// The bytes at `position`: at most `window` of them, fewer at the file's end; valid until the next reading.
     /// Not counted against the limits.
     [[nodiscard]] std::span<const char> at(std::int64_t position, std::size_t length);
 
-    [[nodiscard]] const RegularFile& file() const { return m_file; }
-    [[nodiscard]] const std::vector<Id3v2Body>& id3v2Bodies() const { return m_id3v2Bodies; }
-    [[nodiscard]] const std::vector<Mp4CoverBody>& mp4CoverBodies() const { return m_mp4CoverBodies; }
+    [[nodiscard]] const RegularFile &file() const { return m_file; }
+    [[nodiscard]] const std::vector<Id3v2Body> &id3v2Bodies() const { return m_id3v2Bodies; }
+    [[nodiscard]] const std::vector<Mp4CoverBody> &mp4CoverBodies() const { return m_mp4CoverBodies; }
 
     TagLib::FileName name() const override { return ""; }
     TagLib::ByteVector readBlock(unsigned long length) override;
@@ -53,8 +53,8 @@ public:
     bool readOnly() const override { return true; }
     bool isOpen() const override { return true; }
 
-    void writeBlock(const TagLib::ByteVector&) override { }
-    void insert(const TagLib::ByteVector&, unsigned long, unsigned long) override { }
+    void writeBlock(const TagLib::ByteVector &) override { }
+    void insert(const TagLib::ByteVector &, unsigned long, unsigned long) override { }
     void removeBlock(unsigned long, unsigned long) override { }
     void truncate(long) override { }
 
@@ -63,9 +63,9 @@ public:
 private:
     [[nodiscard]] bool isExhausted() const;
     [[nodiscard]] bool isWithheld(unsigned long length);
-    void noteHeader(const TagLib::ByteVector& block, unsigned long length);
+    void noteHeader(const TagLib::ByteVector &block, unsigned long length);
 
-    const RegularFile& m_file;
+    const RegularFile &m_file;
     std::int64_t m_position = 0;
     std::int64_t m_bytesLeft = 48LL << 20;
     int m_blocksLeft = 100'000;
@@ -83,7 +83,7 @@ private:
         unsigned lastUse = 0;
         std::array<char, window> bytes;
     };
-    [[nodiscard]] Window& windowFor(std::int64_t position, std::size_t length);
+    [[nodiscard]] Window &windowFor(std::int64_t position, std::size_t length);
     std::array<Window, 3> m_windows;
     unsigned m_uses = 0;
 };

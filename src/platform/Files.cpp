@@ -37,7 +37,11 @@ std::size_t sequenceLength(std::string_view bytes)
 {
     const auto at = [&](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
     const unsigned char first = at(0);
-    const std::size_t length = first < 0x80 ? 1 : first >= 0xC2 && first < 0xE0 ? 2 : (first & 0xF0) == 0xE0 ? 3 : first >= 0xF0 && first < 0xF5 ? 4 : 0;
+    const std::size_t length = first < 0x80 ? 1
+        : first >= 0xC2 && first < 0xE0     ? 2
+        : (first & 0xF0) == 0xE0            ? 3
+        : first >= 0xF0 && first < 0xF5     ? 4
+                                            : 0;
     if (length == 0 || length > bytes.size()) {
         return 0;
     }
@@ -89,7 +93,8 @@ std::filesystem::path fromText(const QString &text)
     for (qsizetype i = 0; i < text.size(); ++i) {
         if (text[i].isHighSurrogate() && i + 1 < text.size() && text[i + 1].isLowSurrogate()) {
             ++i;
-        } else if (const char16_t unit = text[i].unicode(); unit >= escapedByteBase + 0x80 && unit <= escapedByteBase + 0xFF) {
+        } else if (const char16_t unit = text[i].unicode();
+            unit >= escapedByteBase + 0x80 && unit <= escapedByteBase + 0xFF) {
             take(i);
             bytes.push_back(static_cast<char>(unit - escapedByteBase));
             run = i + 1;

@@ -10,7 +10,7 @@ namespace Id3v2 {
 namespace {
 
 constexpr int mostFrames = 5000;
-constexpr std::int64_t largestCoded = 16 << 20; // bytes of a tag or frame that must be decoded in memory
+constexpr std::int64_t largestCoded = 16 << 20; // bytes of a tag that are decoded in memory
 constexpr unsigned tagUnsynchronised = 0x80;
 constexpr unsigned tagHasExtendedHeader = 0x40;
 constexpr unsigned frontCover = 3;
@@ -32,7 +32,7 @@ std::uint32_t number(std::span<const char> bytes, int bitsPerByte)
 }
 
 /// Takes out the zero that stands behind each byte 0xFF.
-QByteArray resynchronised(const QByteArray& bytes)
+QByteArray resynchronised(const QByteArray &bytes)
 {
     QByteArray plain;
     plain.reserve(bytes.size());
@@ -48,7 +48,7 @@ QByteArray resynchronised(const QByteArray& bytes)
 /// The tag's body, in the file or, where it had to be decoded, in memory.
 class Bytes {
 public:
-    Bytes(BoundedStream& stream, const Id3v2Body& body)
+    Bytes(BoundedStream &stream, const Id3v2Body &body)
         : m_stream(stream)
         , m_start(body.position)
         , m_size(std::max<std::int64_t>(0, std::min(body.length, stream.length() - body.position)))
@@ -67,9 +67,11 @@ public:
         return m_stream.at(m_start + position, count);
     }
 
+    /// Cut short where the tag makes more than largestCoded bytes of copies necessary.
     [[nodiscard]] QByteArray copy(std::int64_t position, std::int64_t length)
     {
-        const std::int64_t count = std::clamp<std::int64_t>(size() - position, 0, std::min(length, largestCoded));
+        const std::int64_t count = std::clamp<std::int64_t>(size() - position, 0, std::min(length, m_codedLeft));
+        m_codedLeft -= count;
         if (m_decoded) {
             return m_decoded->mid(position, count);
         }
@@ -82,17 +84,22 @@ public:
     [[nodiscard]] Picture picture(std::int64_t position, std::int64_t length, bool isFrontCover)
     {
         if (m_decoded) {
-            return {copy(position, length), isFrontCover};
+            return {.isFrontCover = isFrontCover, .own = copy(position, length)};
         }
-        return {FileRange {m_start + position, length}, isFrontCover};
+        return {.isFrontCover = isFrontCover, .inFile = {m_start + position, length}};
     }
 
-    void decode() { m_decoded = resynchronised(copy(0, m_size)); }
+    void decode()
+    {
+        m_decoded = resynchronised(copy(0, m_size));
+        m_codedLeft = m_decoded->size(); // pieces of it do not overlap
+    }
 
 private:
-    BoundedStream& m_stream;
+    BoundedStream &m_stream;
     std::int64_t m_start;
     std::int64_t m_size;
+    std::int64_t m_codedLeft = largestCoded;
     std::optional<QByteArray> m_decoded;
 };
 
@@ -111,7 +118,7 @@ struct Frame {
     bool isUnsynchronised = false;
 };
 
-std::int64_t frameSize(Bytes& bytes, std::int64_t position, unsigned version)
+std::int64_t frameSize(Bytes &bytes, std::int64_t position, unsigned version)
 {
     if (version < 3) {
         return number(bytes.at(position + 3, 3), 8);
@@ -132,7 +139,7 @@ std::int64_t frameSize(Bytes& bytes, std::int64_t position, unsigned version)
         : sevenBit;
 }
 
-std::optional<Frame> frameAt(Bytes& bytes, std::int64_t position, unsigned version, bool isTagUnsynchronised)
+std::optional<Frame> frameAt(Bytes &bytes, std::int64_t position, unsigned version, bool isTagUnsynchronised)
 {
     const std::int64_t headerSize = version < 3 ? 6 : 10;
     const std::int64_t idSize = version < 3 ? 3 : 4;
@@ -142,8 +149,7 @@ std::optional<Frame> frameAt(Bytes& bytes, std::int64_t position, unsigned versi
     }
     Frame frame;
     frame.id.assign(header.data(), std::size_t(idSize));
-    while (
-        frame.id.size() > 3 && frame.id.back() == '\0') { // iTunes puts version 2's identifiers into version 3's tags
+    if (frame.id.back() == '\0' && idSize == 4) { // iTunes puts version 2's identifiers into version 3's tags
         frame.id.pop_back();
     }
     const unsigned flags = byteAt(header, 9);
@@ -175,7 +181,7 @@ QStringList texts(std::span<const char> content)
     QStringDecoder decoder(encodings[std::min<std::size_t>(byteAt(content, 0), 3)]);
     const QString whole = decoder.decode(QByteArrayView(content.data() + 1, qsizetype(content.size()) - 1));
     QStringList values = whole.split(QChar(u'\0'), Qt::SkipEmptyParts);
-    for (QString& value : values) {
+    for (QString &value : values) {
         value.remove(QChar(QChar::ByteOrderMark)); // each value may begin with its own
     }
     return values;
@@ -217,7 +223,7 @@ std::optional<PictureStart> pictureStart(std::span<const char> content, bool isS
 
 class Reader {
 public:
-    Reader(BoundedStream& stream, const Id3v2Body& body)
+    Reader(BoundedStream &stream, const Id3v2Body &body)
         : m_bytes(stream, body)
         , m_version(body.version)
         , m_flags(body.flags)
@@ -248,7 +254,7 @@ public:
     }
 
 private:
-    void take(const Frame& frame)
+    void take(const Frame &frame)
     {
         if (frame.id == TagId::picture || frame.id == "PIC") {
             takePicture(frame);
@@ -258,7 +264,7 @@ private:
         const bool isYear = frame.id == "TYER" && !m_hasDate;
         m_hasDate = m_hasDate || frame.id == TagId::date;
         const std::span<const TextField> fields = textFields();
-        const auto field = std::find_if(fields.begin(), fields.end(), [&](const TextField& known) {
+        const auto field = std::find_if(fields.begin(), fields.end(), [&](const TextField &known) {
             return frame.id == known.identifier || frame.id == known.id3v22
                 || (isYear && known.identifier == TagId::date);
         });
@@ -273,13 +279,18 @@ private:
         }
     }
 
-    void takePicture(const Frame& frame)
+    void takePicture(const Frame &frame)
     {
         const bool isShortForm = frame.id.size() == 3;
         if (frame.isUnsynchronised) {
-            const QByteArray plain = resynchronised(m_bytes.copy(frame.position, frame.length));
+            const QByteArray coded = m_bytes.copy(frame.position, frame.length);
+            if (coded.size() < frame.length) {
+                return;
+            }
+            const QByteArray plain = resynchronised(coded);
             if (const auto start = pictureStart({plain.constData(), std::size_t(plain.size())}, isShortForm)) {
-                m_content.pictures.push_back({plain.mid(qsizetype(start->offset)), start->isFrontCover});
+                m_content.pictures.push_back(
+                    {.isFrontCover = start->isFrontCover, .own = plain.mid(qsizetype(start->offset))});
             }
         } else if (const auto start
             = pictureStart(m_bytes.at(frame.position, std::min(frame.length, longestPictureHeader)), isShortForm)) {
@@ -298,7 +309,7 @@ private:
 
 } // namespace
 
-Content read(BoundedStream& stream, const Id3v2Body& body)
+Content read(BoundedStream &stream, const Id3v2Body &body)
 {
     return Reader(stream, body).read();
 }

@@ -18,6 +18,6 @@ struct Content {
 };
 
 /// May throw std::bad_alloc.
-[[nodiscard]] Content read(BoundedStream& stream, const Id3v2Body& body);
+[[nodiscard]] Content read(BoundedStream &stream, const Id3v2Body &body);
 
 } // namespace Id3v2

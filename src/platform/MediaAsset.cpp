@@ -54,7 +54,7 @@ void MediaAsset::Reading::open()
     }
     try {
         read();
-    } catch (const std::exception&) {
+    } catch (const std::exception &) {
         tags.reset(); // out of memory over what a damaged file declares: it stays as unknown as it is by now
     }
     if (facts.stream && facts.stream->sampleRate > highestSampleRate) {
@@ -90,17 +90,19 @@ void MediaAsset::Reading::askTagLib()
         facts = TagFile::facts(*tags);
     }
     if (content.kind == Kind::Adts) {
-        facts.seconds = AudioFrames::seconds(*file, AudioFrames::Kind::Adts, content.start).value_or(0);
+        facts.seconds = AudioFrames::seconds(stream->file(), AudioFrames::Kind::Adts, content.start).value_or(0);
     } else if (tags != nullptr && TagFile::isLengthGuessed(*tags)
-        && AudioFrames::hasVariableBitRate(*file, content.start)) {
-        facts.seconds = AudioFrames::seconds(*file, AudioFrames::Kind::Mpeg, content.start).value_or(facts.seconds);
+        && AudioFrames::hasVariableBitRate(stream->file(), content.start)) {
+        facts.seconds
+            = AudioFrames::seconds(stream->file(), AudioFrames::Kind::Mpeg, content.start).value_or(facts.seconds);
     }
 }
 
 void MediaAsset::Reading::askProbe()
 {
-    StreamProbe::Answer answer = StreamProbe::probe(
-        *file, std::min(content.start, file->size()), content.kind == Kind::Adts ? "aac" : nullptr);
+    const std::int64_t start = std::min(content.start, stream->file().size());
+    StreamProbe::Answer answer
+        = StreamProbe::probe(stream->file(), start, content.kind == Kind::Adts ? "aac" : nullptr);
     if (!facts.stream) {
         facts.stream = answer.facts.stream;
     }
@@ -117,7 +119,7 @@ std::vector<MetadataItem> MediaAsset::Reading::items()
     if (tags != nullptr) {
         return tagItems(*tags, *stream);
     }
-    return isOgg() ? OggReader::items(*file, content) : probedItems;
+    return isOgg() ? OggReader::items(stream->file(), content) : probedItems;
 }
 
 MediaAsset::MediaAsset(std::filesystem::path file)
@@ -126,8 +128,8 @@ MediaAsset::MediaAsset(std::filesystem::path file)
 }
 
 MediaAsset::~MediaAsset() = default;
-MediaAsset::MediaAsset(MediaAsset&&) noexcept = default;
-MediaAsset& MediaAsset::operator=(MediaAsset&&) noexcept = default;
+MediaAsset::MediaAsset(MediaAsset &&) noexcept = default;
+MediaAsset &MediaAsset::operator=(MediaAsset &&) noexcept = default;
 
 std::optional<double> MediaAsset::durationSeconds()
 {
@@ -146,7 +148,7 @@ std::vector<MetadataItem> MediaAsset::metadata()
     m_reading->open();
     try {
         return m_reading->items();
-    } catch (const std::exception&) {
+    } catch (const std::exception &) {
         return {};
     }
 }

@@ -21,7 +21,7 @@ struct AudioStream {
     std::uint32_t formatFlags = 0; ///< Apple Lossless: source depth, 1 = 16, 2 = 20, 3 = 24, 4 = 32 bits
     std::uint32_t bitsPerChannel = 0; ///< 0 for lossy streams
 
-    bool operator==(const AudioStream&) const = default;
+    bool operator==(const AudioStream &) const = default;
 };
 
 namespace AudioFormat {
@@ -40,15 +40,15 @@ struct MetadataItem {
     std::optional<QString> text;
     std::optional<QByteArray> data; ///< an encoded picture
 
-    bool operator==(const MetadataItem&) const = default;
+    bool operator==(const MetadataItem &) const = default;
 };
 
 class MediaAsset {
 public:
     explicit MediaAsset(std::filesystem::path file);
     ~MediaAsset();
-    MediaAsset(MediaAsset&&) noexcept;
-    MediaAsset& operator=(MediaAsset&&) noexcept;
+    MediaAsset(MediaAsset &&) noexcept;
+    MediaAsset &operator=(MediaAsset &&) noexcept;
 
     /// Above 0 and below 10^8, else absent.
     [[nodiscard]] std::optional<double> durationSeconds();
@@ -56,7 +56,8 @@ public:
     [[nodiscard]] std::optional<AudioStream> firstAudioStream();
     /// A later item takes the place of an earlier one with its identifier. So the tag that counts most comes last (an
     /// MP3 file may have three), and pictures come last of all, the one to show (the first front cover, else the first
-    /// picture) behind the others. Several artists of one tag are one text, joined by ", ".
+    /// picture) behind the others: none above 10,000,000 bytes, all together at most 32,000,000. Several artists of
+    /// one tag are one text, joined by ", ".
     [[nodiscard]] std::vector<MetadataItem> metadata();
 
 private:

@@ -5,28 +5,22 @@
 
 namespace {
 
-std::int64_t sizeOf(const Picture& picture)
+std::int64_t sizeOf(const Picture &picture)
 {
-    if (const auto* const range = std::get_if<FileRange>(&picture.bytes)) {
-        return range->length;
-    }
-    if (const auto* const held = std::get_if<std::span<const char>>(&picture.bytes)) {
-        return std::int64_t(held->size());
-    }
-    return std::get<QByteArray>(picture.bytes).size();
+    return std::max({picture.inFile.length, std::int64_t(picture.inReader.size()), std::int64_t(picture.own.size())});
 }
 
-QByteArray bytesOf(const Picture& picture, const RegularFile& file)
+QByteArray bytesOf(const Picture &picture, const RegularFile &file)
 {
-    if (const auto* const range = std::get_if<FileRange>(&picture.bytes)) {
-        QByteArray bytes(range->length, Qt::Uninitialized);
-        bytes.truncate(qsizetype(file.readAt(range->position, {bytes.data(), std::size_t(bytes.size())})));
-        return bytes;
+    if (!picture.own.isEmpty()) {
+        return picture.own;
     }
-    if (const auto* const held = std::get_if<std::span<const char>>(&picture.bytes)) {
-        return {held->data(), qsizetype(held->size())};
+    if (!picture.inReader.empty()) {
+        return {picture.inReader.data(), qsizetype(picture.inReader.size())};
     }
-    return std::get<QByteArray>(picture.bytes);
+    QByteArray bytes(picture.inFile.length, Qt::Uninitialized);
+    bytes.truncate(qsizetype(file.readAt(picture.inFile.position, {bytes.data(), std::size_t(bytes.size())})));
+    return bytes;
 }
 
 } // namespace
@@ -61,11 +55,11 @@ AudioStream appleLosslessStream(int sampleRate, std::uint32_t sourceDepth)
     return {double(sampleRate), AudioFormat::appleLossless, flags, sourceDepth};
 }
 
-MetadataItem textItem(const TextField& field, const QStringList& values)
+MetadataItem textItem(const TextField &field, const QStringList &values)
 {
     QStringList filled;
     std::copy_if(values.begin(), values.end(), std::back_inserter(filled),
-        [](const QString& value) { return !value.isEmpty(); });
+        [](const QString &value) { return !value.isEmpty(); });
     const QString text = filled.isEmpty() ? QLatin1String("")
         : field.isJoined                  ? filled.join(QStringLiteral(", "))
                                           : filled.first();
@@ -73,26 +67,25 @@ MetadataItem textItem(const TextField& field, const QStringList& values)
         std::nullopt};
 }
 
-void appendPictures(std::vector<MetadataItem>& items, std::span<const Picture> pictures, const RegularFile& file)
+void appendPictures(std::vector<MetadataItem> &items, std::span<const Picture> pictures, const RegularFile &file)
 {
     const auto isTaken
-        = [](const Picture& picture) { return sizeOf(picture) > 0 && sizeOf(picture) <= largestPicture; };
+        = [](const Picture &picture) { return sizeOf(picture) > 0 && sizeOf(picture) <= largestPicture; };
     auto shown = std::find_if(pictures.begin(), pictures.end(),
-        [&](const Picture& picture) { return picture.isFrontCover && isTaken(picture); });
+        [&](const Picture &picture) { return picture.isFrontCover && isTaken(picture); });
     if (shown == pictures.end()) {
         shown = std::find_if(pictures.begin(), pictures.end(), isTaken);
     }
     if (shown == pictures.end()) {
         return;
     }
-    const auto append = [&](const Picture& picture) {
-        const QString identifier = QString::fromLatin1(TagId::picture.data(), qsizetype(TagId::picture.size()));
-        items.push_back({CommonKey::Artwork, identifier, std::nullopt, bytesOf(picture, file)});
-    };
-    for (const Picture& picture : pictures) {
-        if (&picture != &*shown && isTaken(picture)) {
-            append(picture);
+    const QString identifier = QString::fromLatin1(TagId::picture.data(), qsizetype(TagId::picture.size()));
+    std::int64_t left = largestPictures - sizeOf(*shown);
+    for (const Picture &picture : pictures) {
+        if (&picture != &*shown && isTaken(picture) && sizeOf(picture) <= left) {
+            left -= sizeOf(picture);
+            items.push_back({CommonKey::Artwork, identifier, std::nullopt, bytesOf(picture, file)});
         }
     }
-    append(*shown);
+    items.push_back({CommonKey::Artwork, identifier, std::nullopt, bytesOf(*shown, file)});
 }

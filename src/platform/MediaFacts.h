@@ -11,7 +11,6 @@
 #include <optional>
 #include <span>
 #include <string_view>
-#include <variant>
 #include <vector>
 
 struct MediaFacts {
@@ -25,11 +24,11 @@ struct TextField {
     std::string_view id3v22; ///< ID3v2.2, section 4
     CommonKey commonKey;
     bool isJoined; ///< several values make one shown text
-    std::array<const char*, 2> comments; ///< Vorbis comments
-    std::array<const char*, 2> ape; ///< APEv2, upper-cased
-    const char* mp4;
-    const char* info; ///< RIFF INFO
-    const char* libav;
+    std::array<const char *, 2> comments; ///< Vorbis comments
+    std::array<const char *, 2> ape; ///< APEv2, upper-cased
+    const char *mp4;
+    const char *info; ///< RIFF INFO
+    const char *libav;
 };
 
 inline constexpr std::size_t textFieldCount = 7;
@@ -52,20 +51,23 @@ struct FileRange {
     std::int64_t length = 0;
 };
 
-/// An encoded picture: in the file, or in the memory of a reader, or on its own.
+/// An encoded picture. One of the three places has bytes.
 struct Picture {
-    std::variant<FileRange, std::span<const char>, QByteArray> bytes;
     bool isFrontCover = false;
+    FileRange inFile {};
+    std::span<const char> inReader {}; ///< lives as long as the reader that found it
+    QByteArray own {};
 };
 
-/// Encoded pictures above this size in bytes are left out.
+/// Encoded pictures above this size in bytes are left out, and so are those past this sum.
 inline constexpr std::int64_t largestPicture = 10'000'000;
+inline constexpr std::int64_t largestPictures = 32'000'000;
 
 [[nodiscard]] AudioStream appleLosslessStream(int sampleRate, std::uint32_t sourceDepth);
 
 /// Several artists of one tag are joined by ", ", as they are written on a sleeve; of any other field's values the
 /// first that is not empty counts.
-[[nodiscard]] MetadataItem textItem(const TextField& field, const QStringList& values);
+[[nodiscard]] MetadataItem textItem(const TextField &field, const QStringList &values);
 
 /// Appends the pictures, best tag's first, so that the one to show comes last: the first front cover, else the first.
-void appendPictures(std::vector<MetadataItem>& items, std::span<const Picture> pictures, const RegularFile& file);
+void appendPictures(std::vector<MetadataItem> &items, std::span<const Picture> pictures, const RegularFile &file);

@@ -67,13 +67,13 @@ struct Page {
     bool endsPacket = false;
 };
 
-template <typename Window> std::string_view viewAt(Window& window, std::int64_t position, std::size_t length)
+template <typename Window> std::string_view viewAt(Window &window, std::int64_t position, std::size_t length)
 {
     const std::span<const char> bytes = window.at(position, length);
     return {bytes.data(), bytes.size()};
 }
 
-template <typename Window> std::optional<Page> pageAt(Window& window, std::int64_t position)
+template <typename Window> std::optional<Page> pageAt(Window &window, std::int64_t position)
 {
     const std::string_view header = viewAt(window, position, pageHeaderSize + 255);
     if (header.size() < pageHeaderSize || !header.starts_with("OggS")) {
@@ -121,7 +121,7 @@ std::optional<std::int64_t> lastGranuleIn(std::string_view tail, std::uint32_t s
 
 /// The last position in samples that the stream's pages name, looked for at the file's end. The last page is seldom
 /// larger than a few KiB and never larger than largestPage.
-std::optional<std::int64_t> lastGranule(BoundedStream& stream, std::uint32_t serial)
+std::optional<std::int64_t> lastGranule(BoundedStream &stream, std::uint32_t serial)
 {
     const auto start
         = [&](std::size_t reach) { return std::max<std::int64_t>(0, stream.length() - std::int64_t(reach)); };
@@ -134,7 +134,7 @@ std::optional<std::int64_t> lastGranule(BoundedStream& stream, std::uint32_t ser
 }
 
 /// The second packet of the stream that begins at `position`: the first has a page of its own.
-QByteArray commentPacket(const RegularFile& file, std::int64_t position)
+QByteArray commentPacket(const RegularFile &file, std::int64_t position)
 {
     FileWindow window(file, largestPage, 0);
     const std::optional<Page> first = pageAt(window, position);
@@ -180,7 +180,7 @@ QByteArray fromBase64(std::string_view text)
     const std::size_t quads = text.size() / 4;
     const std::size_t left = text.size() % 4;
     QByteArray bytes(qsizetype(quads * 3 + (left > 1 ? left - 1 : 0)), Qt::Uninitialized);
-    char* out = bytes.data();
+    char *out = bytes.data();
     std::uint32_t seen = 0;
     const auto put = [&](std::uint32_t three, std::size_t count) {
         for (std::size_t i = 0; i < count; ++i) {
@@ -218,7 +218,7 @@ std::optional<Picture> pictureOf(QByteArray block)
     }
     block.remove(0, block.size() - qsizetype(cursor.rest().size()));
     block.truncate(qsizetype(*length));
-    return Picture {std::move(block), type == frontCover};
+    return Picture {.isFrontCover = type == frontCover, .own = std::move(block)};
 }
 
 bool isKey(std::string_view key, std::string_view upperCased)
@@ -245,7 +245,7 @@ public:
             return;
         }
         if (isKey(key, "COVERART")) { // what came before the picture block: the bare image
-            m_pictures.push_back({fromBase64(value), false});
+            m_pictures.push_back({.own = fromBase64(value)});
             return;
         }
         const std::span<const TextField> fields = textFields();
@@ -258,13 +258,13 @@ public:
         }
     }
 
-    [[nodiscard]] std::vector<MetadataItem> take(const RegularFile& file)
+    [[nodiscard]] std::vector<MetadataItem> take(const RegularFile &file)
     {
         std::vector<MetadataItem> items;
         const std::span<const TextField> fields = textFields();
         for (std::size_t i = 0; i < fields.size(); ++i) {
             const auto values = std::find_if(
-                m_values[i].begin(), m_values[i].end(), [](const QStringList& list) { return !list.isEmpty(); });
+                m_values[i].begin(), m_values[i].end(), [](const QStringList &list) { return !list.isEmpty(); });
             if (values != m_values[i].end()) {
                 items.push_back(textItem(fields[i], *values));
             }
@@ -280,7 +280,7 @@ private:
 
 } // namespace
 
-MediaFacts facts(BoundedStream& stream, const AudioContent& content)
+MediaFacts facts(BoundedStream &stream, const AudioContent &content)
 {
     const std::optional<Page> first = pageAt(stream, content.start);
     if (!first) {
@@ -304,7 +304,7 @@ MediaFacts facts(BoundedStream& stream, const AudioContent& content)
     return {samples > 0 ? double(samples) / sampleRate : 0, AudioStream {sampleRate, 0, 0, 0}};
 }
 
-std::vector<MetadataItem> items(const RegularFile& file, const AudioContent& content)
+std::vector<MetadataItem> items(const RegularFile &file, const AudioContent &content)
 {
     const QByteArray packet = commentPacket(file, content.start);
     Cursor cursor({packet.constData(), std::size_t(packet.size())});

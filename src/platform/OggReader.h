@@ -1,8 +1,8 @@
 // Ogg Vorbis and Ogg Opus: the facts of the sound and the comments.
 //
-// TagLib reads these too, but copies every picture six times on its way out of pages and base64; this takes a quarter
-// of the time. Sources: RFC 3533 (Ogg), the Vorbis I specification, sections 4.2 and 5, RFC 7845 (Opus in Ogg),
-// RFC 9639, section 8.8 (the picture block), RFC 4648 (base64).
+// TagLib reads these too, but copies a picture many times on its way out of pages and base64; this takes a third of
+// the time and bounds what hostile comments cost. Sources: RFC 3533 (Ogg), Vorbis I, sections 4.2 and
+// 5, RFC 7845 (Opus in Ogg), RFC 9639, section 8.8 (the picture block), RFC 4648 (base64).
 //
 // A comment header over 16 MiB is cut; more than 9,999 comments are not read, as in a FLAC file. May throw
 // std::bad_alloc. No state.
@@ -16,8 +16,8 @@
 namespace OggReader {
 
 /// For content of kind OggVorbis or OggOpus. No length if the stream that begins the file does not also end it.
-[[nodiscard]] MediaFacts facts(BoundedStream& stream, const AudioContent& content);
+[[nodiscard]] MediaFacts facts(BoundedStream &stream, const AudioContent &content);
 
-[[nodiscard]] std::vector<MetadataItem> items(const RegularFile& file, const AudioContent& content);
+[[nodiscard]] std::vector<MetadataItem> items(const RegularFile &file, const AudioContent &content);
 
 } // namespace OggReader

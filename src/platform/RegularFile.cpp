@@ -8,7 +8,7 @@
 #include <cerrno>
 #include <utility>
 
-std::optional<RegularFile> RegularFile::open(const std::filesystem::path& path)
+std::optional<RegularFile> RegularFile::open(const std::filesystem::path &path)
 {
     struct stat status {};
     // Asked before the opening, because to open a device can already do something to it, and once more after it,
@@ -40,7 +40,7 @@ std::size_t RegularFile::readAt(std::int64_t position, std::span<char> buffer) c
     return filled;
 }
 
-FileWindow::FileWindow(const RegularFile& file, std::size_t capacity, std::size_t kept)
+FileWindow::FileWindow(const RegularFile &file, std::size_t capacity, std::size_t kept)
     : m_file(file)
     , m_capacity(capacity)
     , m_kept(kept)

@@ -15,7 +15,7 @@
 class RegularFile {
 public:
     /// Absent if `path` names no regular file or it cannot be opened. Links are followed.
-    [[nodiscard]] static std::optional<RegularFile> open(const std::filesystem::path& path);
+    [[nodiscard]] static std::optional<RegularFile> open(const std::filesystem::path &path);
 
     /// Bytes, as they were when the file was opened.
     [[nodiscard]] std::int64_t size() const { return m_size; }
@@ -38,13 +38,13 @@ class FileWindow {
 public:
     /// Holds `capacity` bytes; when it moves it keeps up to `kept` bytes before the ones asked for, for those who go
     /// back from time to time. `file` must outlive it.
-    FileWindow(const RegularFile& file, std::size_t capacity, std::size_t kept);
+    FileWindow(const RegularFile &file, std::size_t capacity, std::size_t kept);
 
     /// The bytes at `position`: at most capacity - kept of them, fewer at the file's end; valid until the next call.
     [[nodiscard]] std::span<const char> at(std::int64_t position, std::size_t length);
 
 private:
-    const RegularFile& m_file;
+    const RegularFile &m_file;
     std::size_t m_capacity;
     std::size_t m_kept;
     std::unique_ptr<char[]> m_bytes;

@@ -24,26 +24,26 @@ constexpr int appleLosslessDepthOffset = 17; // in the cookie: 12 bytes of atom 
 
 /// The file from `start` on: what stands before is not libavformat's to read.
 struct Source {
-    const RegularFile& file;
+    const RegularFile &file;
     std::int64_t start = 0;
     std::int64_t position = 0;
     std::int64_t bytesLeft = mostBytes;
 };
 
-int readSource(void* opaque, std::uint8_t* buffer, int size)
+int readSource(void *opaque, std::uint8_t *buffer, int size)
 {
-    auto& source = *static_cast<Source*>(opaque);
+    auto &source = *static_cast<Source *>(opaque);
     const auto wanted = std::size_t(std::clamp<std::int64_t>(size, 0, std::max<std::int64_t>(0, source.bytesLeft)));
     const std::size_t count
-        = source.file.readAt(source.start + source.position, {reinterpret_cast<char*>(buffer), wanted});
+        = source.file.readAt(source.start + source.position, {reinterpret_cast<char *>(buffer), wanted});
     source.position += std::int64_t(count);
     source.bytesLeft -= std::int64_t(count);
     return count == 0 ? AVERROR_EOF : int(count);
 }
 
-std::int64_t seekSource(void* opaque, std::int64_t offset, int whence)
+std::int64_t seekSource(void *opaque, std::int64_t offset, int whence)
 {
-    auto& source = *static_cast<Source*>(opaque);
+    auto &source = *static_cast<Source *>(opaque);
     const std::int64_t size = source.file.size() - source.start;
     if ((whence & AVSEEK_SIZE) != 0) {
         return size;
@@ -57,7 +57,7 @@ std::int64_t seekSource(void* opaque, std::int64_t offset, int whence)
     return source.position = target;
 }
 
-int refuseToOpen(AVFormatContext*, AVIOContext**, const char*, int, AVDictionary**)
+int refuseToOpen(AVFormatContext *, AVIOContext **, const char *, int, AVDictionary **)
 {
     return AVERROR(EACCES);
 }
@@ -65,9 +65,9 @@ int refuseToOpen(AVFormatContext*, AVIOContext**, const char*, int, AVDictionary
 /// An opened file; closes whatever part of it came into being.
 class Opened {
 public:
-    explicit Opened(Source& source)
+    explicit Opened(Source &source)
     {
-        auto* const buffer = static_cast<unsigned char*>(av_malloc(bufferSize));
+        auto *const buffer = static_cast<unsigned char *>(av_malloc(bufferSize));
         m_bytes = buffer != nullptr
             ? avio_alloc_context(buffer, bufferSize, 0, &source, readSource, nullptr, seekSource)
             : nullptr;
@@ -83,10 +83,10 @@ public:
         }
         avio_context_free(&m_bytes);
     }
-    Opened(const Opened&) = delete;
-    Opened& operator=(const Opened&) = delete;
+    Opened(const Opened &) = delete;
+    Opened &operator=(const Opened &) = delete;
 
-    [[nodiscard]] bool open(const char* container)
+    [[nodiscard]] bool open(const char *container)
     {
         m_format = m_bytes != nullptr ? avformat_alloc_context() : nullptr;
         if (m_format == nullptr) {
@@ -97,7 +97,7 @@ public:
         m_format->probesize = 1 << 20;
         m_format->max_analyze_duration = std::int64_t(2) * AV_TIME_BASE;
         m_format->max_streams = 64;
-        AVDictionary* options = nullptr;
+        AVDictionary *options = nullptr;
         av_dict_set(&options, "format_whitelist", "aac,aiff,ape,caf,flac,matroska,mov,mp3,mpc,mpc8,ogg,w64,wav,wv", 0);
         av_dict_set(&options, "protocol_whitelist", "none", 0);
         av_dict_set(&options, "codec_whitelist",
@@ -111,14 +111,14 @@ public:
         return result == 0;
     }
 
-    [[nodiscard]] AVFormatContext& format() const { return *m_format; }
+    [[nodiscard]] AVFormatContext &format() const { return *m_format; }
 
 private:
-    AVIOContext* m_bytes = nullptr;
-    AVFormatContext* m_format = nullptr;
+    AVIOContext *m_bytes = nullptr;
+    AVFormatContext *m_format = nullptr;
 };
 
-const AVStream* firstAudio(const AVFormatContext& format)
+const AVStream *firstAudio(const AVFormatContext &format)
 {
     for (unsigned i = 0; i < format.nb_streams; ++i) {
         if (format.streams[i]->codecpar->codec_type == AVMEDIA_TYPE_AUDIO) {
@@ -128,12 +128,12 @@ const AVStream* firstAudio(const AVFormatContext& format)
     return nullptr;
 }
 
-std::uint32_t sourceDepth(const AVCodecParameters& codec)
+std::uint32_t sourceDepth(const AVCodecParameters &codec)
 {
     if (codec.codec_id == AV_CODEC_ID_ALAC && codec.extradata_size >= appleLosslessCookieSize) {
         return codec.extradata[appleLosslessDepthOffset];
     }
-    const AVCodecDescriptor* const descriptor = avcodec_descriptor_get(codec.codec_id);
+    const AVCodecDescriptor *const descriptor = avcodec_descriptor_get(codec.codec_id);
     const bool isLossless = descriptor != nullptr && (descriptor->props & AV_CODEC_PROP_LOSSLESS) != 0
         && (descriptor->props & AV_CODEC_PROP_LOSSY) == 0;
     if (!isLossless) {
@@ -145,7 +145,7 @@ std::uint32_t sourceDepth(const AVCodecParameters& codec)
     return std::uint32_t(std::max(0, bits));
 }
 
-double lengthInSeconds(const AVFormatContext& format, const AVStream& stream)
+double lengthInSeconds(const AVFormatContext &format, const AVStream &stream)
 {
     if (stream.duration != AV_NOPTS_VALUE && stream.duration > 0) {
         return double(stream.duration) * av_q2d(stream.time_base);
@@ -156,16 +156,16 @@ double lengthInSeconds(const AVFormatContext& format, const AVStream& stream)
     return 0;
 }
 
-MediaFacts factsOf(const AVFormatContext& format)
+MediaFacts factsOf(const AVFormatContext &format)
 {
     MediaFacts facts;
-    const AVStream* const stream = firstAudio(format);
+    const AVStream *const stream = firstAudio(format);
     if (stream == nullptr) {
         return facts;
     }
     const double seconds = lengthInSeconds(format, *stream);
     facts.seconds = std::isfinite(seconds) ? seconds : 0;
-    const AVCodecParameters& codec = *stream->codecpar;
+    const AVCodecParameters &codec = *stream->codecpar;
     if (codec.sample_rate > 0) {
         const std::uint32_t depth = sourceDepth(codec);
         facts.stream = codec.codec_id == AV_CODEC_ID_ALAC ? appleLosslessStream(codec.sample_rate, depth)
@@ -175,12 +175,12 @@ MediaFacts factsOf(const AVFormatContext& format)
     return facts;
 }
 
-std::vector<MetadataItem> itemsOf(const AVFormatContext& format, const RegularFile& file)
+std::vector<MetadataItem> itemsOf(const AVFormatContext &format, const RegularFile &file)
 {
     std::vector<MetadataItem> items;
-    const AVStream* const audio = firstAudio(format);
-    for (const TextField& field : textFields()) {
-        const AVDictionaryEntry* entry = av_dict_get(format.metadata, field.libav, nullptr, 0);
+    const AVStream *const audio = firstAudio(format);
+    for (const TextField &field : textFields()) {
+        const AVDictionaryEntry *entry = av_dict_get(format.metadata, field.libav, nullptr, 0);
         if (entry == nullptr && audio != nullptr) {
             entry = av_dict_get(audio->metadata, field.libav, nullptr, 0);
         }
@@ -190,12 +190,13 @@ std::vector<MetadataItem> itemsOf(const AVFormatContext& format, const RegularFi
     }
     std::vector<Picture> pictures;
     for (unsigned i = 0; i < format.nb_streams; ++i) {
-        const AVStream& stream = *format.streams[i];
+        const AVStream &stream = *format.streams[i];
         if ((stream.disposition & AV_DISPOSITION_ATTACHED_PIC) != 0 && stream.attached_pic.size > 0) {
-            const AVDictionaryEntry* const kind = av_dict_get(stream.metadata, "comment", nullptr, 0);
+            const AVDictionaryEntry *const kind = av_dict_get(stream.metadata, "comment", nullptr, 0);
             const bool isFrontCover = kind != nullptr && std::string_view(kind->value) == "Cover (front)";
-            const auto* const bytes = reinterpret_cast<const char*>(stream.attached_pic.data);
-            pictures.push_back({std::span<const char>(bytes, std::size_t(stream.attached_pic.size)), isFrontCover});
+            const auto *const bytes = reinterpret_cast<const char *>(stream.attached_pic.data);
+            pictures.push_back(
+                {.isFrontCover = isFrontCover, .inReader = {bytes, std::size_t(stream.attached_pic.size)}});
         }
     }
     appendPictures(items, pictures, file);
@@ -204,7 +205,7 @@ std::vector<MetadataItem> itemsOf(const AVFormatContext& format, const RegularFi
 
 } // namespace
 
-Answer probe(const RegularFile& file, std::int64_t start, const char* container)
+Answer probe(const RegularFile &file, std::int64_t start, const char *container)
 {
     // Both are the whole process's settings. Some readers allocate what a header declares, up to 2 GiB.
     static std::once_flag prepared;

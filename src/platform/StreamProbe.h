@@ -20,6 +20,6 @@ struct Answer {
 
 /// `start` is where the audio file begins behind ID3v2 tags; `container` is libavformat's name of its format, null to
 /// find out from the bytes.
-[[nodiscard]] Answer probe(const RegularFile& file, std::int64_t start, const char* container);
+[[nodiscard]] Answer probe(const RegularFile &file, std::int64_t start, const char *container);
 
 } // namespace StreamProbe

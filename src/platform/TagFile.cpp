@@ -32,7 +32,7 @@ AudioStream plainStream(int sampleRate, int bits)
     return {double(sampleRate), 0, 0, std::uint32_t(std::max(0, bits))};
 }
 
-AudioStream mp4Stream(const TagLib::MP4::Properties& properties)
+AudioStream mp4Stream(const TagLib::MP4::Properties &properties)
 {
     switch (properties.codec()) {
     case TagLib::MP4::Properties::ALAC:
@@ -45,7 +45,7 @@ AudioStream mp4Stream(const TagLib::MP4::Properties& properties)
     return plainStream(properties.sampleRate(), 0);
 }
 
-bool holdsPlainSamples(const TagLib::RIFF::AIFF::Properties& properties)
+bool holdsPlainSamples(const TagLib::RIFF::AIFF::Properties &properties)
 {
     if (!properties.isAiffC()) {
         return true;
@@ -75,14 +75,14 @@ int plainBits(const TagLib::AudioProperties &any)
     return wavPack != nullptr && wavPack->isLossless() ? wavPack->bitsPerSample() : 0;
 }
 
-template <typename File> std::unique_ptr<TagLib::File> make(BoundedStream& stream)
+template <typename File> std::unique_ptr<TagLib::File> make(BoundedStream &stream)
 {
     return std::make_unique<File>(&stream, true, TagLib::AudioProperties::Average);
 }
 
-std::unique_ptr<TagLib::File> makeFile(BoundedStream& stream, Kind kind)
+std::unique_ptr<TagLib::File> makeFile(BoundedStream &stream, Kind kind)
 {
-    TagLib::ID3v2::FrameFactory* const frames = TagLib::ID3v2::FrameFactory::instance();
+    TagLib::ID3v2::FrameFactory *const frames = TagLib::ID3v2::FrameFactory::instance();
     switch (kind) {
     case Kind::Mpeg:
         return std::make_unique<TagLib::MPEG::File>(&stream, frames);
@@ -117,26 +117,26 @@ std::unique_ptr<TagLib::File> makeFile(BoundedStream& stream, Kind kind)
 
 } // namespace
 
-std::unique_ptr<TagLib::File> open(BoundedStream& stream, Kind kind)
+std::unique_ptr<TagLib::File> open(BoundedStream &stream, Kind kind)
 {
     std::unique_ptr<TagLib::File> file = makeFile(stream, kind);
     return file != nullptr && file->isValid() ? std::move(file) : nullptr;
 }
 
-MediaFacts facts(const TagLib::File& file)
+MediaFacts facts(const TagLib::File &file)
 {
-    const TagLib::AudioProperties* const any = file.audioProperties();
+    const TagLib::AudioProperties *const any = file.audioProperties();
     if (any == nullptr || any->sampleRate() <= 0) {
         return {};
     }
-    const auto* const mp4 = dynamic_cast<const TagLib::MP4::Properties*>(any);
+    const auto *const mp4 = dynamic_cast<const TagLib::MP4::Properties *>(any);
     const AudioStream stream = mp4 != nullptr ? mp4Stream(*mp4) : plainStream(any->sampleRate(), plainBits(*any));
     return {std::max(0, any->lengthInMilliseconds()) / 1000.0, stream};
 }
 
-bool isLengthGuessed(const TagLib::File& file)
+bool isLengthGuessed(const TagLib::File &file)
 {
-    const auto* const properties = dynamic_cast<const TagLib::MPEG::Properties*>(file.audioProperties());
+    const auto *const properties = dynamic_cast<const TagLib::MPEG::Properties *>(file.audioProperties());
     return properties != nullptr && properties->xingHeader() == nullptr;
 }
 

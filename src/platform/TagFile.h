@@ -14,12 +14,12 @@ namespace TagFile {
 
 /// Null where TagLib has no reader for the content, finds no such file in the bytes, or is not asked (OggReader.h). The
 /// stream must outlive it.
-[[nodiscard]] std::unique_ptr<TagLib::File> open(BoundedStream& stream, AudioContent::Kind kind);
+[[nodiscard]] std::unique_ptr<TagLib::File> open(BoundedStream &stream, AudioContent::Kind kind);
 
 /// No stream where TagLib does not know its sample rate; length 0 where it does not know that.
-[[nodiscard]] MediaFacts facts(const TagLib::File& file);
+[[nodiscard]] MediaFacts facts(const TagLib::File &file);
 
 /// Whether the length is a guess from the first frame's bit rate.
-[[nodiscard]] bool isLengthGuessed(const TagLib::File& file);
+[[nodiscard]] bool isLengthGuessed(const TagLib::File &file);
 
 } // namespace TagFile

@@ -19,14 +19,15 @@
 
 #include <algorithm>
 #include <iterator>
+#include <ranges>
 
 namespace {
 
 /// TagLib holds UTF-16 units, one in each wide character.
-QString toText(const TagLib::String& string)
+QString toText(const TagLib::String &string)
 {
     auto length = qsizetype(string.size());
-    const wchar_t* const units = string.toCWString();
+    const wchar_t *const units = string.toCWString();
     while (length > 0 && units[length - 1] == 0) {
         --length;
     }
@@ -35,10 +36,10 @@ QString toText(const TagLib::String& string)
     return text;
 }
 
-QStringList toTexts(const TagLib::StringList& values)
+QStringList toTexts(const TagLib::StringList &values)
 {
     QStringList texts;
-    for (const TagLib::String& value : values) {
+    for (const TagLib::String &value : values) {
         texts.push_back(toText(value));
     }
     return texts;
@@ -48,23 +49,23 @@ QStringList toTexts(const TagLib::StringList& values)
 /// most; their pictures are put in the opposite order.
 class Collector {
 public:
-    explicit Collector(BoundedStream& stream)
+    explicit Collector(BoundedStream &stream)
         : m_stream(stream)
     {
     }
 
-    void add(const TagLib::ID3v1::Tag& tag);
-    void add(const TagLib::APE::Tag& tag);
-    void add(const TagLib::Ogg::XiphComment& tag, const TagLib::List<TagLib::FLAC::Picture*>& blocks);
-    void add(const TagLib::MP4::Tag& tag);
-    void add(const TagLib::RIFF::Info::Tag& tag);
+    void add(const TagLib::ID3v1::Tag &tag);
+    void add(const TagLib::APE::Tag &tag);
+    void add(const TagLib::Ogg::XiphComment &tag, const TagLib::List<TagLib::FLAC::Picture *> &blocks);
+    void add(const TagLib::MP4::Tag &tag);
+    void add(const TagLib::RIFF::Info::Tag &tag);
     void addId3v2();
 
     [[nodiscard]] std::vector<MetadataItem> take()
     {
         std::vector<Picture> pictures;
-        for (auto tag = m_pictures.rbegin(); tag != m_pictures.rend(); ++tag) {
-            std::move(tag->begin(), tag->end(), std::back_inserter(pictures));
+        for (std::vector<Picture> &tag : m_pictures | std::views::reverse) {
+            std::move(tag.begin(), tag.end(), std::back_inserter(pictures));
         }
         appendPictures(m_items, pictures, m_stream.file());
         return std::move(m_items);
@@ -72,24 +73,24 @@ public:
 
 private:
     /// `bytes` stay as they are as long as the collector.
-    [[nodiscard]] Picture held(const TagLib::ByteVector& bytes, bool isFrontCover)
+    [[nodiscard]] Picture held(const TagLib::ByteVector &bytes, bool isFrontCover)
     {
         m_held.push_back(bytes); // shares the bytes
-        return {std::span<const char>(bytes.data(), bytes.size()), isFrontCover};
+        return {.isFrontCover = isFrontCover, .inReader = {bytes.data(), bytes.size()}};
     }
 
-    BoundedStream& m_stream;
+    BoundedStream &m_stream;
     std::vector<MetadataItem> m_items;
     std::vector<std::vector<Picture>> m_pictures;
     std::vector<TagLib::ByteVector> m_held;
 };
 
 // ID3v1 cannot tell an empty field from none.
-void Collector::add(const TagLib::ID3v1::Tag& tag)
+void Collector::add(const TagLib::ID3v1::Tag &tag)
 {
     const auto number
         = [](unsigned value) { return value == 0 ? TagLib::String() : TagLib::String::number(int(value)); };
-    for (const TextField& field : textFields()) {
+    for (const TextField &field : textFields()) {
         const TagLib::String text = field.identifier == TagId::title ? tag.title()
             : field.identifier == TagId::artist                      ? tag.artist()
             : field.identifier == TagId::album                       ? tag.album()
@@ -104,18 +105,18 @@ void Collector::add(const TagLib::ID3v1::Tag& tag)
 
 void Collector::addId3v2()
 {
-    for (const Id3v2Body& body : m_stream.id3v2Bodies()) {
+    for (const Id3v2Body &body : m_stream.id3v2Bodies()) {
         Id3v2::Content content = Id3v2::read(m_stream, body);
         std::move(content.texts.begin(), content.texts.end(), std::back_inserter(m_items));
         m_pictures.push_back(std::move(content.pictures));
     }
 }
 
-void Collector::add(const TagLib::APE::Tag& tag)
+void Collector::add(const TagLib::APE::Tag &tag)
 {
-    const TagLib::APE::ItemListMap& items = tag.itemListMap();
-    for (const TextField& field : textFields()) {
-        for (const char* const name : field.ape) {
+    const TagLib::APE::ItemListMap &items = tag.itemListMap();
+    for (const TextField &field : textFields()) {
+        for (const char *const name : field.ape) {
             const auto item = name != nullptr ? items.find(name) : items.end();
             if (item != items.end() && item->second.type() == TagLib::APE::Item::Text) {
                 m_items.push_back(textItem(field, toTexts(item->second.values())));
@@ -124,7 +125,7 @@ void Collector::add(const TagLib::APE::Tag& tag)
         }
     }
     std::vector<Picture> pictures;
-    for (const auto& [key, item] : items) {
+    for (const auto &[key, item] : items) {
         if (item.type() == TagLib::APE::Item::Binary && key.startsWith("COVER ART")) {
             // A file name and a NUL stand before the picture's bytes.
             const TagLib::ByteVector value = item.binaryData();
@@ -137,11 +138,11 @@ void Collector::add(const TagLib::APE::Tag& tag)
     m_pictures.push_back(std::move(pictures));
 }
 
-void Collector::add(const TagLib::Ogg::XiphComment& tag, const TagLib::List<TagLib::FLAC::Picture*>& blocks)
+void Collector::add(const TagLib::Ogg::XiphComment &tag, const TagLib::List<TagLib::FLAC::Picture *> &blocks)
 {
-    const TagLib::Ogg::FieldListMap& comments = tag.fieldListMap();
-    for (const TextField& field : textFields()) {
-        for (const char* const name : field.comments) {
+    const TagLib::Ogg::FieldListMap &comments = tag.fieldListMap();
+    for (const TextField &field : textFields()) {
+        for (const char *const name : field.comments) {
             const auto values = name != nullptr ? comments.find(name) : comments.end();
             if (values != comments.end()) {
                 m_items.push_back(textItem(field, toTexts(values->second)));
@@ -150,7 +151,7 @@ void Collector::add(const TagLib::Ogg::XiphComment& tag, const TagLib::List<TagL
         }
     }
     std::vector<Picture> pictures;
-    for (const TagLib::FLAC::Picture* const picture : blocks) {
+    for (const TagLib::FLAC::Picture *const picture : blocks) {
         if (picture->mimeType() != "-->") { // that one would be a link
             pictures.push_back(held(picture->data(), picture->type() == TagLib::FLAC::Picture::FrontCover));
         }
@@ -159,7 +160,7 @@ void Collector::add(const TagLib::Ogg::XiphComment& tag, const TagLib::List<TagL
 }
 
 /// The pictures in an atom "covr", each in an atom "data" behind eight bytes of type and language.
-std::vector<Picture> mp4Covers(BoundedStream& stream, const Mp4CoverBody& body)
+std::vector<Picture> mp4Covers(BoundedStream &stream, const Mp4CoverBody &body)
 {
     constexpr std::int64_t dataHeaderSize = 16;
     constexpr std::size_t mostCovers = 64;
@@ -176,17 +177,17 @@ std::vector<Picture> mp4Covers(BoundedStream& stream, const Mp4CoverBody& body)
         }
         if (std::string_view(header.data() + 4, 4) == "data") {
             // All are covers, without types: the first counts.
-            covers.push_back({FileRange {position + dataHeaderSize, length - dataHeaderSize}, false});
+            covers.push_back({.inFile = {position + dataHeaderSize, length - dataHeaderSize}});
         }
         position += length;
     }
     return covers;
 }
 
-void Collector::add(const TagLib::MP4::Tag& tag)
+void Collector::add(const TagLib::MP4::Tag &tag)
 {
-    const TagLib::MP4::ItemMap& items = tag.itemMap();
-    for (const TextField& field : textFields()) {
+    const TagLib::MP4::ItemMap &items = tag.itemMap();
+    for (const TextField &field : textFields()) {
         const auto item = items.find(field.mp4);
         if (item == items.end()) {
             continue;
@@ -202,14 +203,14 @@ void Collector::add(const TagLib::MP4::Tag& tag)
                 textItem(field, {pair.second > 0 ? number + QLatin1Char('/') + QString::number(pair.second) : number}));
         }
     }
-    for (auto body = m_stream.mp4CoverBodies().rbegin(); body != m_stream.mp4CoverBodies().rend(); ++body) {
-        m_pictures.push_back(mp4Covers(m_stream, *body));
+    for (const Mp4CoverBody &body : m_stream.mp4CoverBodies() | std::views::reverse) {
+        m_pictures.push_back(mp4Covers(m_stream, body));
     }
 }
 
-void Collector::add(const TagLib::RIFF::Info::Tag& tag)
+void Collector::add(const TagLib::RIFF::Info::Tag &tag)
 {
-    for (const TextField& field : textFields()) {
+    for (const TextField &field : textFields()) {
         const TagLib::String text = field.info != nullptr ? tag.fieldText(field.info) : TagLib::String();
         if (!text.isEmpty()) {
             m_items.push_back(textItem(field, {toText(text)}));
@@ -218,9 +219,9 @@ void Collector::add(const TagLib::RIFF::Info::Tag& tag)
 }
 
 /// Calls `add` with `file` if it is a `File`.
-template <typename File, typename Add> bool addTags(TagLib::File& file, Add add)
+template <typename File, typename Add> bool addTags(TagLib::File &file, Add add)
 {
-    auto* const known = dynamic_cast<File*>(&file);
+    auto *const known = dynamic_cast<File *>(&file);
     if (known != nullptr) {
         add(*known);
     }
@@ -229,48 +230,48 @@ template <typename File, typename Add> bool addTags(TagLib::File& file, Add add)
 
 } // namespace
 
-std::vector<MetadataItem> tagItems(TagLib::File& file, BoundedStream& stream)
+std::vector<MetadataItem> tagItems(TagLib::File &file, BoundedStream &stream)
 {
     Collector collector(stream);
-    const auto addId3v1 = [&](auto& tagged) {
+    const auto addId3v1 = [&](auto &tagged) {
         if (tagged.hasID3v1Tag()) {
             collector.add(*tagged.ID3v1Tag());
         }
     };
-    const auto addApe = [&](auto& tagged) {
+    const auto addApe = [&](auto &tagged) {
         addId3v1(tagged);
         if (tagged.hasAPETag()) {
             collector.add(*tagged.APETag());
         }
     };
-    const auto addComment = [&](auto& ogg) {
-        if (TagLib::Ogg::XiphComment* const comment = ogg.tag()) {
+    const auto addComment = [&](auto &ogg) {
+        if (TagLib::Ogg::XiphComment *const comment = ogg.tag()) {
             collector.add(*comment, comment->pictureList());
         }
     };
-    const auto addMpeg = [&](TagLib::MPEG::File& mpeg) {
+    const auto addMpeg = [&](TagLib::MPEG::File &mpeg) {
         addApe(mpeg);
         collector.addId3v2();
     };
-    const auto addFlac = [&](TagLib::FLAC::File& flac) {
+    const auto addFlac = [&](TagLib::FLAC::File &flac) {
         addId3v1(flac);
         collector.addId3v2();
         if (flac.hasXiphComment()) {
             collector.add(*flac.xiphComment(), flac.pictureList());
         }
     };
-    const auto addWave = [&](TagLib::RIFF::WAV::File& wave) {
+    const auto addWave = [&](TagLib::RIFF::WAV::File &wave) {
         if (wave.hasInfoTag()) {
             collector.add(*wave.InfoTag());
         }
         collector.addId3v2();
     };
-    const auto addMp4 = [&](TagLib::MP4::File& mp4) {
+    const auto addMp4 = [&](TagLib::MP4::File &mp4) {
         if (mp4.tag() != nullptr) {
             collector.add(*mp4.tag());
         }
     };
-    const auto addAiff = [&](TagLib::RIFF::AIFF::File&) { collector.addId3v2(); };
+    const auto addAiff = [&](TagLib::RIFF::AIFF::File &) { collector.addId3v2(); };
 
     using namespace TagLib;
     addTags<MPEG::File>(file, addMpeg) || addTags<MP4::File>(file, addMp4) || addTags<Ogg::FLAC::File>(file, addComment)

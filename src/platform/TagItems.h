@@ -13,4 +13,4 @@
 /// text is kept where its format tells it from none.
 ///
 /// `stream` is the one that `file` was opened from. May throw std::bad_alloc or std::length_error on hostile bytes.
-[[nodiscard]] std::vector<MetadataItem> tagItems(TagLib::File& file, BoundedStream& stream);
+[[nodiscard]] std::vector<MetadataItem> tagItems(TagLib::File &file, BoundedStream &stream);

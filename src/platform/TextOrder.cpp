@@ -18,8 +18,8 @@ const QCollator &collator()
     const auto make = [](TextOrder::Language language) {
         // An explicit locale: the C locale's collation does not compare digits by value.
         const bool polish = language == TextOrder::Language::Polish;
-        QCollator result(polish ? QLocale(QLocale::Polish, QLocale::Poland)
-                                : QLocale(QLocale::English, QLocale::UnitedStates));
+        QCollator result(
+            polish ? QLocale(QLocale::Polish, QLocale::Poland) : QLocale(QLocale::English, QLocale::UnitedStates));
         result.setNumericMode(true);
         result.setCaseSensitivity(Qt::CaseInsensitive);
         return Local {language, std::move(result)};

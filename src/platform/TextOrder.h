@@ -27,8 +27,7 @@ void setLanguage(Language language);
 [[nodiscard]] bool contains(const QString &text, const QString &part);
 
 /// Sorts stably by textOf(item), ascending, with one key an item.
-template<typename Item, typename TextOf>
-void stableSort(std::vector<Item> &items, const TextOf &textOf)
+template <typename Item, typename TextOf> void stableSort(std::vector<Item> &items, const TextOf &textOf)
 {
     struct Keyed {
         QCollatorSortKey key;

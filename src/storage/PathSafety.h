@@ -28,10 +28,9 @@ namespace Storage {
 /// passed over. Throws MarluneError.
 void rejectLinks(const std::filesystem::path &path);
 
-/// Makes sure that the folder `relative` exists under the device at `root` and that no link lies on the way; returns it.
-/// Pieces are made as they are: safeName() is the caller's duty. Folders made before a refusal stay.
-/// Throws MarluneError, or the system's failure.
-[[nodiscard]] std::filesystem::path directory(
-    const std::filesystem::path &relative, const std::filesystem::path &root);
+/// Makes sure that the folder `relative` exists under the device at `root` and that no link lies on the way; returns
+/// it. Pieces are made as they are: safeName() is the caller's duty. Folders made before a refusal stay. Throws
+/// MarluneError, or the system's failure.
+[[nodiscard]] std::filesystem::path directory(const std::filesystem::path &relative, const std::filesystem::path &root);
 
 } // namespace Storage

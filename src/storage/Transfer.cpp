@@ -26,8 +26,8 @@ public:
 
     [[nodiscard]] std::filesystem::path folder(const TransferFile &file) const
     {
-        std::filesystem::path relative = std::filesystem::path("Music") / component(safeName(file.artist))
-            / component(safeName(file.album));
+        std::filesystem::path relative
+            = std::filesystem::path("Music") / component(safeName(file.artist)) / component(safeName(file.album));
         if (file.discFolder) {
             relative /= component(safeName(*file.discFolder));
         }
@@ -78,8 +78,8 @@ Destination findDestination(
 }
 
 /// Copies under a hidden name, looks again that the device is still there, and gives the final name in one step.
-void copyInto(const std::filesystem::path &source, const std::filesystem::path &destination,
-    const std::filesystem::path &root)
+void copyInto(
+    const std::filesystem::path &source, const std::filesystem::path &destination, const std::filesystem::path &root)
 {
     const std::filesystem::path temporary = destination.parent_path() / Files::temporaryName();
     try {

@@ -3,8 +3,6 @@
 #include "ui/LocalPath.h"
 #include "ui/Localization.h"
 
-#include <algorithm>
-
 namespace {
 
 constexpr int searchPauseMilliseconds = 150;
@@ -49,12 +47,13 @@ bool LibraryPresenter::canReadDevice() const
 
 void LibraryPresenter::refreshContent()
 {
-    const std::shared_ptr<const std::vector<Track>> listed = m_model.filteredTracks();
-    const Content content {.albums = m_model.albums()->size(),
-        .tracks = listed->size(),
-        .withoutMusic = m_model.activeTracks().empty(),
-        .highResolution = std::any_of(
-            listed->begin(), listed->end(), [](const Track &track) { return isHighResolution(track.info); })};
+    Content content {.albums = m_model.albums()->size(), .withoutMusic = m_model.activeTracks().empty()};
+    for (const Track &track : m_model.activeTracks()) { // counted in place: the filtered list would be sorted copies
+        if (m_model.matches(track)) {
+            ++content.tracks;
+            content.highResolution = content.highResolution || isHighResolution(track.info);
+        }
+    }
     if (m_content != content) {
         m_content = content;
         Q_EMIT contentChanged();

@@ -28,7 +28,8 @@ AudioInfo technical(std::int64_t bitDepth, std::int64_t bitrate, std::int64_t sa
 std::string wave()
 {
     const auto half = [](std::uint32_t value) { return FlacBytes::little(value).substr(0, 2); };
-    const std::string format = half(1) + half(1) + FlacBytes::little(8000) + FlacBytes::little(16000) + half(2) + half(16);
+    const std::string format
+        = half(1) + half(1) + FlacBytes::little(8000) + FlacBytes::little(16000) + half(2) + half(16);
     const std::string data(16000, '\0');
     const std::string body = "WAVEfmt " + FlacBytes::little(16) + format + "data" + FlacBytes::little(16000) + data;
     return "RIFF" + FlacBytes::little(std::uint32_t(body.size())) + body;
@@ -69,8 +70,8 @@ TEST(AudioInfo, takesTagItemsInTheirOrder)
     AudioInfo info;
     const std::optional<QByteArray> picture = applyTagItems(
         {item("TIT2", "First", CommonKey::Title), item("TIT2", "Second", CommonKey::Title),
-            item("TPE1", "Artist", CommonKey::Artist), item("TALB", "", CommonKey::AlbumName),
-            item("id3/TRCK", "7/12"), item("id3/TPOS", "2/3"), item("TDRC", "2004-03-01"), item("TPE2", "Various"),
+            item("TPE1", "Artist", CommonKey::Artist), item("TALB", "", CommonKey::AlbumName), item("id3/TRCK", "7/12"),
+            item("id3/TPOS", "2/3"), item("TDRC", "2004-03-01"), item("TPE2", "Various"),
             {CommonKey::Artwork, QStringLiteral("APIC"), std::nullopt, QByteArray("back")},
             {CommonKey::Artwork, QStringLiteral("APIC"), std::nullopt, QByteArray("front")}},
         info);
@@ -78,10 +79,12 @@ TEST(AudioInfo, takesTagItemsInTheirOrder)
     EXPECT_EQ(std::tuple(info.trackNumber, info.discNumber, info.year), std::tuple(7, 2, QStringLiteral("2004")));
     EXPECT_EQ(info.tags,
         (QHash<QString, QString> {{QStringLiteral("TITLE"), QStringLiteral("Second")},
-            {QStringLiteral("ARTIST"), QStringLiteral("Artist")}, {QStringLiteral("ALBUMARTIST"), QStringLiteral("Various")}}));
+            {QStringLiteral("ARTIST"), QStringLiteral("Artist")},
+            {QStringLiteral("ALBUMARTIST"), QStringLiteral("Various")}}));
 
     // A disc tag that says nothing resets the disc; a track tag of that kind leaves the track alone.
-    EXPECT_FALSE(applyTagItems({item("TRCK", "x"), item("TPOS", "x"), item("", "1999", CommonKey::CreationDate)}, info));
+    EXPECT_FALSE(
+        applyTagItems({item("TRCK", "x"), item("TPOS", "x"), item("", "1999", CommonKey::CreationDate)}, info));
     EXPECT_EQ(std::tuple(info.trackNumber, info.discNumber, info.year), std::tuple(7, 0, QStringLiteral("1999")));
     const AudioInfo before = info;
     (void)applyTagItems({{CommonKey::Title, QStringLiteral("TPOS TRCK TDRC TPE2"), std::nullopt, std::nullopt}}, info);
@@ -118,9 +121,16 @@ TEST(DurationLabel, cutsToSeconds)
 
 TEST(AudioInfo, survivesItsJsonForm)
 {
-    AudioInfo info {.codec = QStringLiteral("FLAC"), .sampleRate = 96000, .bitDepth = 24, .duration = 1.25, .bitrate = 0,
-        .trackNumber = INT64_MAX, .discNumber = 2, .year = QStringLiteral("2001"),
-        .tags = {{QStringLiteral("TITLE"), QStringLiteral("Ż")}}, .picture = QByteArray("\xFF\x00\xD8", 3)};
+    AudioInfo info {.codec = QStringLiteral("FLAC"),
+        .sampleRate = 96000,
+        .bitDepth = 24,
+        .duration = 1.25,
+        .bitrate = 0,
+        .trackNumber = INT64_MAX,
+        .discNumber = 2,
+        .year = QStringLiteral("2001"),
+        .tags = {{QStringLiteral("TITLE"), QStringLiteral("Ż")}},
+        .picture = QByteArray("\xFF\x00\xD8", 3)};
     const QJsonObject whole = toJson(info);
     EXPECT_EQ(audioInfoFromJson(whole), info);
     for (const QString &key : whole.keys()) {

@@ -83,7 +83,8 @@ TEST(FlacReader, stopsAtThirtyTwoMillionBytesOfMetadata)
 {
     const std::string padding = block(1, std::string(16'000'000, '\0'));
     EXPECT_EQ(message("fLaC" + padding + block(1, std::string(15'999'999, '\0'), true)), "");
-    EXPECT_EQ(message("fLaC" + padding + block(1, std::string(16'000'000, '\0'), true)), "Nieprawidłowe metadane FLAC.");
+    EXPECT_EQ(
+        message("fLaC" + padding + block(1, std::string(16'000'000, '\0'), true)), "Nieprawidłowe metadane FLAC.");
 }
 
 TEST(FlacReader, takesStreamInfoOnlyOfItsSize)
@@ -123,9 +124,9 @@ TEST(FlacReader, takesCommentsApart)
 
 TEST(FlacReader, parsesNumbersAndYears)
 {
-    const std::pair<const char *, std::int64_t> numbers[] = {{"03", 3}, {"3/12", 3}, {"/12", 12}, {"+7", 7}, {"A1", 0},
-        {" 3", 0}, {"3 ", 0}, {"", 0}, {"/", 0}, {"-", 0}, {"-3", 0}, {"9223372036854775807", INT64_MAX},
-        {"9223372036854775808", 0}, {"٣", 0}, {"1.5", 0}};
+    const std::pair<const char *, std::int64_t> numbers[]
+        = {{"03", 3}, {"3/12", 3}, {"/12", 12}, {"+7", 7}, {"A1", 0}, {" 3", 0}, {"3 ", 0}, {"", 0}, {"/", 0}, {"-", 0},
+            {"-3", 0}, {"9223372036854775807", INT64_MAX}, {"9223372036854775808", 0}, {"٣", 0}, {"1.5", 0}};
     for (const auto &[text, number] : numbers) {
         const std::string value = text;
         const AudioInfo info = readComments({"TRACKNUMBER=" + value, "DISCNUMBER=" + value});
@@ -140,8 +141,8 @@ TEST(FlacReader, parsesNumbersAndYears)
 
 TEST(FlacReader, choosesTheFrontCover)
 {
-    const std::pair<std::vector<std::uint32_t>, const char *> rows[] = {
-        {{4, 3, 5}, "1"}, {{4, 5}, "0"}, {{3, 3}, "1"}, {{3, 4}, "0"}, {{0}, "0"}};
+    const std::pair<std::vector<std::uint32_t>, const char *> rows[]
+        = {{{4, 3, 5}, "1"}, {{4, 5}, "0"}, {{3, 3}, "1"}, {{3, 4}, "0"}, {{0}, "0"}};
     for (const auto &[types, chosen] : rows) {
         std::string bytes = "fLaC";
         for (std::size_t i = 0; i < types.size(); ++i) {

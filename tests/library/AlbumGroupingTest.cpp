@@ -38,11 +38,11 @@ using Discs = std::vector<std::int64_t>;
 
 TEST(FolderDisc, readsTheNumberOfADiscFolder)
 {
-    const std::pair<const char *, std::optional<std::int64_t>> rows[] = {
-        {"CD1", 1}, {"cd 2", 2}, {"Disc-3", 3}, {"disk_04", 4}, {"Płyta 2", 2}, {"PŁYTA 10", 10}, {"CD2_bonus", 2},
-        {"Disc 1 - Live", 1}, {"CD0", 0}, {"CD. 7", 7}, {"CD-2-", 2}, {"CD1Bonus", {}}, {"Discography", {}}, {"CD", {}},
-        {"Discs 2", {}}, {"My CD1", {}}, {"", {}}, {"CD9223372036854775807", INT64_MAX},
-        {"CD9223372036854775808", {}}, {"Plyta 2", {}}, {"cd\u00A03", 3}};
+    const std::pair<const char *, std::optional<std::int64_t>> rows[]
+        = {{"CD1", 1}, {"cd 2", 2}, {"Disc-3", 3}, {"disk_04", 4}, {"Płyta 2", 2}, {"PŁYTA 10", 10}, {"CD2_bonus", 2},
+            {"Disc 1 - Live", 1}, {"CD0", 0}, {"CD. 7", 7}, {"CD-2-", 2}, {"CD1Bonus", {}}, {"Discography", {}},
+            {"CD", {}}, {"Discs 2", {}}, {"My CD1", {}}, {"", {}}, {"CD9223372036854775807", INT64_MAX},
+            {"CD9223372036854775808", {}}, {"Plyta 2", {}}, {"cd\u00A03", 3}};
     for (const auto &[name, number] : rows) {
         EXPECT_EQ(AlbumGrouping::folderDisc(QString::fromUtf8(name)), number) << name;
     }
@@ -50,11 +50,10 @@ TEST(FolderDisc, readsTheNumberOfADiscFolder)
 
 TEST(CleanedAlbum, dropsTheDiscSuffix)
 {
-    const std::pair<const char *, const char *> rows[] = {
-        {"Album - CD 1", "Album"}, {"Album [Disc 2 of 3]", "Album"}, {"Album (disk2/2)", "Album"}, {"Album: CD3", "Album"},
-        {"Album – cd 4 ", "Album"}, {"Album CD1\n", "Album"}, {"CD 1", ""}, {"Album CD 1 Live", "Album CD 1 Live"},
-        {"  Album  ", "Album"}, {"Album 2", "Album 2"}, {"Płyta 2", "Płyta 2"}, {"ABCD3", "AB"}, {"Abba (1975)", "Abba (1975)"},
-        {"", ""}, {"])", "])"}};
+    const std::pair<const char *, const char *> rows[] = {{"Album - CD 1", "Album"}, {"Album [Disc 2 of 3]", "Album"},
+        {"Album (disk2/2)", "Album"}, {"Album: CD3", "Album"}, {"Album – cd 4 ", "Album"}, {"Album CD1\n", "Album"},
+        {"CD 1", ""}, {"Album CD 1 Live", "Album CD 1 Live"}, {"  Album  ", "Album"}, {"Album 2", "Album 2"},
+        {"Płyta 2", "Płyta 2"}, {"ABCD3", "AB"}, {"Abba (1975)", "Abba (1975)"}, {"", ""}, {"])", "])"}};
     for (const auto &[album, cleaned] : rows) {
         EXPECT_EQ(AlbumGrouping::cleanedAlbum(QString::fromUtf8(album)).toStdString(), cleaned) << album;
     }
@@ -72,11 +71,12 @@ TEST(CleanedAlbum, answersQuicklyToHostileTags)
 TEST(AlbumGrouping, joinsDiscFoldersWhateverTheTagsSay)
 {
     EXPECT_TRUE(group({}).empty());
-    const std::tuple<const char *, const char *, const char *> rows[] = {
-        {"Album (CD 1)", "Album (CD 2)", "Album"}, {"Album CD1", "Album", "Album"}, {"A", "B", "Release"},
-        {"CD1", "CD2", "Release"}, {"Release", "Disc 2", "Release"}, {"", "", "Release"}};
+    const std::tuple<const char *, const char *, const char *> rows[]
+        = {{"Album (CD 1)", "Album (CD 2)", "Album"}, {"Album CD1", "Album", "Album"}, {"A", "B", "Release"},
+            {"CD1", "CD2", "Release"}, {"Release", "Disc 2", "Release"}, {"", "", "Release"}};
     for (const auto &[first, second, title] : rows) {
-        const std::vector<Album> albums = group({{"Band/Release/CD2/01.flac", second, "Y", 1}, {"Band/Release/CD1/01.flac", first, "X", 1}});
+        const std::vector<Album> albums
+            = group({{"Band/Release/CD2/01.flac", second, "Y", 1}, {"Band/Release/CD1/01.flac", first, "X", 1}});
         ASSERT_EQ(albums.size(), 1U) << first;
         EXPECT_EQ(albums[0].title.toStdString(), title) << first;
         EXPECT_EQ(albums[0].artist, QStringLiteral("Różni wykonawcy"));
@@ -111,14 +111,16 @@ TEST(AlbumGrouping, joinsSiblingFoldersByTheirDiscTags)
     EXPECT_EQ(discs(joined[0]), (Discs {1, 2}));
     EXPECT_EQ(joined[0].title, QStringLiteral("R")); // "X" and "x" are two titles
     // The tagged form takes disc folders over too, when they carry numbers.
-    const std::vector<Album> folders = group({{"R/CD1/a.flac", "X", "B", 1}, {"R/CD2/b.flac", "X", "B", 2}, {"R/CD3/c.flac", "X", "B"}});
+    const std::vector<Album> folders
+        = group({{"R/CD1/a.flac", "X", "B", 1}, {"R/CD2/b.flac", "X", "B", 2}, {"R/CD3/c.flac", "X", "B"}});
     EXPECT_EQ(folders.size(), 2U);
 }
 
 TEST(AlbumGrouping, groupsAPlainFolderByItsTags)
 {
-    const std::vector<Album> albums = group({{"Band/Folder/1.mp3", "Album", "A"}, {"Band/Folder/2.mp3", "ALBUM (CD 1)", "a"},
-        {"Band/Folder/3.mp3", "Other", "A"}, {"Band/Else/1.mp3", "Album", "A"}});
+    const std::vector<Album> albums
+        = group({{"Band/Folder/1.mp3", "Album", "A"}, {"Band/Folder/2.mp3", "ALBUM (CD 1)", "a"},
+            {"Band/Folder/3.mp3", "Other", "A"}, {"Band/Else/1.mp3", "Album", "A"}});
     ASSERT_EQ(albums.size(), 3U);
     EXPECT_EQ(albums[0].tracks.size(), 2U);
     EXPECT_EQ(albums[0].artist, QStringLiteral("Różni wykonawcy")); // "A" and "a"
@@ -129,10 +131,11 @@ TEST(AlbumGrouping, groupsAPlainFolderByItsTags)
 
 TEST(AlbumGrouping, comparesTextsByCanonicalEquivalence)
 {
-    const std::vector<Album> albums
-        = group({{"B/F/1.mp3", "Z\u0307ar", "Z\u0307"}, {"B/F/2.mp3", "\u017Bar", "\u017B"}, {"B/F/3.mp3", "żAR", "ż"}});
+    const std::vector<Album> albums = group(
+        {{"B/F/1.mp3", "Z\u0307ar", "Z\u0307"}, {"B/F/2.mp3", "\u017Bar", "\u017B"}, {"B/F/3.mp3", "żAR", "ż"}});
     ASSERT_EQ(albums.size(), 1U);
-    EXPECT_EQ(group({{"B/F/1.mp3", "Z\u0307ar", "Z\u0307"}, {"B/F/2.mp3", "\u017Bar", "\u017B"}})[0].title, QStringLiteral("Z\u0307ar"));
+    EXPECT_EQ(group({{"B/F/1.mp3", "Z\u0307ar", "Z\u0307"}, {"B/F/2.mp3", "\u017Bar", "\u017B"}})[0].title,
+        QStringLiteral("Z\u0307ar"));
 }
 
 TEST(AlbumGrouping, sortsByDiscTrackAndName)
@@ -147,7 +150,8 @@ TEST(AlbumGrouping, sortsByDiscTrackAndName)
 TEST(AlbumGrouping, keepsEveryTrackOnceAndAgreesWithDescribe)
 {
     std::vector<TrackText> texts;
-    for (const char *folder : {"R/CD1/a.mp3", "R/CD2/b.mp3", "R/One/c.mp3", "R/Two/d.mp3", "S/e.mp3", "f.mp3", "CD1/g.mp3"}) {
+    for (const char *folder :
+        {"R/CD1/a.mp3", "R/CD2/b.mp3", "R/One/c.mp3", "R/Two/d.mp3", "S/e.mp3", "f.mp3", "CD1/g.mp3"}) {
         for (const char *album : {"X", "x (CD 2)", ""}) {
             for (int disc = 0; disc < 3; ++disc) {
                 texts.push_back({folder, album, "B", disc, disc});

@@ -142,7 +142,8 @@ private Q_SLOTS:
         };
         environment.discoveryPatience = std::chrono::milliseconds(30);
         MarluneModel model(std::move(environment));
-        QTRY_COMPARE(model.status(), QStringLiteral("Urządzenie nie odpowiada. Możesz nadal korzystać z biblioteki i poradnika."));
+        QTRY_COMPARE(model.status(),
+            QStringLiteral("Urządzenie nie odpowiada. Możesz nadal korzystać z biblioteki i poradnika."));
         desk.folder.write("Computer/a.mp3", "x");
         model.importURLs({desk.folder / "Computer"}, false, true); // the library stays usable
         QTRY_COMPARE(model.tracks().size(), 1U);

@@ -17,13 +17,16 @@ void writeLibrary(const TemporaryFolder &folder)
     for (const char *disc : {"1", "2"}) {
         const std::string number(disc);
         folder.write("Computer/Band/Double/CD" + number + "/01 a.flac",
-            flacWith({"TITLE=First", "ARTIST=Band", "ALBUM=Double", "TRACKNUMBER=1", "DISCNUMBER=" + number, "DATE=1999"}, "audio" + number));
+            flacWith(
+                {"TITLE=First", "ARTIST=Band", "ALBUM=Double", "TRACKNUMBER=1", "DISCNUMBER=" + number, "DATE=1999"},
+                "audio" + number));
     }
     folder.write("Computer/Żuk/Plain/1 x.mp3", "no tags");
     folder.write("Computer/Żuk/Plain/2 y.mp3", "none");
     folder.write("Computer/High/Resolution/1.flac",
         "fLaC" + FlacBytes::block(0, FlacBytes::streamInfo(96000, 24, 96000))
-            + FlacBytes::block(4, FlacBytes::comments({"TITLE=Wide", "ARTIST=abba", "ALBUM=High 10", "DATE=2020-01"}), true)
+            + FlacBytes::block(
+                4, FlacBytes::comments({"TITLE=Wide", "ARTIST=abba", "ALBUM=High 10", "DATE=2020-01"}), true)
             + std::string(1000, 'x'));
 }
 
@@ -189,20 +192,38 @@ private Q_SLOTS:
         QRandomGenerator random(20261122);
         const auto pick = [&](const QStringList &list) { return list[random.bounded(int(list.size()))]; };
         const std::vector<std::function<void()>> changes {
-            [&] { model->setSearch(pick({QString(), QString(), QString(), QStringLiteral("a"), QStringLiteral("x")})); },
-            [&] { model->setFormatFilter(pick({QStringLiteral("Wszystko"), QStringLiteral("Wszystko"), QStringLiteral("FLAC"), QStringLiteral("Pozostałe")})); },
+            [&] {
+                model->setSearch(pick({QString(), QString(), QString(), QStringLiteral("a"), QStringLiteral("x")}));
+            },
+            [&] {
+                model->setFormatFilter(pick({QStringLiteral("Wszystko"), QStringLiteral("Wszystko"),
+                    QStringLiteral("FLAC"), QStringLiteral("Pozostałe")}));
+            },
             [&] { model->setHiResOnly(random.bounded(4) == 1); },
-            [&] { model->setSortMode(pick({QStringLiteral("Album"), QStringLiteral("Rok"), QStringLiteral("Rozmiar"), QStringLiteral("Wykonawca")})); },
+            [&] {
+                model->setSortMode(pick({QStringLiteral("Album"), QStringLiteral("Rok"), QStringLiteral("Rozmiar"),
+                    QStringLiteral("Wykonawca")}));
+            },
             [&] { model->setLibraryOnDevice(random.bounded(2) == 1); },
-            [&] { TextOrder::setLanguage(random.bounded(2) == 1 ? TextOrder::Language::Polish : TextOrder::Language::English); },
-            [&] { model->importURLs({desk.folder / pick({QStringLiteral("Computer/Band"), QStringLiteral("Computer")}).toStdString()}, false, false); },
+            [&] {
+                TextOrder::setLanguage(
+                    random.bounded(2) == 1 ? TextOrder::Language::Polish : TextOrder::Language::English);
+            },
+            [&] {
+                model->importURLs(
+                    {desk.folder / pick({QStringLiteral("Computer/Band"), QStringLiteral("Computer")}).toStdString()},
+                    false, false);
+            },
             [&] { model->scanDeviceMusic(); },
             [&] {
                 if (!model->albums()->empty()) {
                     model->forget(model->albums()->front());
                 }
             },
-            [&] { model->volumeUnmounted(desk.folder / "IPOD"); model->select(Device::inspect(desk.folder / "IPOD")); },
+            [&] {
+                model->volumeUnmounted(desk.folder / "IPOD");
+                model->select(Device::inspect(desk.folder / "IPOD"));
+            },
         };
         int nonEmpty = 0;
         for (int step = 0; step < 300; ++step) {
@@ -211,7 +232,8 @@ private Q_SLOTS:
             // A second model with the same state derives everything anew.
             std::vector<Album> albums = AlbumGrouping::albums(model->activeTracks());
             std::erase_if(albums, [&](const Album &album) {
-                return std::none_of(album.tracks.begin(), album.tracks.end(), [&](const Track &t) { return model->matches(t); });
+                return std::none_of(
+                    album.tracks.begin(), album.tracks.end(), [&](const Track &t) { return model->matches(t); });
             });
             const auto count = std::count_if(model->activeTracks().begin(), model->activeTracks().end(),
                 [&](const Track &track) { return model->matches(track); });
@@ -268,7 +290,8 @@ private Q_SLOTS:
         model->transferQueue();
         QCOMPARE(model->status(), QStringLiteral("Wgrywam muzykę…"));
         desk.waitForJobs(*model);
-        const std::string tail = "\n\nUtwory są dostępne w Files → Music. Jeśli używasz Database, zaktualizuj bazę w menu Rockbox na iPodzie.";
+        const std::string tail = "\n\nUtwory są dostępne w Files → Music. Jeśli używasz Database, zaktualizuj bazę w "
+                                 "menu Rockbox na iPodzie.";
         QCOMPARE(model->alert().value_or(QString()).toStdString(), "Wgrano: 5. Pominięto identyczne: 0." + tail);
         QVERIFY(model->queued().isEmpty());
         QCOMPARE(model->transferred().size(), 5U);
@@ -311,7 +334,8 @@ private Q_SLOTS:
         model->transferQueue();
         desk.waitForJobs(*model);
         QCOMPARE(model->alert().value_or(QString()),
-            QStringLiteral("Ten folder nie zawiera katalogu .rockbox.\n\nCzęść utworów mogła już zostać wgrana. Możesz ponowić transfer — identyczne pliki zostaną pominięte."));
+            QStringLiteral("Ten folder nie zawiera katalogu .rockbox.\n\nCzęść utworów mogła już zostać wgrana. Możesz "
+                           "ponowić transfer — identyczne pliki zostaną pominięte."));
         QCOMPARE(model->status(), QStringLiteral("Transfer przerwany"));
         QVERIFY(!model->busy());
         QCOMPARE(model->queued().size(), 5);

@@ -1,5 +1,5 @@
-#include "model/LibraryScan.h"
 #include "model/TrackReader.h"
+#include "model/LibraryScan.h"
 
 #include "platform/Files.h"
 
@@ -21,7 +21,8 @@ std::string flac(const std::vector<std::string> &comments, const char *picture =
 
 std::vector<Track> read(const std::vector<std::filesystem::path> &urls, QMap<QString, QString> overrides = {})
 {
-    return readTracks({.urls = urls, .known = {}, .artworkOverrides = std::move(overrides), .artwork = {}}, [](int, int) {});
+    return readTracks(
+        {.urls = urls, .known = {}, .artworkOverrides = std::move(overrides), .artwork = {}}, [](int, int) { });
 }
 
 } // namespace
@@ -29,13 +30,13 @@ std::vector<Track> read(const std::vector<std::filesystem::path> &urls, QMap<QSt
 TEST(ScanAudio, findsMusicAtAnyDepthAndFollowsNoLink)
 {
     const TemporaryFolder folder;
-    const std::vector<std::string> music {"a.mp3", "b.FLAC", "Deep/er/c.Opus", "d.m4a", "e.aac", "f.ogg", "g.wav", "h.aiff",
-        "i.aif", "j.alac", "k.ape", "l.wv", "m.mpc"};
+    const std::vector<std::string> music {"a.mp3", "b.FLAC", "Deep/er/c.Opus", "d.m4a", "e.aac", "f.ogg", "g.wav",
+        "h.aiff", "i.aif", "j.alac", "k.ape", "l.wv", "m.mpc"};
     for (const std::string &name : music) {
         folder.write("Music/" + name, "x");
     }
-    for (const char *name : {"Music/cover.jpg", "Music/.hidden.mp3", "Music/.folder/n.mp3", "Music/mp3", "Music/o.mp3.part",
-             "Elsewhere/p.mp3", "Music/folder.mp3/inside.txt"}) {
+    for (const char *name : {"Music/cover.jpg", "Music/.hidden.mp3", "Music/.folder/n.mp3", "Music/mp3",
+             "Music/o.mp3.part", "Elsewhere/p.mp3", "Music/folder.mp3/inside.txt"}) {
         folder.write(name, "x");
     }
     std::filesystem::create_symlink(folder / "Elsewhere/p.mp3", folder / "Music/link.mp3");
@@ -51,7 +52,9 @@ TEST(ScanAudio, findsMusicAtAnyDepthAndFollowsNoLink)
     std::sort(expected.begin(), expected.end());
     EXPECT_EQ(found, expected);
 
-    EXPECT_EQ(scanAudio({folder / "rootlink", folder / "Music/link.mp3", folder / "Music/.folder", folder / "missing"}).size(), 0U);
+    EXPECT_EQ(scanAudio({folder / "rootlink", folder / "Music/link.mp3", folder / "Music/.folder", folder / "missing"})
+                  .size(),
+        0U);
     EXPECT_EQ(scanAudio({folder / "Music/a.mp3", folder / "Music/a.mp3", folder / "Music/cover.jpg"}).size(), 2U);
     EXPECT_EQ(scanAudio({(folder / "Music").string() + "/"}).size(), 13U);
 }
@@ -157,7 +160,7 @@ TEST(TrackReader, sharesEqualCovers)
     folder.write("E/F/cover.jpg", "cover");
     const std::vector<QByteArray> held {QByteArray("other")};
     const std::vector<Track> tracks
-        = readTracks({.urls = {folder.path()}, .known = {}, .artworkOverrides = {}, .artwork = held}, [](int, int) {});
+        = readTracks({.urls = {folder.path()}, .known = {}, .artworkOverrides = {}, .artwork = held}, [](int, int) { });
     ASSERT_EQ(tracks.size(), 6U);
     const char *shared = tracks[0].artwork->constData();
     for (const std::size_t i : {0U, 1U, 2U, 4U, 5U}) {
@@ -177,7 +180,9 @@ TEST(ReadTracks, ordersByPathAndReadsEachFileOnce)
     const auto note = [&](int done, int total) { progress.emplace_back(done, total); };
     const auto root = folder / "M";
     const std::vector<Track> tracks = readTracks({.urls = {root, root / "." / "2.mp3", root / "2.mp3"},
-                                                     .known = {(root / "3.mp3").string()}, .artworkOverrides = {}, .artwork = {}},
+                                                     .known = {(root / "3.mp3").string()},
+                                                     .artworkOverrides = {},
+                                                     .artwork = {}},
         note);
     ASSERT_EQ(tracks.size(), 44U);
     EXPECT_EQ(tracks[0].url, root / "1.mp3");

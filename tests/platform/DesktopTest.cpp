@@ -13,6 +13,9 @@
 #include <QDesktopServices>
 #include <QUrl>
 
+#include <cstdlib>
+#include <memory>
+
 namespace {
 
 using testing::ElementsAre;
@@ -107,6 +110,18 @@ TEST_F(DesktopTest, OpensTheFolderWhereThereIsNoFileManager)
     Desktop::reveal(m_item);
     EXPECT_TRUE(eventually([&] { return !m_opener.opened.empty(); }));
     EXPECT_THAT(m_opener.opened, ElementsAre(m_folderUri));
+}
+
+// In a child process, since the connection to the session bus is made once in a process.
+TEST_F(DesktopTest, OpensTheFolderWhereThereNeverWasASessionBus)
+{
+    testing::FLAGS_gtest_death_test_style = "threadsafe";
+    const auto revealWithoutBus = [this] {
+        s_bus->stop();
+        Desktop::reveal(m_item);
+        return eventually([&] { return m_opener.opened == std::vector {m_folderUri}; });
+    };
+    EXPECT_EXIT(std::_Exit(revealWithoutBus() ? 0 : 1), testing::ExitedWithCode(0), "");
 }
 
 // The last one, since the process has one session bus for good.

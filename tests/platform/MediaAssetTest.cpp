@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <chrono>
 #include <map>
+#include <thread>
 
 namespace {
 
@@ -18,23 +19,23 @@ using namespace std::string_literals;
 const std::filesystem::path media = std::filesystem::path(MARLUNE_SOURCE_DIR) / "tests/data/media";
 
 /// What a reader of the items ends up with: the last value of each identifier, texts in UTF-8.
-std::map<std::string, std::string> shownValues(const std::vector<MetadataItem>& items)
+std::map<std::string, std::string> shownValues(const std::vector<MetadataItem> &items)
 {
     std::map<std::string, std::string> shown;
-    for (const MetadataItem& item : items) {
+    for (const MetadataItem &item : items) {
         const std::string value = item.data ? item.data->toStdString() : item.text.value_or(QString()).toStdString();
         shown[item.identifier.toStdString()] = value;
     }
     return shown;
 }
 
-std::map<std::string, std::string> shownValues(const std::filesystem::path& file)
+std::map<std::string, std::string> shownValues(const std::filesystem::path &file)
 {
     return shownValues(MediaAsset(file).metadata());
 }
 
 /// Asks for everything; returns whether each answer is one that a caller can work with.
-bool answersSensibly(const std::filesystem::path& file)
+bool answersSensibly(const std::filesystem::path &file)
 {
     MediaAsset asset(file);
     const std::optional<double> seconds = asset.durationSeconds();
@@ -42,7 +43,7 @@ bool answersSensibly(const std::filesystem::path& file)
     const std::vector<MetadataItem> items = asset.metadata();
     return (!seconds || (*seconds > 0 && *seconds <= 100e6))
         && (!stream || (stream->sampleRate > 0 && stream->sampleRate <= 100e6))
-        && std::all_of(items.begin(), items.end(), [](const MetadataItem& item) {
+        && std::all_of(items.begin(), items.end(), [](const MetadataItem &item) {
                return item.text.has_value() != item.data.has_value()
                    && (!item.data || (!item.data->isEmpty() && item.data->size() <= 10'000'000));
            });
@@ -52,18 +53,18 @@ bool answersSensibly(const std::filesystem::path& file)
 
 using Values = std::map<std::string, std::string>;
 
-Values allFields(Values different, const std::string& picture = fileBytes(media / "front.png"))
+Values allFields(const Values &different, const std::string &picture = fileBytes(media / "front.png"))
 {
     Values fields {{"TIT2", "Gęślą jaźń"}, {"TPE1", "Zażółć, Druga"}, {"TALB", "Jesień"}, {"TPE2", "Różni wykonawcy"},
         {"TRCK", "7/12"}, {"TPOS", "2/3"}, {"TDRC", "2004-03-01"}, {"APIC", picture}};
-    for (auto& [identifier, value] : different) {
+    for (const auto &[identifier, value] : different) {
         fields[identifier] = value;
     }
     return fields;
 }
 
 struct Sample {
-    const char* name;
+    const char *name;
     double seconds;
     AudioStream stream;
     Values fields;
@@ -103,7 +104,7 @@ std::vector<Sample> samples()
 
 TEST(MediaAsset, ReadsLengthStreamAndTagsOfEveryFormat)
 {
-    for (const Sample& sample : samples()) {
+    for (const Sample &sample : samples()) {
         SCOPED_TRACE(sample.name);
         MediaAsset asset(media / sample.name);
         EXPECT_NEAR(asset.durationSeconds().value_or(0), sample.seconds, 0.002);
@@ -119,8 +120,8 @@ TEST(MediaAsset, ReadsLengthStreamAndTagsOfEveryFormat)
 TEST(MediaAsset, GoesByTheContentWhereTheExtensionLies)
 {
     const TemporaryFolder folder;
-    for (const Sample& sample : samples()) {
-        for (const char* const name : {"lie.flac", "lie.mp3", "lie.wv", "LIE"}) {
+    for (const Sample &sample : samples()) {
+        for (const char *const name : {"lie.flac", "lie.mp3", "lie.wv", "LIE"}) {
             SCOPED_TRACE(sample.name + " as "s + name);
             MediaAsset asset(folder.write(name, fileBytes(media / sample.name)));
             EXPECT_NEAR(asset.durationSeconds().value_or(0), sample.seconds, 0.002);
@@ -129,13 +130,32 @@ TEST(MediaAsset, GoesByTheContentWhereTheExtensionLies)
     }
 }
 
+TEST(MediaAsset, ReadsDifferentFilesAtOnce)
+{
+    const auto readAll = [] {
+        for (const Sample &sample : samples()) {
+            MediaAsset asset(media / sample.name);
+            EXPECT_EQ(asset.firstAudioStream(), sample.stream) << sample.name;
+            EXPECT_EQ(shownValues(asset.metadata()), sample.fields) << sample.name;
+        }
+    };
+    std::vector<std::thread> threads;
+    threads.reserve(4);
+    for (int i = 0; i < 4; ++i) {
+        threads.emplace_back(readAll);
+    }
+    for (std::thread &thread : threads) {
+        thread.join();
+    }
+}
+
 TEST(MediaAsset, NamesTheMeaningsThatAllFormatsShare)
 {
     const std::map<std::string, CommonKey> keys {{"TIT2", CommonKey::Title}, {"TPE1", CommonKey::Artist},
         {"TALB", CommonKey::AlbumName}, {"APIC", CommonKey::Artwork}, {"TRCK", CommonKey::None},
         {"TPOS", CommonKey::None}, {"TDRC", CommonKey::None}, {"TPE2", CommonKey::None}};
-    for (const Sample& sample : samples()) {
-        for (const MetadataItem& item : MediaAsset(media / sample.name).metadata()) {
+    for (const Sample &sample : samples()) {
+        for (const MetadataItem &item : MediaAsset(media / sample.name).metadata()) {
             EXPECT_EQ(item.commonKey, keys.at(item.identifier.toStdString())) << sample.name;
         }
     }
@@ -159,18 +179,18 @@ struct TagForm {
 };
 
 std::string frame(
-    const TagForm& form, const std::string& id, const std::string& content, const std::string& flags = "\0\0"s)
+    const TagForm &form, const std::string &id, const std::string &content, const std::string &flags = "\0\0"s)
 {
     return form.version == 2 ? id + bigEndian(content.size(), 8, 3) + content
                              : id + bigEndian(content.size(), form.sizeBits) + flags + content;
 }
 
-std::string tag(const TagForm& form, const std::string& body)
+std::string tag(const TagForm &form, const std::string &body)
 {
     return "ID3"s + char(form.version) + '\0' + char(form.flags) + bigEndian(body.size(), 7) + body;
 }
 
-std::string unsynchronised(const std::string& bytes)
+std::string unsynchronised(const std::string &bytes)
 {
     std::string result;
     for (const char c : bytes) {
@@ -193,7 +213,7 @@ TEST(MediaAsset, ReadsId3v2InAllItsForms)
     const std::string longText = "\3"s + std::string(200, 'x');
     const std::string picture = "\0image/jpeg\0\3\0"s + jpeg;
     const struct {
-        const char* what;
+        const char *what;
         std::string bytes;
         Values shown;
     } rows[] = {
@@ -249,7 +269,7 @@ TEST(MediaAsset, ReadsId3v2InAllItsForms)
             {{"TPE1", "P"}}},
     };
     const TemporaryFolder folder;
-    for (const auto& row : rows) {
+    for (const auto &row : rows) {
         EXPECT_EQ(shownValues(folder.write("a.mp3", row.bytes)), row.shown) << row.what;
     }
 }
@@ -257,12 +277,13 @@ TEST(MediaAsset, ReadsId3v2InAllItsForms)
 TEST(MediaAsset, ShowsTheFirstFrontCoverElseTheFirstPictureThatIsNotTooLarge)
 {
     const TagForm v4 {4, 0, 7};
-    const auto picture = [&](char type, const std::string& bytes) {
+    const auto picture = [&](char type, const std::string &bytes) {
         return frame(v4, "APIC", "\0image/png\0"s + type + '\0' + bytes);
     };
-    const std::string largest(10'000'000, 'x');
+    std::string largest;
+    largest.resize(10'000'000, 'x');
     const struct {
-        const char* what;
+        const char *what;
         std::string frames;
         std::vector<std::string> order;
     } rows[] = {
@@ -270,12 +291,14 @@ TEST(MediaAsset, ShowsTheFirstFrontCoverElseTheFirstPictureThatIsNotTooLarge)
         {"front first", picture(3, "front") + picture(4, "back") + picture(3, "front 2"), {"back", "front 2", "front"}},
         {"no front", picture(4, "back") + picture(5, "leaf"), {"leaf", "back"}},
         {"too large", picture(3, largest + 'x') + picture(4, largest), {largest}},
+        {"too many", picture(4, largest) + picture(5, largest) + picture(6, largest) + picture(3, largest),
+            {largest, largest, largest}},
         {"empty", picture(3, ""), {}},
     };
     const TemporaryFolder folder;
-    for (const auto& row : rows) {
+    for (const auto &row : rows) {
         std::vector<std::string> order;
-        for (const MetadataItem& item : MediaAsset(folder.write("a.mp3", tag(v4, row.frames))).metadata()) {
+        for (const MetadataItem &item : MediaAsset(folder.write("a.mp3", tag(v4, row.frames))).metadata()) {
             order.push_back(item.data.value_or(QByteArray()).toStdString());
         }
         EXPECT_EQ(order, row.order) << row.what;
@@ -294,7 +317,7 @@ TEST(MediaAsset, KnowsNothingOfWhatIsNoAudioFileAndDoesNotWaitForIt)
     folder.write("empty.mp3", "");
     folder.write("text.ogg", "no audio at all");
     folder.write("zeros.mp3", std::string(3'000'000, '\0'));
-    for (const char* const name :
+    for (const char *const name :
         {"missing.mp3", "folder.mp3", "pipe.mp3", "device.mp3", "loop.mp3", "empty.mp3", "text.ogg", "zeros.mp3"}) {
         MediaAsset asset(folder / name);
         EXPECT_EQ(asset.durationSeconds(), std::nullopt) << name;
@@ -315,8 +338,8 @@ TEST(MediaAsset, OpensNoOtherFileThatAListNames)
         "version=\"1.0\"?><MPD><Period><AdaptationSet><Representation><BaseURL>other.mp3</BaseURL></Representation></"
         "AdaptationSet></Period></MPD>",
     };
-    for (const std::string& list : lists) {
-        for (const char* const name : {"list.aac", "list.mp3", "list.flac", "list.m4a"}) {
+    for (const std::string &list : lists) {
+        for (const char *const name : {"list.aac", "list.mp3", "list.flac", "list.m4a"}) {
             EXPECT_EQ(MediaAsset(folder.write(name, list)).firstAudioStream(), std::nullopt) << name << list;
         }
     }
@@ -327,11 +350,11 @@ TEST(MediaAsset, OpensNoOtherFileThatAListNames)
 TEST(MediaAsset, LivesThroughEveryShortenedAndChangedFile)
 {
     const TemporaryFolder folder;
-    const auto rewritten = [&](const char* name, const std::string& bytes) {
+    const auto rewritten = [&](const char *name, const std::string &bytes) {
         std::filesystem::remove(folder / name); // because ext4 writes a file to the disk that is cut and filled anew
         return folder.write(name, bytes);
     };
-    for (const Sample& sample : samples()) {
+    for (const Sample &sample : samples()) {
         const std::string whole = fileBytes(media / sample.name);
         for (std::size_t length = 0; length < whole.size(); length += length < 600 ? 7 : 127) {
             ASSERT_TRUE(answersSensibly(rewritten(sample.name, whole.substr(0, length))))
@@ -345,7 +368,7 @@ TEST(MediaAsset, LivesThroughEveryShortenedAndChangedFile)
     }
 }
 
-std::string repeated(const std::string& piece, std::size_t times)
+std::string repeated(const std::string &piece, std::size_t times)
 {
     std::string result;
     for (std::size_t i = 0; i < times; ++i) {
@@ -354,23 +377,34 @@ std::string repeated(const std::string& piece, std::size_t times)
     return result;
 }
 
-// Each of these made a parser call itself without end, circle, inflate or search without bounds.
+/// Chapters inside chapters: sizes from the inside, headers from the outside.
+std::string nestedChapters(std::size_t depth)
+{
+    const TagForm v3 {3};
+    const std::string innermost = frame(v3, "TIT2", "\0T"s);
+    const std::string start = "c\0"s + std::string(16, '\0');
+    const std::size_t headSize = frame(v3, "CHAP", start).size();
+    std::string body;
+    for (std::size_t inside = depth; inside > 0; --inside) {
+        const std::size_t size = start.size() + (inside - 1) * headSize + innermost.size();
+        body.append("CHAP").append(bigEndian(size, 8)).append("\0\0"s).append(start);
+    }
+    return body + innermost;
+}
+
+// Without limits these make a parser call itself until the stack ends, circle, inflate or search for minutes.
 TEST(MediaAsset, EndsSoonOnBytesThatWereMadeToHoldItUp)
 {
     const TagForm v3 {3};
-    std::string chapters = frame(v3, "TIT2", "\0T"s);
-    for (int depth = 0; depth < 3000; ++depth) {
-        chapters = frame(v3, "CHAP", "c\0"s + std::string(16, '\0') + chapters);
-    }
     const struct {
-        const char* name;
+        const char *name;
         std::string bytes;
     } rows[] = {
         {"nested.m4a",
             "\0\0\0\x10"
             "ftypM4A \0\0\0\0"s
                 + repeated("\0\x7F\0\0moov"s, 200'000)},
-        {"chapters.mp3", tag(v3, chapters)},
+        {"chapters.mp3", tag(v3, nestedChapters(60'000))},
         {"frames.mp3", tag(v3, repeated(frame(v3, "TIT2", "\0T"s), 500'000))},
         {"circle.wv", "wvpk\xF8\xFF\xFF\xFF\x10\x04"s + std::string(22, '\0')},
         {"sync.mp3", repeated("\xFF\xFB"s, 2'000'000)},
@@ -381,10 +415,10 @@ TEST(MediaAsset, EndsSoonOnBytesThatWereMadeToHoldItUp)
         {"blocks.flac", "fLaC"s + repeated("\1\0\0\0"s, 1'000'000)},
     };
     const TemporaryFolder folder;
-    for (const auto& row : rows) {
+    for (const auto &row : rows) {
         const auto start = std::chrono::steady_clock::now();
         EXPECT_TRUE(answersSensibly(folder.write(row.name, row.bytes))) << row.name;
-        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5)) << row.name;
+        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20)) << row.name;
     }
 }
 

@@ -280,8 +280,10 @@ TEST_F(VolumesTest, TheWatcherTellsOfDisksAndOfNothingElse)
     }
     EXPECT_TRUE(notices.become({"+IPOD"})) << testing::PrintToString(notices.lines);
     ASSERT_TRUE(bind(source("sample"), folder(".hidden")));
+    ASSERT_TRUE(bind(source("sample"), folder("second")));
+    EXPECT_TRUE(notices.become({"+IPOD", "+second"})) << testing::PrintToString(notices.lines);
     ASSERT_EQ(::umount(folder("IPOD").c_str()), 0);
-    EXPECT_TRUE(notices.become({"+IPOD", "-IPOD"})) << testing::PrintToString(notices.lines);
+    EXPECT_TRUE(notices.become({"+IPOD", "+second", "-IPOD"})) << testing::PrintToString(notices.lines);
 }
 
 TEST_F(VolumesTest, ADiskThatTookAnothersPlaceBetweenTwoReadingsIsNoticed)
@@ -326,6 +328,8 @@ TEST_F(VolumesTest, ARealDiskComesWithItsNameRulesAndItsSizeAndGoes)
     const Volumes::Capacity room = Volumes::capacity(disk.mountPoint() / "Music");
     EXPECT_GT(room.total, 28 << 20);
     EXPECT_LE(room.total, 32 << 20);
+    std::ofstream(disk.mountPoint() / "Music/file") << std::string(8 << 20, 'x');
+    EXPECT_NEAR(double(room.available - Volumes::capacity(disk.mountPoint()).available), 8 << 20, 1 << 20);
 
     ASSERT_TRUE(disk.unmount());
     EXPECT_TRUE(notices.become({"+IPOD", "-IPOD"})) << testing::PrintToString(notices.lines);

@@ -40,8 +40,8 @@ TEST(ExfatTransfer, givesEveryFileANameThatTheDiskTakes)
     std::filesystem::create_directories(root / ".rockbox");
     ASSERT_EQ(Volumes::nameRules(root), Volumes::NameRules::Fat);
 
-    const auto file = [&](const std::string &name, std::string_view bytes, const std::string &artist, const std::string &album,
-                          std::optional<QString> disc = {}) -> TransferFile {
+    const auto file = [&](const std::string &name, std::string_view bytes, const std::string &artist,
+                          const std::string &album, std::optional<QString> disc = {}) -> TransferFile {
         return {folder.write("Computer/" + name, bytes), text(artist), text(album), std::move(disc)};
     };
     const std::vector<TransferFile> files {
@@ -55,10 +55,11 @@ TEST(ExfatTransfer, givesEveryFileANameThatTheDiskTakes)
         file("8/byte\xE9.flac", "8", "case", "x"),
     };
     const FileMap expected {{"AC-DC- Live/What_/Who_ _ 'x' _y_ _z_.flac", "1"}, {"Trailing/Blank/dot.flac", "2"},
-        {polishLetters(160) + "/" + polishLetters(160) + "/CD 1/a.flac", "3"}, {"case/x/Same.flac", "4"}, {"case/x/sAME (2).flac", "5"},
-        {"case/x/noextension", "6"}, {"case/x/noextension (2)", "7"}, {"case/x/byte_.flac", "8"}};
+        {polishLetters(160) + "/" + polishLetters(160) + "/CD 1/a.flac", "3"}, {"case/x/Same.flac", "4"},
+        {"case/x/sAME (2).flac", "5"}, {"case/x/noextension", "6"}, {"case/x/noextension (2)", "7"},
+        {"case/x/byte_.flac", "8"}};
     for (const int copied : {8, 0}) {
-        const TransferResult result = Storage::transfer(files, root, [](int, int) {});
+        const TransferResult result = Storage::transfer(files, root, [](int, int) { });
         EXPECT_EQ(result.copied, copied);
         EXPECT_EQ(result.skipped, 8 - copied);
         EXPECT_EQ(filesBelow(root / "Music"), expected);
@@ -67,7 +68,7 @@ TEST(ExfatTransfer, givesEveryFileANameThatTheDiskTakes)
     // More than there is room for: refused before the first byte.
     const TransferFile large = file("large.flac", "", "case", "x");
     std::filesystem::resize_file(large.source, 100'000'000);
-    EXPECT_EQ(messageOf([&] { (void)Storage::transfer(std::vector {large}, root, [](int, int) {}); }),
+    EXPECT_EQ(messageOf([&] { (void)Storage::transfer(std::vector {large}, root, [](int, int) { }); }),
         "Za mało wolnego miejsca na cały transfer.");
     EXPECT_EQ(filesBelow(root / "Music"), expected);
 }

@@ -190,8 +190,8 @@ TEST(Transfer, noticesThatTheDeviceIsGoneBetweenTwoFiles)
 
 TEST(Transfer, leavesOnlyWholeFilesWhicheverCallFails)
 {
-    const FileMap whole {{"Artist/Album/a.flac", "old"}, {"Artist/Album/a (2).flac", "new"},
-        {"Artist/Album/CD 1/b.flac", "two"}};
+    const FileMap whole {
+        {"Artist/Album/a.flac", "old"}, {"Artist/Album/a (2).flac", "new"}, {"Artist/Album/CD 1/b.flac", "two"}};
     for (int failAt = 1;; ++failAt) {
         Desk desk;
         desk.folder.write("IPOD/Music/Artist/Album/a.flac", "old");

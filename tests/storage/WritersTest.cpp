@@ -1,5 +1,5 @@
-#include "storage/Digest.h"
 #include "storage/Writers.h"
+#include "storage/Digest.h"
 
 #include "support/FailingDisk.h"
 #include "support/Messages.h"

@@ -21,7 +21,8 @@ public:
             },
             [](int descriptor) { return fails() ? -1 : system().fsync(descriptor); },
             [](int descriptor) {
-                const int result = system().close(descriptor); // a failing close() gives the descriptor back all the same
+                const int result
+                    = system().close(descriptor); // a failing close() gives the descriptor back all the same
                 return fails() ? -1 : result;
             },
             [](const char *from, const char *to) { return fails() ? -1 : system().rename(from, to); },

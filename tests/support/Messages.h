@@ -7,8 +7,7 @@
 #include <string>
 
 /// "" if `operation` throws nothing.
-template<typename Operation>
-std::string failureOf(const Operation &operation)
+template <typename Operation> std::string failureOf(const Operation &operation)
 {
     try {
         operation();
@@ -19,8 +18,7 @@ std::string failureOf(const Operation &operation)
 }
 
 /// The message of a MarluneError; another exception passes through and fails the test.
-template<typename Operation>
-std::string messageOf(const Operation &operation)
+template <typename Operation> std::string messageOf(const Operation &operation)
 {
     try {
         operation();

@@ -28,7 +28,7 @@ struct ModelDesk {
     /// What the next discovery finds.
     std::shared_ptr<std::vector<Device>> found = std::make_shared<std::vector<Device>>();
     std::shared_ptr<std::atomic<int>> discoveries = std::make_shared<std::atomic<int>>(0);
-    std::function<void(const std::filesystem::path &)> ejector = [](const std::filesystem::path &) {};
+    std::function<void(const std::filesystem::path &)> ejector = [](const std::filesystem::path &) { };
 
     [[nodiscard]] ModelEnvironment environment()
     {

@@ -6,13 +6,23 @@
 
 #include <QProcess>
 
+#include <sys/prctl.h>
+
+#include <csignal>
 #include <stdexcept>
 #include <string>
+
+/// For a process that must not outlive the test, even one that crashes.
+inline void dieWithThisProcess(QProcess &process)
+{
+    process.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });
+}
 
 class PrivateBus {
 public:
     PrivateBus()
     {
+        dieWithThisProcess(m_daemon);
         m_configuration = m_folder.write("bus.conf",
             "<!DOCTYPE busconfig PUBLIC \"-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN\" "
             "\"http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd\">\n"

@@ -27,5 +27,6 @@ inline std::map<std::string, std::string> filesBelow(const std::filesystem::path
 inline bool holdsPartialFile(const std::filesystem::path &folder)
 {
     const auto files = filesBelow(folder);
-    return std::any_of(files.begin(), files.end(), [](const auto &f) { return f.first.find(".partial") != std::string::npos; });
+    return std::any_of(
+        files.begin(), files.end(), [](const auto &f) { return f.first.find(".partial") != std::string::npos; });
 }

@@ -28,7 +28,10 @@ public:
     TemporaryFolder &operator=(const TemporaryFolder &) = delete;
 
     [[nodiscard]] const std::filesystem::path &path() const { return m_path; }
-    [[nodiscard]] std::filesystem::path operator/(const std::filesystem::path &relative) const { return m_path / relative; }
+    [[nodiscard]] std::filesystem::path operator/(const std::filesystem::path &relative) const
+    {
+        return m_path / relative;
+    }
 
     /// Writes a file and the folders above it; throws if that fails, so that a broken set-up is no passing test.
     std::filesystem::path write(const std::filesystem::path &relative, std::string_view bytes) const

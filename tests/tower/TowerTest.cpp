@@ -1,10 +1,11 @@
 // Holds every #include of the sources against the tower: a floor uses itself and the floors below it.
 #include "support/TemporaryFolder.h"
 
+#include <QRegularExpression>
+
 #include <gtest/gtest.h>
 
 #include <map>
-#include <regex>
 #include <set>
 
 namespace {
@@ -12,33 +13,34 @@ namespace {
 const std::map<std::string, int> floors {{"platform", 1}, {"storage", 2}, {"audio", 3}, {"library", 4}, {"artwork", 5},
     {"themes", 6}, {"quality", 7}, {"playback", 8}, {"model", 9}, {"ui", 10}};
 
-/// Libraries that only the named floor may see; all else of Qt Core is everybody's.
-const std::vector<std::pair<std::regex, std::string>> reserved {
-    {std::regex("^(taglib/.*|.*file(ref)?\\.h|libav.*|openssl/.*|mpv/.*)$"), "platform"},
-    {std::regex("^QDBus.*$"), "platform ui"},
-    {std::regex("^(QQ|QtQ|QSG|QGuiApplication).*$"), "ui"},
+/// Libraries that only the named floors may see; all else of Qt Core is everybody's.
+const std::vector<std::pair<QString, std::string>> reserved {
+    {QStringLiteral("^(taglib/.*|.*file(ref)?\\.h|libav.*|openssl/.*|mpv/.*)$"), "platform"},
+    {QStringLiteral("^QDBus.*$"), "platform ui"},
+    {QStringLiteral("^(QQ|QtQ|QSG|QGuiApplication).*$"), "ui"},
 };
 
 std::vector<std::string> faults(const std::string &floor, const std::string &source)
 {
-    static const std::regex include("^\\s*#\\s*include\\s*([<\"])([^>\"]+)[>\"]");
+    static const QRegularExpression include(QStringLiteral("^\\s*#\\s*include\\s*([<\"])([^>\"]+)[>\"]"));
     std::vector<std::string> result;
     std::istringstream lines(source);
     for (std::string line; std::getline(lines, line);) {
-        std::smatch match;
-        if (!std::regex_search(line, match, include)) {
+        const QRegularExpressionMatch match = include.match(QString::fromStdString(line));
+        if (!match.hasMatch()) {
             continue;
         }
-        const std::string name = match[2];
-        if (match[1] == "\"") {
-            const auto target = floors.find(name.substr(0, name.find('/')));
+        const QString name = match.captured(2);
+        if (match.captured(1) == QStringLiteral("\"")) {
+            const auto target = floors.find(name.section(u'/', 0, 0).toStdString());
             if (target == floors.end() || target->second > floors.at(floor)) {
-                result.push_back(name);
+                result.push_back(name.toStdString());
             }
+            continue;
         }
         for (const auto &[pattern, allowed] : reserved) {
-            if (match[1] == "<" && std::regex_match(name, pattern) && allowed.find(floor) == std::string::npos) {
-                result.push_back(name);
+            if (QRegularExpression(pattern).match(name).hasMatch() && allowed.find(floor) == std::string::npos) {
+                result.push_back(name.toStdString());
             }
         }
     }
@@ -50,7 +52,8 @@ std::vector<std::string> faults(const std::string &floor, const std::string &sou
 TEST(Tower, theCheckKnowsUpFromDown)
 {
     using Faults = std::vector<std::string>;
-    EXPECT_EQ(faults("storage", "#include \"platform/Files.h\"\n#include \"storage/Device.h\"\n#include <QString>"), Faults {});
+    EXPECT_EQ(faults("storage", "#include \"platform/Files.h\"\n#include \"storage/Device.h\"\n#include <QString>"),
+        Faults {});
     EXPECT_EQ(faults("storage", "  #  include \"model/Model.h\""), Faults {"model/Model.h"});
     EXPECT_EQ(faults("storage", "#include \"Device.h\""), Faults {"Device.h"});
     EXPECT_EQ(faults("audio", "#include <fileref.h>"), Faults {"fileref.h"});

@@ -185,9 +185,10 @@ private Q_SLOTS:
         user.clickNamed("transferButton");
         QTRY_VERIFY_WITH_TIMEOUT(model.alert(), 30'000);
         const FileMap before = expectedFiles(sample / "iPod/Music", "");
-        const FileMap expected = joined({before, expectedFiles(sample / "Music/Low Tide Almanac/Soundings/CD1", "Low Tide Almanac/Soundings/CD 1/"),
-            expectedFiles(sample / "Music/Low Tide Almanac/Soundings/CD2", "Low Tide Almanac/Soundings/CD 2/"),
-            expectedFiles(sample / "Music/AC-DC Revival/What Now?", "AC-DC Revival/What Now?/")});
+        const FileMap expected = joined(
+            {before, expectedFiles(sample / "Music/Low Tide Almanac/Soundings/CD1", "Low Tide Almanac/Soundings/CD 1/"),
+                expectedFiles(sample / "Music/Low Tide Almanac/Soundings/CD2", "Low Tide Almanac/Soundings/CD 2/"),
+                expectedFiles(sample / "Music/AC-DC Revival/What Now?", "AC-DC Revival/What Now?/")});
         QCOMPARE(expected.size() - before.size(), 13U);
         QVERIFY(expectedFiles(user.device / "Music", "") == expected);
         QVERIFY(model.alert()->startsWith(QStringLiteral("Wgrano: 13. Pominięto identyczne: 0.")));
@@ -229,7 +230,8 @@ private Q_SLOTS:
         user.clickNamed("transferButton");
         QTRY_VERIFY_WITH_TIMEOUT(model.alert(), 30'000);
         diskCalls() = DiskCalls::system();
-        QVERIFY(model.alert()->startsWith(QStringLiteral("Ten folder nie zawiera katalogu .rockbox.\n\nCzęść utworów")));
+        QVERIFY(
+            model.alert()->startsWith(QStringLiteral("Ten folder nie zawiera katalogu .rockbox.\n\nCzęść utworów")));
         QVERIFY(!model.busy());
         QCOMPARE(model.queued().size(), 8);
         QCOMPARE(filesBelow(user.device / "Music/Low Tide Almanac").size(), 2U);

@@ -1,6 +1,4 @@
 // A button in one of three kinds and sizes: a text, a symbol or both.
-pragma ComponentBehavior: Bound
-
 import QtQuick
 import QtQuick.Templates as T
 import Marlune
@@ -15,7 +13,7 @@ T.Button {
     property int measure: Button.Regular
     property string symbol
     property string toolTip
-    property color tint: root.kind === Button.Prominent ? Tokens.color.onAccent
+    property color tint: root.kind === Button.Prominent ? Tokens.color.textOnAccent
         : root.kind === Button.Borderless ? Tokens.color.accent : Tokens.color.text
 
     readonly property bool filled: root.kind === Button.Prominent
@@ -33,9 +31,11 @@ T.Button {
     Accessible.description: root.text !== "" ? root.toolTip : ""
     Keys.onReturnPressed: root.clicked()
     Keys.onEnterPressed: root.clicked()
+    onHoveredChanged: root.hovered ? Hints.show(root, root.toolTip) : Hints.hide(root)
 
     contentItem: Item {
-        implicitWidth: row.implicitWidth
+        implicitWidth: (picture.visible ? picture.width : 0) + (label.visible ? label.implicitWidth : 0)
+            + (picture.visible && label.visible ? row.spacing : 0)
         implicitHeight: row.implicitHeight
 
         Row {
@@ -52,6 +52,7 @@ T.Button {
                 anchors.verticalCenter: parent.verticalCenter
             }
             Text {
+                id: label
                 visible: root.text !== ""
                 width: Math.min(implicitWidth, root.availableWidth - (picture.visible ? picture.width + row.spacing : 0))
                 text: root.text
@@ -80,15 +81,6 @@ T.Button {
         }
         FocusRing {
             shown: root.visualFocus
-        }
-    }
-
-    Loader {
-        anchors.fill: parent
-        active: root.toolTip !== "" && root.hovered
-        sourceComponent: Tooltip {
-            text: root.toolTip
-            visible: true
         }
     }
 }

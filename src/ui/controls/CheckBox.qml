@@ -1,6 +1,4 @@
 // A box to tick, with its text.
-pragma ComponentBehavior: Bound
-
 import QtQuick
 import QtQuick.Templates as T
 import Marlune
@@ -15,7 +13,7 @@ T.CheckBox {
     implicitWidth: implicitContentWidth + leftPadding + rightPadding
     implicitHeight: Tokens.height.regular
     leftPadding: root.box + Tokens.space.tight
-    rightPadding: Tokens.space.hair
+    rightPadding: 0
     font: Tokens.type.subheadline
     focusPolicy: Qt.StrongFocus
     opacity: root.enabled ? 1 : Tokens.color.disabled
@@ -25,6 +23,7 @@ T.CheckBox {
         root.toggle();
         root.toggled();
     }
+    onHoveredChanged: root.hovered ? Hints.show(root, root.toolTip) : Hints.hide(root)
 
     indicator: Rectangle {
         y: (root.height - height) / 2
@@ -45,7 +44,7 @@ T.CheckBox {
             anchors.centerIn: parent
             visible: root.checked
             symbol: "checkmark"
-            color: Tokens.color.onAccent
+            color: Tokens.color.textOnAccent
             side: root.box - 3
         }
         FocusRing {
@@ -59,14 +58,5 @@ T.CheckBox {
         font: root.font
         color: Tokens.color.text
         verticalAlignment: Text.AlignVCenter
-    }
-
-    Loader {
-        anchors.fill: parent
-        active: root.toolTip !== "" && root.hovered
-        sourceComponent: Tooltip {
-            text: root.toolTip
-            visible: true
-        }
     }
 }

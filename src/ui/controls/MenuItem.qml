@@ -26,7 +26,7 @@ T.MenuItem {
             anchors.verticalCenter: parent.verticalCenter
             text: root.text.replace("&", "")
             font: root.font
-            color: root.highlighted ? Tokens.color.onAccent : Tokens.color.text
+            color: root.highlighted ? Tokens.color.textOnAccent : Tokens.color.text
         }
         Text {
             id: keys
@@ -35,7 +35,7 @@ T.MenuItem {
             text: root.action?.shortcut ?? ""
             textFormat: Text.PlainText
             font: Tokens.type.caption
-            color: root.highlighted ? Tokens.color.onAccent : Tokens.color.textMuted
+            color: root.highlighted ? Tokens.color.textOnAccent : Tokens.color.textMuted
         }
     }
     background: Rectangle {
@@ -47,7 +47,7 @@ T.MenuItem {
             anchors.verticalCenter: parent.verticalCenter
             visible: root.marked
             symbol: "checkmark"
-            color: root.highlighted ? Tokens.color.onAccent : Tokens.color.text
+            color: root.highlighted ? Tokens.color.textOnAccent : Tokens.color.text
         }
     }
 }

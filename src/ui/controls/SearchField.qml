@@ -14,7 +14,7 @@ T.TextField {
     color: Tokens.color.text
     placeholderTextColor: Tokens.color.textMuted
     selectionColor: Tokens.color.accent
-    selectedTextColor: Tokens.color.onAccent
+    selectedTextColor: Tokens.color.textOnAccent
     verticalAlignment: TextInput.AlignVCenter
     selectByMouse: true
     opacity: root.enabled ? 1 : Tokens.color.disabled

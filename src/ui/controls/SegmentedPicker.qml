@@ -16,6 +16,8 @@ T.Control {
     property string value
 
     readonly property int widestMargin: 11
+    readonly property int narrowestMargin: 4
+    readonly property real minimumWidth: Math.ceil(root.textsWidth) + 2 * root.narrowestMargin * root.values.length
 
     signal picked(string value)
 

@@ -1,6 +1,4 @@
 // One line of text. Where the place is too narrow it ends in an ellipsis and the pointer shows the whole.
-pragma ComponentBehavior: Bound
-
 import QtQuick
 import Marlune
 
@@ -14,15 +12,7 @@ Text {
     maximumLineCount: 1
 
     HoverHandler {
-        id: hover
         enabled: root.truncated
-    }
-    Loader {
-        anchors.fill: parent
-        active: hover.hovered && root.truncated
-        sourceComponent: Tooltip {
-            text: root.text
-            visible: true
-        }
+        onHoveredChanged: hovered ? Hints.show(root, root.text) : Hints.hide(root)
     }
 }

@@ -1,6 +1,4 @@
 // A slider for the size of tiles.
-pragma ComponentBehavior: Bound
-
 import QtQuick
 import QtQuick.Templates as T
 import Marlune
@@ -17,6 +15,7 @@ T.Slider {
     focusPolicy: Qt.StrongFocus
     opacity: root.enabled ? 1 : Tokens.color.disabled
     Accessible.name: root.toolTip
+    onHoveredChanged: root.hovered ? Hints.show(root, root.toolTip) : Hints.hide(root)
 
     handle: Rectangle {
         x: root.leftPadding + root.visualPosition * (root.availableWidth - width)
@@ -57,15 +56,6 @@ T.Slider {
             height: parent.height
             radius: parent.radius
             color: Tokens.color.accent
-        }
-    }
-
-    Loader {
-        anchors.fill: parent
-        active: root.toolTip !== "" && root.hovered && !root.pressed
-        sourceComponent: Tooltip {
-            text: root.toolTip
-            visible: true
         }
     }
 }

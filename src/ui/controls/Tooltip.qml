@@ -1,4 +1,4 @@
-// A short text about what the pointer rests on. Its parent says when.
+// Shows the window's hint by the item that it is about. One for each window.
 import QtQuick
 import QtQuick.Templates as T
 import Marlune
@@ -8,6 +8,9 @@ T.ToolTip {
 
     readonly property int widest: 320
 
+    parent: Hints.target
+    visible: Hints.target !== null
+    text: Hints.text
     x: parent ? Math.round((parent.width - implicitWidth) / 2) : 0
     y: parent ? parent.height + Tokens.space.tight : 0
     implicitWidth: Math.min(root.widest, label.implicitWidth + 2 * padding)
@@ -15,7 +18,6 @@ T.ToolTip {
     margins: Tokens.space.tight
     padding: Tokens.space.tight
     delay: Tokens.motion.hint
-    closePolicy: T.Popup.CloseOnEscape | T.Popup.CloseOnPressOutsideParent | T.Popup.CloseOnReleaseOutsideParent
 
     contentItem: Text {
         id: label

@@ -78,13 +78,14 @@ T.Control {
     }
 
     contentItem: Item {
+        clip: true // here, since shadows and the ring reach beyond the view
+
         GridView {
             id: view
             objectName: "albumGrid"
             x: root.around
             width: root.columns * cellWidth + 1
             height: root.height
-            clip: true
             topMargin: root.around
             bottomMargin: root.around
             cellWidth: root.cardWidth + root.columnSpacing
@@ -97,7 +98,7 @@ T.Control {
             model: root.albums
             T.ScrollBar.vertical: ScrollBar {
                 parent: root
-                x: root.width - width + Tokens.space.regular
+                x: root.width - width + Tokens.space.hair
                 height: root.height
             }
             delegate: AlbumCard {

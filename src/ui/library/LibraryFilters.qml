@@ -14,10 +14,15 @@ ColumnLayout {
     spacing: 15
 
     Flow {
+        id: filters
+
+        readonly property real roomForFormats: width - source.width - read.width - hiRes.width - 3 * spacing
+
         Layout.fillWidth: true
-        spacing: Tokens.space.regular
+        spacing: Tokens.space.tight
 
         SegmentedPicker {
+            id: source
             objectName: "sourcePicker"
             width: Math.max(200, implicitWidth)
             title: L10n.text("Źródło")
@@ -26,6 +31,7 @@ ColumnLayout {
             onPicked: value => root.model.libraryOnDevice = value === root.sources[1]
         }
         Button {
+            id: read
             objectName: "readDeviceButton"
             text: L10n.text("Odczytaj iPoda")
             enabled: root.library.canReadDevice
@@ -33,13 +39,15 @@ ColumnLayout {
         }
         SegmentedPicker {
             objectName: "formatPicker"
-            width: Math.min(implicitWidth, root.width)
+            // One row where all of it fits in some way, else a row of its own.
+            width: Math.min(implicitWidth, filters.roomForFormats < minimumWidth ? filters.width : filters.roomForFormats)
             title: L10n.text("Format")
             values: root.library.formats
             value: root.model.formatFilter
             onPicked: value => root.model.formatFilter = value
         }
         CheckBox {
+            id: hiRes
             objectName: "hiResCheck"
             text: L10n.text("Hi-Res")
             toolTip: L10n.text("Pliki powyżej 16-bit lub 48 kHz. Parametry pliku, niezależnie od możliwości wyjścia iPoda.")

@@ -56,8 +56,10 @@ Item {
             Layout.fillHeight: true
 
             AlbumGrid {
-                id: grid
                 anchors.fill: parent
+                anchors.leftMargin: -around // covers stand in line with what is above them
+                anchors.rightMargin: -around
+                anchors.topMargin: -around
                 visible: !root.library.nothingListed
                 albums: root.library.albums
                 tileSize: root.model.tileSize

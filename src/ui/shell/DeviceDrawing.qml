@@ -7,14 +7,13 @@ import Marlune
 Item {
     id: root
 
-    property bool connected: true
+    property bool lit: true ///< the screen shows something
 
     readonly property real unit: root.width / 200
 
     implicitWidth: 200
     implicitHeight: 300
     height: width * 1.5
-    opacity: root.connected ? 1 : 0.55
     Accessible.role: Accessible.Graphic
     Accessible.name: L10n.text("Rysunek odtwarzacza")
 
@@ -44,6 +43,7 @@ Item {
         color: "#10131A"
 
         Rectangle {
+            visible: root.lit
             x: 14 * root.unit
             y: 18 * root.unit
             width: 62 * root.unit
@@ -71,6 +71,7 @@ Item {
             }
         }
         Column {
+            visible: root.lit
             x: 86 * root.unit
             y: 22 * root.unit
             spacing: 8 * root.unit
@@ -88,6 +89,7 @@ Item {
             }
         }
         Rectangle {
+            visible: root.lit
             x: 14 * root.unit
             y: 94 * root.unit
             width: 132 * root.unit

@@ -60,7 +60,7 @@ Rectangle {
                 Layout.alignment: Qt.AlignHCenter
                 Layout.topMargin: 8
                 Layout.bottomMargin: 8
-                connected: root.shell.connected
+                lit: root.shell.connected
             }
             DeviceSummary {
                 Layout.fillWidth: true

@@ -29,7 +29,7 @@ T.ApplicationWindow {
         button: Tokens.color.card
         buttonText: Tokens.color.text
         highlight: Tokens.color.accent
-        highlightedText: Tokens.color.onAccent
+        highlightedText: Tokens.color.textOnAccent
         placeholderText: Tokens.color.textMuted
         light: Tokens.color.raised
         mid: Tokens.color.pressed
@@ -123,4 +123,5 @@ T.ApplicationWindow {
     PanelHost {
         panels: root.panels
     }
+    Tooltip {}
 }

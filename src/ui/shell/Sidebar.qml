@@ -55,6 +55,7 @@ Rectangle {
                 }
                 Text {
                     Layout.fillWidth: true
+                    Layout.maximumWidth: 100 * Tokens.type.scale // two even lines
                     text: L10n.text("Muzyka. Motywy. Twój iPod.")
                     textFormat: Text.PlainText
                     font: Tokens.type.of(10, Font.Normal)

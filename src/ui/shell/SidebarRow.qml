@@ -10,7 +10,7 @@ T.AbstractButton {
     required property string symbol
     required property bool current
 
-    readonly property color ink: root.current ? Tokens.color.onAccent : Tokens.color.text
+    readonly property color ink: root.current ? Tokens.color.textOnAccent : Tokens.color.text
 
     implicitWidth: implicitContentWidth + leftPadding + rightPadding
     implicitHeight: implicitContentHeight + topPadding + bottomPadding

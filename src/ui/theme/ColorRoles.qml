@@ -16,7 +16,7 @@ QtObject {
     readonly property color text: dark ? "#F2F2F4" : "#1D1D1F"
     readonly property color textMuted: dark ? "#A4A4AD" : "#63636A"
     readonly property color accent: dark ? "#4C9BFF" : "#0A63E0"
-    readonly property color onAccent: dark ? "#0B1522" : "#FFFFFF"
+    readonly property color textOnAccent: dark ? "#0B1522" : "#FFFFFF"
     readonly property color warning: dark ? "#FFB340" : "#A84B00"
     readonly property color good: dark ? "#4CD07D" : "#16753B"
     readonly property color danger: dark ? "#FF6B60" : "#C4281C"
