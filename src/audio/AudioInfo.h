@@ -4,7 +4,7 @@
 #include "platform/MediaAsset.h"
 
 #include <QByteArray>
-#include <QHash>
+#include <QMap>
 #include <QJsonObject>
 #include <QString>
 
@@ -22,7 +22,7 @@ struct AudioInfo {
     std::int64_t trackNumber = 0;
     std::int64_t discNumber = 0;
     QString year; ///< the first four characters of the date tag
-    QHash<QString, QString> tags; ///< upper-case keys; FLAC: all comments, else TITLE, ARTIST, ALBUM, ALBUMARTIST
+    QMap<QString, QString> tags; ///< upper-case keys; FLAC: all comments, else TITLE, ARTIST, ALBUM, ALBUMARTIST
     std::optional<QByteArray> picture; ///< the embedded picture, encoded
 
     bool operator==(const AudioInfo &) const = default;

@@ -60,20 +60,21 @@ void sortByValue(std::vector<Item> &items, const ValueOf &valueOf, const Before 
     items = std::move(sorted);
 }
 
-void sortAlbums(std::vector<Album> &albums, Order order)
+void sortAlbums(AlbumList &albums, Order order)
 {
+    using Shared = std::shared_ptr<const Album>;
     switch (order) {
     case Order::Album:
-        TextOrder::stableSort(albums, [](const Album &album) { return album.title; });
+        TextOrder::stableSort(albums, [](const Shared &album) { return album->title; });
         break;
     case Order::Year: // newest first
-        sortByValue(albums, yearOf, std::greater<>());
+        sortByValue(albums, [](const Shared &album) { return yearOf(*album); }, std::greater<>());
         break;
     case Order::Size: // largest first
-        sortByValue(albums, std::mem_fn(&Album::bytes), std::greater<>());
+        sortByValue(albums, [](const Shared &album) { return album->bytes(); }, std::greater<>());
         break;
     case Order::Artist:
-        TextOrder::stableSort(albums, [](const Album &album) { return QString(album.artist + album.title); });
+        TextOrder::stableSort(albums, [](const Shared &album) { return QString(album->artist + album->title); });
         break;
     }
 }
@@ -126,21 +127,23 @@ MarluneModel::Derived &MarluneModel::derived() const
     return m_derived;
 }
 
-std::shared_ptr<const std::vector<Album>> MarluneModel::albums() const
+std::shared_ptr<const AlbumList> MarluneModel::albums() const
 {
     Derived &kept = derived();
     if (!kept.albums) {
         if (!kept.grouped) {
-            kept.grouped = std::make_shared<const std::vector<Album>>(AlbumGrouping::albums(activeTracks()));
-        }
-        std::vector<Album> shown;
-        for (const Album &album : *kept.grouped) {
-            if (std::any_of(album.tracks.begin(), album.tracks.end(), [this](const Track &t) { return matches(t); })) {
-                shown.push_back(album);
+            kept.grouped.emplace();
+            for (Album &album : AlbumGrouping::albums(activeTracks())) {
+                kept.grouped->push_back(std::make_shared<const Album>(std::move(album)));
             }
         }
+        AlbumList shown;
+        std::copy_if(kept.grouped->begin(), kept.grouped->end(), std::back_inserter(shown), [this](const auto &album) {
+            return std::any_of(
+                album->tracks.begin(), album->tracks.end(), [this](const Track &track) { return matches(track); });
+        });
         sortAlbums(shown, orderOf(m_sortMode));
-        kept.albums = std::make_shared<const std::vector<Album>>(std::move(shown));
+        kept.albums = std::make_shared<const AlbumList>(std::move(shown));
     }
     return kept.albums;
 }
@@ -156,6 +159,15 @@ std::shared_ptr<const std::vector<Track>> MarluneModel::filteredTracks() const
         kept.filteredTracks = std::make_shared<const std::vector<Track>>(std::move(shown));
     }
     return kept.filteredTracks;
+}
+
+std::size_t MarluneModel::filteredTrackCount() const
+{
+    if (const Derived &kept = derived(); kept.filteredTracks) {
+        return kept.filteredTracks->size();
+    }
+    return std::size_t(std::count_if(
+        activeTracks().begin(), activeTracks().end(), [this](const Track &track) { return matches(track); }));
 }
 
 void MarluneModel::tracksWereChanged()

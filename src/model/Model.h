@@ -43,6 +43,9 @@ struct ModelEnvironment {
 /// More than 16 bits a sample or more than 48 kHz.
 [[nodiscard]] bool isHighResolution(const AudioInfo &info);
 
+/// Albums that one list shares with another: filtering and sorting copy no track.
+using AlbumList = std::vector<std::shared_ptr<const Album>>;
+
 class MarluneModel : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString section READ sectionText WRITE setSectionText NOTIFY sectionChanged)
@@ -99,8 +102,10 @@ public:
     // Browsing. The derived lists are kept while nothing that they depend on changes.
     [[nodiscard]] const std::vector<Track> &activeTracks() const;
     [[nodiscard]] bool matches(const Track &track) const;
-    [[nodiscard]] std::shared_ptr<const std::vector<Album>> albums() const;
+    [[nodiscard]] std::shared_ptr<const AlbumList> albums() const;
     [[nodiscard]] std::shared_ptr<const std::vector<Track>> filteredTracks() const;
+    /// The number of filteredTracks(), without making the list.
+    [[nodiscard]] std::size_t filteredTrackCount() const;
     [[nodiscard]] QString search() const { return m_search; }
     void setSearch(const QString &text);
     [[nodiscard]] QString formatFilter() const { return m_formatFilter; }
@@ -208,8 +213,8 @@ private:
 
     /// Derived lists and what they were derived under; absent when something that they depend on has changed.
     struct Derived {
-        std::shared_ptr<const std::vector<Album>> grouped; ///< depends on the active tracks alone
-        std::shared_ptr<const std::vector<Album>> albums;
+        std::optional<AlbumList> grouped; ///< depends on the active tracks alone
+        std::shared_ptr<const AlbumList> albums;
         std::shared_ptr<const std::vector<Track>> filteredTracks;
         int language = -1;
     };

@@ -13,17 +13,18 @@ namespace {
 /// Past this many steps a view is done sooner with all rows anew.
 constexpr std::size_t mostSteps = 48;
 
-/// Whether two albums of one identity would be shown alike: tracks are compared by their ids, since a track's record does
-/// not change but for its artwork.
+/// Whether two albums of one identity would be shown alike: tracks are compared by their ids, since a track's record
+/// does not change but for its artwork.
 bool looksTheSame(const Album &a, const Album &b)
 {
     const auto sameArtwork = [](const Track &x, const Track &y) {
         return x.artwork.has_value() == y.artwork.has_value()
             && (!x.artwork || x.artwork->constData() == y.artwork->constData());
     };
-    return a.title == b.title && a.artist == b.artist
-        && std::equal(a.tracks.begin(), a.tracks.end(), b.tracks.begin(), b.tracks.end(),
-            [&](const Track &x, const Track &y) { return x.id == y.id && sameArtwork(x, y); });
+    return &a == &b
+        || (a.title == b.title && a.artist == b.artist
+            && std::equal(a.tracks.begin(), a.tracks.end(), b.tracks.begin(), b.tracks.end(),
+                [&](const Track &x, const Track &y) { return x.id == y.id && sameArtwork(x, y); }));
 }
 
 } // namespace
@@ -95,10 +96,11 @@ const AlbumListModel::Texts &AlbumListModel::texts(const Row &row) const
     if (!row.texts) {
         const Album &album = *row.album;
         Texts made;
-        made.countAndSize = QString::number(album.tracks.size()) + QStringLiteral(" / ") + Wording::bytes(album.bytes());
+        made.countAndSize
+            = QString::number(album.tracks.size()) + QStringLiteral(" / ") + Wording::bytes(album.bytes());
         made.format = album.tracks.empty() ? QString() : album.tracks.front().info.codec;
-        made.highResolution = std::any_of(album.tracks.begin(), album.tracks.end(),
-            [](const Track &track) { return isHighResolution(track.info); });
+        made.highResolution = std::any_of(
+            album.tracks.begin(), album.tracks.end(), [](const Track &track) { return isHighResolution(track.info); });
         if (const std::size_t discs = album.discs().size(); discs >= 2) {
             made.discs = AppLocalizer::text(QString::number(discs) + QStringLiteral(" CD · jeden album"));
         }
@@ -119,16 +121,16 @@ bool AlbumListModel::isSelected(const Album &album) const
 
 void AlbumListModel::refresh()
 {
-    const std::shared_ptr<const std::vector<Album>> albums = m_model.albums();
+    const std::shared_ptr<const AlbumList> albums = m_model.albums();
     if (albums != m_albums) {
         replaceRows(rowsFor(*albums));
-        m_albums = albums; // the rows before these belonged to the albums before these
+        m_albums = albums;
         m_covers->prune();
     }
     Q_EMIT refreshed();
 }
 
-std::vector<AlbumListModel::Row> AlbumListModel::rowsFor(const std::vector<Album> &albums) const
+std::vector<AlbumListModel::Row> AlbumListModel::rowsFor(const AlbumList &albums) const
 {
     QHash<QString, const Row *> shown;
     shown.reserve(qsizetype(m_rows.size()));
@@ -137,9 +139,9 @@ std::vector<AlbumListModel::Row> AlbumListModel::rowsFor(const std::vector<Album
     }
     std::vector<Row> rows;
     rows.reserve(albums.size());
-    for (const Album &album : albums) {
-        Row row {.id = album.id(), .album = &album, .selected = isSelected(album), .texts = {}};
-        if (const Row *before = shown.value(row.id); before && looksTheSame(album, *before->album)) {
+    for (const std::shared_ptr<const Album> &album : albums) {
+        Row row {.id = album->id(), .album = album, .selected = isSelected(*album), .texts = {}};
+        if (const Row *before = shown.value(row.id); before && looksTheSame(*album, *before->album)) {
             row.texts = before->texts;
         }
         rows.push_back(std::move(row));
@@ -181,7 +183,7 @@ void AlbumListModel::updateRows(std::vector<Row> rows)
     for (int i = 0; i < int(m_rows.size()); ++i) {
         const Row &was = before[std::size_t(i)];
         const Row &is = m_rows[std::size_t(i)];
-        if (was.album != is.album && (was.selected != is.selected || !looksTheSame(*was.album, *is.album))) {
+        if (was.selected != is.selected || !looksTheSame(*was.album, *is.album)) {
             Q_EMIT dataChanged(index(i), index(i));
         }
     }

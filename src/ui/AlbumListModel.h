@@ -62,14 +62,14 @@ private:
     };
     struct Row {
         QString id;
-        const Album *album = nullptr; ///< in m_albums
+        std::shared_ptr<const Album> album;
         bool selected = false;
         mutable std::optional<Texts> texts;
     };
 
     void refresh();
     void refreshSelection();
-    [[nodiscard]] std::vector<Row> rowsFor(const std::vector<Album> &albums) const;
+    [[nodiscard]] std::vector<Row> rowsFor(const AlbumList &albums) const;
     void replaceRows(std::vector<Row> rows);
     void updateRows(std::vector<Row> rows);
     [[nodiscard]] bool isSelected(const Album &album) const;
@@ -78,7 +78,7 @@ private:
 
     MarluneModel &m_model;
     std::shared_ptr<CoverStore> m_covers;
-    std::shared_ptr<const std::vector<Album>> m_albums;
+    std::shared_ptr<const AlbumList> m_albums; ///< what m_rows were made of
     std::vector<Row> m_rows;
     QTimer m_listChange;
     QTimer m_selectionChange;

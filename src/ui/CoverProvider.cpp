@@ -117,8 +117,7 @@ QImage CoverProvider::draw(const QByteArray &encoded, int side, double radius)
     QPainterPath shape;
     shape.addRoundedRect(QRectF(0, 0, side, side), radius, radius);
     painter.setClipPath(shape);
-    painter.drawImage(
-        QRect(QPoint((side - filled.width()) / 2, (side - filled.height()) / 2), filled), picture);
+    painter.drawImage(QRect(QPoint((side - filled.width()) / 2, (side - filled.height()) / 2), filled), picture);
     painter.end();
     return square;
 }

@@ -1,7 +1,7 @@
 // Puts the model's questions for files and folders to the user with the desktop's own dialogs.
 //
-// The C++ side holds the open question; the page's dialogs show it and report the answer. A new question takes the place
-// of one that is still open. UI thread.
+// The C++ side holds the open question; the page's dialogs show it and report the answer. A new question takes the
+// place of one that is still open. UI thread.
 #pragma once
 
 #include "platform/Panels.h"

@@ -86,7 +86,8 @@ void DesktopScheme::readPortal()
     bus.connect(portalService, portalPath, portalInterface, QStringLiteral("SettingChanged"), this,
         SLOT(portalChanged(QString, QString, QDBusVariant)));
     qDBusRegisterMetaType<Groups>();
-    QDBusMessage request = QDBusMessage::createMethodCall(portalService, portalPath, portalInterface, QStringLiteral("ReadAll"));
+    QDBusMessage request
+        = QDBusMessage::createMethodCall(portalService, portalPath, portalInterface, QStringLiteral("ReadAll"));
     request << QStringList {appearanceGroup, gnomeGroup, kdeGroup};
     auto *watcher = new QDBusPendingCallWatcher(bus.asyncCall(request), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {

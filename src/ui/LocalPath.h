@@ -6,5 +6,6 @@
 #include <filesystem>
 #include <optional>
 
-/// The path that a "file:" address names, byte for byte, also where its bytes are not UTF-8. Absent for any other address.
+/// The path that a "file:" address names, byte for byte, also where its bytes are not UTF-8. Absent for any other
+/// address.
 [[nodiscard]] std::optional<std::filesystem::path> localPath(const QUrl &url);

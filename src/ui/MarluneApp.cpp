@@ -14,9 +14,11 @@
 #include <QFontDatabase>
 #include <QGuiApplication>
 #include <QIcon>
+#include <QLibraryInfo>
 #include <QQmlApplicationEngine>
 #include <QQuickStyle>
 #include <QStandardPaths>
+#include <QTranslator>
 
 #include <cstdio>
 #include <unistd.h>
@@ -51,6 +53,18 @@ QFont applicationFont()
         font.setFamily(preferred);
     }
     return font;
+}
+
+/// The words of the dialogs that Qt draws itself where the desktop has none.
+void translateQt()
+{
+    for (const char *part : {"qtbase_", "qtdeclarative_"}) {
+        auto *translator = new QTranslator(QCoreApplication::instance());
+        if (translator->load(
+                QLatin1String(part) + AppLocalizer::language(), QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
+            QCoreApplication::installTranslator(translator);
+        }
+    }
 }
 
 } // namespace
@@ -88,10 +102,10 @@ Program::Parts::Parts(const Setup &setup)
     engine.addImageProvider(QStringLiteral("cover"), new CoverProvider(covers));
     engine.addImageProvider(QStringLiteral("shadow"), new ShadowProvider);
     engine.addImageProvider(QStringLiteral("symbol"), new Symbols::Provider);
-    engine.setInitialProperties({{QStringLiteral("model"), QVariant::fromValue(&model)},
-        {QStringLiteral("shell"), QVariant::fromValue(&shell)},
-        {QStringLiteral("library"), QVariant::fromValue(&library)},
-        {QStringLiteral("panels"), QVariant::fromValue(&desktopPanels)}});
+    engine.setInitialProperties(
+        {{QStringLiteral("model"), QVariant::fromValue(&model)}, {QStringLiteral("shell"), QVariant::fromValue(&shell)},
+            {QStringLiteral("library"), QVariant::fromValue(&library)},
+            {QStringLiteral("panels"), QVariant::fromValue(&desktopPanels)}});
     engine.load(QUrl(QStringLiteral("qrc:/qml/Marlune/shell/Main.qml")));
 }
 
@@ -128,8 +142,7 @@ QQuickWindow *Program::window() const
 Setup Setup::forUser()
 {
     return {.settingsFile = Settings::defaultFile(),
-        .supportFolder
-        = Files::fromText(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation)),
+        .supportFolder = Files::fromText(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation)),
         .ejectVolume = [](const std::filesystem::path &volume) { Volumes::eject(volume); }};
 }
 
@@ -143,6 +156,8 @@ void prepareApplication()
     QGuiApplication::setFont(applicationFont());
     QQuickStyle::setStyle(QStringLiteral("Basic"));
     AppLocalizer::applyToTextOrder();
+    QLocale::setDefault(AppLocalizer::locale());
+    translateQt();
 }
 
 int run(int argc, char **argv)

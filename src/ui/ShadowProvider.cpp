@@ -5,7 +5,8 @@
 
 namespace {
 
-constexpr int largest = 64;
+constexpr double largest = 64;
+constexpr double largestRatio = 4;
 
 /// Distance from the point to the edge of a square of half side `half` with corners of `radius`; negative inside.
 double distanceToEdge(double x, double y, double half, double radius)
@@ -24,17 +25,19 @@ ShadowProvider::ShadowProvider()
 
 QImage ShadowProvider::requestImage(const QString &id, QSize *size, const QSize &)
 {
-    const QImage image = draw(std::clamp(id.section(u'/', 0, 0).toInt(), 0, largest),
-        std::clamp(id.section(u'/', 1, 1).toInt(), 1, largest));
+    const double ratio = std::clamp(id.section(u'/', 2, 2).toDouble(), 1.0, largestRatio);
+    const double radius = std::clamp(id.section(u'/', 0, 0).toDouble(), 0.0, largest);
+    const double blur = std::clamp(id.section(u'/', 1, 1).toDouble(), 1.0, largest);
+    const QImage image = draw(radius * ratio, blur * ratio);
     if (size) {
         *size = image.size();
     }
     return image;
 }
 
-QImage ShadowProvider::draw(int radius, int blur)
+QImage ShadowProvider::draw(double radius, double blur)
 {
-    const int side = 2 * (2 * blur + radius) + 1;
+    const int side = 2 * int(std::ceil(2 * blur + radius)) + 1;
     const double middle = side / 2.0;
     QImage image(side, side, QImage::Format_ARGB32_Premultiplied);
     for (int y = 0; y < side; ++y) {

@@ -53,9 +53,8 @@ QString file(const QString &name)
 {
     const auto *const found = std::find_if(
         table.begin(), table.end(), [&](const Entry &entry) { return name == QLatin1String(entry.name); });
-    return found != table.end()
-        ? QStringLiteral(":/symbols/") + QLatin1String(found->file) + QStringLiteral(".svg")
-        : QString();
+    return found != table.end() ? QStringLiteral(":/symbols/") + QLatin1String(found->file) + QStringLiteral(".svg")
+                                : QString();
 }
 
 QImage draw(const QString &name, const QColor &colour, int side)

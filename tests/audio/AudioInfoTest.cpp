@@ -78,7 +78,7 @@ TEST(AudioInfo, takesTagItemsInTheirOrder)
     EXPECT_EQ(picture, QByteArray("front"));
     EXPECT_EQ(std::tuple(info.trackNumber, info.discNumber, info.year), std::tuple(7, 2, QStringLiteral("2004")));
     EXPECT_EQ(info.tags,
-        (QHash<QString, QString> {{QStringLiteral("TITLE"), QStringLiteral("Second")},
+        (QMap<QString, QString> {{QStringLiteral("TITLE"), QStringLiteral("Second")},
             {QStringLiteral("ARTIST"), QStringLiteral("Artist")},
             {QStringLiteral("ALBUMARTIST"), QStringLiteral("Various")}}));
 

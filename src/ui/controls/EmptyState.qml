@@ -12,7 +12,7 @@ Item {
     property font titleFont: Tokens.type.of(19, Font.DemiBold)
     property font detailFont: Tokens.type.subheadline
 
-    readonly property int widest: 420
+    readonly property int widest: 380
 
     implicitHeight: stack.implicitHeight
     Accessible.role: Accessible.StaticText

@@ -6,7 +6,7 @@ import Marlune
 T.TextField {
     id: root
 
-    implicitWidth: 240
+    implicitWidth: Math.round(160 * Tokens.type.scale)
     implicitHeight: Math.max(Tokens.height.regular, contentHeight + 18)
     leftPadding: 9 + Tokens.height.symbol + Tokens.space.tight
     rightPadding: clear.width + Tokens.space.hair

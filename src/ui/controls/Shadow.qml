@@ -18,7 +18,7 @@ BorderImage {
     anchors.rightMargin: -root.blur
     anchors.topMargin: root.drop - root.blur
     anchors.bottomMargin: -root.drop - root.blur
-    source: "image://shadow/" + root.around + "/" + root.blur
+    source: "image://shadow/" + root.around + "/" + root.blur + "/" + Screen.devicePixelRatio
     border.left: root.inset
     border.right: root.inset
     border.top: root.inset

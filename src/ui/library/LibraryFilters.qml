@@ -55,47 +55,56 @@ ColumnLayout {
             onToggled: root.model.hiResOnly = checked
         }
     }
-    SearchField {
-        id: search
-        objectName: "searchField"
+    // Search and display stand in one row where the search keeps a sensible width, else below each other.
+    GridLayout {
         Layout.fillWidth: true
-        placeholderText: L10n.text("Szukaj albumu, wykonawcy lub utworu")
-        text: root.model.search
-        onTextEdited: root.library.searchSoon(text)
-        onTextChanged: if (text === "") root.library.searchSoon(text)
+        columns: root.width - display.implicitWidth - columnSpacing < search.implicitWidth ? 1 : 2
+        columnSpacing: Tokens.space.regular
+        rowSpacing: root.spacing
 
-        Shortcut {
-            sequence: "Ctrl+F"
-            onActivated: search.forceActiveFocus(Qt.ShortcutFocusReason)
-        }
-    }
-    RowLayout {
-        Layout.fillWidth: true
-        spacing: Tokens.space.regular
-
-        ComboPicker {
-            objectName: "sortPicker"
-            Layout.preferredWidth: Math.round(185 * Math.max(1, Tokens.type.scale))
-            title: L10n.text("Sortuj")
-            values: root.library.sortModes
-            value: root.model.sortMode
-            onPicked: value => root.model.sortMode = value
-        }
-        Item {
+        SearchField {
+            id: search
+            objectName: "searchField"
             Layout.fillWidth: true
+            placeholderText: L10n.text("Szukaj albumu, wykonawcy lub utworu")
+            text: root.model.search
+            onTextEdited: root.library.searchSoon(text)
+            onTextChanged: if (text === "") root.library.searchSoon(text)
+
+            Shortcut {
+                sequence: "Ctrl+F"
+                onActivated: search.forceActiveFocus(Qt.ShortcutFocusReason)
+            }
         }
-        Icon {
-            symbol: "square.grid.2x2"
-            color: Tokens.color.textMuted
-        }
-        TileSlider {
-            objectName: "tileSlider"
-            from: 140
-            to: 240
-            stepSize: 5
-            value: root.model.tileSize
-            toolTip: L10n.text("Rozmiar okładek")
-            onMoved: root.model.tileSize = value
+        RowLayout {
+            id: display
+            Layout.fillWidth: parent.columns === 1
+            spacing: Tokens.space.regular
+
+            ComboPicker {
+                objectName: "sortPicker"
+                Layout.preferredWidth: Math.round(185 * Math.max(1, Tokens.type.scale))
+                title: L10n.text("Sortuj")
+                values: root.library.sortModes
+                value: root.model.sortMode
+                onPicked: value => root.model.sortMode = value
+            }
+            Item {
+                Layout.fillWidth: true
+            }
+            Icon {
+                symbol: "square.grid.2x2"
+                color: Tokens.color.textMuted
+            }
+            TileSlider {
+                objectName: "tileSlider"
+                from: 140
+                to: 240
+                stepSize: 5
+                value: root.model.tileSize
+                toolTip: L10n.text("Rozmiar okładek")
+                onMoved: root.model.tileSize = value
+            }
         }
     }
 }

@@ -13,7 +13,6 @@ Item {
 
     implicitWidth: 200
     implicitHeight: 300
-    height: width * 1.5
     Accessible.role: Accessible.Graphic
     Accessible.name: L10n.text("Rysunek odtwarzacza")
 

@@ -10,6 +10,8 @@ Rectangle {
     required property MarluneModel model
     required property ShellPresenter shell
 
+    readonly property int lowestDrawing: 135 ///< a lower window is scrolled
+
     color: Tokens.color.window
 
     Flickable {
@@ -29,10 +31,15 @@ Rectangle {
 
         ColumnLayout {
             id: stack
+
+            readonly property real othersHeight: heading.implicitHeight + state.implicitHeight + 16 + 3 * spacing
+                + (summary.visible ? summary.implicitHeight : (offered.visible ? offered.implicitHeight : hint.implicitHeight))
+
             width: flick.width
             spacing: 18
 
             Text {
+                id: heading
                 Layout.fillWidth: true
                 text: L10n.text("Twój iPod")
                 textFormat: Text.PlainText
@@ -40,6 +47,7 @@ Rectangle {
                 color: Tokens.color.text
             }
             RowLayout {
+                id: state
                 spacing: 7
 
                 Rectangle {
@@ -60,23 +68,28 @@ Rectangle {
                 Layout.alignment: Qt.AlignHCenter
                 Layout.topMargin: 8
                 Layout.bottomMargin: 8
+                Layout.preferredHeight: Math.max(root.lowestDrawing, Math.min(implicitHeight, flick.height - stack.othersHeight))
+                Layout.preferredWidth: Layout.preferredHeight / 1.5
                 lit: root.shell.connected
             }
             DeviceSummary {
+                id: summary
                 Layout.fillWidth: true
                 visible: root.shell.connected
                 shell: root.shell
             }
             OfferedDevices {
+                id: offered
                 Layout.fillWidth: true
                 visible: root.shell.offeredDevices.length > 0
                 names: root.shell.offeredDevices
                 onChosen: place => root.shell.selectOffered(place)
             }
             Text {
+                id: hint
                 objectName: "connectHint"
                 Layout.fillWidth: true
-                visible: !root.shell.connected
+                visible: !root.shell.connected && !offered.visible
                 text: L10n.text("Podłącz iPoda przez USB. Rockbox powinien być widoczny jako dysk na Macu.")
                 textFormat: Text.PlainText
                 font: Tokens.type.subheadline

@@ -20,20 +20,6 @@ T.ApplicationWindow {
     title: L10n.text("Marlune")
     color: Tokens.color.content
     font: Tokens.type.body
-    // For the dialogs that Qt draws itself where the desktop has none.
-    palette {
-        window: Tokens.color.window
-        windowText: Tokens.color.text
-        base: Tokens.color.content
-        text: Tokens.color.text
-        button: Tokens.color.card
-        buttonText: Tokens.color.text
-        highlight: Tokens.color.accent
-        highlightedText: Tokens.color.textOnAccent
-        placeholderText: Tokens.color.textMuted
-        light: Tokens.color.raised
-        mid: Tokens.color.pressed
-    }
     onClosing: close => close.accepted = root.shell.requestClose()
 
     Connections {

@@ -15,84 +15,66 @@ Rectangle {
 
     function open(row: int) {
         if (row >= 0 && row < rows.count) {
-            rows.itemAt(row).forceActiveFocus(Qt.TabFocusReason);
+            const target = rows.itemAt(row);
+            target.forceActiveFocus(Qt.TabFocusReason);
+            flick.contentY = Math.max(Math.min(flick.contentY, target.y), target.y + target.height - flick.height);
             root.sections.open(row);
         }
     }
 
-    implicitWidth: Math.min(root.widest, Math.max(root.usualWidth, Math.ceil(list.implicitWidth) + 24))
+    implicitWidth: Math.min(root.widest, Math.max(root.usualWidth, Math.ceil(list.implicitWidth) + 2 * Tokens.space.regular))
     color: Tokens.color.sidebar
 
     ColumnLayout {
         anchors.fill: parent
         spacing: 30
 
-        RowLayout {
+        Brand {
+            id: brand
             Layout.fillWidth: true
             Layout.topMargin: 22
             Layout.leftMargin: 19
             Layout.rightMargin: 19
-            spacing: Tokens.space.regular
-
-            Image {
-                Layout.alignment: Qt.AlignTop
-                Layout.topMargin: 2
-                Layout.preferredWidth: 40
-                Layout.preferredHeight: 40
-                source: "qrc:/icons/marlune.svg"
-                sourceSize.width: 40
-                sourceSize.height: 40
-                Accessible.ignored: true
-            }
-            ColumnLayout {
-                Layout.fillWidth: true
-                spacing: 0
-
-                TextLine {
-                    Layout.fillWidth: true
-                    text: L10n.text("Marlune")
-                    font: Tokens.type.of(23, Font.Bold)
-                }
-                Text {
-                    Layout.fillWidth: true
-                    Layout.maximumWidth: 100 * Tokens.type.scale // two even lines
-                    text: L10n.text("Muzyka. Motywy. Twój iPod.")
-                    textFormat: Text.PlainText
-                    font: Tokens.type.of(10, Font.Normal)
-                    color: Tokens.color.textMuted
-                    wrapMode: Text.Wrap
-                }
-            }
         }
-        ColumnLayout {
-            id: list
+        Flickable {
+            id: flick
             Layout.fillWidth: true
-            Layout.leftMargin: Tokens.space.regular
-            Layout.rightMargin: Tokens.space.regular
-            spacing: 7
-            Accessible.role: Accessible.PageTabList
-            Accessible.name: L10n.text("Działy")
-
-            Repeater {
-                id: rows
-                model: root.sections
-
-                SidebarRow {
-                    required property int index
-
-                    Layout.fillWidth: true
-                    onClicked: root.sections.open(index)
-                    Keys.onUpPressed: root.open(index - 1)
-                    Keys.onDownPressed: root.open(index + 1)
-                }
-            }
-        }
-        Item {
             Layout.fillHeight: true
+            contentHeight: list.implicitHeight
+            boundsBehavior: Flickable.StopAtBounds
+            interactive: contentHeight > height
+            clip: interactive
+
+            ColumnLayout {
+                id: list
+                x: Tokens.space.regular
+                width: flick.width - 2 * x
+                spacing: 7
+                Accessible.role: Accessible.PageTabList
+                Accessible.name: L10n.text("Działy")
+
+                Repeater {
+                    id: rows
+                    model: root.sections
+
+                    SidebarRow {
+                        required property int index
+
+                        Layout.fillWidth: true
+                        onClicked: root.sections.open(index)
+                        Keys.onUpPressed: root.open(index - 1)
+                        Keys.onDownPressed: root.open(index + 1)
+                    }
+                }
+            }
         }
         ColumnLayout {
+            id: footer
             Layout.fillWidth: true
+            Layout.fillHeight: false
             Layout.margins: 20
+            // Large text in a low window: the sections come first.
+            visible: root.height > brand.implicitHeight + list.implicitHeight + footer.implicitHeight + 22 + 40 + 2 * 30
             spacing: 5
 
             Text {

@@ -24,8 +24,9 @@ T.AbstractButton {
     Accessible.selected: root.current
     Keys.onReturnPressed: root.clicked()
 
-    contentItem: Row {
-        spacing: Tokens.space.tight + 2
+    contentItem: Item {
+        implicitWidth: label.x + label.implicitWidth
+        implicitHeight: label.implicitHeight
 
         Icon {
             id: picture
@@ -35,7 +36,9 @@ T.AbstractButton {
             side: Tokens.height.symbol + 2
         }
         TextLine {
-            width: Math.min(implicitWidth, root.availableWidth - picture.width - parent.spacing)
+            id: label
+            x: picture.width + Tokens.space.tight + 2
+            width: parent.width - x
             text: root.text
             font: root.font
             color: root.ink
