@@ -1,5 +1,6 @@
 #include "ui/CoverProvider.h"
 
+#include "platform/Background.h"
 #include "platform/Images.h"
 
 #include <QPainter>
@@ -87,7 +88,7 @@ QQuickImageResponse *CoverProvider::requestImageResponse(const QString &id, cons
     auto *response = new CoverResponse;
     const int wanted = std::max(requestedSize.width(), requestedSize.height());
     const int side = std::clamp(wanted > 0 ? wanted : defaultSide, 1, largestSide);
-    m_pool.start([response, id, side, decoder = m_decoder] {
+    BackgroundJobs::startOn(m_pool, [response, id, side, decoder = m_decoder] {
         if (!response->cancelled) {
             response->image = decoder->image(id, side);
         }

@@ -97,11 +97,7 @@ Program::Parts::Parts(const Setup &setup)
     QObject::connect(&watcher, &Volumes::Watcher::mounted, &model, &MarluneModel::volumeMounted);
     QObject::connect(&watcher, &Volumes::Watcher::unmounted, &model, &MarluneModel::volumeUnmounted);
 
-    qml_register_types_Marlune();
-    engine.addImportPath(QStringLiteral(":/qml"));
-    engine.addImageProvider(QStringLiteral("cover"), new CoverProvider(covers));
-    engine.addImageProvider(QStringLiteral("shadow"), new ShadowProvider);
-    engine.addImageProvider(QStringLiteral("symbol"), new Symbols::Provider);
+    prepareEngine(engine, covers);
     engine.setInitialProperties(
         {{QStringLiteral("model"), QVariant::fromValue(&model)}, {QStringLiteral("shell"), QVariant::fromValue(&shell)},
             {QStringLiteral("library"), QVariant::fromValue(&library)},
@@ -137,6 +133,15 @@ QQuickWindow *Program::window() const
 {
     const QList<QObject *> roots = m_parts->engine.rootObjects();
     return roots.isEmpty() ? nullptr : qobject_cast<QQuickWindow *>(roots.front());
+}
+
+void prepareEngine(QQmlEngine &engine, std::shared_ptr<const CoverStore> covers)
+{
+    qml_register_types_Marlune();
+    engine.addImportPath(QStringLiteral(":/qml"));
+    engine.addImageProvider(QStringLiteral("cover"), new CoverProvider(std::move(covers)));
+    engine.addImageProvider(QStringLiteral("shadow"), new ShadowProvider);
+    engine.addImageProvider(QStringLiteral("symbol"), new Symbols::Provider);
 }
 
 Setup Setup::forUser()

@@ -7,6 +7,9 @@
 
 #include <memory>
 
+class CoverStore;
+class QQmlEngine;
+
 namespace MarluneApp {
 
 /// Runs the program to its end; returns its exit code. Without a usable display it says so in one line and returns 1.
@@ -14,6 +17,9 @@ namespace MarluneApp {
 
 /// Names, style, font and the rules of text order; once, after the application object is made and before a Program.
 void prepareApplication();
+
+/// Makes the pages' types and pictures known to an engine.
+void prepareEngine(QQmlEngine &engine, std::shared_ptr<const CoverStore> covers);
 
 /// What one run of the program works with.
 struct Setup {

@@ -59,10 +59,11 @@ QString file(const QString &name)
 
 QImage draw(const QString &name, const QColor &colour, int side)
 {
-    QSvgRenderer renderer(file(name));
-    if (!renderer.isValid()) {
+    const QString source = file(name);
+    if (source.isEmpty()) {
         return {};
     }
+    QSvgRenderer renderer(source);
     QImage image(side, side, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
     QPainter painter(&image);

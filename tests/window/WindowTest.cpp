@@ -8,6 +8,7 @@
 #include <QGuiApplication>
 #include <QQuickItem>
 #include <QQuickWindow>
+#include <QScopeGuard>
 
 namespace {
 
@@ -208,6 +209,9 @@ private Q_SLOTS:
 
     void goesOnWhenTheDeviceIsTakenAwayInTheMiddle()
     {
+        // Set before any thread of the program runs.
+        diskCalls().fsync = synchroniseAndPullOut;
+        const auto restore = qScopeGuard([] { diskCalls() = DiskCalls::system(); });
         NewUser user;
         QVERIFY(QTest::qWaitForWindowExposed(user.program.window()));
         MarluneModel &model = user.program.model();
@@ -218,18 +222,9 @@ private Q_SLOTS:
         user.panels.answer({sample / "Music/Low Tide Almanac"});
         user.waitUntilIdle();
 
-        // The disk is pulled out while the third file is on its way.
-        s_lost = user.device / ".rockbox";
-        s_synchronised = 0;
-        diskCalls().fsync = [](int descriptor) {
-            if (++s_synchronised == 3) {
-                std::filesystem::remove_all(s_lost);
-            }
-            return ::fsync(descriptor);
-        };
+        s_device = user.device;
         user.clickNamed("transferButton");
         QTRY_VERIFY_WITH_TIMEOUT(model.alert(), 30'000);
-        diskCalls() = DiskCalls::system();
         QVERIFY(
             model.alert()->startsWith(QStringLiteral("Ten folder nie zawiera katalogu .rockbox.\n\nCzęść utworów")));
         QVERIFY(!model.busy());
@@ -256,7 +251,18 @@ private:
         user.searchFor("");
     }
 
-    static inline std::filesystem::path s_lost;
+    /// The disk is pulled out while the third file is on its way to it.
+    static int synchroniseAndPullOut(int descriptor)
+    {
+        const std::string link = "/proc/self/fd/" + std::to_string(descriptor);
+        const std::string file = std::filesystem::read_symlink(link).string();
+        if (file.find("/IPOD/Music/") != std::string::npos && ++s_synchronised == 3) {
+            std::filesystem::remove_all(s_device / ".rockbox");
+        }
+        return ::fsync(descriptor);
+    }
+
+    static inline std::filesystem::path s_device;
     static inline std::atomic<int> s_synchronised = 0;
 };
 

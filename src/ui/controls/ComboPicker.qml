@@ -25,7 +25,13 @@ T.ComboBox {
     focusPolicy: Qt.StrongFocus
     opacity: root.enabled ? 1 : Tokens.color.disabled
     Accessible.name: root.title
-    Keys.onReturnPressed: root.popup.open()
+    // On release, where the template takes Return for "close".
+    Keys.onReleased: event => {
+        if ((event.key === Qt.Key_Return || event.key === Qt.Key_Enter) && !root.popup.visible) {
+            root.popup.open();
+            event.accepted = true;
+        }
+    }
     onActivated: index => root.picked(root.values[index])
 
     contentItem: Row {

@@ -10,6 +10,7 @@ Rectangle {
 
     readonly property int thickness: 3
 
+    objectName: "focusRing"
     anchors.fill: parent
     anchors.margins: -root.thickness
     radius: root.around + root.thickness

@@ -6,6 +6,9 @@ import Marlune
 T.Popup {
     id: root
 
+    property Item cameFrom: null
+    property int cameBy: Qt.OtherFocusReason
+
     parent: T.Overlay.overlay
     anchors.centerIn: parent
     modal: true
@@ -16,6 +19,12 @@ T.Popup {
     padding: Tokens.space.group
     implicitWidth: implicitContentWidth + leftPadding + rightPadding
     implicitHeight: implicitContentHeight + topPadding + bottomPadding
+
+    onAboutToShow: {
+        root.cameFrom = root.parent?.Window.activeFocusItem ?? null;
+        root.cameBy = (root.cameFrom as T.Control)?.focusReason ?? Qt.PopupFocusReason;
+    }
+    onClosed: root.cameFrom?.forceActiveFocus(root.cameBy)
 
     background: Rectangle {
         radius: Tokens.radius.sheet

@@ -30,7 +30,6 @@ Item {
         symbol: "opticaldisc"
         color: Tokens.color.textMuted
         side: Math.round(root.width / 4)
-        opacity: 0.7
     }
     Image {
         id: kept

@@ -1,0 +1,130 @@
+// The look that the desktop asks for, from a settings portal of the test's own on a private session bus.
+#include "ui/DesktopScheme.h"
+#include "support/PrivateBus.h"
+
+#include <QDBusArgument>
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusMetaType>
+#include <QDBusVirtualObject>
+#include <QSignalSpy>
+#include <QTest>
+
+namespace {
+
+using Groups = QMap<QString, QVariantMap>;
+
+const QString object = QStringLiteral("/org/freedesktop/portal/desktop");
+const QString settingsInterface = QStringLiteral("org.freedesktop.portal.Settings");
+const QString appearance = QStringLiteral("org.freedesktop.appearance");
+
+class Portal : public QDBusVirtualObject {
+public:
+    [[nodiscard]] QString introspect(const QString & /*path*/) const override { return {}; }
+    bool handleMessage(const QDBusMessage &message, const QDBusConnection &connection) override
+    {
+        if (message.interface() != settingsInterface || message.member() != QLatin1StringView("ReadAll")) {
+            return false;
+        }
+        connection.send(message.createReply(QVariant::fromValue(groups)));
+        return true;
+    }
+
+    Groups groups;
+};
+
+} // namespace
+
+class DesktopSchemeTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        qDBusRegisterMetaType<Groups>();
+        m_bus.start();
+        qputenv("DBUS_SESSION_BUS_ADDRESS", QByteArray::fromStdString(m_bus.address()));
+    }
+
+    void readsAValueForEachDesktop_data()
+    {
+        QTest::addColumn<QString>("group");
+        QTest::addColumn<QString>("key");
+        QTest::addColumn<QVariant>("value");
+        QTest::addColumn<bool>("dark");
+        QTest::addColumn<bool>("still");
+        const QString gnome = QStringLiteral("org.gnome.desktop.interface");
+        const QString kde = QStringLiteral("org.kde.kdeglobals.KDE");
+        QTest::newRow("dark") << appearance << QStringLiteral("color-scheme") << QVariant(1U) << true << false;
+        QTest::newRow("light") << appearance << QStringLiteral("color-scheme") << QVariant(2U) << false << false;
+        QTest::newRow("no wish") << appearance << QStringLiteral("color-scheme") << QVariant(0U) << false << false;
+        QTest::newRow("still") << appearance << QStringLiteral("reduced-motion") << QVariant(1U) << false << true;
+        QTest::newRow("GNOME still") << gnome << QStringLiteral("enable-animations") << QVariant(false) << false
+                                     << true;
+        QTest::newRow("GNOME moves") << gnome << QStringLiteral("enable-animations") << QVariant(true) << false
+                                     << false;
+        QTest::newRow("KDE still") << kde << QStringLiteral("AnimationDurationFactor") << QVariant(QStringLiteral("0"))
+                                   << false << true;
+        QTest::newRow("KDE slow") << kde << QStringLiteral("AnimationDurationFactor") << QVariant(QStringLiteral("2"))
+                                  << false << false;
+        QTest::newRow("unknown") << gnome << QStringLiteral("color-scheme") << QVariant(QStringLiteral("prefer-dark"))
+                                 << false << false;
+    }
+    void readsAValueForEachDesktop()
+    {
+        QFETCH(QString, group);
+        QFETCH(QString, key);
+        QFETCH(QVariant, value);
+        DesktopScheme scheme;
+        scheme.apply(group, key, value);
+        QTEST(scheme.dark(), "dark");
+        QTEST(scheme.reducedMotion(), "still");
+    }
+
+    void isLightWithoutAPortal()
+    {
+        const DesktopScheme scheme;
+        QTest::qWait(50);
+        QVERIFY(!scheme.dark() && !scheme.reducedMotion());
+    }
+
+    void followsThePortalLive()
+    {
+        QDBusConnection connection
+            = QDBusConnection::connectToBus(QString::fromStdString(m_bus.address()), QStringLiteral("portal"));
+        Portal portal;
+        portal.groups[appearance][QStringLiteral("color-scheme")] = 1U;
+        portal.groups[appearance][QStringLiteral("reduced-motion")] = 1U;
+        QVERIFY(connection.registerVirtualObject(object, &portal));
+        QVERIFY(connection.registerService(QStringLiteral("org.freedesktop.portal.Desktop")));
+
+        DesktopScheme scheme;
+        QTRY_VERIFY(scheme.dark());
+        QVERIFY(scheme.reducedMotion());
+        QSignalSpy changes(&scheme, &DesktopScheme::darkChanged);
+        for (const uint wish : {2U, 2U, 1U}) {
+            QDBusMessage signal
+                = QDBusMessage::createSignal(object, settingsInterface, QStringLiteral("SettingChanged"));
+            signal << appearance << QStringLiteral("color-scheme") << QVariant::fromValue(QDBusVariant(wish));
+            QVERIFY(connection.send(signal));
+            QTRY_COMPARE(scheme.dark(), wish == 1);
+        }
+        QCOMPARE(changes.count(), 2);
+        QDBusConnection::disconnectFromBus(QStringLiteral("portal"));
+    }
+
+    void textScaleStaysWithinReason()
+    {
+        DesktopScheme scheme;
+        for (const auto &[wanted, taken] : {std::pair(1.5, 1.5), std::pair(0.1, 0.75), std::pair(9.0, 2.0)}) {
+            scheme.setTextScale(wanted);
+            QCOMPARE(scheme.textScale(), taken);
+        }
+    }
+
+private:
+    PrivateBus m_bus;
+};
+
+QTEST_MAIN(DesktopSchemeTest)
+#include "DesktopSchemeTest.moc"

@@ -1,0 +1,96 @@
+// Runs the tests in qml/ against the pages' own module. `Bench` gives them a real model with albums of real files.
+#include "support/ModelDesk.h"
+#include "ui/LibraryPresenter.h"
+#include "ui/MarluneApp.h"
+#include "ui/ShellPresenter.h"
+
+#include <QQmlEngine>
+#include <QQuickItem>
+#include <QtQuickTest>
+
+namespace {
+
+std::shared_ptr<CoverStore> covers()
+{
+    static const auto store = std::make_shared<CoverStore>();
+    return store;
+}
+
+} // namespace
+
+/// A model and its presenters for one test; each Bench has folders of its own.
+class Bench : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(MarluneModel *model READ model CONSTANT)
+    Q_PROPERTY(ShellPresenter *shell READ shell CONSTANT)
+    Q_PROPERTY(LibraryPresenter *library READ library CONSTANT)
+
+public:
+    [[nodiscard]] MarluneModel *model() { return m_model.get(); }
+    [[nodiscard]] ShellPresenter *shell() { return &m_shell; }
+    [[nodiscard]] LibraryPresenter *library() { return &m_library; }
+
+    /// Adds an album of two tracks to the library; returns when it is there.
+    Q_INVOKABLE void addAlbum(const QString &artist, const QString &album)
+    {
+        const std::string folder = "music/" + std::to_string(++m_albums) + "/";
+        for (const char *number : {"1", "2"}) {
+            m_desk.folder.write(folder + number + ".flac",
+                flacWith(
+                    {"ARTIST=" + artist.toStdString(), "ALBUM=" + album.toStdString(), std::string("TITLE=") + number},
+                    number));
+        }
+        m_model->importURLs({m_desk.folder / folder}, false, false);
+        ModelDesk::waitForJobs(*m_model);
+    }
+    /// Connects a device that is a test folder or a disk.
+    Q_INVOKABLE void connectDevice(const QString &name, bool isVolume)
+    {
+        m_model->select(m_desk.makeDevice(name.toUtf8().constData(), isVolume));
+    }
+    [[nodiscard]] Q_INVOKABLE int queuedTracks() const { return int(m_model->queued().size()); }
+    [[nodiscard]] Q_INVOKABLE int questions() const { return int(m_desk.panels.requests.size()); }
+
+    /// Texts below `root` that are cut off although they are shown whole elsewhere: too wide for their item and without
+    /// an ellipsis, or taller than the item.
+    [[nodiscard]] Q_INVOKABLE QStringList clippedTexts(QQuickItem *root) const
+    {
+        QStringList result;
+        for (QQuickItem *item : root->childItems()) {
+            if (!item->isVisible()) {
+                continue;
+            }
+            const QVariant elide = item->property("elide");
+            const double wide = item->property("contentWidth").toDouble() - item->width();
+            const double tall = item->property("contentHeight").toDouble() - item->height();
+            if (elide.isValid() && item->property("text").isValid()
+                && (tall > 1 || (elide.toInt() == Qt::ElideNone && wide > 1))) {
+                result.append(item->property("text").toString());
+            }
+            result += clippedTexts(item);
+        }
+        return result;
+    }
+
+private:
+    ModelDesk m_desk;
+    std::unique_ptr<MarluneModel> m_model = m_desk.start();
+    ShellPresenter m_shell {*m_model};
+    LibraryPresenter m_library {*m_model, covers()};
+    int m_albums = 0;
+};
+
+class Setup : public QObject {
+    Q_OBJECT
+
+public Q_SLOTS:
+    void applicationAvailable() { MarluneApp::prepareApplication(); }
+    void qmlEngineAvailable(QQmlEngine *engine)
+    {
+        MarluneApp::prepareEngine(*engine, covers());
+        qmlRegisterType<Bench>("MarluneTest", 1, 0, "Bench");
+    }
+};
+
+QUICK_TEST_MAIN_WITH_SETUP(pages, Setup)
+#include "QmlTest.moc"
