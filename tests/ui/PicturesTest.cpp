@@ -48,6 +48,20 @@ TEST(CoverProvider, fillsTheSquareFromTheMiddleOfAnyShape)
     }
 }
 
+TEST(CoverProvider, losesNoDetailOfALongPicture)
+{
+    QImage stripes(900, 300, QImage::Format_RGB32);
+    for (int x = 0; x < stripes.width(); ++x) {
+        for (int y = 0; y < stripes.height(); ++y) {
+            stripes.setPixelColor(x, y, x / 2 % 2 == 0 ? Qt::black : Qt::white);
+        }
+    }
+    const QImage drawn = CoverProvider::draw(encoded(stripes), 300, 0);
+    for (int x = 100; x < 120; ++x) {
+        EXPECT_EQ(drawn.pixelColor(x, 150), QColor(x / 2 % 2 == 0 ? Qt::black : Qt::white)) << x;
+    }
+}
+
 TEST(CoverProvider, roundsTheCornersAndNothingElse)
 {
     const QImage drawn = CoverProvider::draw(encoded(halves(200, 200)), 100, 10);

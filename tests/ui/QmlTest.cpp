@@ -51,8 +51,7 @@ public:
     [[nodiscard]] Q_INVOKABLE int queuedTracks() const { return int(m_model->queued().size()); }
     [[nodiscard]] Q_INVOKABLE int questions() const { return int(m_desk.panels.requests.size()); }
 
-    /// Texts below `root` that are cut off although they are shown whole elsewhere: too wide for their item and without
-    /// an ellipsis, or taller than the item.
+    /// Texts below `root` that do not stand there whole: with an ellipsis, wider than their item, or taller.
     [[nodiscard]] Q_INVOKABLE QStringList clippedTexts(QQuickItem *root) const
     {
         QStringList result;
@@ -60,11 +59,10 @@ public:
             if (!item->isVisible()) {
                 continue;
             }
-            const QVariant elide = item->property("elide");
             const double wide = item->property("contentWidth").toDouble() - item->width();
             const double tall = item->property("contentHeight").toDouble() - item->height();
-            if (elide.isValid() && item->property("text").isValid()
-                && (tall > 1 || (elide.toInt() == Qt::ElideNone && wide > 1))) {
+            const bool cut = item->property("truncated").toBool() || wide > 1 || tall > 1;
+            if (cut && item->property("elide").isValid() && item->property("text").isValid()) { // a Text
                 result.append(item->property("text").toString());
             }
             result += clippedTexts(item);

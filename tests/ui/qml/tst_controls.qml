@@ -73,6 +73,10 @@ TestCase {
         SignalSpy {}
     }
 
+    function initTestCase() {
+        // Shown is not active yet: on a slow machine keys would go nowhere.
+        tryVerify(() => root.Window.active, 10000, "the window is not active");
+    }
     function init() {
         failOnWarning(/.?/);
     }
