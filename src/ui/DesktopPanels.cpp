@@ -2,6 +2,10 @@
 
 #include "ui/LocalPath.h"
 
+#include <QDir>
+#include <QFileInfo>
+#include <QStandardPaths>
+
 #include <utility>
 
 DesktopPanels::DesktopPanels(QObject *parent)
@@ -14,6 +18,12 @@ void DesktopPanels::open(const Request &request, Answer answered)
     m_request = request;
     m_answered = std::move(answered);
     Q_EMIT asked(!request.folders ? ChooseFiles : request.files ? ChooseFilesOrFolder : ChooseFolder);
+}
+
+QUrl DesktopPanels::startFolder()
+{
+    const QString music = QStandardPaths::writableLocation(QStandardPaths::MusicLocation);
+    return QUrl::fromLocalFile(QFileInfo(music).isDir() ? music : QDir::homePath());
 }
 
 void DesktopPanels::answer(const QList<QUrl> &chosen)

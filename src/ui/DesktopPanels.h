@@ -17,6 +17,7 @@ class DesktopPanels : public QObject, public Panels {
     Q_PROPERTY(QString prompt READ prompt NOTIFY asked)
     Q_PROPERTY(QString message READ message NOTIFY asked)
     Q_PROPERTY(bool multiple READ multiple NOTIFY asked)
+    Q_PROPERTY(QUrl startFolder READ startFolder CONSTANT)
 
 public:
     enum Kind : std::uint8_t { ChooseFiles, ChooseFolder, ChooseFilesOrFolder };
@@ -29,6 +30,8 @@ public:
     [[nodiscard]] QString prompt() const { return m_request.prompt; }
     [[nodiscard]] QString message() const { return m_request.message; }
     [[nodiscard]] bool multiple() const { return m_request.multiple; }
+    /// Where the first question begins: the user's music folder, else the home folder.
+    [[nodiscard]] static QUrl startFolder();
 
     /// Answers the open question, once; an answer without a local file counts as cancelled.
     Q_INVOKABLE void answer(const QList<QUrl> &chosen);

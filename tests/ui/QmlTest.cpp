@@ -4,8 +4,10 @@
 #include "ui/MarluneApp.h"
 #include "ui/ShellPresenter.h"
 
+#include <QMimeData>
 #include <QQmlEngine>
 #include <QQuickItem>
+#include <QQuickWindow>
 #include <QtQuickTest>
 
 namespace {
@@ -51,6 +53,25 @@ public:
     [[nodiscard]] Q_INVOKABLE int queuedTracks() const { return int(m_model->queued().size()); }
     [[nodiscard]] Q_INVOKABLE int questions() const { return int(m_desk.panels.requests.size()); }
 
+    /// Drags a file over the middle of the item, as from a file manager. False if it is not taken.
+    Q_INVOKABLE bool dragFileOver(QQuickItem *item)
+    {
+        const std::filesystem::path file = m_desk.folder.write("dropped/a.flac", flacWith({"ALBUM=Dropped"}));
+        m_dragged.setUrls({QUrl::fromLocalFile(QString::fromStdString(file.string()))});
+        QDragEnterEvent enter(middle(item).toPoint(), Qt::CopyAction, &m_dragged, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(item->window(), &enter);
+        return enter.isAccepted();
+    }
+    Q_INVOKABLE void dragAway(QQuickItem *item)
+    {
+        QDragLeaveEvent leave;
+        QCoreApplication::sendEvent(item->window(), &leave);
+    }
+    Q_INVOKABLE void letGoOver(QQuickItem *item)
+    {
+        QDropEvent drop(middle(item), Qt::CopyAction, &m_dragged, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(item->window(), &drop);
+    }
     /// Texts below `root` that do not stand there whole: with an ellipsis, wider than their item, or taller.
     [[nodiscard]] Q_INVOKABLE QStringList clippedTexts(QQuickItem *root) const
     {
@@ -71,10 +92,13 @@ public:
     }
 
 private:
+    static QPointF middle(const QQuickItem *item) { return item->mapToScene({item->width() / 2, item->height() / 2}); }
+
     ModelDesk m_desk;
     std::unique_ptr<MarluneModel> m_model = m_desk.start();
     ShellPresenter m_shell {*m_model};
     LibraryPresenter m_library {*m_model, covers()};
+    QMimeData m_dragged;
     int m_albums = 0;
 };
 

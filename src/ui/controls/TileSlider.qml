@@ -23,7 +23,7 @@ T.Slider {
         width: root.knob
         height: root.knob
         radius: width / 2
-        color: Tokens.color.raised
+        color: Tokens.color.knob
         border.color: Tokens.color.line
 
         Shadow {

@@ -22,9 +22,9 @@ T.Control {
     readonly property int cardWidth: Math.floor((root.room - (root.columns - 1) * root.columnSpacing) / root.columns)
     property int decodeSide: 0 ///< the width of a card once it rests
 
-    function openMenu(row: int, card: Item) {
-        menu.row = row;
-        menu.popup(card, Tokens.space.wide, Math.round(card.width / 2));
+    function openMenuOfCurrent() {
+        menu.row = view.currentIndex;
+        menu.popup(view.currentItem, Tokens.space.wide, Tokens.space.wide);
     }
 
     focusPolicy: Qt.StrongFocus
@@ -42,7 +42,7 @@ T.Control {
             [Qt.Key_Space]: () => root.albums.toggle(view.currentIndex),
             [Qt.Key_Return]: () => root.albums.toggle(view.currentIndex),
             [Qt.Key_Enter]: () => root.albums.toggle(view.currentIndex),
-            [Qt.Key_Menu]: () => root.openMenu(view.currentIndex, view.currentItem)
+            [Qt.Key_Menu]: () => root.openMenuOfCurrent()
         }[event.key];
         if (moved) {
             root.focusReason = Qt.TabFocusReason;
@@ -111,7 +111,10 @@ T.Control {
                 coverDecodeSide: root.decodeSide
                 ringShown: root.visualFocus && GridView.isCurrentItem
                 onToggled: root.albums.toggle(index)
-                onMenuWanted: root.openMenu(index, card)
+                onMenuWanted: {
+                    menu.row = index;
+                    menu.popup(); // at the pointer
+                }
 
                 TapHandler {
                     onTapped: {

@@ -7,6 +7,8 @@ Rectangle {
 
     required property bool shown
 
+    objectName: "dropHighlight"
+
     radius: Tokens.radius.card
     color: Tokens.color.content
     border.width: 2

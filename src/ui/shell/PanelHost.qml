@@ -30,6 +30,7 @@ Item {
         id: files
         title: L10n.text(root.panels.message === "" ? root.panels.prompt : root.panels.message)
         acceptLabel: L10n.text(root.panels.prompt)
+        currentFolder: root.panels.startFolder
         fileMode: root.panels.multiple ? FileDialog.OpenFiles : FileDialog.OpenFile
         onAccepted: root.panels.answer(files.selectedFiles)
         onRejected: root.panels.cancel()
@@ -38,6 +39,7 @@ Item {
         id: folder
         title: L10n.text(root.panels.message === "" ? root.panels.prompt : root.panels.message)
         acceptLabel: L10n.text(root.panels.prompt)
+        currentFolder: root.panels.startFolder
         onAccepted: root.panels.answer([folder.selectedFolder])
         onRejected: root.panels.cancel()
     }
@@ -45,17 +47,18 @@ Item {
     Sheet {
         id: choice
 
-        property bool answered: false
+        readonly property int none: -1
+        property int chosen: none
 
         function go(kind: int) {
-            choice.answered = true;
+            choice.chosen = kind;
             choice.close();
-            root.show(kind);
         }
 
-        onAboutToShow: choice.answered = false
+        onAboutToShow: choice.chosen = choice.none
         onOpened: folderButton.forceActiveFocus(Qt.PopupFocusReason)
-        onClosed: if (!choice.answered) root.panels.cancel()
+        // The dialog comes once the sheet has given the focus back: it would else lose its own to the window.
+        onClosed: choice.chosen === choice.none ? root.panels.cancel() : root.show(choice.chosen)
 
         contentItem: ColumnLayout {
             spacing: Tokens.space.regular

@@ -9,7 +9,8 @@ QtObject {
     readonly property color content: dark ? "#161618" : "#FFFFFF"
     readonly property color sidebar: dark ? "#242427" : "#ECECEF"
     readonly property color card: dark ? "#1F1F22" : "#F7F7F9"
-    readonly property color raised: dark ? "#3A3A3E" : "#FFFFFF" ///< chosen segment, menus, sheets' buttons
+    readonly property color raised: dark ? "#3A3A3E" : "#FFFFFF" ///< chosen segment, menus, tooltips
+    readonly property color knob: dark ? "#C9C9CF" : "#FFFFFF" ///< what is dragged
     readonly property color field: dark ? "#12F2F2F4" : "#0D1D1D1F" ///< laid over the ground below
 
     // What stands on them

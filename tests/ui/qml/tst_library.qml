@@ -146,6 +146,19 @@ TestCase {
         verify(findChild(root.page, "readDeviceButton").enabled);
     }
 
+    function test_filesCanBeDroppedAnywhere() {
+        const highlight = findChild(root.page, "dropHighlight");
+        verify(root.bench.dragFileOver(root.page));
+        tryCompare(highlight, "visible", true);
+        root.bench.dragAway(root.page);
+        tryCompare(highlight, "visible", false);
+        compare(root.bench.model.status, "Gotowy na Twoją muzykę");
+        verify(root.bench.dragFileOver(root.page));
+        root.bench.letGoOver(root.page);
+        tryVerify(() => root.bench.queuedTracks() === 1);
+        compare(tile(0).albumTitle, "Dropped");
+    }
+
     function test_addingAsksForFiles() {
         mouseClick(findChild(root.page, "addMusicButton"));
         compare(root.bench.questions(), 1);
