@@ -1,4 +1,5 @@
 // Covers, shadows and symbols: what is drawn, and for how long covers are held.
+#include "support/Messages.h"
 #include "support/TemporaryFolder.h"
 #include "ui/CoverProvider.h"
 #include "ui/ShadowProvider.h"
@@ -7,8 +8,8 @@
 #include <gtest/gtest.h>
 
 #include <QBuffer>
+#include <QRegularExpression>
 
-#include <regex>
 #include <set>
 
 namespace {
@@ -112,25 +113,26 @@ TEST(ShadowProvider, fadesFromTheEdgeTheSameOnAllSides)
 TEST(Symbols, everyNameInUseHasADrawing)
 {
     // Names stand in QML as `symbol: … "name" …` and in the sections' table.
-    const std::regex mention(R"re(symbol\w*:[^\n]*|case Section::\w+:\s+return QStringLiteral\("[a-z.]+"\))re");
-    const std::regex name(R"re("([a-z0-9.]+)")re");
-    std::set<std::string> used;
+    const QRegularExpression mention(
+        QStringLiteral(R"re(symbol\w*:[^\n]*|case Section::\w+:\s+return QStringLiteral\("[a-z.]+"\))re"));
+    const QRegularExpression name(QStringLiteral(R"re("([a-z0-9.]+)")re"));
+    std::set<QString> used;
     const std::filesystem::path sources = std::filesystem::path(MARLUNE_SOURCE_DIR) / "src/ui";
     for (const auto &entry : std::filesystem::recursive_directory_iterator(sources)) {
         if (entry.path().extension() != ".qml" && entry.path().filename() != "SectionListModel.cpp") {
             continue;
         }
-        const std::string text = fileBytes(entry.path());
-        for (std::sregex_iterator place(text.begin(), text.end(), mention), end; place != end; ++place) {
-            const std::string line = place->str();
-            for (std::sregex_iterator found(line.begin(), line.end(), name); found != end; ++found) {
-                used.insert((*found)[1]);
+        const QString text = QString::fromStdString(fileBytes(entry.path()));
+        for (auto place = mention.globalMatch(text); place.hasNext();) {
+            const QString line = place.next().captured();
+            for (auto found = name.globalMatch(line); found.hasNext();) {
+                used.insert(found.next().captured(1));
             }
         }
     }
     EXPECT_GE(used.size(), 15U);
-    for (const std::string &symbol : used) {
-        const QImage drawn = Symbols::draw(QString::fromStdString(symbol), Qt::red, 32);
+    for (const QString &symbol : used) {
+        const QImage drawn = Symbols::draw(symbol, Qt::red, 32);
         ASSERT_FALSE(drawn.isNull()) << symbol;
         int inked = 0;
         for (int y = 0; y < 32; ++y) {
@@ -143,7 +145,7 @@ TEST(Symbols, everyNameInUseHasADrawing)
         EXPECT_GT(inked, 40) << symbol;
     }
     for (const QString &known : Symbols::names()) {
-        EXPECT_TRUE(used.contains(known.toStdString())) << "unused: " << known.toStdString();
+        EXPECT_TRUE(used.contains(known)) << "unused: " << known;
     }
     EXPECT_TRUE(Symbols::draw(QStringLiteral("no.such.symbol"), Qt::red, 32).isNull());
 }

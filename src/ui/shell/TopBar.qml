@@ -15,6 +15,7 @@ Rectangle {
     color: Tokens.color.window
 
     T.MenuBar {
+        id: menus
         anchors.left: parent.left
         anchors.leftMargin: Tokens.space.tight
         anchors.verticalCenter: parent.verticalCenter
@@ -23,7 +24,7 @@ Rectangle {
         delegate: MenuBarItem {}
         contentItem: Row {
             Repeater {
-                model: (root.children[0] as T.MenuBar)?.contentModel
+                model: menus.contentModel
             }
         }
 
