@@ -39,10 +39,8 @@ Q_SIGNALS:
     void reducedMotionChanged();
     void textScaleChanged();
 
-private Q_SLOTS:
-    void portalChanged(const QString &group, const QString &key, const QDBusVariant &value);
-
 private:
+    Q_SLOT void portalChanged(const QString &group, const QString &key, const QDBusVariant &value);
     void readPortal();
     void readTextScale();
 

@@ -74,40 +74,45 @@ QString ShellPresenter::remaining() const
 
 bool ShellPresenter::canEject() const
 {
-    return m_model.device() && m_model.device()->isVolume && !m_model.busy();
+    const std::optional<Device> &device = m_model.device();
+    return device && device->isVolume && !m_model.busy();
 }
 
 QString ShellPresenter::deviceName() const
 {
-    return m_model.device() ? m_model.device()->name : QString();
+    const std::optional<Device> &device = m_model.device();
+    return device ? device->name : QString();
 }
 
 QString ShellPresenter::deviceVersion() const
 {
-    return m_model.device() ? AppLocalizer::text(QStringLiteral("Rockbox · ") + m_model.device()->version) : QString();
+    const std::optional<Device> &device = m_model.device();
+    return device ? AppLocalizer::text(QStringLiteral("Rockbox · ") + device->version) : QString();
 }
 
 QString ShellPresenter::deviceSpace() const
 {
-    if (!m_model.device()) {
+    const std::optional<Device> &device = m_model.device();
+    if (!device) {
         return {};
     }
-    return AppLocalizer::text(Wording::bytes(m_model.device()->total) + QStringLiteral(" · ")
-        + Wording::bytes(m_model.device()->available) + QStringLiteral(" wolne"));
+    return AppLocalizer::text(Wording::bytes(device->total) + QStringLiteral(" · ") + Wording::bytes(device->available)
+        + QStringLiteral(" wolne"));
 }
 
 double ShellPresenter::usedShare() const
 {
-    if (!m_model.device() || m_model.device()->total <= 0) {
+    const std::optional<Device> &device = m_model.device();
+    if (!device || device->total <= 0) {
         return 0;
     }
-    const double total = double(m_model.device()->total);
-    return std::clamp((total - double(m_model.device()->available)) / total, 0.0, 1.0);
+    return std::clamp(double(device->total - device->available) / double(device->total), 0.0, 1.0);
 }
 
 bool ShellPresenter::testFolder() const
 {
-    return m_model.device() && !m_model.device()->isVolume;
+    const std::optional<Device> &device = m_model.device();
+    return device && !device->isVolume;
 }
 
 QStringList ShellPresenter::offeredDevices() const
@@ -130,8 +135,8 @@ void ShellPresenter::selectOffered(int place)
 
 void ShellPresenter::openDeviceFolder() const
 {
-    if (m_model.device()) {
-        Desktop::open(m_model.device()->root);
+    if (const std::optional<Device> &device = m_model.device()) {
+        Desktop::open(device->root);
     }
 }
 

@@ -227,7 +227,7 @@ private Q_SLOTS:
         };
         int nonEmpty = 0;
         for (int step = 0; step < 300; ++step) {
-            changes[random.bounded(int(changes.size()))]();
+            changes[std::size_t(random.bounded(int(changes.size())))]();
             desk.waitForJobs(*model);
             // What a computation from the tracks alone gives.
             std::vector<Album> albums = AlbumGrouping::albums(model->activeTracks());
