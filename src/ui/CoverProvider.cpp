@@ -93,7 +93,7 @@ QQuickImageResponse *CoverProvider::requestImageResponse(const QString &id, cons
             response->image = decoder->image(id, side);
         }
         // Queued, since nobody listens before this request has returned.
-        QMetaObject::invokeMethod(response, &QQuickImageResponse::finished, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(response, "finished", Qt::QueuedConnection);
     });
     return response;
 }

@@ -35,7 +35,7 @@ void ShellPresenter::noteBusy()
     } else {
         m_workTime.invalidate();
         // The end of a job fills in more than one field; what it has to say comes first.
-        QMetaObject::invokeMethod(this, &ShellPresenter::closeWhenDone, Qt::QueuedConnection);
+        QTimer::singleShot(0, this, &ShellPresenter::closeWhenDone);
     }
     m_change.start();
 }

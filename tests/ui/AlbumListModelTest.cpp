@@ -31,15 +31,15 @@ struct Grid {
         int bits = 16) const
     {
         for (int i = 1; i <= tracks; ++i) {
-            const std::string head
-                = "fLaC" + FlacBytes::block(0, FlacBytes::streamInfo(44100, std::uint64_t(bits), 44100));
-            desk.folder.write("music/" + artist + "/" + album + "/" + std::to_string(i) + ".flac",
-                head + (cover.empty() ? std::string() : FlacBytes::block(6, FlacBytes::picture(3, cover)))
-                    + FlacBytes::block(4,
-                        FlacBytes::comments({"ARTIST=" + artist, "ALBUM=" + album, "TITLE=" + std::to_string(i),
-                            "TRACKNUMBER=" + std::to_string(i)}),
-                        true)
-                    + album + std::to_string(i));
+            const std::string number = std::to_string(i);
+            std::string bytes = "fLaC" + FlacBytes::block(0, FlacBytes::streamInfo(44100, std::uint64_t(bits), 44100));
+            if (!cover.empty()) {
+                bytes += FlacBytes::block(6, FlacBytes::picture(3, cover));
+            }
+            bytes += FlacBytes::block(4,
+                FlacBytes::comments({"ARTIST=" + artist, "ALBUM=" + album, "TITLE=" + number, "TRACKNUMBER=" + number}),
+                true);
+            desk.folder.write(std::filesystem::path("music") / artist / album / (number + ".flac"), bytes);
         }
     }
     void import(const std::string &folder = {})

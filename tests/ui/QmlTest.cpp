@@ -1,5 +1,6 @@
 // Runs the tests in qml/ against the pages' own module. `Bench` gives them a real model with albums of real files.
 #include "support/ModelDesk.h"
+#include "ui/DesktopPanels.h"
 #include "ui/LibraryPresenter.h"
 #include "ui/MarluneApp.h"
 #include "ui/ShellPresenter.h"
@@ -26,11 +27,14 @@ class Bench : public QObject {
     Q_PROPERTY(MarluneModel *model READ model CONSTANT)
     Q_PROPERTY(ShellPresenter *shell READ shell CONSTANT)
     Q_PROPERTY(LibraryPresenter *library READ library CONSTANT)
+    Q_PROPERTY(DesktopPanels *panels READ panels CONSTANT)
 
 public:
     [[nodiscard]] MarluneModel *model() { return m_model.get(); }
     [[nodiscard]] ShellPresenter *shell() { return &m_shell; }
     [[nodiscard]] LibraryPresenter *library() { return &m_library; }
+
+    [[nodiscard]] DesktopPanels *panels() { return &m_panels; }
 
     /// Adds an album of two tracks to the library; returns when it is there.
     Q_INVOKABLE void addAlbum(const QString &artist, const QString &album)
@@ -51,6 +55,16 @@ public:
         m_model->select(m_desk.makeDevice(name.toUtf8().constData(), isVolume));
     }
     [[nodiscard]] Q_INVOKABLE int queuedTracks() const { return int(m_model->queued().size()); }
+    /// Asks as the model does; each answer counts.
+    Q_INVOKABLE void ask(bool files, bool folders)
+    {
+        Panels::Request request;
+        request.files = files;
+        request.folders = folders;
+        request.prompt = QStringLiteral("Wybierz");
+        m_panels.open(request, [this](const auto &) { ++m_answers; });
+    }
+    [[nodiscard]] Q_INVOKABLE int answers() const { return m_answers; }
     [[nodiscard]] Q_INVOKABLE int questions() const { return int(m_desk.panels.requests.size()); }
 
     /// Drags a file over the middle of the item, as from a file manager. False if it is not taken.
@@ -98,6 +112,8 @@ private:
     std::unique_ptr<MarluneModel> m_model = m_desk.start();
     ShellPresenter m_shell {*m_model};
     LibraryPresenter m_library {*m_model, covers()};
+    DesktopPanels m_panels;
+    int m_answers = 0;
     QMimeData m_dragged;
     int m_albums = 0;
 };

@@ -107,6 +107,6 @@ TEST(RowChanges, everyPlanLeadsToTheWantedRows)
         }
         const auto steps = RowChanges::plan(before, after, 100);
         ASSERT_TRUE(steps);
-        EXPECT_EQ(applied(before, after, *steps), after);
+        EXPECT_EQ(applied(before, after, steps.value()), after);
     }
 }

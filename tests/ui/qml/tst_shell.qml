@@ -36,6 +36,11 @@ TestCase {
         }
     }
 
+    Component {
+        id: panelsComponent
+        PanelHost {}
+    }
+
     property Bench bench
     property var made: []
 
@@ -113,6 +118,26 @@ TestCase {
         verify(!findChild(inspector, "testFolder").visible);
         mouseClick(findChild(inspector, "chooseDeviceButton"));
         compare(root.bench.questions(), 1);
+    }
+
+    function test_filesOrFoldersIsAskedFirst() {
+        const host = make(panelsComponent, { panels: root.bench.panels });
+        root.bench.ask(true, true);
+        const button = findChild(host, "chooseFolderButton");
+        tryVerify(() => button.visible && button.activeFocus);
+        keyClick(Qt.Key_Tab);
+        verify(findChild(host, "chooseFilesButton").activeFocus);
+        keyClick(Qt.Key_Escape);
+        tryVerify(() => !button.visible);
+        root.bench.panels.answer(["file:///music"]);
+        compare(root.bench.answers(), 0, "a cancelled question was answered");
+
+        root.bench.ask(true, true);
+        tryVerify(() => button.visible && button.activeFocus);
+        keyClick(Qt.Key_Return);
+        tryVerify(() => !button.visible);
+        root.bench.panels.answer(["file:///music"]);
+        compare(root.bench.answers(), 1);
     }
 
     function test_largeTextIsNotCut_data() {
