@@ -78,10 +78,13 @@ QCoro::Task<> MarluneModel::runImport(std::vector<std::filesystem::path> urls, b
     if (!self) {
         co_return;
     }
-    landImport(std::move(read), fromDevice, enqueue);
-    if (failure) {
+    if (failure) { // nothing lands, and the stored library stays as it is
+        setBusy(false);
+        setStatus(QStringLiteral("Nie udało się odczytać muzyki"));
         setAlert(describeFailure(failure));
+        co_return;
     }
+    landImport(std::move(read), fromDevice, enqueue);
 }
 
 void MarluneModel::landImport(std::vector<Track> read, bool fromDevice, bool enqueue)

@@ -19,10 +19,11 @@ constexpr std::int64_t largestFile = 256'000'000;
 QJsonObject readValues(const std::filesystem::path &file)
 {
     const std::optional<QByteArray> bytes = Files::readBelow(file, largestFile);
-    if (!bytes) {
+    if (!bytes && !Files::exists(file)) {
         return {};
     }
-    const QJsonDocument document = QJsonDocument::fromJson(*bytes);
+    // A file that is there but cannot be read is set aside as a damaged one is: the next change would replace it.
+    const QJsonDocument document = QJsonDocument::fromJson(bytes.value_or(QByteArray()));
     if (document.isObject()) {
         return document.object();
     }

@@ -105,6 +105,10 @@ std::int64_t totalSize(std::span<const TransferFile> files)
             const std::error_code failure(errno, std::generic_category());
             throw std::filesystem::filesystem_error("size", file.source, failure);
         }
+        if (!S_ISREG(status.st_mode) && !S_ISLNK(status.st_mode)) { // a pipe would be waited for without end
+            const std::error_code failure(S_ISDIR(status.st_mode) ? EISDIR : EINVAL, std::generic_category());
+            throw std::filesystem::filesystem_error("size", file.source, failure);
+        }
         total += status.st_size;
     }
     return total;

@@ -76,11 +76,11 @@ struct Program::Parts {
     // In the order of their making; they go the other way round.
     Settings settings;
     DesktopPanels desktopPanels;
+    Volumes::Watcher watcher; // before the model: a change while that looks for devices is then an event, not missed
     MarluneModel model;
     std::shared_ptr<CoverStore> covers = std::make_shared<CoverStore>();
     ShellPresenter shell;
     LibraryPresenter library;
-    Volumes::Watcher watcher;
     QQmlApplicationEngine engine;
 };
 

@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+
 namespace {
 
 QString text(const char *utf8)
@@ -121,6 +123,10 @@ TEST(Transfer, refusesBeforeTheFirstByte)
     TransferFile missing = good;
     missing.source = desk.folder / "Computer/missing.flac";
     EXPECT_NE(desk.message({good, missing}), "");
+    TransferFile pipe = good;
+    pipe.source = desk.folder / "Computer/pipe.flac";
+    ASSERT_EQ(::mkfifo(pipe.source.c_str(), 0600), 0);
+    EXPECT_NE(desk.message({good, pipe}), "");
     // A sparse file larger than the disk.
     const TransferFile huge = desk.file("huge.flac", "");
     const std::int64_t total = Volumes::capacity(desk.root).total;
