@@ -37,28 +37,33 @@ void MarluneModel::importMusic()
 
 void MarluneModel::importURLs(const std::vector<std::filesystem::path> &urls, bool fromDevice, bool enqueue)
 {
+    beginImport([urls] { return urls; }, fromDevice, enqueue);
+}
+
+void MarluneModel::beginImport(ImportSource source, bool fromDevice, bool enqueue)
+{
     if (m_busy) {
         return;
     }
     setBusy(true);
     setStatus(QStringLiteral("Odczytuję albumy…"));
     setProgress(0);
-    runImport(urls, fromDevice, enqueue);
+    runImport(std::move(source), fromDevice, enqueue);
 }
 
-QCoro::Task<> MarluneModel::runImport(std::vector<std::filesystem::path> urls, bool fromDevice, bool enqueue)
+QCoro::Task<> MarluneModel::runImport(ImportSource source, bool fromDevice, bool enqueue)
 {
     const QPointer<MarluneModel> self(this);
     const std::vector<Track> &held = fromDevice ? m_deviceTracks : m_tracks;
     TrackImport import;
-    import.urls = std::move(urls);
     for (const Track &track : held) {
         import.known.insert(Files::standardised(track.url).native());
     }
     import.artworkOverrides = m_environment.settings.textMap(QStringLiteral("artworkOverrides"));
     import.artwork = artworkOf(held);
-    auto work = [import = std::move(import), self] {
-        return readTracks(import, [self](int done, int total) {
+    auto work = [import = std::move(import), source = std::move(source), self]() mutable {
+        import.urls = source();
+        return readTracks(std::move(import), [self](int done, int total) {
             postToUi([self, done, total] {
                 if (self && self->m_busy) {
                     self->setProgress(double(done) / std::max(total, 1));
@@ -121,7 +126,7 @@ void MarluneModel::scanDeviceMusic()
     setLibraryOnDevice(true);
     tracksWereChanged();
     Q_EMIT selectionChanged();
-    importURLs(deviceMusicFolders(m_device->root), true, false);
+    beginImport([root = m_device->root] { return deviceMusicFolders(root); }, true, false);
 }
 
 void MarluneModel::storeLibraryPaths()

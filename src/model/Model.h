@@ -204,7 +204,10 @@ private:
     QCoro::Task<> runRefresh();
     QCoro::Task<> runChoice(std::filesystem::path folder);
     QCoro::Task<> runEject(Device device);
-    QCoro::Task<> runImport(std::vector<std::filesystem::path> urls, bool fromDevice, bool enqueue);
+    /// What an import starts from; asked in the background, since the answer can lie on a slow disk.
+    using ImportSource = std::function<std::vector<std::filesystem::path>()>;
+    void beginImport(ImportSource source, bool fromDevice, bool enqueue);
+    QCoro::Task<> runImport(ImportSource source, bool fromDevice, bool enqueue);
     QCoro::Task<> runTransfer(std::shared_ptr<const TransferPlan> plan);
     [[nodiscard]] TransferPlan planTransfer(std::vector<Track> items) const;
     void noteTransferred(const Device &device, std::vector<std::filesystem::path> files);
