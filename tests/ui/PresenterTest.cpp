@@ -105,7 +105,10 @@ private Q_SLOTS:
         Device device = pages.desk.makeDevice("IPOD", true);
         device.total = 160'000'000'000;
         device.available = 40'000'000'000;
+        pages.desk.folder.write("IPOD/.rockbox/themes/a.cfg", "");
+        pages.desk.folder.write("IPOD/.rockbox/themes/b.cfg", "");
         pages.model->select(device);
+        QTRY_COMPARE(pages.shell.themeCount(), QStringLiteral("2 zainstalowanych motywów"));
         QTRY_VERIFY(pages.shell.canTransfer());
         QVERIFY(pages.shell.canEject() && !pages.shell.testFolder());
         QCOMPARE(pages.shell.deviceName(), QStringLiteral("IPOD"));
@@ -185,6 +188,11 @@ private Q_SLOTS:
         QCOMPARE(asked.takeFirst().at(0).value<DesktopPanels::Kind>(), DesktopPanels::ChooseFiles);
         panels.answer({QUrl(QStringLiteral("smb://server/a"))});
         QCOMPARE(answers.size(), 1U);
+
+        Panels::Request picture = request(true, false);
+        picture.pictures = true;
+        panels.open(picture, note);
+        QCOMPARE(asked.takeFirst().at(0).value<DesktopPanels::Kind>(), DesktopPanels::ChoosePictures);
 
         // An answer may ask the next question.
         panels.open(request(true, false), [&](const auto &) { panels.open(request(false, true), note); });

@@ -116,8 +116,11 @@ TestCase {
         root.bench.connectDevice("IPOD", true);
         tryVerify(() => findChild(inspector, "ejectButton").enabled);
         verify(!findChild(inspector, "testFolder").visible);
+        compare(findChild(inspector, "themeCount").text, "0 zainstalowanych motywów");
         mouseClick(findChild(inspector, "chooseDeviceButton"));
         compare(root.bench.questions(), 1);
+        mouseClick(findChild(inspector, "browseThemesButton"));
+        compare(root.bench.model.section, "Motywy");
     }
 
     function test_filesOrFoldersIsAskedFirst() {
