@@ -12,7 +12,7 @@
 namespace {
 
 /// Bytes of all themes' settings together. Thousands of themes stay below it; a disk full of nonsense does not.
-constexpr std::int64_t mostThemeSettings = 16 * 1024 * 1024;
+constexpr std::int64_t mostThemeSettings = 16'000'000;
 
 std::vector<std::filesystem::path> playlistsBelow(const std::filesystem::path &root)
 {
@@ -51,7 +51,7 @@ DeviceContent readDeviceContent(
         if (const auto preview = ThemePreview::local(theme, root, settings, chosenPictures)) {
             content.themePreviews.insert(id, *preview);
         }
-        content.themeSettings.insert(id, std::move(settings));
+        content.themeSettings.insert(id, settings);
     }
     const std::filesystem::path firmware = root / ".rockbox";
     content.deviceInfo = ThemePreview::configuration(firmware / "rockbox-info.txt");
@@ -151,29 +151,4 @@ void MarluneModel::setThemePreviewStatus(const QString &status)
         m_themePreviewStatus = status;
         Q_EMIT themePreviewStatusChanged();
     }
-}
-
-std::optional<Theme> MarluneModel::configuredTheme() const
-{
-    const QString wps = QStringLiteral("wps");
-    const QString sbs = QStringLiteral("sbs");
-    const ThemePreview::Configuration &device = m_content.deviceConfig;
-    if (!device.contains(wps)) {
-        return std::nullopt;
-    }
-    std::optional<Theme> sameWps;
-    for (const Theme &theme : m_content.themes) {
-        const ThemePreview::Configuration settings = m_content.themeSettings.value(theme.id());
-        const auto equals = [&](const QString &key) { return settings.contains(key) && settings[key] == device[key]; };
-        if (!equals(wps)) {
-            continue;
-        }
-        if (!device.contains(sbs) || equals(sbs)) {
-            return theme;
-        }
-        if (!sameWps) {
-            sameWps = theme;
-        }
-    }
-    return sameWps;
 }

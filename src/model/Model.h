@@ -108,8 +108,6 @@ public:
     void loadDeviceContent();
     /// The theme that the device has active.
     [[nodiscard]] std::optional<Theme> configuredTheme() const;
-    /// Asks for a picture and keeps a copy of it as the theme's preview.
-    void chooseThemePreview(const Theme &theme);
 
     // Library.
     [[nodiscard]] const std::vector<Track> &tracks() const { return m_tracks; }
