@@ -30,15 +30,44 @@ private Q_SLOTS:
         QVERIFY(model->device() == one);
     }
 
-    void dropsARefreshDuringARefresh()
+    void dropsARefreshDuringARefreshButMissesNoDisk()
     {
         ModelDesk desk;
         const auto model = desk.start();
         QCOMPARE(desk.discoveries->load(), 1);
-        model->volumeMounted();
-        model->volumeMounted();
+        model->refresh();
+        model->refresh();
         desk.waitForJobs(*model);
         QCOMPARE(desk.discoveries->load(), 2);
+        model->refresh();
+        model->volumeMounted(); // the discovery under way may have looked before
+        model->volumeMounted();
+        desk.waitForJobs(*model);
+        QCOMPARE(desk.discoveries->load(), 4);
+    }
+
+    void bringsBackNoDiskThatLeftDuringADiscovery()
+    {
+        ModelDesk desk;
+        const Device device = desk.makeDevice("IPOD", true);
+        std::promise<void> answer;
+        const std::shared_future<void> slow = answer.get_future().share();
+        ModelEnvironment environment = desk.environment();
+        environment.deviceDiscovery = [slow, device, count = desk.discoveries] {
+            if (++*count == 1) {
+                slow.wait();
+                return std::vector {device}; // it was there when this looked
+            }
+            return std::vector<Device> {};
+        };
+        MarluneModel model(std::move(environment));
+        bool seen = false;
+        connect(&model, &MarluneModel::deviceChanged, this, [&] { seen = true; });
+        model.volumeUnmounted(device.root);
+        answer.set_value();
+        QTRY_COMPARE(desk.discoveries->load(), 2);
+        desk.waitForJobs(model);
+        QVERIFY(!seen && model.devices().empty());
     }
 
     void takesNewValuesOfTheSelectedVolume()

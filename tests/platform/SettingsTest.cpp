@@ -32,7 +32,8 @@ TEST(Settings, comeBackAtTheNextStart)
     Settings settings(file);
     EXPECT_EQ(settings.text(oddKey), QStringLiteral("czarny"));
     EXPECT_EQ(settings.number(QStringLiteral("tileSize")), 181.5);
-    EXPECT_EQ(settings.texts(QStringLiteral("libraryPaths")), QStringList({QStringLiteral("/a/ż.mp3"), notUtf8, QString()}));
+    EXPECT_EQ(
+        settings.texts(QStringLiteral("libraryPaths")), QStringList({QStringLiteral("/a/ż.mp3"), notUtf8, QString()}));
     EXPECT_EQ(settings.textMap(QStringLiteral("artworkOverrides")).value(oddKey), QStringLiteral("/x"));
     EXPECT_FALSE(settings.text(QStringLiteral("gone")));
     EXPECT_FALSE(settings.text(QStringLiteral("tileSize"))); // another type
@@ -70,4 +71,17 @@ TEST(Settings, reportAFailureAndKeepTheOldFile)
     settings.setText(QStringLiteral("sortMode"), QStringLiteral("Rok"));
     settings.flush();
     EXPECT_EQ(Settings(file).text(QStringLiteral("viewMode")), QStringLiteral("new")); // went out with the next change
+}
+
+TEST(Settings, leaveALinkToTheFileALink)
+{
+    const TemporaryFolder folder;
+    const auto target = folder.write("dotfiles/marlune.json", "{}");
+    std::filesystem::create_symlink(target, folder / "settings.json");
+    {
+        Settings settings(folder / "settings.json");
+        settings.setText(QStringLiteral("sortMode"), QStringLiteral("Rok"));
+    }
+    EXPECT_TRUE(std::filesystem::is_symlink(folder / "settings.json"));
+    EXPECT_NE(fileBytes(target).find("Rok"), std::string::npos);
 }

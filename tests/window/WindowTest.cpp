@@ -3,6 +3,7 @@
 #include "support/ModelDesk.h"
 
 #include "platform/DiskCalls.h"
+#include "platform/MarluneError.h"
 #include "ui/MarluneApp.h"
 
 #include <QGuiApplication>
@@ -65,14 +66,19 @@ struct NewUser {
     MarluneApp::Program program;
 
     NewUser()
-        : program(MarluneApp::Setup {.settingsFile = folder / "config/settings.json",
-              .supportFolder = folder / "data",
-              .deviceDiscovery = [] { return std::vector<Device> {}; },
-              .ejectVolume = [](const std::filesystem::path &) {},
-              .panels = &panels})
+        : program(setup())
     {
         std::filesystem::copy(sample / "iPod", device, std::filesystem::copy_options::recursive);
         program.window()->setGeometry(0, 0, 1260, 820); // a screen without hardware can be smaller
+    }
+
+    [[nodiscard]] MarluneApp::Setup setup()
+    {
+        return {.settingsFile = folder / "config/settings.json",
+            .supportFolder = folder / "data",
+            .deviceDiscovery = [] { return std::vector<Device> {}; },
+            .ejectVolume = [](const std::filesystem::path &) {},
+            .panels = &panels};
     }
 
     [[nodiscard]] QQuickItem *item(const char *name) const
@@ -147,6 +153,12 @@ private Q_SLOTS:
     {
         QVERIFY(std::filesystem::exists(sample / "Music"));
         MarluneApp::prepareApplication();
+    }
+
+    void refusesToShareItsSettingsWithASecondProgram()
+    {
+        NewUser user;
+        QVERIFY_EXCEPTION_THROWN(MarluneApp::Program(user.setup()), MarluneError);
     }
 
     void takesMusicFromAFolderToADevice()
