@@ -56,6 +56,9 @@ TEST(VolumeName, followsTheRulesOfTheVolume)
         EXPECT_EQ(volumeName(text, Volumes::NameRules::Fat), name) << text;
         EXPECT_EQ(volumeName(text, Volumes::NameRules::Posix), text);
     }
+    const QString ending = QStringLiteral(" (2).flac");
+    EXPECT_EQ(volumeName(flag.repeated(160), Volumes::NameRules::Fat, ending), flag.repeated(61) + ending);
+    EXPECT_EQ(volumeName(flag, Volumes::NameRules::Fat, QString(300, u'x')), QString(255, u'x'));
 }
 
 TEST(RejectLinks, findsALinkAnywhereInATree)
