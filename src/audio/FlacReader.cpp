@@ -6,12 +6,8 @@
 
 #include "platform/MarluneError.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <cerrno>
+#include <array>
 #include <cstring>
 #include <system_error>
 
@@ -24,11 +20,6 @@ constexpr std::uint32_t frontCover = 3; // RFC 9639, table 13
 
 enum BlockType : std::uint8_t { StreamInfo = 0, VorbisComment = 4, Picture = 6 };
 
-[[noreturn]] void throwFailure(int error)
-{
-    throw std::system_error(error, std::generic_category());
-}
-
 std::uint64_t bigEndian(std::span<const unsigned char> bytes)
 {
     std::uint64_t value = 0;
@@ -40,7 +31,7 @@ std::uint64_t bigEndian(std::span<const unsigned char> bytes)
 
 /// RFC 9639, section 8.2: behind the block and frame sizes, 20 bits of rate, 3 of channels, 5 of depth and 36 of
 /// length.
-void readStreamInfo(WindowedFile &file, std::uint64_t begin, std::uint64_t length, AudioInfo &info)
+void readStreamInfo(FlacFile &file, std::uint64_t begin, std::uint64_t length, AudioInfo &info)
 {
     constexpr std::uint64_t streamInfoBytes = 34;
     if (length != streamInfoBytes) {
@@ -99,7 +90,7 @@ void readPicture(BlockCursor cursor, AudioInfo &info)
     }
 }
 
-void readBlock(std::uint8_t type, WindowedFile &file, std::uint64_t begin, std::uint64_t length, AudioInfo &info)
+void readBlock(std::uint8_t type, FlacFile &file, std::uint64_t begin, std::uint64_t length, AudioInfo &info)
 {
     switch (type) {
     case StreamInfo:
@@ -132,70 +123,38 @@ void takeNumbers(AudioInfo &info)
 
 } // namespace
 
-WindowedFile::WindowedFile(const std::filesystem::path &file)
-    // Non-blocking, so that a pipe under an audio name is refused below and not waited for.
-    : m_file(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK))
+std::span<const unsigned char> FlacFile::peek(std::uint64_t position, std::size_t count)
 {
-    struct stat status {};
-    if (m_file.get() < 0 || ::fstat(m_file.get(), &status) != 0) {
-        throwFailure(errno);
-    }
-    if (!S_ISREG(status.st_mode)) {
-        throwFailure(S_ISDIR(status.st_mode) ? EISDIR : EINVAL);
-    }
-    m_size = std::uint64_t(status.st_size);
+    const std::span<const char> found = m_window.at(std::int64_t(position), count);
+    return {reinterpret_cast<const unsigned char *>(found.data()), found.size()};
 }
 
-std::size_t WindowedFile::readAt(std::uint64_t position, std::span<char> buffer)
-{
-    std::size_t filled = 0;
-    while (filled < buffer.size()) {
-        const ssize_t count
-            = ::pread(m_file.get(), buffer.data() + filled, buffer.size() - filled, off_t(position + filled));
-        if (count < 0 && errno == EINTR) {
-            continue;
-        }
-        if (count < 0) {
-            throwFailure(errno);
-        }
-        if (count == 0) {
-            break;
-        }
-        filled += std::size_t(count);
-    }
-    return filled;
-}
-
-std::span<const unsigned char> WindowedFile::peek(std::uint64_t position, std::size_t count)
-{
-    if (position < m_windowStart || position + count > m_windowStart + m_windowFill) {
-        m_windowFill = readAt(position, m_window);
-        m_windowStart = position;
-    }
-    const std::size_t offset = std::size_t(position - m_windowStart);
-    const std::size_t available = std::min(count, m_windowFill - offset);
-    return {reinterpret_cast<const unsigned char *>(m_window.data()) + offset, available};
-}
-
-QByteArray WindowedFile::bytes(std::uint64_t position, std::size_t count)
+QByteArray FlacFile::bytes(std::uint64_t position, std::size_t count)
 {
     if (count <= windowBytes) {
-        const std::span<const unsigned char> found = peek(position, count);
-        return {reinterpret_cast<const char *>(found.data()), qsizetype(found.size())};
+        const std::span<const char> found = m_window.at(std::int64_t(position), count);
+        return {found.data(), qsizetype(found.size())};
     }
     QByteArray result(qsizetype(count), Qt::Uninitialized);
-    result.truncate(qsizetype(readAt(position, {result.data(), count})));
+    result.truncate(qsizetype(m_file.readAt(std::int64_t(position), {result.data(), count})));
     return result;
 }
 
-QByteArrayView WindowedFile::view(std::uint64_t position, std::size_t count)
+QByteArrayView FlacFile::view(std::uint64_t position, std::size_t count)
 {
     if (count > windowBytes) {
         m_long = bytes(position, count);
         return m_long;
     }
-    const std::span<const unsigned char> found = peek(position, count);
-    return {reinterpret_cast<const char *>(found.data()), qsizetype(found.size())};
+    const std::span<const char> found = m_window.at(std::int64_t(position), count);
+    return {found.data(), qsizetype(found.size())};
+}
+
+void FlacFile::requireWhole() const
+{
+    if (m_file.failure()) {
+        throw std::system_error(m_file.failure());
+    }
 }
 
 std::optional<std::uint32_t> BlockCursor::integer(ByteOrder order)
@@ -250,7 +209,7 @@ std::optional<QByteArrayView> BlockCursor::takeView(std::uint64_t count)
 
 AudioInfo AudioInfo::readFLAC(const std::filesystem::path &path)
 {
-    WindowedFile file(path);
+    FlacFile file(path);
     const std::span<const unsigned char> magic = file.peek(0, 4);
     if (magic.size() != 4 || std::memcmp(magic.data(), "fLaC", 4) != 0) {
         throw MarluneError(QStringLiteral("Nieprawidłowy nagłówek FLAC."));
@@ -275,6 +234,7 @@ AudioInfo AudioInfo::readFLAC(const std::filesystem::path &path)
         readBlock(type, file, position, length, info);
         position += length;
     }
+    file.requireWhole();
     takeNumbers(info);
     return info;
 }

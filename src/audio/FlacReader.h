@@ -1,39 +1,40 @@
 // The bytes of a file's metadata blocks, read through one bounded cursor. Used by the FLAC reader alone.
 #pragma once
 
-#include "platform/Files.h"
+#include "platform/RegularFile.h"
 
 #include <QByteArray>
 
-#include <array>
 #include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <span>
 
-/// A regular file with a small read-ahead window. Throws std::system_error where the file cannot be opened or read.
-class WindowedFile {
+/// The file behind the cursor, with a small read-ahead window. Throws std::system_error where it cannot be opened.
+class FlacFile {
 public:
-    explicit WindowedFile(const std::filesystem::path &file);
+    explicit FlacFile(const std::filesystem::path &file)
+        : m_file(RegularFile::openOrThrow(file))
+    {
+    }
+    FlacFile(const FlacFile &) = delete;
+    FlacFile &operator=(const FlacFile &) = delete;
 
-    [[nodiscard]] std::uint64_t size() const { return m_size; }
+    [[nodiscard]] std::uint64_t size() const { return std::uint64_t(m_file.size()); }
     /// `count` bytes at `position`, at most windowBytes; fewer where the file ends. Valid until the next call.
     [[nodiscard]] std::span<const unsigned char> peek(std::uint64_t position, std::size_t count);
     /// `count` bytes at `position`; fewer where the file ends. The caller has held `count` against size().
     [[nodiscard]] QByteArray bytes(std::uint64_t position, std::size_t count);
     /// The same as a view, valid until the next call.
     [[nodiscard]] QByteArrayView view(std::uint64_t position, std::size_t count);
-
-    static constexpr std::size_t windowBytes = 4096;
+    /// Throws if the disk refused a read: what looked like the file's end was none.
+    void requireWhole() const;
 
 private:
-    std::size_t readAt(std::uint64_t position, std::span<char> buffer);
+    static constexpr std::size_t windowBytes = 4096;
 
-    Files::Descriptor m_file;
-    std::uint64_t m_size = 0;
-    std::uint64_t m_windowStart = 0;
-    std::size_t m_windowFill = 0;
-    std::array<char, windowBytes> m_window; // as far as m_windowFill says
+    RegularFile m_file;
+    FileWindow m_window {m_file, windowBytes, 0};
     QByteArray m_long; ///< what the last view() was too long for the window
 };
 
@@ -42,7 +43,7 @@ enum class ByteOrder : std::uint8_t { Little, Big };
 /// Walks the body of one block. Nothing is allocated by a declared length alone: lengths are held against remaining().
 class BlockCursor {
 public:
-    BlockCursor(WindowedFile &file, std::uint64_t begin, std::uint64_t length)
+    BlockCursor(FlacFile &file, std::uint64_t begin, std::uint64_t length)
         : m_file(file)
         , m_position(begin)
         , m_end(begin + length)
@@ -60,7 +61,7 @@ public:
     [[nodiscard]] std::optional<QByteArrayView> takeView(std::uint64_t count);
 
 private:
-    WindowedFile &m_file;
+    FlacFile &m_file;
     std::uint64_t m_position;
     std::uint64_t m_end;
 };

@@ -9,6 +9,7 @@
 #include <QTimer>
 
 #include <algorithm>
+#include <utility>
 
 std::vector<Device> discoverDevices()
 {
@@ -29,6 +30,7 @@ void MarluneModel::refresh()
         return;
     }
     m_refreshing = true;
+    m_leftMeanwhile.clear();
     runRefresh();
     QTimer::singleShot(m_environment.discoveryPatience, this, [this] {
         if (m_refreshing) {
@@ -53,9 +55,19 @@ QCoro::Task<> MarluneModel::runRefresh()
     }
 }
 
+/// For changes that this model knows of: a discovery under way may have looked too early, so one more follows it.
+void MarluneModel::rediscover()
+{
+    m_refreshAgain = m_refreshing;
+    refresh();
+}
+
 void MarluneModel::landDevices(std::vector<Device> found)
 {
     m_refreshing = false;
+    std::erase_if(found, [this](const Device &device) {
+        return std::find(m_leftMeanwhile.begin(), m_leftMeanwhile.end(), device.root) != m_leftMeanwhile.end();
+    });
     const bool changed = m_devices != found;
     m_devices = std::move(found);
     if (m_device && m_device->isVolume) {
@@ -73,6 +85,9 @@ void MarluneModel::landDevices(std::vector<Device> found)
     loadDeviceContent();
     if (changed) {
         Q_EMIT devicesChanged();
+    }
+    if (std::exchange(m_refreshAgain, false)) {
+        refresh();
     }
 }
 
@@ -215,21 +230,23 @@ QCoro::Task<> MarluneModel::runEject(Device device)
         setDevice(std::nullopt);
         clearDeviceMusic();
         setStatus(QStringLiteral("Możesz odłączyć iPoda"));
+        m_leftMeanwhile.push_back(device.root);
     }
-    refresh();
+    rediscover();
 }
 
 void MarluneModel::volumeMounted()
 {
-    refresh();
+    rediscover();
 }
 
 void MarluneModel::volumeUnmounted(const std::filesystem::path &mountPoint)
 {
+    m_leftMeanwhile.push_back(mountPoint);
     if (m_ejecting && *m_ejecting == mountPoint) {
         m_unmountedWhileEjecting = true; // our own doing: the eject tells how it ended
     } else if (m_device && m_device->root == mountPoint) {
         disconnect();
     }
-    refresh();
+    rediscover();
 }

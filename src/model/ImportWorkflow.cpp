@@ -46,14 +46,31 @@ void MarluneModel::beginImport(ImportSource source, bool fromDevice, bool enqueu
         return;
     }
     setBusy(true);
-    setStatus(QStringLiteral("Odczytuję albumy…"));
     setProgress(0);
     runImport(std::move(source), fromDevice, enqueue);
 }
 
-QCoro::Task<> MarluneModel::runImport(ImportSource source, bool fromDevice, bool enqueue)
+void MarluneModel::restoreLibrary()
 {
-    const QPointer<MarluneModel> self(this);
+    const QStringList stored = m_environment.settings.texts(QStringLiteral("libraryPaths"));
+    if (stored.isEmpty()) {
+        return;
+    }
+    const auto remaining = [stored]() -> std::optional<std::vector<std::filesystem::path>> {
+        std::vector<std::filesystem::path> files;
+        for (const QString &path : stored) {
+            std::filesystem::path file = Files::fromText(path);
+            if (Files::exists(file)) {
+                files.push_back(std::move(file));
+            }
+        }
+        return files.empty() ? std::nullopt : std::optional(std::move(files));
+    };
+    beginImport(remaining, false, false);
+}
+
+TrackImport MarluneModel::prepareImport(bool fromDevice) const
+{
     const std::vector<Track> &held = fromDevice ? m_deviceTracks : m_tracks;
     TrackImport import;
     for (const Track &track : held) {
@@ -61,21 +78,34 @@ QCoro::Task<> MarluneModel::runImport(ImportSource source, bool fromDevice, bool
     }
     import.artworkOverrides = m_environment.settings.textMap(QStringLiteral("artworkOverrides"));
     import.artwork = artworkOf(held);
-    auto work = [import = std::move(import), source = std::move(source), self]() mutable {
-        import.urls = source();
-        return readTracks(std::move(import), [self](int done, int total) {
-            postToUi([self, done, total] {
-                if (self && self->m_busy) {
-                    self->setProgress(double(done) / std::max(total, 1));
-                    self->setStatus(QStringLiteral("Odczytuję utwory: ") + QString::number(done) + QStringLiteral(" / ")
-                        + QString::number(total));
-                }
-            });
-        });
-    };
-    std::vector<Track> read;
+    return import;
+}
+
+QCoro::Task<> MarluneModel::runImport(ImportSource source, bool fromDevice, bool enqueue)
+{
+    const QPointer<MarluneModel> self(this);
+    const QString statusBefore = m_status;
+    setStatus(QStringLiteral("Odczytuję albumy…"));
+    std::optional<std::vector<Track>> read;
     std::exception_ptr failure;
     try {
+        auto work = [import = prepareImport(fromDevice), source = std::move(source),
+                        self]() mutable -> std::optional<std::vector<Track>> {
+            auto urls = source();
+            if (!urls) {
+                return std::nullopt;
+            }
+            import.urls = std::move(*urls);
+            return readTracks(std::move(import), [self](int done, int total) {
+                postToUi([self, done, total] {
+                    if (self && self->m_busy) {
+                        self->setProgress(double(done) / std::max(total, 1));
+                        self->setStatus(QStringLiteral("Odczytuję utwory: ") + QString::number(done)
+                            + QStringLiteral(" / ") + QString::number(total));
+                    }
+                });
+            });
+        };
         read = co_await background(work);
     } catch (const std::exception &) {
         failure = std::current_exception(); // out of memory and the like: a file never fails an import
@@ -87,9 +117,12 @@ QCoro::Task<> MarluneModel::runImport(ImportSource source, bool fromDevice, bool
         setBusy(false);
         setStatus(QStringLiteral("Nie udało się odczytać muzyki"));
         setAlert(describeFailure(failure));
-        co_return;
+    } else if (!read) {
+        setBusy(false);
+        setStatus(statusBefore);
+    } else {
+        landImport(std::move(*read), fromDevice, enqueue);
     }
-    landImport(std::move(read), fromDevice, enqueue);
 }
 
 void MarluneModel::landImport(std::vector<Track> read, bool fromDevice, bool enqueue)

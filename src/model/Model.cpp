@@ -33,15 +33,8 @@ MarluneModel::MarluneModel(ModelEnvironment environment, QObject *parent)
 
     refresh();
 
-    std::vector<std::filesystem::path> stored;
-    for (const QString &path : settings.texts(QStringLiteral("libraryPaths"))) {
-        const std::filesystem::path file = Files::fromText(path);
-        if (Files::exists(file)) {
-            stored.push_back(file);
-        }
-    }
-    if (m_environment.restoreLibrary && !stored.empty()) {
-        importURLs(stored, false, false);
+    if (m_environment.restoreLibrary) {
+        restoreLibrary();
     }
 }
 

@@ -23,6 +23,8 @@
 #include <functional>
 #include <stop_token>
 
+struct TrackImport;
+
 /// What the model needs from outside.
 struct ModelEnvironment {
     Settings &settings;
@@ -239,8 +241,9 @@ private:
     QCoro::Task<> runChoice(std::filesystem::path folder);
     QCoro::Task<> runEject(Device device);
     QCoro::Task<> runContentLoad(std::filesystem::path root);
-    /// What an import starts from; asked in the background, since the answer can lie on a slow disk.
-    using ImportSource = std::function<std::vector<std::filesystem::path>()>;
+    /// What an import starts from; asked in the background, since the answer can lie on a slow disk. Absent: there is
+    /// nothing to import, and all stays as it is.
+    using ImportSource = std::function<std::optional<std::vector<std::filesystem::path>>()>;
     void beginImport(ImportSource source, bool fromDevice, bool enqueue);
     QCoro::Task<> runImport(ImportSource source, bool fromDevice, bool enqueue);
     QCoro::Task<> runTransfer(std::shared_ptr<const TransferPlan> plan);
@@ -248,6 +251,9 @@ private:
     void noteTransferred(const Device &device, std::vector<std::filesystem::path> files);
     void landDevices(std::vector<Device> found);
     void landContent(DeviceContent read);
+    void rediscover();
+    [[nodiscard]] TrackImport prepareImport(bool fromDevice) const;
+    void restoreLibrary();
     void landImport(std::vector<Track> read, bool fromDevice, bool enqueue);
 
     /// Derived lists and what they were derived under; absent when something that they depend on has changed.
@@ -287,6 +293,8 @@ private:
     QString m_sortMode;
     double m_tileSize = 0;
     bool m_refreshing = false;
+    bool m_refreshAgain = false; ///< a disk came or went while a discovery was under way
+    std::vector<std::filesystem::path> m_leftMeanwhile; ///< disks that went since that discovery began
     std::optional<std::filesystem::path> m_ejecting; ///< root of the volume that is on its way out
     bool m_unmountedWhileEjecting = false;
     mutable Derived m_derived;

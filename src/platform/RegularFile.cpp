@@ -8,19 +8,38 @@
 #include <cerrno>
 #include <utility>
 
-std::optional<RegularFile> RegularFile::open(const std::filesystem::path &path)
+RegularFile RegularFile::openOrThrow(const std::filesystem::path &path)
 {
+    const auto refuse = [&path](int error) {
+        throw std::filesystem::filesystem_error("open", path, std::error_code(error, std::generic_category()));
+    };
     struct stat status {};
+    const auto requireRegular = [&status, &refuse] {
+        if (!S_ISREG(status.st_mode)) {
+            refuse(S_ISDIR(status.st_mode) ? EISDIR : EINVAL);
+        }
+    };
     // Asked before the opening, because to open a device can already do something to it, and once more after it,
     // because the name may mean another file by then.
-    if (::stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) {
-        return std::nullopt;
+    if (::stat(path.c_str(), &status) != 0) {
+        refuse(errno);
     }
+    requireRegular();
     Files::Descriptor descriptor(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
-    if (descriptor.get() < 0 || ::fstat(descriptor.get(), &status) != 0 || !S_ISREG(status.st_mode)) {
+    if (descriptor.get() < 0 || ::fstat(descriptor.get(), &status) != 0) {
+        refuse(errno);
+    }
+    requireRegular();
+    return {std::move(descriptor), status.st_size};
+}
+
+std::optional<RegularFile> RegularFile::open(const std::filesystem::path &path)
+{
+    try {
+        return openOrThrow(path);
+    } catch (const std::system_error &) {
         return std::nullopt;
     }
-    return RegularFile(std::move(descriptor), status.st_size);
 }
 
 std::size_t RegularFile::readAt(std::int64_t position, std::span<char> buffer) const
@@ -31,6 +50,9 @@ std::size_t RegularFile::readAt(std::int64_t position, std::span<char> buffer) c
             m_descriptor.get(), buffer.data() + filled, buffer.size() - filled, position + std::int64_t(filled));
         if (count < 0 && errno == EINTR) {
             continue;
+        }
+        if (count < 0) {
+            m_failure = std::error_code(errno, std::generic_category());
         }
         if (count <= 0) {
             break;

@@ -1,7 +1,7 @@
 // An open regular file, read at given positions; a window on it for those who walk through it in small steps.
 //
 // What is no regular file (a folder, a pipe, a device) is never opened for its content, so nothing can hang on it.
-// Reading never throws; one object belongs to one thread.
+// Nothing throws but openOrThrow(); one object belongs to one thread.
 #pragma once
 
 #include "platform/Files.h"
@@ -11,16 +11,21 @@
 #include <memory>
 #include <optional>
 #include <span>
+#include <system_error>
 
 class RegularFile {
 public:
     /// Absent if `path` names no regular file or it cannot be opened. Links are followed.
     [[nodiscard]] static std::optional<RegularFile> open(const std::filesystem::path &path);
+    /// The same; throws std::system_error with the reason.
+    [[nodiscard]] static RegularFile openOrThrow(const std::filesystem::path &path);
 
     /// Bytes, as they were when the file was opened.
     [[nodiscard]] std::int64_t size() const { return m_size; }
     /// Fills `buffer` from `position`; returns the bytes read, fewer at the file's end or after an error of the disk.
     [[nodiscard]] std::size_t readAt(std::int64_t position, std::span<char> buffer) const;
+    /// The reason why the disk refused a read so far; no error if none was refused.
+    [[nodiscard]] std::error_code failure() const { return m_failure; }
 
 private:
     RegularFile(Files::Descriptor descriptor, std::int64_t size)
@@ -31,6 +36,7 @@ private:
 
     Files::Descriptor m_descriptor;
     std::int64_t m_size = 0;
+    mutable std::error_code m_failure;
 };
 
 /// Holds a part of a file in memory and moves on when other bytes are asked for.

@@ -16,22 +16,33 @@ namespace {
 
 constexpr std::int64_t largestFile = 256'000'000;
 
-QJsonObject readValues(const std::filesystem::path &file)
+struct Stored {
+    std::filesystem::path file; ///< where the settings lie, links resolved: a link of the user's stays one
+    QJsonObject values;
+    bool mayBeReplaced = true;
+};
+
+Stored readStored(const std::filesystem::path &file)
 {
-    const std::optional<QByteArray> bytes = Files::readBelow(file, largestFile);
-    if (!bytes && !Files::exists(file)) {
-        return {};
+    std::error_code ignored; // a file that does not exist yet has no canonical name
+    const std::filesystem::path target = std::filesystem::canonical(file, ignored);
+    Stored stored {.file = target.empty() ? file : target, .values = {}};
+    const std::optional<QByteArray> bytes = Files::readBelow(stored.file, largestFile);
+    if (!bytes && !Files::exists(stored.file)) {
+        return stored;
     }
-    // A file that is there but cannot be read is set aside as a damaged one is: the next change would replace it.
     const QJsonDocument document = QJsonDocument::fromJson(bytes.value_or(QByteArray()));
     if (document.isObject()) {
-        return document.object();
+        stored.values = document.object();
+        return stored;
     }
-    std::filesystem::path aside = file;
+    // Damaged or unreadable: the next change would replace it, so it is set aside.
+    std::filesystem::path aside = stored.file;
     aside += ".damaged-" + QDateTime::currentDateTimeUtc().toString(QStringLiteral("yyyyMMdd-HHmmsszzz")).toStdString();
-    std::error_code ignored; // a file that cannot be set aside is replaced by the next change all the same
-    std::filesystem::rename(file, aside, ignored);
-    return {};
+    std::error_code failure;
+    std::filesystem::rename(stored.file, aside, failure);
+    stored.mayBeReplaced = !failure;
+    return stored;
 }
 
 QMap<QString, QString> textsOf(const QJsonObject &values, const QString &keyPrefix)
@@ -50,8 +61,9 @@ QMap<QString, QString> textsOf(const QJsonObject &values, const QString &keyPref
 /// Writes the newest state handed to it; states that a newer one overtakes are never written.
 class Settings::Writer {
 public:
-    explicit Writer(std::filesystem::path file)
+    Writer(std::filesystem::path file, bool mayReplace)
         : m_file(std::move(file))
+        , m_mayReplace(mayReplace)
         , m_thread([this] { run(); })
     {
     }
@@ -83,7 +95,7 @@ public:
 
     void setFailureHandler(std::function<void(QString)> handler)
     {
-        const std::lock_guard lock(m_mutex);
+        const std::lock_guard lock(m_handlerMutex);
         m_failed = std::move(handler);
     }
 
@@ -102,18 +114,31 @@ private:
             lock.unlock();
             const std::exception_ptr failure = save(values);
             values = {};
-            lock.lock();
-            if (failure && m_failed) {
-                m_failed(describeFailure(failure));
+            if (failure) {
+                report(describeFailure(failure));
             }
+            lock.lock();
             m_writing = false;
             m_written.notify_all();
+        }
+    }
+
+    /// Under a lock of its own: the handler may change a setting, but is not replaced while it runs.
+    void report(const QString &reason)
+    {
+        const std::lock_guard lock(m_handlerMutex);
+        if (m_failed) {
+            m_failed(reason);
         }
     }
 
     [[nodiscard]] std::exception_ptr save(const QJsonObject &values) const
     {
         try {
+            if (!m_mayReplace) {
+                throw MarluneError(
+                    QStringLiteral("Pliku ustawień nie można odczytać ani odłożyć: ") + Files::text(m_file));
+            }
             std::filesystem::create_directories(m_file.parent_path());
             const QByteArray bytes = QJsonDocument(values).toJson();
             Files::writeAtomically(m_file, {bytes.constData(), std::size_t(bytes.size())});
@@ -124,20 +149,23 @@ private:
     }
 
     const std::filesystem::path m_file;
+    const bool m_mayReplace;
     std::mutex m_mutex;
     std::condition_variable m_changed;
     std::condition_variable m_written;
     std::optional<QJsonObject> m_pending;
+    std::mutex m_handlerMutex; ///< guards m_failed
     std::function<void(QString)> m_failed;
     bool m_writing = false;
     bool m_ending = false;
     std::thread m_thread;
 };
 
-Settings::Settings(std::filesystem::path file)
-    : m_values(readValues(file))
-    , m_writer(std::make_unique<Writer>(std::move(file)))
+Settings::Settings(const std::filesystem::path &file)
 {
+    Stored stored = readStored(file);
+    m_values = std::move(stored.values);
+    m_writer = std::make_unique<Writer>(std::move(stored.file), stored.mayBeReplaced);
 }
 
 Settings::~Settings() = default;

@@ -2,7 +2,7 @@
 //
 // One JSON file. A change is seen by the next read at once and is handed in the same moment to a writer thread,
 // which replaces the file atomically; the UI thread never waits for the disk. Use from one thread. A file that is
-// damaged is set aside under another name, never overwritten.
+// damaged or cannot be read is set aside under another name, never overwritten; where that fails, nothing is written.
 #pragma once
 
 #include <QJsonObject>
@@ -18,7 +18,7 @@
 class Settings {
 public:
     /// Reads `file` if it is there. Nothing is written before the first change.
-    explicit Settings(std::filesystem::path file);
+    explicit Settings(const std::filesystem::path &file);
     /// Returns when the last change is on the disk.
     ~Settings();
     Settings(const Settings &) = delete;

@@ -61,7 +61,7 @@ QString withoutLoneSurrogates(QString name)
 QString cut(const QString &name, qsizetype units)
 {
     QString result = name;
-    for (qsizetype characters = units; result.size() > units; --characters) {
+    for (qsizetype characters = std::max<qsizetype>(units, 0); result.size() > units && characters >= 0; --characters) {
         result = firstCharacters(name, characters);
     }
     return result;
@@ -88,12 +88,12 @@ QString safeName(const QString &name)
     return firstCharacters(result, longestName);
 }
 
-QString volumeName(const QString &name, Volumes::NameRules rules)
+QString volumeName(const QString &name, Volumes::NameRules rules, const QString &ending)
 {
     if (rules == Volumes::NameRules::Posix) {
-        return name;
+        return name + ending;
     }
-    QString result = withoutLoneSurrogates(name);
+    QString result = withoutLoneSurrogates(cut(name, longestFatName - ending.size()) + ending);
     std::transform(result.begin(), result.end(), result.begin(), fatCharacter);
     result = cut(result, longestFatName);
     const auto dropped = [](QChar c) { return c == u'.' || c == u' '; };

@@ -20,7 +20,8 @@
 /// The second step for a name on a volume with these rules. On FAT and exFAT it does what the firmware does when it
 /// looks for a cover by its album's name: `"` becomes `'`, each of * : < > ? \ | and every control character becomes
 /// "_", trailing dots and blanks go; what is longer than 255 UTF-16 units is cut. Elsewhere the name stays.
-[[nodiscard]] QString volumeName(const QString &name, Volumes::NameRules rules);
+/// `ending` belongs to the name, but the cut is made before it, so that numbered names stay distinct.
+[[nodiscard]] QString volumeName(const QString &name, Volumes::NameRules rules, const QString &ending = {});
 
 namespace Storage {
 

@@ -42,14 +42,15 @@ public:
     /// The name to try when all before it are taken: "NAME (2).EXT". Without an extension the dot stays.
     [[nodiscard]] std::filesystem::path numbered(const std::filesystem::path &source, int number) const
     {
-        return component(safeName(Files::baseName(source)) + QStringLiteral(" (") + QString::number(number)
-            + QStringLiteral(").") + Files::extension(source));
+        const QString ending
+            = QStringLiteral(" (") + QString::number(number) + QStringLiteral(").") + Files::extension(source);
+        return component(safeName(Files::baseName(source)), ending);
     }
 
 private:
-    [[nodiscard]] std::filesystem::path component(const QString &name) const
+    [[nodiscard]] std::filesystem::path component(const QString &name, const QString &ending = {}) const
     {
-        return Files::fromText(volumeName(name, m_rules));
+        return Files::fromText(volumeName(name, m_rules, ending));
     }
 
     Volumes::NameRules m_rules;

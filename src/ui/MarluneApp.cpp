@@ -9,12 +9,14 @@
 #include "ui/Symbols.h"
 
 #include "platform/Files.h"
+#include "platform/MarluneError.h"
 #include "platform/Volumes.h"
 
 #include <QFontDatabase>
 #include <QGuiApplication>
 #include <QIcon>
 #include <QLibraryInfo>
+#include <QLockFile>
 #include <QQmlApplicationEngine>
 #include <QQuickStyle>
 #include <QStandardPaths>
@@ -67,6 +69,24 @@ void translateQt()
     }
 }
 
+/// Held as long as a program works with the settings file: two would overwrite each other's changes.
+class SettingsLock {
+public:
+    explicit SettingsLock(const std::filesystem::path &settingsFile)
+        : m_file(Files::text(settingsFile) + QStringLiteral(".lock"))
+    {
+        std::error_code ignored; // a folder that cannot be written is reported with the first change
+        std::filesystem::create_directories(settingsFile.parent_path(), ignored);
+        m_file.setStaleLockTime(0); // only the end of the process that holds it makes a lock stale
+        if (!m_file.tryLock(0) && m_file.error() == QLockFile::LockFailedError) {
+            throw MarluneError(QStringLiteral("Marlune jest już uruchomione."));
+        }
+    }
+
+private:
+    QLockFile m_file;
+};
+
 } // namespace
 
 struct Program::Parts {
@@ -74,6 +94,7 @@ struct Program::Parts {
     ~Parts();
 
     // In the order of their making; they go the other way round.
+    SettingsLock settingsLock;
     Settings settings;
     DesktopPanels desktopPanels;
     Volumes::Watcher watcher; // before the model: a change while that looks for devices is then an event, not missed
@@ -85,7 +106,8 @@ struct Program::Parts {
 };
 
 Program::Parts::Parts(const Setup &setup)
-    : settings(setup.settingsFile)
+    : settingsLock(setup.settingsFile)
+    , settings(setup.settingsFile)
     , model({.settings = settings,
           .panels = setup.panels ? *setup.panels : desktopPanels,
           .deviceDiscovery = setup.deviceDiscovery,
@@ -172,14 +194,19 @@ int run(int argc, char **argv)
     qInstallMessageHandler(handler);
     prepareApplication();
 
-    Program program(Setup::forUser());
-    QQuickWindow *window = program.window();
-    if (!window) {
-        std::fputs("marlune: the window could not be made.\n", stderr);
+    try {
+        Program program(Setup::forUser());
+        QQuickWindow *window = program.window();
+        if (!window) {
+            std::fputs("marlune: the window could not be made.\n", stderr);
+            return 1;
+        }
+        QObject::connect(window, &QQuickWindow::sceneGraphError, window, reportGraphicsFailure);
+        return QGuiApplication::exec();
+    } catch (const MarluneError &refusal) {
+        std::fprintf(stderr, "marlune: %s\n", AppLocalizer::text(refusal.message()).toUtf8().constData());
         return 1;
     }
-    QObject::connect(window, &QQuickWindow::sceneGraphError, window, reportGraphicsFailure);
-    return QGuiApplication::exec();
 }
 
 } // namespace MarluneApp

@@ -36,6 +36,7 @@ struct Setup {
 /// Settings, model and window of one run. After it is destroyed no part of it is at work any more.
 class Program {
 public:
+    /// Throws MarluneError where another program works with the same settings.
     explicit Program(const Setup &setup);
     ~Program();
     Program(const Program &) = delete;

@@ -3,21 +3,7 @@
 
 #include <QSignalSpy>
 
-#include <latch>
-
 namespace {
-
-/// Runs `action` while no reading can begin.
-void holdingReadings(const std::function<void()> &action)
-{
-    const auto gate = std::make_shared<std::latch>(1);
-    QThreadPool &pool = BackgroundJobs::pool(JobPriority::Utility);
-    for (int i = 0; i < pool.maxThreadCount(); ++i) {
-        BackgroundJobs::startOn(pool, [gate] { gate->wait(); });
-    }
-    action();
-    gate->count_down();
-}
 
 std::string namesOf(const MarluneModel &model)
 {
@@ -85,25 +71,28 @@ private Q_SLOTS:
             whole = whole && std::size_t(model->themeSettings().size()) == model->themes().size();
             landed += QString::number(model->themes().size());
         });
-        holdingReadings([&] {
+        {
+            const HeldJobs held;
             model->select(few);
             model->volumeUnmounted(few.root);
-        });
+        }
         desk.waitForJobs(*model);
-        holdingReadings([&] {
+        {
+            const HeldJobs held;
             model->select(many);
             model->select(few);
             model->select(few);
-        });
+        }
         desk.waitForJobs(*model);
         model->select(many);
         desk.waitForJobs(*model);
         QVERIFY(whole);
         QCOMPARE(landed, QStringList({QStringLiteral("1"), QStringLiteral("2000")}));
-        holdingReadings([&] {
+        {
+            const HeldJobs held;
             model->select(few);
             std::filesystem::remove_all(few.root);
-        });
+        }
         desk.waitForJobs(*model);
         QVERIFY(model->themes().empty() && !model->alert());
     }
