@@ -64,10 +64,12 @@ void MarluneModel::loadDeviceContent()
 {
     abandonDeviceContent();
     if (!m_device) {
-        DeviceContent rest = m_content;
-        rest.themes.clear();
-        rest.playlists.clear();
-        setDeviceContent(std::move(rest));
+        setDeviceContent({.themes = {},
+            .themePreviews = m_content.themePreviews,
+            .deviceInfo = m_content.deviceInfo,
+            .deviceConfig = m_content.deviceConfig,
+            .themeSettings = m_content.themeSettings,
+            .playlists = {}});
     } else if (!m_ejecting) { // however that ends, a refresh follows
         runContentLoad(m_device->root);
     }
@@ -139,9 +141,10 @@ void MarluneModel::forgetDeviceContent()
 
 void MarluneModel::forgetThemePreviews()
 {
-    DeviceContent rest = m_content;
-    rest.themePreviews.clear();
-    setDeviceContent(std::move(rest));
+    if (!m_content.themePreviews.isEmpty()) {
+        m_content.themePreviews.clear();
+        Q_EMIT themePreviewsChanged();
+    }
     setThemePreviewStatus({});
 }
 
