@@ -101,7 +101,7 @@ private Q_SLOTS:
         QVERIFY(!model->device());
         desk.panels.answer({device.root});
         desk.waitForJobs(*model);
-        QVERIFY(model->device() == device);
+        QVERIFY(model->device() && model->device()->root == device.root); // its free space may be another by now
         QCOMPARE(model->status(), QStringLiteral("Wybrano: folder"));
     }
 

@@ -73,6 +73,7 @@ private Q_SLOTS:
         Device &second = pages.desk.found->back();
         second.total = 160'000'000'000;
         second.available = 40'000'000'000;
+        pages.desk.folder.write("SECOND/.rockbox/themes/a.cfg", "");
         pages.model->refresh();
         QTRY_COMPARE(pages.shell.offeredDevices().size(), 2);
         pages.shell.selectOffered(2);
@@ -82,6 +83,7 @@ private Q_SLOTS:
         QTRY_VERIFY(pages.shell.offeredDevices().isEmpty() && pages.shell.canTransfer());
         QCOMPARE(plain(pages.shell.deviceSpace()), QStringLiteral("160,00 GB · 40,00 GB wolne"));
         QCOMPARE(pages.shell.usedShare(), 0.75);
+        QTRY_COMPARE(pages.shell.themeCount(), QStringLiteral("1 zainstalowanych motywów"));
     }
 
     void theWindowWaitsForWorkAndForItsLastWord()
@@ -132,6 +134,10 @@ private Q_SLOTS:
         QCOMPARE(ask(true, false), DesktopPanels::ChooseFiles);
         panels.answer({QUrl(QStringLiteral("smb://server/a"))});
         QCOMPARE(answers.size(), 1U);
+
+        panels.open(
+            {.files = true, .folders = false, .multiple = false, .pictures = true, .prompt = {}, .message = {}}, note);
+        QCOMPARE(asked.takeFirst().at(0).value<DesktopPanels::Kind>(), DesktopPanels::ChoosePictures);
 
         // An answer may ask the next question.
         panels.open({}, [&](const auto &) { (void)ask(false, true); });
