@@ -32,13 +32,11 @@ TEST(AudioInfo, goesByExtensionThenByContent)
 {
     const TemporaryFolder folder;
     const std::string flac = "fLaC" + FlacBytes::block(0, FlacBytes::streamInfo(96000, 24, 96000), true);
-    const std::tuple<const char *, std::string, const char *, int, double, int> rows[] = {
-        {"a.FLAC", flac, "FLAC", 96000, 1, 0},
-        {"a.wav", wave(), "WAV", 8000, 1, 128}, // the head's 44 bytes are cut with the fraction
-        {"lying.flac", wave(), "FLAC", 8000, 1, 128},
-        {"a.mp3", "no audio", "MP3", 0, 0, 0},
-        {"noextension", "no audio", "", 0, 0, 0},
-    };
+    const std::tuple<const char *, std::string, const char *, int, double, int> rows[]
+        = {{"a.FLAC", flac, "FLAC", 96000, 1, 0},
+            {"a.wav", wave(), "WAV", 8000, 1, 128}, // the head's 44 bytes are cut with the fraction
+            {"lying.flac", wave(), "FLAC", 8000, 1, 128}, {"a.mp3", "no audio", "MP3", 0, 0, 0},
+            {"noextension", "no audio", "", 0, 0, 0}};
     for (const auto &[name, bytes, codec, rate, duration, bitrate] : rows) {
         const auto file = folder.write(name, bytes);
         MediaAsset asset(file);
