@@ -115,8 +115,8 @@ private Q_SLOTS:
         DesktopPanels panels;
         QSignalSpy asked(&panels, &DesktopPanels::asked);
         std::vector<std::vector<std::filesystem::path>> answers;
-        const auto ask = [&](bool files, bool folders) {
-            panels.open({.files = files, .folders = folders, .multiple = false, .prompt = {}, .message = {}},
+        const auto ask = [&](bool files, bool folders, bool pictures = false) {
+            panels.open({.files = files, .folders = folders, .pictures = pictures, .prompt = {}, .message = {}},
                 [&](auto paths) { answers.push_back(std::move(paths)); });
             return asked.takeFirst().at(0).value<DesktopPanels::Kind>();
         };
@@ -134,9 +134,7 @@ private Q_SLOTS:
         panels.answer({QUrl(QStringLiteral("smb://server/a"))});
         QCOMPARE(answers.size(), 1U);
 
-        panels.open(
-            {.files = true, .folders = false, .multiple = false, .pictures = true, .prompt = {}, .message = {}}, note);
-        QCOMPARE(asked.takeFirst().at(0).value<DesktopPanels::Kind>(), DesktopPanels::ChoosePictures);
+        QCOMPARE(ask(true, false, true), DesktopPanels::ChoosePictures);
 
         // An answer may ask the next question.
         panels.open(
