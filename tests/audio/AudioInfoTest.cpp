@@ -15,30 +15,18 @@ MetadataItem item(const char *identifier, const char *text, CommonKey key = Comm
     return {key, QString::fromLatin1(identifier), QString::fromUtf8(text), std::nullopt};
 }
 
-/// One second of 16-bit mono silence at 8 kHz (Microsoft RIFF, PCM).
-std::string wave()
-{
-    const auto half = [](std::uint32_t value) { return FlacBytes::little(value).substr(0, 2); };
-    const std::string format
-        = half(1) + half(1) + FlacBytes::little(8000) + FlacBytes::little(16000) + half(2) + half(16);
-    const std::string data(16000, '\0');
-    const std::string body = "WAVEfmt " + FlacBytes::little(16) + format + "data" + FlacBytes::little(16000) + data;
-    return "RIFF" + FlacBytes::little(std::uint32_t(body.size())) + body;
-}
-
 } // namespace
 
 TEST(AudioInfo, goesByExtensionThenByContent)
 {
     const TemporaryFolder folder;
     const std::string flac = "fLaC" + FlacBytes::block(0, FlacBytes::streamInfo(96000, 24, 96000), true);
-    const std::tuple<const char *, std::string, const char *, int, double, int> rows[] = {
-        {"a.FLAC", flac, "FLAC", 96000, 1, 0},
-        {"a.wav", wave(), "WAV", 8000, 1, 128}, // the head's 44 bytes are cut with the fraction
-        {"lying.flac", wave(), "FLAC", 8000, 1, 128},
-        {"a.mp3", "no audio", "MP3", 0, 0, 0},
-        {"noextension", "no audio", "", 0, 0, 0},
-    };
+    const std::string wave = fileBytes(std::filesystem::path(MARLUNE_SOURCE_DIR) / "tests/data/media/id3.wav");
+    const std::tuple<const char *, std::string, const char *, int, double, int> rows[]
+        = {{"a.FLAC", flac, "FLAC", 96000, 1, 0},
+            {"a.wav", wave, "WAV", 96000, 0.05, 2540}, // 15,880 bytes, the fraction cut
+            {"lying.flac", wave, "FLAC", 96000, 0.05, 2540}, {"a.mp3", "no audio", "MP3", 0, 0, 0},
+            {"noextension", "no audio", "", 0, 0, 0}};
     for (const auto &[name, bytes, codec, rate, duration, bitrate] : rows) {
         const auto file = folder.write(name, bytes);
         MediaAsset asset(file);

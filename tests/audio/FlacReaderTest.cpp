@@ -57,17 +57,12 @@ TEST(FlacReader, refusesWhatIsNoFlacOrDoesNotFitTogether)
     const std::string noHeader = "Nieprawidłowy nagłówek FLAC.";
     const std::string damaged = "Nieprawidłowe metadane FLAC.";
     const std::string padding = block(1, std::string(16'000'000, '\0'));
-    const std::pair<std::string, std::string> rows[] = {
-        {"", noHeader},
-        {"fLa", noHeader},
-        {"fLaX" + block(0, ""), noHeader},
-        {"fLaC", ""},
-        {"fLaC" + block(1, "").substr(0, 3), ""},
-        {"fLaC" + block(1, "12345").substr(0, 8), damaged},
-        // At most 32 million bytes of metadata.
-        {"fLaC" + padding + block(1, std::string(15'999'999, '\0'), true), ""},
-        {"fLaC" + padding + block(1, std::string(16'000'000, '\0'), true), damaged},
-    };
+    const std::pair<std::string, std::string> rows[]
+        = {{"", noHeader}, {"fLa", noHeader}, {"fLaX" + block(0, ""), noHeader}, {"fLaC", ""},
+            {"fLaC" + block(1, "").substr(0, 3), ""}, {"fLaC" + block(1, "12345").substr(0, 8), damaged},
+            // At most 32 million bytes of metadata.
+            {"fLaC" + padding + block(1, std::string(15'999'999, '\0'), true), ""},
+            {"fLaC" + padding + block(1, std::string(16'000'000, '\0'), true), damaged}};
     for (const auto &[bytes, refusal] : rows) {
         EXPECT_EQ(messageOf([&] { (void)read(bytes); }), refusal) << bytes.substr(0, 20);
     }
@@ -96,17 +91,14 @@ TEST(FlacReader, takesCommentsApart)
 {
     const std::string list = comments({"a=1", "b=2"});
     // Lists, and what is kept of them: names and values in the names' order.
-    const std::pair<std::string, const char *> rows[] = {
-        {comments({"title=A=B", "=x", "novalue", "empty=", "żó=1", "bad\xFF=1"}), "=x EMPTY= TITLE=A=B ŻÓ=1 "},
-        {comments({"artist=A", "ARTIST=B"}), "ARTIST=B "},
-        {comments({}), ""},
-        {comments(std::vector<std::string>(9'999, "a=1")), "A=1 "},
-        {comments(std::vector<std::string>(10'000, "a=1")), ""},
-        // Lengths that lie: what came before them stands.
-        {list.substr(0, list.size() - 1), "A=1 "},
-        {little(0xFFFFFFFF) + "x", ""},
-        {little(0) + little(2) + little(3) + "a=1" + little(0xFFFFFFFF), "A=1 "},
-    };
+    const std::pair<std::string, const char *> rows[]
+        = {{comments({"title=A=B", "=x", "novalue", "empty=", "żó=1", "bad\xFF=1"}), "=x EMPTY= TITLE=A=B ŻÓ=1 "},
+            {comments({"artist=A", "ARTIST=B"}), "ARTIST=B "}, {comments({}), ""},
+            {comments(std::vector<std::string>(9'999, "a=1")), "A=1 "},
+            {comments(std::vector<std::string>(10'000, "a=1")), ""},
+            // Lengths that lie: what came before them stands.
+            {list.substr(0, list.size() - 1), "A=1 "}, {little(0xFFFFFFFF) + "x", ""},
+            {little(0) + little(2) + little(3) + "a=1" + little(0xFFFFFFFF), "A=1 "}};
     for (const auto &[body, kept] : rows) {
         QString shown;
         const QMap<QString, QString> tags = read("fLaC" + block(4, body, true)).tags;

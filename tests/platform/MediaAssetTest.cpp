@@ -175,13 +175,7 @@ TEST(MediaAsset, ReadsId3v2InAllItsForms)
     const std::string picture2 = "\0JPG\3\0"s + jpeg;
     const std::string artist = frame(v4, "TPE1", "\3P"s);
     const std::string longText(200, 'x');
-    const struct {
-        const char *what;
-        TagForm form;
-        std::string frames;
-        Values shown;
-        std::string behind = {};
-    } rows[] = {
+    const std::tuple<const char *, TagForm, std::string, Values> rows[] = {
         {"2.2", v2, frame(v2, "TT2", "\0T"s) + frame(v2, "TYE", "\0001999"s) + frame(v2, "PIC", picture2),
             {{"TIT2", "T"}, {"TDRC", "1999"}, {"APIC", jpeg}}},
         {"2.2 coded", {2, 0x80}, frame(v2, "TT2", utf16) + frame(v2, "PIC", picture2), {{"TIT2", "ż"}, {"APIC", jpeg}}},
@@ -211,13 +205,13 @@ TEST(MediaAsset, ReadsId3v2InAllItsForms)
                 + frame(v4, "APIC", "\0-->\0\3\0http://x"s) + artist,
             {{"TPE1", "P"}}},
         {"cut", v4, artist + "TIT2"s + bigEndian(100, 7) + "\0\0\3T"s, {{"TPE1", "P"}}},
-        {"padding and a second tag", v4, artist + std::string(30, '\0'), {{"TPE1", "P"}},
-            tag(v4, frame(v4, "TPE1", "\3Q"s))},
+        {"padding", v4, artist + std::string(30, '\0'), {{"TPE1", "P"}}},
     };
     const TemporaryFolder folder;
-    for (const auto &row : rows) {
-        const std::string bytes = tag(row.form, row.frames) + row.behind;
-        EXPECT_EQ(shownValues(MediaAsset(folder.write("a.mp3", bytes)).metadata()), row.shown) << row.what;
+    for (const auto &[what, form, frames, shown] : rows) {
+        const std::string second = tag(v4, frame(v4, "TPE1", "\3Q"s)); // is not read
+        const auto file = folder.write("a.mp3", tag(form, frames) + second);
+        EXPECT_EQ(shownValues(MediaAsset(file).metadata()), shown) << what;
     }
 }
 
@@ -227,65 +221,53 @@ TEST(MediaAsset, ShowsTheFirstFrontCoverElseTheFirstPictureThatIsNotTooLarge)
         return frame(v4, "APIC", "\0image/png\0"s + type + '\0' + bytes);
     };
     const std::string largest(10'000'000, 'x');
-    const struct {
-        const char *what;
-        std::string frames;
-        std::vector<std::string> order;
-    } rows[] = {
-        {"front behind", picture(4, "back") + picture(3, "front"), {"back", "front"}},
-        {"front first", picture(3, "front") + picture(4, "back") + picture(3, "front 2"), {"back", "front 2", "front"}},
-        {"no front", picture(4, "back") + picture(5, "leaf"), {"leaf", "back"}},
-        {"too large", picture(3, largest + 'x') + picture(4, largest), {largest}},
-        {"too many", picture(4, largest) + picture(5, largest) + picture(6, largest) + picture(3, largest),
+    const std::pair<std::string, std::vector<std::string>> rows[] = {
+        {picture(4, "back") + picture(3, "front"), {"back", "front"}},
+        {picture(3, "front") + picture(4, "back") + picture(3, "front 2"), {"back", "front 2", "front"}},
+        {picture(4, "back") + picture(5, "leaf"), {"leaf", "back"}},
+        {picture(3, largest + 'x') + picture(4, largest), {largest}},
+        {picture(4, largest) + picture(5, largest) + picture(6, largest) + picture(3, largest),
             {largest, largest, largest}},
-        {"empty", picture(3, ""), {}},
+        {picture(3, ""), {}},
     };
     const TemporaryFolder folder;
-    for (const auto &row : rows) {
+    for (const auto &[frames, expected] : rows) {
         std::vector<std::string> order;
-        for (const MetadataItem &item : MediaAsset(folder.write("a.mp3", tag(v4, row.frames))).metadata()) {
+        for (const MetadataItem &item : MediaAsset(folder.write("a.mp3", tag(v4, frames))).metadata()) {
             order.push_back(item.data.value_or(QByteArray()).toStdString());
         }
-        EXPECT_EQ(order, row.order) << row.what;
+        EXPECT_TRUE(order == expected) << frames.substr(0, 60);
     }
 }
 
-// What is no audio
-
-TEST(MediaAsset, KnowsNothingOfWhatIsNoAudioFileAndDoesNotWaitForIt)
+TEST(MediaAsset, KnowsNothingOfWhatIsNoAudioFileAndOpensNoOther)
 {
     const TemporaryFolder folder;
+    const std::string other = folder.write("other.mp3", fileBytes(media / "id3v24.mp3")).string();
     std::filesystem::create_directory(folder / "folder.mp3");
     ASSERT_EQ(::mkfifo((folder / "pipe.mp3").c_str(), 0600), 0);
     std::filesystem::create_symlink("/dev/zero", folder / "device.mp3");
     std::filesystem::create_symlink("loop.mp3", folder / "loop.mp3");
-    folder.write("empty.mp3", "");
-    folder.write("text.ogg", "no audio at all");
-    folder.write("zeros.mp3", std::string(3'000'000, '\0'));
-    for (const char *const name :
-        {"missing.mp3", "folder.mp3", "pipe.mp3", "device.mp3", "loop.mp3", "empty.mp3", "text.ogg", "zeros.mp3"}) {
-        MediaAsset asset(folder / name);
-        EXPECT_EQ(asset.durationSeconds(), std::nullopt) << name;
-        EXPECT_EQ(asset.firstAudioStream(), std::nullopt) << name;
-        EXPECT_TRUE(asset.metadata().empty()) << name;
-    }
-}
-
-TEST(MediaAsset, OpensNoOtherFileThatAListNames)
-{
-    const TemporaryFolder folder;
-    folder.write("other.mp3", fileBytes(media / "id3v24.mp3"));
-    const std::string other = (folder / "other.mp3").string();
-    const std::string lists[] = {
+    std::vector<std::filesystem::path> files {folder / "missing.mp3", folder / "folder.mp3", folder / "pipe.mp3",
+        folder / "device.mp3", folder / "loop.mp3", folder.write("empty.mp3", ""),
+        folder.write("zeros.mp3", std::string(3'000'000, '\0'))};
+    const std::string texts[] = {
+        "no audio at all",
         "#EXTM3U\n#EXT-X-TARGETDURATION:1\n#EXTINF:1,\n" + other + "\n#EXT-X-ENDLIST\n",
         "ffconcat version 1.0\nfile 'other.mp3'\n",
-        "<MPD><Period><AdaptationSet><Representation><BaseURL>other.mp3</BaseURL></Representation></AdaptationSet></"
-        "Period></MPD>",
+        "<MPD profiles=\"urn:mpeg:dash:profile:full:2011\"><Period><AdaptationSet><Representation><BaseURL>other.mp3"
+        "</BaseURL></Representation></AdaptationSet></Period></MPD>",
     };
-    for (const std::string &list : lists) {
-        for (const char *const name : {"list.aac", "list.mp3", "list.flac", "list.m4a"}) {
-            EXPECT_EQ(MediaAsset(folder.write(name, list)).firstAudioStream(), std::nullopt) << name << list;
+    for (const std::string &text : texts) {
+        for (const char *extension : {".aac", ".mp3", ".flac", ".m4a", ".ogg"}) {
+            files.push_back(folder.write("text " + std::to_string(files.size()) + extension, text));
         }
+    }
+    for (const std::filesystem::path &file : files) {
+        MediaAsset asset(file);
+        EXPECT_EQ(asset.durationSeconds(), std::nullopt) << file;
+        EXPECT_EQ(asset.firstAudioStream(), std::nullopt) << file;
+        EXPECT_TRUE(asset.metadata().empty()) << file;
     }
 }
 
@@ -333,10 +315,7 @@ std::string nestedChapters(std::size_t depth)
 // Without limits these make a parser call itself until the stack ends, circle, inflate or search for minutes.
 TEST(MediaAsset, EndsSoonOnBytesThatWereMadeToHoldItUp)
 {
-    const struct {
-        const char *name;
-        std::string bytes;
-    } rows[] = {
+    const std::pair<const char *, std::string> rows[] = {
         {"nested.m4a", "\0\0\0\020ftypM4A \0\0\0\0"s + repeated("\0\x7F\0\0moov"s, 200'000)},
         {"chapters.mp3", tag(v3, nestedChapters(60'000))},
         {"frames.mp3", tag(v3, repeated(frame(v3, "TIT2", "\0T"s), 500'000))},
@@ -349,10 +328,10 @@ TEST(MediaAsset, EndsSoonOnBytesThatWereMadeToHoldItUp)
         {"blocks.flac", "fLaC"s + repeated("\1\0\0\0"s, 1'000'000)},
     };
     const TemporaryFolder folder;
-    for (const auto &row : rows) {
+    for (const auto &[name, bytes] : rows) {
         const auto start = std::chrono::steady_clock::now();
-        EXPECT_TRUE(answersSensibly(folder.write(row.name, row.bytes))) << row.name;
-        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20)) << row.name;
+        EXPECT_TRUE(answersSensibly(folder.write(name, bytes))) << name;
+        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20)) << name;
     }
 }
 

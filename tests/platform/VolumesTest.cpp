@@ -63,21 +63,11 @@ TEST(MountTableTest, ALineThatBreaksOffBeforeItsSourceIsNoMount)
 
 TEST(MountTableTest, TellsDisksFromTheKernelsOwnAndFatNamesFromOthers)
 {
-    const std::tuple<const char *, const char *, bool, bool> rows[] = {
-        {"vfat", "/", true, true},
-        {"exfat", "/folder", true, true},
-        {"fuseblk", "/", true, true},
-        {"fuse.exfat", "/", true, true},
-        {"hfsplus", "/", true, false},
-        {"overlay", "/", true, false},
-        {"tmpfs", "/sample", true, false},
-        {"tmpfs", "/", false, false},
-        {"proc", "/", false, false},
-        {"autofs", "/", false, false},
-        {"squashfs", "/", false, false},
-        {"fuse.gvfsd-fuse", "/", false, false},
-        {"fuse.portal", "/", false, false},
-    };
+    const std::tuple<const char *, const char *, bool, bool> rows[] = {{"vfat", "/", true, true},
+        {"exfat", "/folder", true, true}, {"fuseblk", "/", true, true}, {"fuse.exfat", "/", true, true},
+        {"hfsplus", "/", true, false}, {"overlay", "/", true, false}, {"tmpfs", "/sample", true, false},
+        {"tmpfs", "/", false, false}, {"proc", "/", false, false}, {"autofs", "/", false, false},
+        {"squashfs", "/", false, false}, {"fuse.gvfsd-fuse", "/", false, false}, {"fuse.portal", "/", false, false}};
     for (const auto &[type, root, disk, fat] : rows) {
         EXPECT_EQ(MountTable::isDisk(mountAt("/mnt/a", 1, root, type)), disk) << type << ' ' << root;
         EXPECT_EQ(MountTable::hasFatNames(type), fat) << type;

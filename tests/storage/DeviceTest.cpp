@@ -45,18 +45,10 @@ TEST(DeviceInspection, refusesWhatIsNoDevice)
 TEST(DeviceInspection, findsTheVersionInTheInfoFile)
 {
     const std::string unknown = "wersja nieznana";
-    const std::pair<std::string, std::string> rows[] = {
-        {"Target: x\r\nVersion: 3.15\r\nMemory: 64\r\n", "3.15"},
-        {"Version:", ""},
-        {"Version: Version: x", "x"},
-        {"Version:\t a b \nVersion: later", "a b"},
-        {"x\xC2\x85Version: next line", "next line"},
-        {"x\xE2\x80\xA8Version: line separator", "line separator"},
-        {"version: 3.15", unknown},
-        {" Version: 3.15", unknown},
-        {"Version: \xFF", unknown},
-        {"", unknown},
-    };
+    const std::pair<std::string, std::string> rows[] = {{"Target: x\r\nVersion: 3.15\r\nMemory: 64\r\n", "3.15"},
+        {"Version:", ""}, {"Version: Version: x", "x"}, {"Version:\t a b \nVersion: later", "a b"},
+        {"x\xC2\x85Version: next line", "next line"}, {"x\xE2\x80\xA8Version: line separator", "line separator"},
+        {"version: 3.15", unknown}, {" Version: 3.15", unknown}, {"Version: \xFF", unknown}, {"", unknown}};
     for (const auto &[bytes, version] : rows) {
         EXPECT_EQ(Device::versionFrom(QByteArray::fromStdString(bytes)).toStdString(), version) << bytes;
     }

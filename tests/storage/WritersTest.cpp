@@ -13,64 +13,52 @@
 
 namespace {
 
-/// As long as it lives, no file grows past `bytes`: the kernel's answer is that of a full disk.
+/// As long as it lives, no file grows past 100,000 bytes: the kernel's answer is that of a full disk.
 class SmallDisk {
 public:
-    explicit SmallDisk(rlim_t bytes)
-        : m_handler(std::signal(SIGXFSZ, SIG_IGN))
+    SmallDisk()
     {
+        std::signal(SIGXFSZ, SIG_IGN);
         ::getrlimit(RLIMIT_FSIZE, &m_before);
-        const rlimit limit {.rlim_cur = bytes, .rlim_max = m_before.rlim_max};
+        const rlimit limit {.rlim_cur = 100'000, .rlim_max = m_before.rlim_max};
         EXPECT_EQ(::setrlimit(RLIMIT_FSIZE, &limit), 0);
     }
-    ~SmallDisk()
-    {
-        ::setrlimit(RLIMIT_FSIZE, &m_before);
-        std::signal(SIGXFSZ, m_handler);
-    }
+    ~SmallDisk() { ::setrlimit(RLIMIT_FSIZE, &m_before); }
     SmallDisk(const SmallDisk &) = delete;
     SmallDisk &operator=(const SmallDisk &) = delete;
 
 private:
     rlimit m_before {};
-    void (*m_handler)(int);
 };
+
+using FileMap = std::map<std::string, std::string>;
 
 } // namespace
 
 TEST(WriteBytes, leavesTheOldFileOrTheNewWhicheverCallFails)
 {
-    for (const bool replaces : {false, true}) {
+    for (const FileMap &before : {FileMap {}, FileMap {{"file", "old"}}}) {
         for (int failAt = 1;; ++failAt) {
             const TemporaryFolder folder;
-            if (replaces) {
-                folder.write("file", "old");
+            for (const auto &[name, bytes] : before) {
+                folder.write(name, bytes);
             }
             const FailingDisk disk(failAt);
             const std::string failure = failureOf([&] { Storage::writeBytes("new bytes", folder / "file"); });
-            const auto files = filesBelow(folder.path());
+            EXPECT_EQ(failure.empty(), !FailingDisk::reached()) << "call " << failAt;
             if (!FailingDisk::reached()) {
                 ASSERT_GT(failAt, 4); // open, write, fsync, close, rename
-                EXPECT_EQ(failure, "");
-                EXPECT_EQ(files, (std::map<std::string, std::string> {{"file", "new bytes"}}));
+                EXPECT_EQ(filesBelow(folder.path()), (FileMap {{"file", "new bytes"}}));
                 break;
             }
-            EXPECT_NE(failure, "");
-            EXPECT_EQ(files.size(), replaces ? 1U : 0U) << "call " << failAt;
-            EXPECT_TRUE(!replaces || files.at("file") == "old") << "call " << failAt;
+            EXPECT_EQ(filesBelow(folder.path()), before) << "call " << failAt;
         }
     }
-}
-
-TEST(WriteBytes, keepsTheOldFileOnAFullDisk)
-{
     const TemporaryFolder folder;
     folder.write("file", "old");
-    {
-        const SmallDisk disk(100'000);
-        EXPECT_NE(failureOf([&] { Storage::writeBytes(QByteArray(300'000, 'x'), folder / "file"); }), "");
-    }
-    EXPECT_EQ(filesBelow(folder.path()), (std::map<std::string, std::string> {{"file", "old"}}));
+    const SmallDisk disk;
+    EXPECT_NE(failureOf([&] { Storage::writeBytes(QByteArray(300'000, 'x'), folder / "file"); }), "");
+    EXPECT_EQ(filesBelow(folder.path()), (FileMap {{"file", "old"}}));
 }
 
 TEST(WriteBytes, refusesFoldersAndReplacesLinksNotTheirTargets)
@@ -134,7 +122,7 @@ TEST(CopyAudioBytes, reportsEveryFailureAndKeepsTheSource)
     const FailingDisk disk(6);
     EXPECT_EQ(copy(6), "");
     EXPECT_FALSE(FailingDisk::reached());
-    const SmallDisk small(100'000);
+    const SmallDisk small;
     EXPECT_NE(copy(7), "");
     EXPECT_TRUE(fileBytes(source) == bytes);
 }

@@ -50,16 +50,13 @@ private Q_SLOTS:
     {
         const QString gnome = QStringLiteral("org.gnome.desktop.interface");
         const QString kde = QStringLiteral("org.kde.kdeglobals.KDE");
-        const std::tuple<QString, const char *, QVariant, bool, bool> rows[] = {
-            {appearance, "color-scheme", 1U, true, false},
-            {appearance, "color-scheme", 2U, false, false},
-            {appearance, "reduced-motion", 1U, false, true},
-            {gnome, "enable-animations", false, false, true},
-            {gnome, "enable-animations", true, false, false},
-            {gnome, "color-scheme", QStringLiteral("prefer-dark"), false, false},
-            {kde, "AnimationDurationFactor", QStringLiteral("0"), false, true},
-            {kde, "AnimationDurationFactor", QStringLiteral("2"), false, false},
-        };
+        const std::tuple<QString, const char *, QVariant, bool, bool> rows[]
+            = {{appearance, "color-scheme", 1U, true, false}, {appearance, "color-scheme", 2U, false, false},
+                {appearance, "reduced-motion", 1U, false, true}, {gnome, "enable-animations", false, false, true},
+                {gnome, "enable-animations", true, false, false},
+                {gnome, "color-scheme", QStringLiteral("prefer-dark"), false, false},
+                {kde, "AnimationDurationFactor", QStringLiteral("0"), false, true},
+                {kde, "AnimationDurationFactor", QStringLiteral("2"), false, false}};
         for (const auto &[group, key, value, dark, still] : rows) {
             DesktopScheme scheme;
             scheme.apply(group, QString::fromLatin1(key), value);
@@ -93,15 +90,6 @@ private Q_SLOTS:
         }
         QCOMPARE(changes.count(), 2);
         QDBusConnection::disconnectFromBus(QStringLiteral("portal"));
-    }
-
-    void textScaleStaysWithinReason()
-    {
-        DesktopScheme scheme;
-        for (const auto &[wanted, taken] : {std::pair(1.5, 1.5), std::pair(0.1, 0.75), std::pair(9.0, 2.0)}) {
-            scheme.setTextScale(wanted);
-            QCOMPARE(scheme.textScale(), taken);
-        }
     }
 
 private:

@@ -115,13 +115,12 @@ private Q_SLOTS:
         DesktopPanels panels;
         QSignalSpy asked(&panels, &DesktopPanels::asked);
         std::vector<std::vector<std::filesystem::path>> answers;
-        const auto note = [&](std::vector<std::filesystem::path> paths) { answers.push_back(std::move(paths)); };
         const auto ask = [&](bool files, bool folders, bool pictures = false) {
-            panels.open({.files = files, .folders = folders, .pictures = pictures, .prompt = {}, .message = {}}, note);
+            panels.open({.files = files, .folders = folders, .pictures = pictures, .prompt = {}, .message = {}},
+                [&](auto paths) { answers.push_back(std::move(paths)); });
             return asked.takeFirst().at(0).value<DesktopPanels::Kind>();
         };
         const QUrl file(QStringLiteral("file:///music/a.flac"));
-
         QCOMPARE(ask(true, true), DesktopPanels::ChooseFilesOrFolder);
         panels.answer({file});
         panels.answer({file});
@@ -131,14 +130,15 @@ private Q_SLOTS:
         QCOMPARE(ask(false, true), DesktopPanels::ChooseFolder);
         panels.cancel();
         panels.answer({file});
-        QCOMPARE(ask(true, false, true), DesktopPanels::ChoosePictures);
         QCOMPARE(ask(true, false), DesktopPanels::ChooseFiles);
         panels.answer({QUrl(QStringLiteral("smb://server/a"))});
         QCOMPARE(answers.size(), 1U);
 
+        QCOMPARE(ask(true, false, true), DesktopPanels::ChoosePictures);
+
         // An answer may ask the next question.
-        panels.open({}, [&](const auto &) { (void)ask(false, true); });
-        asked.clear();
+        panels.open(
+            {}, [&](const auto &) { panels.open({}, [&](auto paths) { answers.push_back(std::move(paths)); }); });
         panels.answer({file});
         panels.answer({file});
         QCOMPARE(answers.size(), 2U);
