@@ -111,6 +111,8 @@ public:
     void loadDeviceContent();
     /// The theme that the device has active.
     [[nodiscard]] std::optional<Theme> configuredTheme() const;
+    /// Asks for a picture and keeps a copy of it as the theme's preview. What is no picture is ignored.
+    void chooseThemePreview(const Theme &theme);
 
     // Library.
     [[nodiscard]] const std::vector<Track> &tracks() const { return m_tracks; }
@@ -255,6 +257,7 @@ private:
     QCoro::Task<> runChoice(std::filesystem::path folder);
     QCoro::Task<> runEject(Device device);
     QCoro::Task<> runContentLoad(std::filesystem::path root);
+    QCoro::Task<> runThemePreviewChoice(Theme theme, std::filesystem::path file);
     /// What an import starts from; asked in the background, since the answer can lie on a slow disk. Absent: there is
     /// nothing to import, and all stays as it is.
     using ImportSource = std::function<std::optional<std::vector<std::filesystem::path>>()>;
@@ -300,6 +303,8 @@ private:
     std::vector<std::filesystem::path> m_transferred;
     DeviceContent m_content;
     QString m_themePreviewStatus;
+    int m_previewChoices = 0;
+    QHash<QString, int> m_newestPreviewChoice; ///< by the theme's key, of those that were pictures
     QUuid m_contentGeneration; ///< of the reading that may land
     std::stop_source m_contentReading; ///< ends that reading early
     QString m_playlistName = QStringLiteral("Moja playlista");

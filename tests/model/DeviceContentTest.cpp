@@ -1,6 +1,7 @@
 // What the selected device holds: read in the background, landed only while it is still wanted.
 #include "support/ModelDesk.h"
 
+#include <QImage>
 #include <QSignalSpy>
 
 namespace {
@@ -113,6 +114,55 @@ private Q_SLOTS:
             const std::optional<Theme> theme = model->configuredTheme();
             QCOMPARE(theme ? theme->name() : QString(), QString::fromLatin1(expected));
         }
+    }
+
+    void aChosenPictureStays()
+    {
+        ModelDesk desk;
+        const Device device = desk.makeDevice("folder", false);
+        const Theme theme {desk.folder.write("folder/.rockbox/themes/a.cfg", "wps: w")};
+        desk.folder.write("folder/.rockbox/themes/a.png", "of the package");
+        const std::filesystem::path front = std::filesystem::path(MARLUNE_SOURCE_DIR) / "tests/data/media/front.png";
+        const std::filesystem::path other = front.parent_path() / "other.png";
+        const std::filesystem::path large = desk.folder / "large.bmp";
+        QVERIFY(QImage(3600, 3600, QImage::Format_RGB32).save(QString::fromStdString(large.string())));
+        const auto choose = [&](MarluneModel &model, const std::filesystem::path &file) {
+            model.chooseThemePreview(theme);
+            desk.panels.answer({file});
+        };
+        const auto shows = [&](const MarluneModel &model, const std::filesystem::path &file) {
+            const auto picture = model.themePreviews().value(theme.id()).playing;
+            return picture && fileBytes(std::get<std::filesystem::path>(*picture)) == fileBytes(file);
+        };
+        {
+            const auto model = desk.start();
+            {
+                const HeldJobs held {JobPriority::Utility};
+                model->select(device); // is to read the device as it was before the choice
+                choose(*model, front);
+                QTRY_VERIFY(shows(*model, front));
+            }
+            desk.waitForJobs(*model);
+            QVERIFY(shows(*model, front));
+            choose(*model, large); // is read when the later choice has long been
+            choose(*model, other);
+            choose(*model, theme.url); // a text
+            desk.waitForJobs(*model);
+            QVERIFY(shows(*model, other) && !model->alert());
+        }
+        desk.settings.flush();
+        Settings stored(desk.folder / "config/settings.json");
+        ModelEnvironment next {.settings = stored,
+            .panels = desk.panels,
+            .deviceDiscovery = [&] { return std::vector {device}; },
+            .ejectVolume = {},
+            .supportFolder = large}; // no folder
+        MarluneModel model(std::move(next));
+        desk.waitForJobs(model);
+        QVERIFY(shows(model, other));
+        choose(model, front);
+        desk.waitForJobs(model);
+        QVERIFY(model.alert() && shows(model, other));
     }
 };
 
