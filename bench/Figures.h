@@ -45,6 +45,7 @@ void digest(const std::filesystem::path &library);
 void transfer(const std::filesystem::path &library);
 void group(const std::filesystem::path &library);
 void browse(const std::filesystem::path &library);
+void catalogue(const std::filesystem::path &library);
 /// Both import the library into the real window; they share one run.
 void heartbeatAndMemory(const std::filesystem::path &library);
 

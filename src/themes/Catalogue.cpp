@@ -17,11 +17,9 @@ namespace {
 
 /// Bytes; many times what the list of all themes takes.
 constexpr std::int64_t largestPage = 20'000'000;
-/// How far behind a picture its theme's author can stand, in characters.
-constexpr std::size_t authorDistance = 10'000;
 
-/// What the page's parts look like. Possessive quantifiers and (*SKIP) change no match. They keep the engine
-/// from looking at the same text again, which a page of "<th<th<th" or of digits would make it do for each character.
+/// What the page's parts look like. Possessive quantifiers and (*SKIP) change no match: they keep the engine from
+/// looking at the same text again, which a page of "<th<th<th" or of digits would make it do for each character.
 struct Pattern {
     QRegularExpression title {
         QStringLiteral("<th[^>]*+(*SKIP)>\\s*+<a href=\"index.php\\?themeid=([0-9]++)[^\"]*+\">([^<]++)</a>")};
@@ -47,91 +45,90 @@ const Pattern &pattern()
     return patterns;
 }
 
-/// The first match from `offset` on. The text is known to be valid: to look it over for each match would take long.
+/// The first match from `offset` on. The text is known to be valid UTF-16: to look it over each time would take long.
 QRegularExpressionMatch matchFrom(const QRegularExpression &expression, QStringView text, qsizetype offset = 0)
 {
     return expression.match(
         text, offset, QRegularExpression::NormalMatch, QRegularExpression::DontCheckSubjectStringMatchOption);
 }
 
-/// All matches, in order.
+/// All matches, in order; the same holds for the text.
 template <typename Use> void matches(const QRegularExpression &expression, QStringView text, const Use &use)
 {
-    if (!text.isValidUtf16()) {
-        return;
-    }
     QRegularExpressionMatch match = matchFrom(expression, text);
     for (; match.hasMatch(); match = matchFrom(expression, text, match.capturedEnd())) {
         use(match);
     }
 }
 
-/// Places of `needle` in `text`, ascending.
-std::vector<qsizetype> placesOf(QStringView needle, QStringView text)
-{
-    std::vector<qsizetype> places;
-    for (qsizetype at = 0; (at = text.indexOf(needle, at)) >= 0; at += needle.size()) {
-        places.push_back(at);
-    }
-    return places;
-}
-
 /// Names of those who submitted the themes, found behind the themes' pictures.
 class Authors {
 public:
-    explicit Authors(const QString &html)
+    explicit Authors(QStringView html)
         : m_html(html)
-        , m_cells(placesOf(u"</td>", html))
     {
-        matches(pattern().submitter, m_html, [this](const QRegularExpressionMatch &match) {
-            m_found.push_back({match.capturedStart(), match.capturedStart(1), match.capturedEnd(1)});
-        });
     }
 
-    /// The name in the rest of the table's cell behind `place`.
+    /// The name in the rest of the table's cell behind `place`, if it is not too far away.
     [[nodiscard]] std::optional<QString> behind(qsizetype place)
     {
-        const auto found = std::lower_bound(m_found.begin(), m_found.end(), place,
-            [](const Found &author, qsizetype wanted) { return author.start < wanted; });
-        if (found == m_found.end()) {
-            return std::nullopt;
-        }
-        const auto cell = std::lower_bound(m_cells.begin(), m_cells.end(), place);
-        const qsizetype end = std::min(found->nameEnd, limit(place, found->nameEnd));
-        if (end <= found->name || (cell != m_cells.end() && *cell < found->name)) {
-            return std::nullopt;
-        }
-        return ThemePreview::decoded(m_html.mid(found->name, end - found->name)).trimmed();
+        const QStringView rest = m_html.sliced(place);
+        const QStringView near = rest.first(std::min(rest.size(), authorDistance)); // no character is less than a unit
+        const qsizetype cell = near.indexOf(cellEnd);
+        const bool isAll = cell >= 0 || near.size() == rest.size();
+        const QStringView name = isAll ? nameIn(cell >= 0 ? near.first(cell) : near) : nameInLongCell(place);
+        return name.isEmpty() ? std::nullopt : std::optional(ThemePreview::decoded(name.toString()).trimmed());
     }
 
 private:
     struct Found {
         qsizetype start;
-        qsizetype name;
-        qsizetype nameEnd;
+        QStringView name; ///< not empty
     };
 
-    /// Where the text behind `place` ends that is looked at; or any place from `wanted` on if it reaches so far.
-    [[nodiscard]] qsizetype limit(qsizetype place, qsizetype wanted)
+    static QStringView nameIn(QStringView text) { return matchFrom(pattern().submitter, text).capturedView(1); }
+
+    /// Many pictures can be far from the same author and the same end, so that these are looked for once for all.
+    [[nodiscard]] QStringView nameInLongCell(qsizetype place)
     {
-        if (wanted - place <= qsizetype(authorDistance)) {
-            return wanted; // no character is shorter than a code unit
-        }
         if (m_boundaries.empty()) {
-            QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, m_html);
-            for (qsizetype at = 0; at >= 0; at = finder.toNextBoundary()) {
-                m_boundaries.push_back(at);
-            }
+            survey();
         }
+        const auto author = std::lower_bound(m_found.begin(), m_found.end(), place,
+            [](const Found &found, qsizetype wanted) { return found.start < wanted; });
+        const auto cell = std::lower_bound(m_cells.begin(), m_cells.end(), place);
         const auto next = std::upper_bound(m_boundaries.begin(), m_boundaries.end(), place);
-        const auto left = std::size_t(m_boundaries.end() - next);
-        return left < authorDistance ? wanted : *(next + authorDistance - 1);
+        const qsizetype end = m_boundaries.end() - next < authorDistance ? m_html.size() : next[authorDistance - 1];
+        if (author == m_found.end() || (cell != m_cells.end() && *cell < author->start)) {
+            return {};
+        }
+        const qsizetype left = end - (author->name.begin() - m_html.begin());
+        return left > 0 ? author->name.first(std::min(left, author->name.size())) : QStringView();
     }
 
-    const QString &m_html;
-    std::vector<qsizetype> m_cells; ///< their ends
+    void survey()
+    {
+        matches(pattern().submitter, m_html, [this](const QRegularExpressionMatch &match) {
+            m_found.push_back({match.capturedStart(), match.capturedView(1)});
+        });
+        for (qsizetype at = 0; (at = m_html.indexOf(cellEnd, at)) >= 0; at += cellEnd.size()) {
+            m_cells.push_back(at);
+        }
+        QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, m_html);
+        for (qsizetype at = 0; at >= 0; at = finder.toNextBoundary()) {
+            m_boundaries.push_back(at);
+        }
+    }
+
+    static constexpr QStringView cellEnd = u"</td>";
+    /// How far behind a picture its theme's author can stand, in characters.
+    static constexpr qsizetype authorDistance = 10'000;
+
+    QStringView m_html;
+    // Empty until needed.
     std::vector<Found> m_found;
-    std::vector<qsizetype> m_boundaries; ///< of the page's characters; empty until needed
+    std::vector<qsizetype> m_cells; ///< where they end
+    std::vector<qsizetype> m_boundaries; ///< of the page's characters
 };
 
 /// A picture on the page, and the theme that it is of.
@@ -299,7 +296,8 @@ QString ThemePreview::decoded(const QString &text)
     plain.replace(QLatin1String("&gt;"), QLatin1String(">"));
     QString result;
     qsizetype taken = 0;
-    matches(pattern().entity, plain, [&](const QRegularExpressionMatch &match) {
+    for (auto found = pattern().entity.globalMatch(plain); found.hasNext();) {
+        const QRegularExpressionMatch match = found.next();
         bool isNumber = false;
         const char32_t code = match.capturedView(1).toUInt(&isNumber);
         if (isNumber && code <= QChar::LastValidCodePoint && !QChar::isSurrogate(code)) {
@@ -307,7 +305,7 @@ QString ThemePreview::decoded(const QString &text)
             result.append(QChar::fromUcs4(code));
             taken = match.capturedEnd();
         }
-    });
+    }
     return result.append(QStringView(plain).sliced(taken));
 }
 
