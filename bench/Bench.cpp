@@ -15,7 +15,7 @@ struct Figure {
 
 constexpr Figure figures[] = {{"import", Bench::import}, {"flac", Bench::flac}, {"digest", Bench::digest},
     {"transfer", Bench::transfer}, {"group", Bench::group}, {"browse", Bench::browse}, {"catalogue", Bench::catalogue},
-    {"heartbeat", Bench::heartbeatAndMemory}, {"memory", Bench::heartbeatAndMemory}};
+    {"heartbeat", Bench::heartbeatAndMemory}, {"memory", Bench::heartbeatAndMemory}, {"tiles", Bench::tiles}};
 
 } // namespace
 

@@ -9,7 +9,7 @@
 namespace {
 
 /// The firmware writes some ten thousand bytes at most. A larger file is not its own.
-constexpr std::int64_t largestConfiguration = 64 * 1024;
+constexpr std::int64_t largestConfiguration = 64'000;
 
 /// A regular file, no link to one.
 bool isPlainFile(const std::filesystem::path &path)

@@ -1,140 +1,101 @@
 // Themes listed, their settings read, and the best picture found for each.
 #include "themes/ThemePreview.h"
 
-#include "platform/Files.h"
-
 #include "support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
-QString background()
+/// The settings in these bytes as "key=value;" each, by key.
+std::string settingsIn(const std::string &bytes)
 {
-    return QStringLiteral("Tło motywu — bez elementów interfejsu");
-}
-
-/// A device with one theme.
-struct Themed {
-    TemporaryFolder root;
-    Theme theme {root.write(".rockbox/themes/Name.cfg", "")};
-
-    [[nodiscard]] std::optional<ThemePreview> local(
-        const std::string &settings, const ThemePreview::ChosenPictures &chosen = {}) const
-    {
-        const auto configuration = ThemePreview::configurationFrom(QByteArray::fromStdString(settings));
-        return ThemePreview::local(theme, root.path(), configuration, chosen);
+    const auto settings = ThemePreview::configurationFrom(QByteArray::fromStdString(bytes));
+    std::string text;
+    for (auto setting = settings.begin(); setting != settings.end(); ++setting) {
+        text += setting.key().toStdString() + "=" + setting.value().toStdString() + ";";
     }
-};
+    return text;
+}
 
 } // namespace
 
 TEST(Themes, areCfgFilesInTheFileManagersOrder)
 {
     const TemporaryFolder root;
-    EXPECT_TRUE(Storage::themes(root.path()).empty());
-    for (const char *name : {"a10.CFG", "B.cfg", "a2.cfg", ".hidden.cfg", "\xB1.cfg", "note.txt", "cfg"}) {
-        root.write(std::filesystem::path("real") / name, "wps: x");
+    for (const char *name : {"a10.CFG", "B.cfg", "a2.cfg", "z\xB1.cfg", "note.txt", "cfg"}) {
+        root.write(std::filesystem::path(".rockbox/real") / name, "wps: x");
     }
-    std::filesystem::create_symlink(root / "real/B.cfg", root / "real/link.cfg");
-    std::filesystem::create_directories(root / ".rockbox");
-    std::filesystem::create_directory_symlink(root / "real", root / ".rockbox/themes");
+    std::filesystem::create_symlink(root / ".rockbox/real/B.cfg", root / ".rockbox/real/link.cfg");
+    EXPECT_TRUE(Storage::themes(root.path()).empty());
+    std::filesystem::create_directory_symlink(root / ".rockbox/real", root / ".rockbox/themes");
     EXPECT_TRUE(Storage::themes(root.path()).empty());
     std::filesystem::remove(root / ".rockbox/themes");
-    std::filesystem::rename(root / "real", root / ".rockbox/themes");
-
-    const std::vector<Theme> themes = Storage::themes(root.path());
-    std::vector<std::string> names;
-    for (const Theme &theme : themes) {
-        names.push_back(theme.url.filename().string());
-        EXPECT_EQ(Files::fromText(theme.id()), theme.url);
-        EXPECT_EQ(ThemePreview::configuration(theme.url).value(QStringLiteral("wps")), QStringLiteral("x"));
+    std::filesystem::rename(root / ".rockbox/real", root / ".rockbox/themes");
+    std::string names;
+    for (const Theme &theme : Storage::themes(root.path())) {
+        names += theme.url.filename().string() + " ";
+        EXPECT_EQ(ThemePreview::configuration(theme.url).size(), 1);
     }
-    ASSERT_EQ(names.size(), 5U);
-    const auto place = [&](const char *name) { return std::find(names.begin(), names.end(), name) - names.begin(); };
-    EXPECT_TRUE(place("a2.cfg") < place("a10.CFG") && place("a10.CFG") < place("B.cfg") && place("B.cfg") < 5);
+    EXPECT_EQ(names, "a2.cfg a10.CFG B.cfg z\xB1.cfg ");
 }
 
 TEST(ThemeConfiguration, readsFilesOfTheRealWorld)
 {
-    const auto utf16 = [](const char *mark, const char *text, bool bigEndian) {
-        std::string bytes(mark);
-        for (; *text != 0; ++text) {
-            bytes += bigEndian ? std::string({'\0', *text}) : std::string({*text, '\0'});
-        }
-        return bytes;
-    };
-    const ThemePreview::Configuration a {{QStringLiteral("a"), QStringLiteral("b")}};
-    const std::pair<std::string, ThemePreview::Configuration> rows[] = {
-        {"a : b", a},
-        {"\xEF\xBB\xBF"
-         "a: b\r\n",
-            a},
-        {utf16("\xFF\xFE", "a: b\r\n", false), a},
-        {utf16("\xFE\xFF", "x\na: b", true), a},
-        {"\t # a: c\n\xC2\xA0"
-         "a:b \v\na",
-            a},
-        {"a: c\ra:b\xE2\x80\xA9", a},
-        {"Features: a:b:c", {{QStringLiteral("Features"), QStringLiteral("a:b:c")}}},
-        {"iconset: -\nsbs:\n: x",
-            {{QStringLiteral("iconset"), QStringLiteral("-")}, {QStringLiteral("sbs"), QString()},
-                {QString(), QStringLiteral("x")}}},
-        {"k: \xE9", {{QStringLiteral("k"), QStringLiteral("é")}}},
-        {"k: \xC5\xBC", {{QStringLiteral("k"), QStringLiteral("ż")}}},
-        {std::string("k: \0x", 5), {{QStringLiteral("k"), QString(QChar(u'\0')) + u'x'}}},
-        {"", {}},
+    using namespace std::string_literals;
+    const std::pair<std::string, std::string> rows[] = {
+        {"a : b\r\nno colon\r\n\t # c: d\r\na: e f \v", "a=e f;"}, // the later of two
+        {"Features: a:b:c\nsbs: -\rwps:\xE2\x80\xA8:x", "=x;Features=a:b:c;sbs=-;wps=;"},
+        {"\xEF\xBB\xBF"s + "a: b", "a=b;"},
+        {"\xFF\xFE"s + "a\0:\0b\0\r\0\n\0#\0:\0"s, "a=b;"},
+        {"\xFE\xFF"s + "\0a\0:\0b"s, "a=b;"},
+        {"a: \xE9", "a=é;"}, // Latin-1
+        {"a: \xC5\xBC", "a=ż;"},
+        {"a: b\0c"s, "a=b\0c;"s},
     };
     for (const auto &[bytes, settings] : rows) {
-        EXPECT_EQ(ThemePreview::configurationFrom(QByteArray::fromStdString(bytes)), settings) << bytes;
+        EXPECT_EQ(settingsIn(bytes), settings);
     }
     const TemporaryFolder folder;
-    EXPECT_TRUE(
-        ThemePreview::configuration(folder.write("large.cfg", "a: b\n" + std::string(50'000'000, 'x'))).isEmpty());
-    EXPECT_TRUE(ThemePreview::configuration(folder.path()).isEmpty());
+    folder.write("large.cfg", "a: b\n" + std::string(50'000'000, 'x'));
+    EXPECT_TRUE(ThemePreview::configuration(folder / "large.cfg").isEmpty());
 }
 
-TEST(ThemePreviews, takeTheBestPicture)
+TEST(ThemePreviews, takeTheBestPictureInTheFirmwaresFolder)
 {
-    const Themed device;
-    const std::string settings = "wps: /.rockbox/wps/x.wps\nbackdrop: /.rockbox/backdrops/b.bmp";
-    EXPECT_FALSE(device.local(settings));
-    // From the least worth to the most; each is found as soon as it is there.
-    const auto backdrop = device.root.write(".rockbox/backdrops/b.bmp", "");
-    EXPECT_EQ(device.local(settings),
-        (ThemePreview {.playing = backdrop, .menu = {}, .source = background(), .detail = {}, .author = {}}));
-    const auto menu = device.root.write(".rockbox/wps/x/backdrop_sbs.bmp", "");
-    EXPECT_EQ(device.local(settings)->playing, PicturePlace(backdrop));
-    const auto wps = device.root.write(".rockbox/wps/x/backdrop_wps.bmp", "");
-    EXPECT_EQ(device.local(settings),
-        (ThemePreview {.playing = wps, .menu = menu, .source = background(), .detail = {}, .author = {}}));
-    for (const char *name : {"Name-preview.png", "Name.jpg", "Name.png"}) {
-        const auto screenshot = device.root.write(std::filesystem::path(".rockbox/themes") / name, "");
-        EXPECT_EQ(device.local("")->playing, PicturePlace(screenshot));
-        EXPECT_EQ(device.local(settings)->source, QStringLiteral("Zrzut z paczki"));
+    const TemporaryFolder root;
+    const Theme theme {root.write(".rockbox/themes/Name.cfg", "")};
+    const QString key = QStringLiteral("theme-preview-") + ThemePreview::key(theme);
+    const ThemePreview::ChosenPictures chosen {{key, QString::fromStdString((root / "own.jpg").string())}};
+    const auto look = [&](const std::string &settings) {
+        const auto configuration = ThemePreview::configurationFrom(QByteArray::fromStdString(settings));
+        return ThemePreview::local(theme, root.path(), configuration, chosen);
+    };
+    root.write("out/backdrop_wps.bmp", "");
+    std::filesystem::create_directory_symlink(root / "out", root / ".rockbox/link");
+    for (const char *link : {".rockbox/themes/Name.png", ".rockbox/a.bmp"}) {
+        std::filesystem::create_symlink(root / "out/backdrop_wps.bmp", root / link);
     }
-    const auto own = device.root.write("own.jpg", "");
-    const ThemePreview::ChosenPictures chosen {
-        {QStringLiteral("theme-preview-") + ThemePreview::key(device.theme), Files::text(own)}};
-    EXPECT_EQ(device.local(settings, chosen), ThemePreview::chosen(own));
-    std::filesystem::remove(own);
-    EXPECT_EQ(device.local(settings, chosen)->source, QStringLiteral("Zrzut z paczki"));
-    EXPECT_EQ(ThemePreview::key({"/a.cfg"}),
-        QStringLiteral("56710c495a80d9192b54967d22b8d34ca14b754395c81282c5d554823c17c948"));
-}
+    for (const std::string value : {"/out/backdrop_wps.bmp", "out/x.wps", "/.rockbox/../out/backdrop_wps.bmp", "-", "",
+             "/.rockbox/link/backdrop_wps.bmp", "/.rockbox/link.wps", "/.rockbox/a.bmp", "/.rockbox/",
+             "/.rockbox/none"}) {
+        EXPECT_FALSE(look("wps: " + value + "\nbackdrop: " + value)) << value;
+    }
+    EXPECT_FALSE(look(std::string("backdrop: /.rockbox/themes/Name.cfg\0", 36)));
 
-TEST(ThemePreviews, stayInTheFirmwaresFolder)
-{
-    const Themed device;
-    device.root.write("out/backdrop_wps.bmp", "");
-    std::filesystem::create_directory_symlink(device.root / "out", device.root / ".rockbox/link");
-    std::filesystem::create_symlink(device.root / "out/backdrop_wps.bmp", device.root / ".rockbox/themes/Name.png");
-    std::filesystem::create_symlink(device.root / "out/backdrop_wps.bmp", device.root / ".rockbox/a.bmp");
-    const std::string values[] = {"/out/backdrop_wps.bmp", "out/x.wps", "/.rockbox/../out/backdrop_wps.bmp",
-        "/.rockbox/link/backdrop_wps.bmp", "/.rockbox/link.wps", "/.rockbox/link/", "/.rockbox/a.bmp", "/.rockbox/",
-        "/.rockbox/themes/Name.cfg" + std::string(1, '\0'), "/etc/passwd", "-", "",
-        "/.rockbox/" + std::string(60'000, '/') + "a"};
-    for (const std::string &value : values) {
-        EXPECT_FALSE(device.local("wps: " + value + "\nbackdrop: " + value)) << value;
+    // From the least worth to the most.
+    std::filesystem::remove(root / ".rockbox/themes/Name.png");
+    for (const char *file : {".rockbox/backdrops/b.bmp", ".rockbox/wps/x/backdrop_wps.bmp",
+             ".rockbox/themes/Name-preview.png", ".rockbox/themes/Name.jpg", ".rockbox/themes/Name.png", "own.jpg"}) {
+        root.write(".rockbox/wps/x/backdrop_sbs.bmp", "");
+        const PicturePlace place = root.write(file, "");
+        const auto preview = look("wps: /.rockbox/wps/x.wps\nbackdrop: /.rockbox/backdrops/b.bmp");
+        ASSERT_TRUE(preview) << file;
+        EXPECT_EQ(preview->playing, place);
+        EXPECT_EQ(preview->menu.has_value(), std::string(file).ends_with("wps.bmp")) << file;
     }
+    EXPECT_EQ(look(""), ThemePreview::chosen(root / "own.jpg"));
+    std::filesystem::remove(root / "own.jpg");
+    EXPECT_EQ(look("")->source, QStringLiteral("Zrzut z paczki"));
+    EXPECT_EQ(ThemePreview::key({"/a.cfg"}).first(16), QStringLiteral("56710c495a80d919"));
 }
