@@ -35,6 +35,8 @@ struct ModelEnvironment {
     std::function<void(const std::filesystem::path &)> ejectVolume;
     /// The user's folder for application data; the program's own lies in "Marlune" below it.
     std::filesystem::path supportFolder;
+    /// Where the themes' catalogue is.
+    Catalogue::Site themeSite;
     /// Whether the library of the last run comes back.
     bool restoreLibrary = true;
     /// After this long a discovery counts as hanging, and the user is told.
@@ -108,6 +110,8 @@ public:
     [[nodiscard]] QString themePreviewStatus() const { return m_themePreviewStatus; }
     /// Reads it all anew. Only the newest reading lands, and only on the device that it read.
     void loadDeviceContent();
+    /// Asks the catalogue for the themes' previews; at the first reading of a device's themes this happens by itself.
+    Q_INVOKABLE void fetchThemePreviews();
     /// The theme that the device has active.
     [[nodiscard]] std::optional<Theme> configuredTheme() const;
 
@@ -241,6 +245,7 @@ private:
     QCoro::Task<> runChoice(std::filesystem::path folder);
     QCoro::Task<> runEject(Device device);
     QCoro::Task<> runContentLoad(std::filesystem::path root);
+    QCoro::Task<> runPreviewFetch();
     /// What an import starts from; asked in the background, since the answer can lie on a slow disk. Absent: there is
     /// nothing to import, and all stays as it is.
     using ImportSource = std::function<std::optional<std::vector<std::filesystem::path>>()>;
@@ -251,6 +256,7 @@ private:
     void noteTransferred(const Device &device, std::vector<std::filesystem::path> files);
     void landDevices(std::vector<Device> found);
     void landContent(DeviceContent read);
+    void landPreviews(const ThemePreview::ByTheme &found);
     void rediscover();
     [[nodiscard]] TrackImport prepareImport(bool fromDevice) const;
     void restoreLibrary();
@@ -284,6 +290,7 @@ private:
     std::vector<std::filesystem::path> m_transferred;
     DeviceContent m_content;
     QString m_themePreviewStatus;
+    int m_previewGeneration = 0; ///< another one once the previews of another device are wanted
     QUuid m_contentGeneration; ///< of the reading that may land
     std::stop_source m_contentReading; ///< ends that reading early
     std::optional<Album> m_openAlbum;
