@@ -15,8 +15,8 @@ struct Figure {
 
 constexpr Figure figures[] = {{"import", Bench::import}, {"flac", Bench::flac}, {"digest", Bench::digest},
     {"transfer", Bench::transfer}, {"group", Bench::group}, {"browse", Bench::browse}, {"jpeg", Bench::jpeg},
-    {"jpeg-progressive", Bench::jpegProgressive}, {"check", Bench::check}, {"heartbeat", Bench::heartbeatAndMemory},
-    {"memory", Bench::heartbeatAndMemory}, {"tiles", Bench::tiles}};
+    {"jpeg-progressive", Bench::jpegProgressive}, {"check", Bench::check}, {"catalogue", Bench::catalogue},
+    {"heartbeat", Bench::heartbeatAndMemory}, {"memory", Bench::heartbeatAndMemory}, {"tiles", Bench::tiles}};
 
 } // namespace
 

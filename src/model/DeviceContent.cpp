@@ -112,6 +112,9 @@ void MarluneModel::landContent(DeviceContent read)
     previews.insert(read.themePreviews);
     read.themePreviews = std::move(previews);
     setDeviceContent(std::move(read));
+    if (m_themePreviewStatus.isEmpty()) {
+        fetchThemePreviews();
+    }
 }
 
 void MarluneModel::setDeviceContent(DeviceContent content)
@@ -146,6 +149,7 @@ void MarluneModel::forgetThemePreviews()
         Q_EMIT themePreviewsChanged();
     }
     setThemePreviewStatus({});
+    ++m_previewGeneration;
 }
 
 void MarluneModel::setThemePreviewStatus(const QString &status)

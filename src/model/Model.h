@@ -35,6 +35,8 @@ struct ModelEnvironment {
     std::function<void(const std::filesystem::path &)> ejectVolume;
     /// The user's folder for application data; the program's own lies in "Marlune" below it.
     std::filesystem::path supportFolder;
+    /// Where the themes' catalogue is.
+    Catalogue::Site themeSite;
     /// Whether the library of the last run comes back.
     bool restoreLibrary = true;
     /// After this long a discovery counts as hanging, and the user is told.
@@ -109,6 +111,8 @@ public:
     [[nodiscard]] QString themePreviewStatus() const { return m_themePreviewStatus; }
     /// Reads it all anew. Only the newest reading lands, and only on the device that it read.
     void loadDeviceContent();
+    /// Asks the catalogue for the themes' previews; at the first reading of a device's themes this happens by itself.
+    Q_INVOKABLE void fetchThemePreviews();
     /// The theme that the device has active.
     [[nodiscard]] std::optional<Theme> configuredTheme() const;
     /// Asks for a picture and keeps a copy of it as the theme's preview. What is no picture is ignored.
@@ -258,6 +262,7 @@ private:
     QCoro::Task<> runEject(Device device);
     QCoro::Task<> runContentLoad(std::filesystem::path root);
     QCoro::Task<> runThemePreviewChoice(Theme theme, std::filesystem::path file);
+    QCoro::Task<> runPreviewFetch();
     /// What an import starts from; asked in the background, since the answer can lie on a slow disk. Absent: there is
     /// nothing to import, and all stays as it is.
     using ImportSource = std::function<std::optional<std::vector<std::filesystem::path>>()>;
@@ -270,6 +275,7 @@ private:
     void noteTransferred(const Device &device, std::vector<std::filesystem::path> files);
     void landDevices(std::vector<Device> found);
     void landContent(DeviceContent read);
+    void landPreviews(const ThemePreview::ByTheme &found);
     void rediscover();
     [[nodiscard]] TrackImport prepareImport(bool fromDevice) const;
     void restoreLibrary();
@@ -305,6 +311,7 @@ private:
     QString m_themePreviewStatus;
     int m_previewChoices = 0;
     QHash<QString, int> m_newestPreviewChoice; ///< by the theme's key, of those that were pictures
+    int m_previewGeneration = 0; ///< another one once the previews of another device are wanted
     QUuid m_contentGeneration; ///< of the reading that may land
     std::stop_source m_contentReading; ///< ends that reading early
     QString m_playlistName = QStringLiteral("Moja playlista");

@@ -1,8 +1,27 @@
 #include "platform/Characters.h"
 
+#include <QRegularExpression>
 #include <QTextBoundaryFinder>
 
 #include <algorithm>
+
+namespace {
+
+/// `character` is not empty.
+bool isLetterOrNumber(QStringView character)
+{
+    const QChar first = character.front();
+    const char32_t code = first.isHighSurrogate() && character.size() > 1 ? QChar::surrogateToUcs4(first, character[1])
+                                                                          : first.unicode();
+    if (QChar::isLetterOrNumber(code)) {
+        return true;
+    }
+    // Some signs and marks are alphabetic too, such as a letter in a circle; Qt's own tables do not tell.
+    static const QRegularExpression alphabetic(QStringLiteral("^\\p{Alphabetic}"));
+    return (QChar::isSymbol(code) || QChar::isMark(code)) && alphabetic.match(character.toString()).hasMatch();
+}
+
+} // namespace
 
 QString firstCharacters(const QString &text, qsizetype count)
 {
@@ -21,4 +40,24 @@ QString firstCharacters(const QString &text, qsizetype count)
         }
     }
     return text.first(boundaries.position());
+}
+
+QString lettersAndNumbers(const QString &text)
+{
+    QString result;
+    result.reserve(text.size());
+    // Below the first combining mark, each code unit is a character.
+    if (std::all_of(text.begin(), text.end(), [](QChar c) { return c.unicode() < 0x300; })) {
+        std::copy_if(
+            text.begin(), text.end(), std::back_inserter(result), [](QChar c) { return c.isLetterOrNumber(); });
+        return result;
+    }
+    QTextBoundaryFinder boundaries(QTextBoundaryFinder::Grapheme, text);
+    for (qsizetype start = 0, end = 0; (end = boundaries.toNextBoundary()) > start; start = end) {
+        const QStringView character = QStringView(text).sliced(start, end - start);
+        if (isLetterOrNumber(character)) {
+            result.append(character);
+        }
+    }
+    return result;
 }

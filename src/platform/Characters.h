@@ -5,3 +5,7 @@
 
 /// The first `count` characters of `text`; the whole text if it has no more.
 [[nodiscard]] QString firstCharacters(const QString &text, qsizetype count);
+
+/// The characters of `text` that are letters or numbers: those whose first code point is alphabetic or numeric by
+/// Unicode's properties. Their combining marks stay with them.
+[[nodiscard]] QString lettersAndNumbers(const QString &text);

@@ -1,13 +1,16 @@
 // What a theme looks like. None of its own files shows that, so a picture is looked for in an order of decreasing
-// worth: the user's choice, a screenshot in the theme's package, the bare background.
+// worth: the user's choice, a screenshot in the theme's package, the bare background. The catalogue on the network has
+// one of most themes.
 //
-// Blocking; no state; any thread but the UI's. Nothing here fails: what is missing or cannot be read gives less.
+// Blocking; no state; any thread but the UI's, except catalog(). Nothing else fails here: what is missing or cannot be
+// read gives less.
 #pragma once
 
+#include "themes/Catalogue.h"
 #include "themes/Themes.h"
 
+#include <QCoro/QCoroTask>
 #include <QMap>
-#include <QUrl>
 
 #include <optional>
 #include <variant>
@@ -45,4 +48,19 @@ struct ThemePreview {
     /// Nothing but the user's choice is looked for outside the device's `.rockbox`, and no link is followed there.
     [[nodiscard]] static std::optional<ThemePreview> local(const Theme &theme, const std::filesystem::path &root,
         const Configuration &configuration, const ChosenPictures &chosenPictures);
+
+    // The catalogue's previews (Catalogue.cpp).
+
+    using ByTheme = QMap<QString, ThemePreview>; ///< by theme id
+    /// The previews that the catalogue at `site` has for these themes, on its page for this kind of device. UI thread;
+    /// fails as Http::get() does, and with MarluneError where the answer is no page.
+    [[nodiscard]] static QCoro::Task<ByTheme> catalog(
+        std::vector<Theme> themes, QString target, Catalogue::Site site, QObject &owner);
+    /// The previews in such a page of a site at `root`. Its themes are told by normalize()d names, and are often of
+    /// other versions. Never fails; takes time in proportion to the page, whatever it holds.
+    [[nodiscard]] static ByTheme parseCatalog(const QString &html, const std::vector<Theme> &themes, const QUrl &root);
+    /// With the page's entities replaced: the five with names, and decimal ones.
+    [[nodiscard]] static QString decoded(const QString &text);
+    /// A name's lower-case letters and numbers, for comparisons.
+    [[nodiscard]] static QString normalize(const QString &text);
 };

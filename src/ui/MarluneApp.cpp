@@ -112,7 +112,8 @@ Program::Parts::Parts(const Setup &setup)
           .panels = setup.panels ? *setup.panels : desktopPanels,
           .deviceDiscovery = setup.deviceDiscovery,
           .ejectVolume = setup.ejectVolume,
-          .supportFolder = setup.supportFolder})
+          .supportFolder = setup.supportFolder,
+          .themeSite = setup.themeSite})
     , shell(model)
     , library(model, covers)
 {
@@ -170,7 +171,8 @@ Setup Setup::forUser()
 {
     return {.settingsFile = Settings::defaultFile(),
         .supportFolder = Files::fromText(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation)),
-        .ejectVolume = [](const std::filesystem::path &volume) { Volumes::eject(volume); }};
+        .ejectVolume = [](const std::filesystem::path &volume) { Volumes::eject(volume); },
+        .themeSite = Catalogue::Site::ofThePublic()};
 }
 
 void prepareApplication()

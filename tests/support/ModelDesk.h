@@ -55,6 +55,8 @@ struct ModelDesk {
     std::shared_ptr<std::atomic<int>> discoveries = std::make_shared<std::atomic<int>>(0);
     std::function<void(const std::filesystem::path &)> ejector = [](const std::filesystem::path &) { };
 
+    Catalogue::Site themeSite; ///< none: no server is asked
+
     [[nodiscard]] ModelEnvironment environment()
     {
         return {.settings = settings,
@@ -65,7 +67,8 @@ struct ModelDesk {
                     return *found;
                 },
             .ejectVolume = [this](const std::filesystem::path &root) { ejector(root); },
-            .supportFolder = folder / "data"};
+            .supportFolder = folder / "data",
+            .themeSite = themeSite};
     }
 
     [[nodiscard]] std::unique_ptr<MarluneModel> start()

@@ -16,6 +16,7 @@ const std::map<std::string, int> floors {{"platform", 1}, {"storage", 2}, {"audi
 /// Libraries that only the named floors may see; all else of Qt Core is everybody's.
 const std::vector<std::pair<QString, std::string>> reserved {
     {QStringLiteral("^(taglib/.*|.*file(ref)?\\.h|libav.*|openssl/.*|mpv/.*|j(peg|config|error|morecfg).*\\.h)$"), "platform"},
+    {QStringLiteral("^(QNetwork|QSsl|QTcp|QHost|QAbstractSocket|QtNetwork).*$"), "platform"},
     {QStringLiteral("^QDBus.*$"), "platform ui"},
     {QStringLiteral("^(QQ|QtQ|QSG|QGuiApplication).*$"), "ui"},
 };

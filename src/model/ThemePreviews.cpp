@@ -1,0 +1,52 @@
+// The previews that the catalogue on the network has of the installed themes.
+#include "model/Model.h"
+
+#include <QPointer>
+
+void MarluneModel::fetchThemePreviews()
+{
+    if (!m_content.themes.empty()) {
+        setThemePreviewStatus(QStringLiteral("Pobieram podglądy z Rockbox…"));
+        runPreviewFetch();
+    }
+}
+
+QCoro::Task<> MarluneModel::runPreviewFetch()
+{
+    const QPointer<MarluneModel> self(this);
+    const int generation = m_previewGeneration;
+    const QString target = m_content.deviceInfo.value(QStringLiteral("Target"), Catalogue::defaultTarget());
+    std::optional<ThemePreview::ByTheme> found;
+    try {
+        auto fetch = ThemePreview::catalog(m_content.themes, target, m_environment.themeSite, *this);
+        found = co_await fetch;
+    } catch (const std::exception &) {
+        found.reset(); // the user need not know why
+    }
+    if (!self || m_previewGeneration != generation) {
+        co_return;
+    }
+    if (found) {
+        landPreviews(*found);
+        setThemePreviewStatus(QStringLiteral("Podglądy katalogowe: ") + QString::number(found->size())
+            + QStringLiteral(". Wersja motywu może różnić się od zainstalowanej."));
+    } else {
+        setThemePreviewStatus(QStringLiteral("Katalog jest niedostępny. Możesz dodać własne zrzuty."));
+    }
+}
+
+void MarluneModel::landPreviews(const ThemePreview::ByTheme &found)
+{
+    const QString chosen = ThemePreview::chosen({}).source;
+    ThemePreview::ByTheme previews = m_content.themePreviews;
+    for (auto preview = found.begin(); preview != found.end(); ++preview) {
+        ThemePreview &known = previews[preview.key()];
+        if (known.source != chosen) {
+            known = *preview;
+        }
+    }
+    if (previews != m_content.themePreviews) {
+        m_content.themePreviews = std::move(previews);
+        Q_EMIT themePreviewsChanged();
+    }
+}

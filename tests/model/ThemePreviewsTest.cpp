@@ -1,0 +1,148 @@
+// Previews fetched from a catalogue of the test's own: what lands, and what a failure leaves as it was.
+#include "support/CannedServer.h"
+#include "support/CataloguePage.h"
+#include "support/ModelDesk.h"
+
+#include "platform/Files.h"
+
+#include <QSignalSpy>
+
+namespace {
+
+using Then = CannedServer::Then;
+
+const QString unavailable = QStringLiteral("Katalog jest niedostępny. Możesz dodać własne zrzuty.");
+
+QString fetched(int count)
+{
+    return QStringLiteral("Podglądy katalogowe: %1. Wersja motywu może różnić się od zainstalowanej.").arg(count);
+}
+
+CannedServer::Answer page(const std::vector<CatalogueEntry> &entries)
+{
+    return CannedServer::answer("200 OK", cataloguePage(entries).toUtf8());
+}
+
+struct ThemedDesk : ModelDesk {
+    Device device = makeDevice("IPOD", false);
+    Theme own {folder.write("IPOD/.rockbox/themes/Amber 0 Dawn.cfg", "")};
+    Theme packaged {folder.write("IPOD/.rockbox/themes/Amber 5 Dawn.cfg", "")};
+
+    explicit ThemedDesk(const CannedServer &server)
+    {
+        themeSite = {server.root(), std::chrono::milliseconds(300)};
+        folder.write("IPOD/.rockbox/themes/Amber 5 Dawn.png", "x");
+        settings.setText(
+            ThemePreview::settingsPrefix() + ThemePreview::key(own), Files::text(folder.write("own.jpg", "x")));
+    }
+};
+
+} // namespace
+
+class ThemePreviewsTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void comeOnceForADevice()
+    {
+        const CannedServer server({page(catalogueEntries(300))});
+        ThemedDesk desk(server);
+        const Theme bare {desk.folder.write("IPOD/.rockbox/themes/Rock Roll 3 Dawn.cfg", "")};
+        const auto model = desk.start();
+        model->fetchThemePreviews(); // of no device
+        QCOMPARE(model->themePreviewStatus(), QString());
+        model->select(desk.device);
+        QTRY_COMPARE(model->themePreviewStatus(), fetched(3));
+        QCOMPARE(model->themePreviews().size(), 3);
+        QCOMPARE(model->themePreviews()[desk.own.id()].source, QStringLiteral("Twój zrzut"));
+        QVERIFY(!model->themePreviews()[desk.own.id()].detail);
+        QCOMPARE(model->themePreviews()[desk.packaged.id()].author, QStringLiteral("Author 5"));
+        QCOMPARE(model->themePreviews()[bare.id()].author, QStringLiteral("Author 3"));
+
+        model->refresh();
+        desk.waitForJobs(*model);
+        QCOMPARE(model->themePreviews()[bare.id()].author, QStringLiteral("Author 3"));
+        QCOMPARE(server.asked.size(), 1U);
+        QCOMPARE(server.asked[0].target, "/index.php?target=ipodvideo");
+
+        desk.folder.write("other/.rockbox/themes/a.cfg", "");
+        const Device other = desk.makeDevice("other", false);
+        desk.folder.write("other/.rockbox/rockbox-info.txt", "Target: x y");
+        model->select(other);
+        QTRY_COMPARE(model->themePreviewStatus(), fetched(0));
+        QCOMPARE(server.asked.back().target, "/index.php?target=x%20y");
+        desk.folder.write("other/.rockbox/rockbox-info.txt", "");
+        model->refresh();
+        desk.waitForJobs(*model);
+        model->fetchThemePreviews();
+        QTRY_COMPARE(model->themePreviewStatus(), fetched(0));
+        QCOMPARE(server.asked.back().target, "/index.php?target=ipodvideo");
+        QVERIFY(!model->alert());
+    }
+
+    void stayAsTheyWereWhereTheCatalogueFails()
+    {
+        const QByteArray good = cataloguePage(catalogueEntries(1)).toUtf8();
+        const CannedServer elsewhere({CannedServer::answer("200 OK", good)});
+        const CannedServer::Answer rows[] = {
+            CannedServer::answer("500 Internal Server Error", good),
+            CannedServer::answer("204 No Content"),
+            CannedServer::answer("200 OK", good + '\xFF'),
+            CannedServer::answer("302 Found", {}, "Location: " + elsewhere.root().toEncoded() + "\r\n"),
+            {"HTTP/1.1 200 OK\r\nContent-Length: 50000000\r\n\r\n" + good, 50'000'000 - good.size()},
+            {"HTTP/1.1 200 OK\r\nContent-Length: 100000\r\n\r\n" + good},
+            {"HTTP/1.1 200 OK\r\nContent-Length: 100000\r\n\r\n" + good, 0, Then::Stay},
+            {""},
+        };
+        for (const CannedServer::Answer &answer : rows) {
+            const CannedServer server({answer});
+            verifyFailure(server, server.root());
+            QVERIFY(!server.asked.empty());
+            QVERIFY(server.sent < 30'000'000);
+        }
+        const quint16 closed = CannedServer({}).port();
+        verifyFailure(elsewhere, QUrl(QStringLiteral("http://127.0.0.1:%1").arg(closed)));
+        verifyFailure(elsewhere, {});
+        QVERIFY(elsewhere.asked.empty());
+    }
+
+    void areDroppedWithTheirDeviceAndTheModel()
+    {
+        CannedServer server({{"HTTP/1.1 200 OK\r\n\r\n", 0, Then::GoOn}});
+        ThemedDesk desk(server);
+        auto model = desk.start();
+        model->select(desk.device);
+        QTRY_COMPARE(server.connected, 1);
+        QCOMPARE(model->themePreviewStatus(), QStringLiteral("Pobieram podglądy z Rockbox…"));
+        model.reset();
+        QTRY_COMPARE(server.connected, 0);
+
+        server.answers = {{"", 0, Then::Stay}};
+        model = desk.start();
+        model->select(desk.device);
+        QTRY_COMPARE(server.connected, 1);
+        model->select(desk.makeDevice("empty", false));
+        QTRY_COMPARE(server.connected, 0);
+        desk.waitForJobs(*model);
+        QCOMPARE(model->themePreviewStatus(), QString());
+    }
+
+private:
+    static void verifyFailure(const CannedServer &server, const QUrl &root)
+    {
+        ThemedDesk desk(server);
+        desk.themeSite.root = root;
+        const auto model = desk.start();
+        const QString status = model->status();
+        model->select(desk.device);
+        desk.waitForJobs(*model);
+        const auto previews = model->themePreviews();
+        QCOMPARE(previews.size(), 2);
+        QTRY_COMPARE(model->themePreviewStatus(), unavailable);
+        QVERIFY(model->themePreviews() == previews);
+        QVERIFY(!model->alert() && !model->busy() && model->status() == status);
+    }
+};
+
+QTEST_GUILESS_MAIN(ThemePreviewsTest)
+#include "ThemePreviewsTest.moc"
