@@ -31,9 +31,8 @@ private Q_SLOTS:
     {
         Pages pages;
         const QSignalSpy searches(pages.model.get(), &MarluneModel::searchChanged);
-        for (const char16_t *text : {u"a", u"al", u"alb"}) {
-            pages.library.searchSoon(QString::fromUtf16(text));
-        }
+        pages.library.searchSoon(QStringLiteral("a"));
+        pages.library.searchSoon(QStringLiteral("alb"));
         QTRY_COMPARE(pages.model->search(), QStringLiteral("alb"));
         QCOMPARE(searches.count(), 1);
         pages.library.searchSoon(QStringLiteral("albu"));
@@ -57,7 +56,6 @@ private Q_SLOTS:
         ModelDesk::waitForJobs(*pages.model);
         QCOMPARE(pages.model->tracks().size(), 1U);
         QVERIFY(pages.model->tracks().front().url == file);
-        QCOMPARE(pages.model->queued().size(), 1);
     }
 
     void theFrameTellsOfQueueAndDevice()
