@@ -20,13 +20,11 @@ TEST(PathText, bringsEveryNameBack)
 
 TEST(PathText, takesNamesApart)
 {
-    EXPECT_EQ(Files::name("/a/b/"), QStringLiteral("b"));
-    EXPECT_EQ(Files::name("/"), QStringLiteral("/"));
+    EXPECT_EQ(Files::name("/a/b/") + Files::name("/"), QStringLiteral("b/"));
     EXPECT_EQ(Files::baseName("/a/b.tar.gz"), QStringLiteral("b.tar"));
     EXPECT_EQ(Files::extension("/a/b.tar.gz"), QStringLiteral("gz"));
     EXPECT_EQ(Files::extension("/a.b/c") + Files::extension("/a/.hidden"), QString());
-    EXPECT_EQ(Files::standardised("/a/./b//c/../d/").native(), "/a/b/d");
-    EXPECT_EQ(Files::standardised("/../a").native(), "/a");
+    EXPECT_EQ(Files::standardised("/../a/./b//c/../d/").native(), "/a/b/d");
 }
 
 TEST(ReadBelow, refusesWhatIsTooLargeOrNoFile)

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <map>
 #include <set>
 
@@ -51,13 +52,13 @@ std::vector<std::string> faults(const std::string &floor, const std::string &sou
 
 TEST(Tower, theCheckKnowsUpFromDown)
 {
-    using Faults = std::vector<std::string>;
-    EXPECT_EQ(faults("storage", "#include \"platform/Files.h\"\n#include \"storage/Device.h\"\n#include <QString>"),
-        Faults {});
-    EXPECT_EQ(faults("storage", "  #  include \"model/Model.h\""), Faults {"model/Model.h"});
-    EXPECT_EQ(faults("storage", "#include \"Device.h\""), Faults {"Device.h"});
-    EXPECT_EQ(faults("audio", "#include <fileref.h>"), Faults {"fileref.h"});
-    EXPECT_EQ(faults("model", "#include <QQuickItem>"), Faults {"QQuickItem"});
+    const std::string good = "#include \"platform/Files.h\"\n#include <QString>\n";
+    const std::array<std::string, 3> rows[] = {{"storage", "  #  include \"model/Model.h\"", "model/Model.h"},
+        {"storage", "#include \"Device.h\"", "Device.h"}, {"audio", "#include <fileref.h>", "fileref.h"},
+        {"model", "#include <QQuickItem>", "QQuickItem"}};
+    for (const auto &[floor, line, fault] : rows) {
+        EXPECT_EQ(faults(floor, good + line), std::vector {fault});
+    }
 }
 
 TEST(Tower, everyFloorUsesOnlyTheFloorsBelow)
