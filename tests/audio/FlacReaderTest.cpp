@@ -75,16 +75,14 @@ TEST(FlacReader, refusesWhatIsNoFlacOrDoesNotFitTogether)
 
 TEST(FlacReader, takesStreamInfoOnlyOfItsSize)
 {
-    const std::string body = streamInfo(44100, 24, 44100);
-    const std::tuple<std::string, int, int, double> rows[] = {{body.substr(1), 0, 0, 0.0}, {body + 'x', 0, 0, 0.0},
-        {streamInfo(0, 16, 1000), 0, 16, 0.0}, {streamInfo(1048575, 32, 1048575), 1048575, 32, 1.0}};
-    for (const auto &[block0, rate, bits, seconds] : rows) {
-        const AudioInfo info = read("fLaC" + block(0, block0) + block(4, comments({"TITLE=x"}), true));
-        EXPECT_EQ(std::tuple(info.sampleRate, info.bitDepth, info.duration), std::tuple(rate, bits, seconds));
-        EXPECT_EQ(info.tags.size(), 1);
+    const std::string good = block(0, streamInfo(1048575, 32, 1048575));
+    const std::tuple<std::string, int, double> rows[] = {{block(0, std::string(33, 'x')), 0, 0.0},
+        {block(0, std::string(35, 'x')), 0, 0.0}, {block(0, streamInfo(0, 16, 1000)), 16, 0.0}, {good, 32, 1.0},
+        {good + block(0, streamInfo(1048575, 16, 0xFFFFFFFFF)), 16, 0xFFFFFFFFF / 1048575.0}};
+    for (const auto &[blocks, bits, seconds] : rows) {
+        const AudioInfo info = read("fLaC" + blocks + block(4, comments({"TITLE=x"}), true));
+        EXPECT_EQ(std::tuple(info.bitDepth, info.duration, info.tags.size()), std::tuple(bits, seconds, 1));
     }
-    const AudioInfo last = read("fLaC" + block(0, body) + block(0, streamInfo(1048575, 32, 0xFFFFFFFFF), true));
-    EXPECT_NEAR(last.duration, 65536.06, 0.01);
 }
 
 TEST(FlacReader, takesCommentsApart)
@@ -116,13 +114,12 @@ TEST(FlacReader, parsesNumbersAndYears)
         = {{"03", 3}, {"3/12", 3}, {"/12", 12}, {"+7", 7}, {"A1", 0}, {" 3", 0}, {"3 ", 0}, {"", 0}, {"/", 0}, {"-", 0},
             {"-3", 0}, {"9223372036854775807", INT64_MAX}, {"9223372036854775808", 0}, {"٣", 0}, {"1.5", 0}};
     for (const auto &[value, number] : numbers) {
-        const AudioInfo info = readComments({"TRACKNUMBER=" + value, "DISCNUMBER=" + value});
-        EXPECT_EQ(info.trackNumber, number) << value;
-        EXPECT_EQ(info.discNumber, number) << value;
+        const AudioInfo info = readComments({"TRACKNUMBER=" + value, "DISCNUMBER=" + value, "YEAR=1999-01"});
+        EXPECT_EQ(std::tuple(info.trackNumber, info.discNumber), std::tuple(number, number)) << value;
+        EXPECT_EQ(info.year, QStringLiteral("1999"));
     }
     EXPECT_EQ(readComments({"DATE=99", "YEAR=1999"}).year, QStringLiteral("99"));
     EXPECT_EQ(readComments({"DATE=", "YEAR=1999"}).year, QString());
-    EXPECT_EQ(readComments({"YEAR=1999-01"}).year, QStringLiteral("1999"));
 }
 
 TEST(FlacReader, choosesTheFrontCover)

@@ -10,10 +10,8 @@
 TEST(Album, isIdentifiedByItsGroupElseByNamesAndFolder)
 {
     Album album {.artist = QStringLiteral("A"), .title = QStringLiteral("T"), .tracks = {}, .groupID = {}};
-    const QChar nul(u'\0');
-    EXPECT_EQ(album.id(), QStringLiteral("A") + nul + QStringLiteral("T") + nul);
     album.tracks = makeTracks({{"one/a.mp3"}, {"two/b.mp3"}});
-    EXPECT_EQ(album.id(), QStringLiteral("A") + nul + QStringLiteral("T") + nul + QStringLiteral("/music/one"));
+    EXPECT_EQ(album.id().replace(QChar(u'\0'), u'|'), QStringLiteral("A|T|/music/one"));
     album.groupID = QStringLiteral("key");
     EXPECT_EQ(album.id(), QStringLiteral("key"));
 }

@@ -93,8 +93,6 @@ private Q_SLOTS:
         const Device device = desk.makeDevice("folder", false);
         const auto model = desk.start();
         model->chooseDevice();
-        const Panels::Request &request = desk.panels.requests.at(0);
-        QVERIFY(request.folders && !request.files && !request.multiple);
         desk.panels.answer({desk.folder / "config"});
         desk.waitForJobs(*model);
         QCOMPARE(model->alert().value_or(QString()), QStringLiteral("Ten folder nie zawiera katalogu .rockbox."));
@@ -123,11 +121,13 @@ private Q_SLOTS:
         QTRY_VERIFY(model.device());
     }
 
-    void ejectsOnlyAnIdleVolume()
+    void ejectsOnlyAnIdleVolumeAndDropsASecondLongJob()
     {
         ModelDesk desk;
         std::vector<std::filesystem::path> ejected;
         desk.ejector = [&](const std::filesystem::path &root) { ejected.push_back(root); };
+        desk.folder.write("first.mp3", "x");
+        desk.folder.write("second.mp3", "x");
         const auto model = desk.start();
         model->eject(); // no device
         model->select(desk.makeDevice("folder", false));
@@ -136,11 +136,13 @@ private Q_SLOTS:
         model->select(device);
         {
             const HeldJobs held;
-            model->importURLs({desk.folder / "nothing"}, false, false);
+            model->importURLs({desk.folder / "first.mp3"}, false, false);
             model->eject(); // not idle
+            model->importURLs({desk.folder / "second.mp3"}, false, false); // nor is a second job begun
         }
         desk.waitForJobs(*model);
         QVERIFY(ejected.empty() && !model->alert());
+        QCOMPARE(model->tracks().size(), 1U);
         model->eject();
         desk.waitForJobs(*model);
         QCOMPARE(ejected, std::vector {device.root});

@@ -74,18 +74,6 @@ private Q_SLOTS:
         QVERIFY(std::filesystem::exists(album.tracks.front().url));
     }
 
-    void dropsASecondLongJob()
-    {
-        Library library;
-        {
-            const HeldJobs held;
-            library.model->importURLs({library.folder / "Band"}, false, true);
-            library.model->importURLs({library.folder / "High"}, false, true);
-        }
-        ModelDesk::waitForJobs(*library.model);
-        QCOMPARE(library.model->tracks().size(), 2U);
-    }
-
     void restoresTheChoicesOfTheLastRun()
     {
         ModelDesk desk;
@@ -95,21 +83,16 @@ private Q_SLOTS:
             model->setAppearance(QStringLiteral("classic")); // no device: nothing to remember it for
             model->select(device);
             model->setAppearance(QStringLiteral("nano"));
-            model->setFinish(QStringLiteral("black"));
             model->setFinish(QStringLiteral("auto"));
-            model->setViewMode(QStringLiteral("Utwory"));
             model->setSortMode(QStringLiteral("Rok"));
-            model->setTileSize(200);
+            model->setTileSize(-1);
         }
         const auto model = desk.start();
-        QCOMPARE(model->viewMode(), QStringLiteral("Utwory"));
         QCOMPARE(model->sortMode(), QStringLiteral("Rok"));
-        QCOMPARE(model->tileSize(), 200.0);
+        QCOMPARE(model->tileSize(), 170.0); // no size to stay with
         const QString root = Files::text(device.root);
         QCOMPARE(desk.settings.text(QStringLiteral("appearance-") + root), std::optional(QStringLiteral("nano")));
         QVERIFY(!desk.settings.text(QStringLiteral("finish-") + root));
-        model->setTileSize(-1);
-        QCOMPARE(desk.start()->tileSize(), 170.0);
     }
 
     void filtersAndSorts()
@@ -135,12 +118,11 @@ private Q_SLOTS:
         }
         QCOMPARE(library.model->albums()->front()->tracks.size(), 2U); // the album keeps what does not match
         QCOMPARE(library.model->filteredTracks()->size(), 1U);
-        for (const auto &[depth, rate, high] : {std::tuple(16, 48000, false), std::tuple(16, 48001, true),
-                 std::tuple(17, 44100, true), std::tuple(0, 0, false)}) {
-            AudioInfo info;
-            info.bitDepth = depth;
+        AudioInfo info;
+        info.bitDepth = 16;
+        for (const int rate : {48000, 48001}) {
             info.sampleRate = rate;
-            QCOMPARE(isHighResolution(info), high);
+            QCOMPARE(isHighResolution(info), rate > 48000);
         }
     }
 

@@ -1,5 +1,4 @@
-// Names as text, characters, and the order and search of texts.
-#include "platform/Characters.h"
+// Names as text, and the order and search of texts.
 #include "platform/Files.h"
 #include "platform/TextOrder.h"
 
@@ -21,13 +20,11 @@ TEST(PathText, bringsEveryNameBack)
 
 TEST(PathText, takesNamesApart)
 {
-    EXPECT_EQ(Files::name("/a/b/"), QStringLiteral("b"));
-    EXPECT_EQ(Files::name("/"), QStringLiteral("/"));
+    EXPECT_EQ(Files::name("/a/b/") + Files::name("/"), QStringLiteral("b/"));
     EXPECT_EQ(Files::baseName("/a/b.tar.gz"), QStringLiteral("b.tar"));
     EXPECT_EQ(Files::extension("/a/b.tar.gz"), QStringLiteral("gz"));
     EXPECT_EQ(Files::extension("/a.b/c") + Files::extension("/a/.hidden"), QString());
-    EXPECT_EQ(Files::standardised("/a/./b//c/../d/").native(), "/a/b/d");
-    EXPECT_EQ(Files::standardised("/../a").native(), "/a");
+    EXPECT_EQ(Files::standardised("/../a/./b//c/../d/").native(), "/a/b/d");
 }
 
 TEST(ReadBelow, refusesWhatIsTooLargeOrNoFile)
@@ -40,20 +37,6 @@ TEST(ReadBelow, refusesWhatIsTooLargeOrNoFile)
     EXPECT_FALSE(Files::readBelow(folder / "missing", 5));
     EXPECT_FALSE(Files::readBelow(folder.path(), 100'000));
     EXPECT_FALSE(Files::readBelow(folder / "pipe", 100'000)); // and does not wait for a writer
-}
-
-TEST(Characters, countAsAReaderCounts)
-{
-    const QString family = QStringLiteral("\U0001F468\u200D\U0001F469\u200D\U0001F467");
-    const std::pair<QString, QString> rows[] = {
-        {QStringLiteral("99"), QStringLiteral("99")},
-        {QStringLiteral("200e\u0301x"), QStringLiteral("200e\u0301")},
-        {family + family + family + family + QStringLiteral("x"), family + family + family + family},
-        {QStringLiteral("ab\r\ncd"), QStringLiteral("ab\r\nc")},
-    };
-    for (const auto &[text, first] : rows) {
-        EXPECT_EQ(firstCharacters(text, 4), first) << text;
-    }
 }
 
 TEST(TextOrder, isThatOfAFileManager)
@@ -76,14 +59,6 @@ TEST(TextOrder, isThatOfAFileManager)
     EXPECT_GT(TextOrder::compare(QStringLiteral("źdźbło"), QStringLiteral("zdania")), 0);
     EXPECT_LT(TextOrder::compare(QStringLiteral("źdźbło"), QStringLiteral("zebra")), 0);
     TextOrder::setLanguage(TextOrder::Language::Polish);
-}
-
-TEST(TextOrder, sortsStably)
-{
-    const QStringList texts = QStringLiteral("b A B a 10 9").split(u' ');
-    std::vector<QString> items(texts.begin(), texts.end());
-    TextOrder::stableSort(items, [](const QString &item) { return item; });
-    EXPECT_EQ(QStringList(items.begin(), items.end()).join(u' '), QStringLiteral("9 10 A a b B"));
 }
 
 TEST(TextSearch, ignoresCaseAndComposition)

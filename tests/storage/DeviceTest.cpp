@@ -42,19 +42,7 @@ TEST(DeviceInspection, refusesWhatIsNoDevice)
     }
 }
 
-TEST(DeviceInspection, findsTheVersionInTheInfoFile)
-{
-    const std::string unknown = "wersja nieznana";
-    const std::pair<std::string, std::string> rows[] = {{"Target: x\r\nVersion: 3.15\r\nMemory: 64\r\n", "3.15"},
-        {"Version:", ""}, {"Version: Version: x", "x"}, {"Version:\t a b \nVersion: later", "a b"},
-        {"x\xC2\x85Version: next line", "next line"}, {"x\xE2\x80\xA8Version: line separator", "line separator"},
-        {"version: 3.15", unknown}, {" Version: 3.15", unknown}, {"Version: \xFF", unknown}, {"", unknown}};
-    for (const auto &[bytes, version] : rows) {
-        EXPECT_EQ(Device::versionFrom(QByteArray::fromStdString(bytes)).toStdString(), version) << bytes;
-    }
-}
-
-TEST(DeviceInspection, doesWithoutAnInfoFile)
+TEST(DeviceInspection, findsTheVersionInTheInfoFileOrNone)
 {
     const TemporaryFolder folder;
     std::filesystem::create_directories(folder / "a/.rockbox");
@@ -62,5 +50,13 @@ TEST(DeviceInspection, doesWithoutAnInfoFile)
     folder.write("c/.rockbox/rockbox-info.txt", "Version: 1\n" + std::string(2'000'000, 'x'));
     for (const char *name : {"a", "b", "c"}) {
         EXPECT_EQ(Device::inspect(folder / name).version, QStringLiteral("wersja nieznana")) << name;
+    }
+    const std::string unknown = "wersja nieznana";
+    const std::pair<std::string, std::string> rows[] = {{"Target: x\r\nVersion: 3.15\r\nMemory: 64\r\n", "3.15"},
+        {"Version:", ""}, {"Version: Version: x", "x"}, {"Version:\t a b \nVersion: later", "a b"},
+        {"x\xC2\x85Version: next line", "next line"}, {"x\xE2\x80\xA8Version: line separator", "line separator"},
+        {"version: 3.15", unknown}, {" Version: 3.15", unknown}, {"Version: \xFF", unknown}, {"", unknown}};
+    for (const auto &[bytes, version] : rows) {
+        EXPECT_EQ(Device::versionFrom(QByteArray::fromStdString(bytes)).toStdString(), version) << bytes;
     }
 }

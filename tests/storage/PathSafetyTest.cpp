@@ -16,6 +16,7 @@ const QString nameless = QStringLiteral("Bez nazwy");
 const QString polish = QStringLiteral("ż");
 const QString flag = QStringLiteral("\U0001F1F5\U0001F1F1"); // two code points, four UTF-16 units, one character
 const QString combined = QStringLiteral("z\u0307");
+const QString family = QStringLiteral("\U0001F468\u200D\U0001F469\u200D\U0001F467");
 
 } // namespace
 
@@ -26,7 +27,7 @@ TEST(SafeName, makesOneComponentOfAnyText)
         {u"."_s, nameless}, {u" .. "_s, nameless}, {u"..."_s, u"..."_s}, {u"\u00A0\tco? jak*\u2003"_s, u"co? jak*"_s},
         {u".hidden."_s, u".hidden."_s}, {polish.repeated(161), polish.repeated(160)},
         {flag.repeated(161), flag.repeated(160)}, {combined.repeated(161), combined.repeated(160)},
-        {QString(159, u'a') + u" b.flac"_s, QString(159, u'a') + u' '}};
+        {family.repeated(161), family.repeated(160)}, {QString(159, u'a') + u" b.flac"_s, QString(159, u'a') + u' '}};
     for (const auto &[text, name] : rows) {
         EXPECT_EQ(safeName(text), name) << text;
     }

@@ -130,17 +130,14 @@ TEST(CopyAudioBytes, reportsEveryFailureAndKeepsTheSource)
 TEST(Digest, isTheStandards)
 {
     const TemporaryFolder folder;
-    // FIPS 180-4 examples: the empty text, "abc", and a million times "a", which spans blocks with the size below.
-    const std::pair<std::string, const char *> rows[] = {
-        {"", "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855"},
-        {"abc", "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad"},
-        {std::string(1'000'000, 'a'), "cdc76e5c9914fb9281a1c7e284d73e67f1809a48a497200e046d39ccc7112cd0"},
-        {std::string(0x100000, 'a'), "9bc1b2a288b26af7257a36277ae3816a7d4f16e89c1e7e77d0a5c48bad62b360"},
-    };
-    for (const auto &[bytes, digest] : rows) {
-        const Sha256::Digest made = Storage::digest(folder.write("file", bytes));
+    // FIPS 180-4 example: a million times "a"; the other size ends with a block.
+    const std::pair<std::size_t, const char *> rows[]
+        = {{1'000'000, "cdc76e5c9914fb9281a1c7e284d73e67f1809a48a497200e046d39ccc7112cd0"},
+            {0x100000, "9bc1b2a288b26af7257a36277ae3816a7d4f16e89c1e7e77d0a5c48bad62b360"}};
+    for (const auto &[size, digest] : rows) {
+        const Sha256::Digest made = Storage::digest(folder.write("file", std::string(size, 'a')));
         const QByteArray raw(reinterpret_cast<const char *>(made.data()), qsizetype(made.size()));
-        EXPECT_EQ(raw.toHex(), digest) << bytes.size();
+        EXPECT_EQ(raw.toHex(), digest) << size;
     }
     EXPECT_NE(failureOf([&] { (void)Storage::digest(folder / "missing"); }), "");
     EXPECT_NE(failureOf([&] { (void)Storage::digest(folder.path()); }), "");

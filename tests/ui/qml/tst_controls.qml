@@ -3,13 +3,11 @@ import QtQuick
 import QtTest
 import Marlune
 
-TestCase {
+PageTest {
     id: root
     name: "Controls"
-    when: windowShown
     width: 600
     height: 400
-    visible: true
 
     Column {
         Button {
@@ -64,17 +62,11 @@ TestCase {
         // Shown is not active yet: on a slow machine keys would go nowhere.
         tryVerify(() => root.Window.active, 10000, "the window is not active");
     }
-    function init() {
-        failOnWarning(/.?/);
-    }
     function listen(target, signalName) {
         spy.signalName = "";
         spy.target = target;
         spy.signalName = signalName;
         spy.clear();
-    }
-    function below(item) {
-        return Array.from(item.children).reduce((found, child) => found.concat([child], below(child)), []);
     }
     function ringIn(item) {
         return below(item).some(child => child.objectName === "focusRing" && child.visible);
