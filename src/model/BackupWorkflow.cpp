@@ -12,7 +12,7 @@
 
 std::filesystem::path MarluneModel::newBackupURL() const
 {
-    const std::filesystem::path location = m_environment.supportFolder / "Marlune" / "Backups";
+    const std::filesystem::path location = backupRoot();
     Files::makeFolders(location);
     const QString moment = QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd_HH-mm-ss"));
     // The last part keeps two backups of one second apart.

@@ -32,8 +32,8 @@ void MarluneModel::refresh()
     m_refreshing = true;
     m_leftMeanwhile.clear();
     runRefresh();
-    QTimer::singleShot(m_environment.discoveryPatience, this, [this] {
-        if (m_refreshing) {
+    QTimer::singleShot(m_environment.discoveryPatience, this, [this, discovery = ++m_discoveries] {
+        if (m_refreshing && m_discoveries == discovery) {
             setStatus(QStringLiteral("Urządzenie nie odpowiada. Możesz nadal korzystać z biblioteki i poradnika."));
         }
     });
@@ -95,7 +95,7 @@ void MarluneModel::readBackups()
 {
     std::vector<std::filesystem::path> backups;
     std::error_code failure;
-    std::filesystem::directory_iterator entry(m_environment.supportFolder / "Marlune" / "Backups", failure);
+    std::filesystem::directory_iterator entry(backupRoot(), failure);
     for (; !failure && entry != std::filesystem::directory_iterator(); entry.increment(failure)) {
         if (!entry->path().filename().native().starts_with('.')) {
             backups.push_back(entry->path());

@@ -5,6 +5,8 @@
 
 #include <QPointer>
 
+#include <algorithm>
+
 namespace {
 
 const QString duplicatesUnchecked = QStringLiteral("Duplikaty nie zostały jeszcze sprawdzone.");
@@ -74,6 +76,22 @@ void MarluneModel::setProgress(double progress)
         m_progress = progress;
         Q_EMIT progressChanged();
     }
+}
+
+MarluneModel::JobProgress MarluneModel::postedProgress()
+{
+    return [self = QPointer(this)](int done, int total) {
+        postToUi([self, done, total] {
+            if (self && self->m_busy) {
+                self->setProgress(double(done) / std::max(total, 1));
+            }
+        });
+    };
+}
+
+std::filesystem::path MarluneModel::backupRoot() const
+{
+    return m_environment.supportFolder / "Marlune" / "Backups";
 }
 
 void MarluneModel::setStatus(const QString &status)

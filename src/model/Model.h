@@ -24,6 +24,7 @@
 #include <stop_token>
 
 struct TrackImport;
+struct TransferResult;
 
 /// What the model needs from outside.
 struct ModelEnvironment {
@@ -169,6 +170,8 @@ public:
     /// Copies the given tracks, or the queue, to the selected device.
     void transfer(const std::optional<std::vector<Track>> &only);
     Q_INVOKABLE void transferQueue() { transfer(std::nullopt); }
+    /// Removes the files that macOS left beside the music on the device; copies of them go to the computer.
+    Q_INVOKABLE void cleanupMacFiles();
 
     // Playlists and backups.
     [[nodiscard]] QString playlistName() const { return m_playlistName; }
@@ -230,12 +233,19 @@ Q_SIGNALS:
     void appearanceChanged();
 
 private:
+    struct PlannedCover;
     struct TransferPlan;
+    /// Reports from a job's thread how much of the work is done.
+    using JobProgress = std::function<void(int done, int total)>;
 
     [[nodiscard]] QString sectionText() const { return sectionTitle(m_section); }
     void setSectionText(const QString &title);
     [[nodiscard]] QString alertText() const { return m_alert.value_or(QString()); }
 
+    /// The folder on the computer that holds every safety copy.
+    [[nodiscard]] std::filesystem::path backupRoot() const;
+    /// Shows what a job reports as long as the model lives and is busy; the job does not wait for it.
+    [[nodiscard]] JobProgress postedProgress();
     void setBusy(bool busy);
     void setProgress(double progress);
     void setStatus(const QString &status);
@@ -268,10 +278,15 @@ private:
     using ImportSource = std::function<std::optional<std::vector<std::filesystem::path>>()>;
     void beginImport(ImportSource source, bool fromDevice, bool enqueue);
     QCoro::Task<> runImport(ImportSource source, bool fromDevice, bool enqueue);
+    QCoro::Task<> runCleanup(Device device);
     QCoro::Task<> runTransfer(std::shared_ptr<const TransferPlan> plan);
     QCoro::Task<> runPlaylist(std::filesystem::path root);
     QCoro::Task<> runBackup(std::filesystem::path root, std::filesystem::path destination);
-    [[nodiscard]] TransferPlan planTransfer(std::vector<Track> items) const;
+    [[nodiscard]] TransferPlan planTransfer(const std::vector<Track> &items) const;
+    [[nodiscard]] static std::vector<PlannedCover> planCovers(const std::vector<Track> &items);
+    static void installCovers(
+        const TransferPlan &plan, const std::vector<std::filesystem::path> &destinations, const JobProgress &progress);
+    void landTransfer(const TransferPlan &plan, TransferResult result, const std::exception_ptr &failure);
     void noteTransferred(const Device &device, std::vector<std::filesystem::path> files);
     void landDevices(std::vector<Device> found);
     void landContent(DeviceContent read);
@@ -323,6 +338,7 @@ private:
     QString m_sortMode;
     double m_tileSize = 0;
     bool m_refreshing = false;
+    int m_discoveries = 0; ///< begun so far
     bool m_refreshAgain = false; ///< a disk came or went while a discovery was under way
     std::vector<std::filesystem::path> m_leftMeanwhile; ///< disks that went since that discovery began
     std::optional<std::filesystem::path> m_ejecting; ///< root of the volume that is on its way out

@@ -1,24 +1,61 @@
-// Copying chosen music to the device: the plan is made here, the copying is Storage's.
+// Copying chosen music to the device with covers that the firmware shows: planned here, carried out by the floors
+// below.
 #include "model/Model.h"
+
+#include "artwork/Artwork.h"
+#include "artwork/ArtworkInstall.h"
 
 #include "library/AlbumGrouping.h"
 
+#include "storage/MacMetadata.h"
 #include "storage/Transfer.h"
 
+#include "platform/Files.h"
 #include "platform/MarluneError.h"
 
 #include <QHash>
 #include <QPointer>
 
 #include <algorithm>
+#include <map>
+
+/// One album's tracks in one folder of the computer, and the cover that they get.
+struct MarluneModel::PlannedCover {
+    QByteArray artwork;
+    std::vector<std::size_t> items; ///< places in the plan's files
+};
 
 struct MarluneModel::TransferPlan {
     Device device;
+    std::filesystem::path backupRoot;
     std::vector<TransferFile> files;
+    std::vector<PlannedCover> covers;
     QSet<QUuid> ids; ///< of the tracks that the files come from
 };
 
-MarluneModel::TransferPlan MarluneModel::planTransfer(std::vector<Track> items) const
+std::vector<MarluneModel::PlannedCover> MarluneModel::planCovers(const std::vector<Track> &items)
+{
+    std::map<QString, PlannedCover> groups;
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        const Track &track = items[i];
+        const QString key
+            = track.artist + QChar(u'\0') + track.album + QChar(u'\0') + Files::text(track.url.parent_path());
+        PlannedCover &group = groups[key];
+        group.items.push_back(i);
+        if (group.artwork.isEmpty()) {
+            group.artwork = track.artwork.value_or(QByteArray());
+        }
+    }
+    std::vector<PlannedCover> covers;
+    for (auto &[key, group] : groups) {
+        if (!group.artwork.isEmpty()) {
+            covers.push_back(std::move(group));
+        }
+    }
+    return covers;
+}
+
+MarluneModel::TransferPlan MarluneModel::planTransfer(const std::vector<Track> &items) const
 {
     // The whole library, not the items: a disc that is sent alone still gets its disc folder.
     const std::vector<Album> albums = AlbumGrouping::albums(m_tracks);
@@ -33,7 +70,8 @@ MarluneModel::TransferPlan MarluneModel::planTransfer(std::vector<Track> items) 
             places.insert(track.id, {&album, severalDiscs});
         }
     }
-    TransferPlan plan {.device = *m_device, .files = {}, .ids = {}};
+    TransferPlan plan {
+        .device = *m_device, .backupRoot = backupRoot(), .files = {}, .covers = planCovers(items), .ids = {}};
     plan.files.reserve(items.size());
     for (const Track &track : items) {
         plan.ids.insert(track.id);
@@ -53,48 +91,78 @@ MarluneModel::TransferPlan MarluneModel::planTransfer(std::vector<Track> items) 
 
 void MarluneModel::transfer(const std::optional<std::vector<Track>> &only)
 {
-    std::vector<Track> items = only ? *only : queue();
+    const std::vector<Track> items = only ? *only : queue();
     if (!m_device || m_busy || items.empty()) {
         return;
     }
-    auto plan = std::make_shared<const TransferPlan>(planTransfer(std::move(items)));
+    auto plan = std::make_shared<const TransferPlan>(planTransfer(items));
     setBusy(true);
     setProgress(0);
     setStatus(QStringLiteral("Wgrywam muzykę…"));
     runTransfer(std::move(plan));
 }
 
+/// Blocking; stops at the first album whose cover cannot be prepared or written.
+void MarluneModel::installCovers(
+    const TransferPlan &plan, const std::vector<std::filesystem::path> &destinations, const JobProgress &progress)
+{
+    int done = 0;
+    for (const PlannedCover &cover : plan.covers) {
+        std::vector<std::filesystem::path> tracks;
+        for (const std::size_t item : cover.items) {
+            if (item < destinations.size()) {
+                tracks.push_back(destinations[item]);
+            }
+        }
+        Artwork::install(Artwork::baselineJPEG(cover.artwork), tracks, plan.device.root, plan.backupRoot);
+        progress(++done, int(plan.covers.size()));
+    }
+}
+
 QCoro::Task<> MarluneModel::runTransfer(std::shared_ptr<const TransferPlan> plan)
 {
     const QPointer<MarluneModel> self(this);
-    auto work = [plan, self] {
-        return Storage::transfer(plan->files, plan->device.root, [self](int done, int total) {
-            postToUi([self, done, total] {
-                if (self && self->m_busy) {
-                    self->setProgress(double(done) / total);
-                }
-            });
-        });
-    };
+    const JobProgress progress = postedProgress();
     TransferResult result;
     std::exception_ptr failure;
     try {
-        result = co_await background(work);
+        auto copy = [plan, progress] { return Storage::transfer(plan->files, plan->device.root, progress); };
+        result = co_await background(copy);
+        if (!self) {
+            co_return;
+        }
+        if (!plan->covers.empty()) {
+            setStatus(QStringLiteral("Zapisuję okładki…"));
+            setProgress(0);
+            auto cover = [plan, progress, tracks = result.destinations] { installCovers(*plan, tracks, progress); };
+            co_await background(cover);
+            if (!self) {
+                co_return;
+            }
+        }
+        setStatus(QStringLiteral("Porządkuję pliki pomocnicze macOS…"));
+        setProgress(0);
+        auto clean = [plan] { (void)Storage::cleanupMacMetadata(plan->device.root, plan->backupRoot); };
+        co_await background(clean);
     } catch (const std::exception &) {
         failure = std::current_exception();
     }
-    if (!self) {
-        co_return;
+    if (self) {
+        landTransfer(*plan, std::move(result), failure);
     }
+}
+
+void MarluneModel::landTransfer(const TransferPlan &plan, TransferResult result, const std::exception_ptr &failure)
+{
     if (failure) {
         setAlert(describeFailure(failure)
             + QStringLiteral("\n\nCzęść utworów mogła już zostać wgrana. Możesz ponowić transfer — identyczne pliki "
                              "zostaną pominięte."));
         setStatus(QStringLiteral("Transfer przerwany"));
     } else {
-        m_queued.subtract(plan->ids);
+        m_queued.subtract(plan.ids);
         Q_EMIT selectionChanged();
-        noteTransferred(plan->device, std::move(result.destinations));
+        noteTransferred(plan.device, std::move(result.destinations));
         setStatus(QStringLiteral("Wgrano: ") + QString::number(result.copied)
             + QStringLiteral(". Pominięto identyczne: ") + QString::number(result.skipped) + u'.');
         setAlert(m_status
@@ -114,4 +182,41 @@ void MarluneModel::noteTransferred(const Device &device, std::vector<std::filesy
     std::sort(files.begin(), files.end());
     files.erase(std::unique(files.begin(), files.end()), files.end());
     setTransferred(std::move(files));
+}
+
+void MarluneModel::cleanupMacFiles()
+{
+    if (!m_device || m_busy) {
+        return;
+    }
+    setBusy(true);
+    setProgress(0);
+    setStatus(QStringLiteral("Porządkuję pliki pomocnicze macOS…"));
+    runCleanup(*m_device);
+}
+
+QCoro::Task<> MarluneModel::runCleanup(Device device)
+{
+    const QPointer<MarluneModel> self(this);
+    int removed = 0;
+    std::exception_ptr failure;
+    try {
+        auto clean
+            = [root = device.root, backups = backupRoot()] { return Storage::cleanupMacMetadata(root, backups); };
+        removed = co_await background(clean);
+    } catch (const std::exception &) {
+        failure = std::current_exception();
+    }
+    if (!self) {
+        co_return;
+    }
+    if (failure) {
+        setAlert(describeFailure(failure));
+        setStatus(QStringLiteral("Nie udało się ukończyć porządków"));
+    } else {
+        setStatus(QStringLiteral("Usunięto pliki metadanych macOS: ") + QString::number(removed)
+            + QStringLiteral(". Kopia jest na Macu."));
+    }
+    setBusy(false);
+    refresh();
 }

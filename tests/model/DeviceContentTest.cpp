@@ -156,7 +156,8 @@ private Q_SLOTS:
             .panels = desk.panels,
             .deviceDiscovery = [&] { return std::vector {device}; },
             .ejectVolume = {},
-            .supportFolder = large}; // no folder
+            .supportFolder = large, // no folder
+            .themeSite = desk.environment().themeSite};
         MarluneModel model(std::move(next));
         desk.waitForJobs(model);
         QVERIFY(shows(model, other));

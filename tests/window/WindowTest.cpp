@@ -2,6 +2,7 @@
 // queue, transfer, transfer again, lose the device in the middle.
 #include "support/ModelDesk.h"
 
+#include "artwork/Artwork.h"
 #include "platform/DiskCalls.h"
 #include "platform/MarluneError.h"
 #include "ui/MarluneApp.h"
@@ -41,6 +42,19 @@ void expectFiles(FileMap &files, const std::filesystem::path &folder, const std:
     }
 }
 
+/// What lies in the device's music folder, without the covers of these albums, which are to be fit for the firmware.
+FileMap withoutCovers(const std::filesystem::path &music, std::initializer_list<const char *> albums)
+{
+    FileMap files = filesBelow(music);
+    for (const std::string album : albums) {
+        const auto cover = files.extract(album + "/cover.jpeg");
+        if (cover.empty() || Artwork::compatibilityIssue(QByteArray::fromStdString(cover.mapped()))) {
+            files["no fit cover in " + album] = {};
+        }
+    }
+    return files;
+}
+
 /// The window of a new user with a copy of the sample iPod.
 struct NewUser {
     TemporaryFolder folder;
@@ -61,6 +75,7 @@ struct NewUser {
             .supportFolder = folder / "data",
             .deviceDiscovery = [] { return std::vector<Device> {}; },
             .ejectVolume = [](const std::filesystem::path &) {},
+            .themeSite = {},
             .panels = &panels};
     }
 
@@ -173,7 +188,11 @@ private Q_SLOTS:
         expectFiles(expected, sample / "Music/Low Tide Almanac/Soundings/CD2", "Low Tide Almanac/Soundings/CD 2/");
         expectFiles(expected, sample / "Music/AC-DC Revival/What Now?", "AC-DC Revival/What Now?/");
         QCOMPARE(expected.size() - before, 13U);
-        QVERIFY(filesBelow(user.device / "Music") == expected);
+        const auto music = [&user] {
+            return withoutCovers(user.device / "Music",
+                {"Low Tide Almanac/Soundings/CD 1", "Low Tide Almanac/Soundings/CD 2", "AC-DC Revival/What Now?"});
+        };
+        QVERIFY(music() == expected);
         QVERIFY(model.alert()->startsWith(QStringLiteral("Wgrano: 13. Pominięto identyczne: 0.")));
         user.clickNamed("alertOk");
         QTRY_VERIFY(!user.item("alertOk") && !model.alert());
@@ -182,7 +201,7 @@ private Q_SLOTS:
         user.clickNamed("transferButton");
         QTRY_VERIFY_WITH_TIMEOUT(model.alert(), 30'000);
         QVERIFY(model.alert()->startsWith(QStringLiteral("Wgrano: 0. Pominięto identyczne: 13.")));
-        QVERIFY(filesBelow(user.device / "Music") == expected);
+        QVERIFY(music() == expected);
         QTRY_VERIFY(user.item("alertOk"));
         QTest::keyClick(user.program.window(), Qt::Key_Escape);
         QTRY_VERIFY(!model.alert());
