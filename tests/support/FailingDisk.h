@@ -5,31 +5,29 @@
 
 #include <atomic>
 #include <cerrno>
+#include <functional>
+#include <type_traits>
 
 class FailingDisk {
 public:
-    /// `failAt` counts from 1; 0 fails none. The call fails with `error`, and does nothing.
-    explicit FailingDisk(int failAt, int error = EIO)
+    enum class Fault {
+        Refused, ///< the call does nothing and fails
+        Late, ///< the call does its work and fails all the same; open() does nothing
+        Dead, ///< the call and all after it do nothing and fail
+        Event ///< something happens before the call, which then works
+    };
+
+    /// `failAt` counts from 1; 0 fails none. The call fails with `error`.
+    explicit FailingDisk(int failAt, int error = EIO, Fault fault = Fault::Refused, std::function<void()> event = {})
     {
         s_count = 0;
         s_failAt = failAt;
         s_error = error;
-        diskCalls() = {
-            [](const char *path, int flags, mode_t mode) { return fails() ? -1 : system().open(path, flags, mode); },
-            [](int descriptor, const void *bytes, std::size_t count) -> ssize_t {
-                return fails() ? -1 : system().write(descriptor, bytes, count);
-            },
-            [](int descriptor) { return fails() ? -1 : system().fsync(descriptor); },
-            [](int descriptor) {
-                const int result
-                    = system().close(descriptor); // a failing close() gives the descriptor back all the same
-                return fails() ? -1 : result;
-            },
-            [](const char *from, const char *to) { return fails() ? -1 : system().rename(from, to); },
-            [](const char *from, const char *to) { return fails() ? -1 : system().renameExclusive(from, to); },
-            [](const char *path, mode_t mode) { return fails() ? -1 : system().mkdir(path, mode); },
-            [](const char *path) { return fails() ? -1 : system().unlink(path); },
-        };
+        s_fault = fault;
+        s_event = std::move(event);
+        diskCalls() = {Call<&DiskCalls::open>::make, Call<&DiskCalls::write>::make, Call<&DiskCalls::fsync>::make,
+            Call<&DiskCalls::close>::make, Call<&DiskCalls::rename>::make, Call<&DiskCalls::renameExclusive>::make,
+            Call<&DiskCalls::mkdir>::make, Call<&DiskCalls::unlink>::make};
     }
     ~FailingDisk() { diskCalls() = DiskCalls::system(); }
     FailingDisk(const FailingDisk &) = delete;
@@ -38,14 +36,33 @@ public:
     /// Whether the call that was to fail has been made.
     [[nodiscard]] static bool reached() { return s_count >= s_failAt; }
 
+    /// How many calls have been made.
+    [[nodiscard]] static int calls() { return s_count; }
+
 private:
+    template <auto Member> struct Call;
+    template <typename Result, typename... Arguments, Result (*DiskCalls::*Member)(Arguments...)> struct Call<Member> {
+        static Result make(Arguments... arguments)
+        {
+            // A failing close() gives the descriptor back all the same; fsync() looks like it and changes nothing.
+            const bool closes = std::is_same_v<decltype(Member), decltype(&DiskCalls::close)>;
+            const bool opens = std::is_same_v<decltype(Member), decltype(&DiskCalls::open)>;
+            const bool failed = fails();
+            const Result result
+                = !failed || closes || (s_fault == Fault::Late && !opens) ? (system().*Member)(arguments...) : -1;
+            errno = failed ? s_error : errno;
+            return failed ? -1 : result;
+        }
+    };
+
     static bool fails()
     {
-        if (++s_count != s_failAt) {
+        const int number = ++s_count;
+        if (number == s_failAt && s_fault == Fault::Event) {
+            s_event();
             return false;
         }
-        errno = s_error;
-        return true;
+        return s_failAt > 0 && (number == s_failAt || (number > s_failAt && s_fault == Fault::Dead));
     }
     static const DiskCalls &system()
     {
@@ -56,4 +73,6 @@ private:
     static inline std::atomic<int> s_count = 0;
     static inline int s_failAt = 0;
     static inline int s_error = 0;
+    static inline Fault s_fault = Fault::Refused;
+    static inline std::function<void()> s_event;
 };
