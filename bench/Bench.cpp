@@ -14,7 +14,7 @@ struct Figure {
 };
 
 constexpr Figure figures[] = {{"import", Bench::import}, {"flac", Bench::flac}, {"digest", Bench::digest},
-    {"transfer", Bench::transfer}, {"group", Bench::group}, {"browse", Bench::browse},
+    {"transfer", Bench::transfer}, {"cleanup", Bench::cleanup}, {"group", Bench::group}, {"browse", Bench::browse},
     {"heartbeat", Bench::heartbeatAndMemory}, {"memory", Bench::heartbeatAndMemory}};
 
 } // namespace
