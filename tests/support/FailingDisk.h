@@ -10,12 +10,9 @@
 
 class FailingDisk {
 public:
-    enum class Fault {
-        Refused, ///< the call does nothing and fails
-        Late, ///< the call does its work and fails all the same; open() does nothing
-        Dead, ///< the call and all after it do nothing and fail
-        Event ///< something happens before the call, which then works
-    };
+    /// Refused: the call does nothing and fails. Late: it does its work and fails all the same (open() does nothing).
+    /// Dead: it and all after it do nothing and fail. Event: something happens before it, and it works.
+    enum class Fault { Refused, Late, Dead, Event };
 
     /// `failAt` counts from 1; 0 fails none. The call fails with `error`.
     explicit FailingDisk(int failAt, int error = EIO, Fault fault = Fault::Refused, std::function<void()> event = {})
@@ -35,8 +32,6 @@ public:
 
     /// Whether the call that was to fail has been made.
     [[nodiscard]] static bool reached() { return s_count >= s_failAt; }
-
-    /// How many calls have been made.
     [[nodiscard]] static int calls() { return s_count; }
 
 private:
