@@ -36,8 +36,8 @@ struct ModelEnvironment {
     std::function<void(const std::filesystem::path &)> ejectVolume;
     /// The user's folder for application data; the program's own lies in "Marlune" below it.
     std::filesystem::path supportFolder;
-    /// Where the themes' catalogue is.
-    Catalogue::Site themeSite;
+    /// Where the themes' catalogue is; none: no server is asked.
+    Catalogue::Site themeSite = {};
     /// Whether the library of the last run comes back.
     bool restoreLibrary = true;
     /// After this long a discovery counts as hanging, and the user is told.

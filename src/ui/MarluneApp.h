@@ -27,7 +27,7 @@ struct Setup {
     std::filesystem::path supportFolder; ///< the user's folder for application data
     std::function<std::vector<Device>()> deviceDiscovery = discoverDevices;
     std::function<void(const std::filesystem::path &)> ejectVolume;
-    Catalogue::Site themeSite; ///< where the themes' catalogue is
+    Catalogue::Site themeSite = {}; ///< where the themes' catalogue is; none: no server is asked
     Panels *panels = nullptr; ///< asked in place of the desktop's dialogs, where given
 
     /// The user's own settings, folders and disks.
