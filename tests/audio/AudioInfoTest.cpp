@@ -88,9 +88,7 @@ TEST(AudioInfo, survivesItsJsonForm)
     EXPECT_EQ(audioInfoFromJson(whole), info);
     for (const QString &key : whole.keys()) {
         QJsonObject part = whole;
-        part.remove(key);
-        EXPECT_EQ(audioInfoFromJson(part).has_value(), key == QStringLiteral("picture")) << key;
-        part.insert(key, true);
+        part[key] = true;
         EXPECT_FALSE(audioInfoFromJson(part)) << key;
     }
 }

@@ -6,13 +6,21 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
 
 namespace {
 
-std::vector<Album> group(const std::vector<TrackText> &texts)
+/// The albums that the tracks make, in order: title, artist and the tracks' titles.
+std::string shown(const std::vector<TrackText> &texts)
 {
-    return AlbumGrouping::albums(makeTracks(texts));
+    QStringList albums;
+    for (const Album &album : AlbumGrouping::albums(makeTracks(texts))) {
+        QStringList words {album.title, album.artist};
+        for (const Track &track : album.tracks) {
+            words.append(track.title);
+        }
+        albums.append(words.join(u' '));
+    }
+    return albums.join(QStringLiteral("; ")).toStdString();
 }
 
 } // namespace
@@ -44,76 +52,38 @@ TEST(CleanedAlbum, dropsTheDiscSuffix)
     EXPECT_EQ(AlbumGrouping::cleanedAlbum(blanks + u'7'), QStringLiteral("7"));
 }
 
-TEST(AlbumGrouping, joinsDiscFoldersWhateverTheTagsSay)
+TEST(AlbumGrouping, joinsDiscsByFoldersAndTagsAndSortsTheirTracks)
 {
-    EXPECT_TRUE(group({}).empty());
-    const std::array<const char *, 3> rows[] = {{"Album (CD 1)", "Album (CD 2)", "Album"},
-        {"Album CD1", "Album", "Album"}, {"A", "B", "Release"}, {"CD1", "CD2", "Release"}, {"", "", "Release"}};
-    for (const auto &[first, second, title] : rows) {
-        const std::vector<Album> albums
-            = group({{"Band/Release/CD2/01.flac", second, "Y", 1}, {"Band/Release/CD1/01.flac", first, "X", 1}});
-        ASSERT_EQ(albums.size(), 1U) << first;
-        EXPECT_EQ(albums[0].title.toStdString(), title) << first;
-        EXPECT_EQ(albums[0].artist, QStringLiteral("Różni wykonawcy"));
-        EXPECT_EQ(albums[0].groupID, QStringLiteral("release") + QChar(u'\0') + QStringLiteral("/music/Band/Release"));
-        EXPECT_EQ(albums[0].discs().size(), 2U);
-        EXPECT_EQ(albums[0].tracks[0].url, "/music/Band/Release/CD1/01.flac");
+    const TrackText first {"R/One/a", "X", "B", 1};
+    const std::pair<std::vector<TrackText>, const char *> rows[] = {{{}, ""},
+        // Disc folders, whatever the tags say.
+        {{{"R/CD2/2", "Al (CD 2)", "Y", 1}, {"R/CD1/1", "Al (CD 1)", "X", 1}}, "Al Różni wykonawcy 1 2"},
+        {{{"R/CD2/2", "Al CD2", "Y", 1}, {"R/CD1/1", "Al", "X", 1}}, "Al Różni wykonawcy 1 2"},
+        {{{"R/CD2/2", "A", "Y", 1}, {"R/CD1/1", "B", "X", 1}}, "R Różni wykonawcy 1 2"},
+        {{{"R/CD2/2", "CD2", "Y", 1}, {"R/CD1/1", "CD1", "Y", 1}}, "R Y 1 2"},
+        {{{"R/CD2/2", "", "Y", 1}, {"R/CD1/1", "", "Y", 1}}, "R Y 1 2"},
+        // Sibling folders by their disc tags, also of disc folders that carry numbers.
+        {{first, {"R/Two/b", "x (CD 2)", "b", 2}}, "R Różni wykonawcy a b"}, // "X" and "x" are two titles
+        {{first, {"R/Two/b", "X", "B", 1}}, "X B a; X B b"}, {{first, {"R/Two/b", "X", "B", 0}}, "X B a; X B b"},
+        {{first, {"S/Two/b", "X", "B", 2}}, "X B a; X B b"}, {{first, {"R/Two/b", "X", "C", 2}}, "X B a; X C b"},
+        {{first, {"R/Two/b", "Y", "B", 2}}, "X B a; Y B b"}, {{first, {"R/One/b", "X", "B", 2}}, "X B a b"},
+        {{{"R/CD1/1", "X", "B", 1}, {"R/CD2/2", "X", "B", 2}, {"R/CD3/3", "X", "B"}}, "X B 1 2; X B 3"},
+        // A plain folder by its tags, which are equal without case and by canonical equivalence.
+        {{{"B/F/1", "Album", "A"}, {"B/F/2", "ALBUM (CD 1)", "a"}, {"B/F/3", "Other", "A"}, {"B/E/4", "Album", "A"}},
+            "B Różni wykonawcy 1 2; Other A 3; Album A 4"},
+        {{{"B/F/1", "CD 1"}}, "F Band 1"},
+        {{{"B/F/1", "Z\u0307ar", "Z\u0307"}, {"B/F/2", "\u017Bar", "\u017B"}}, "Z\u0307ar Z\u0307 1 2"},
+        // By disc, where none is the first, number and name.
+        {{{"B/F/10", "A", "B", 1, 1}, {"B/F/2", "A", "B", 0, 1}, {"B/F/z", "A", "B", 2, 1}, {"B/F/b", "A", "B", 1, 0}},
+            "A B b 2 10 z"}};
+    for (const auto &[tracks, albums] : rows) {
+        EXPECT_EQ(shown(tracks), albums);
     }
-}
-
-TEST(AlbumGrouping, joinsSiblingFoldersByTheirDiscTags)
-{
-    const TrackText first {"R/One/a.flac", "X", "B", 1};
-    const std::tuple<const char *, TrackText, std::size_t> rows[] = {
-        {"two discs", {"R/Two/b.flac", "x (CD 2)", "b", 2}, 1},
-        {"one folder", {"R/One/b.flac", "X", "B", 2}, 1},
-        {"the same disc twice", {"R/Two/b.flac", "X", "B", 1}, 2},
-        {"a disc without a number", {"R/Two/b.flac", "X", "B", 0}, 2},
-        {"other parents", {"S/Two/b.flac", "X", "B", 2}, 2},
-        {"other artists", {"R/Two/b.flac", "X", "C", 2}, 2},
-        {"other albums", {"R/Two/b.flac", "Y", "B", 2}, 2},
+    const auto key = [](const std::vector<TrackText> &texts) {
+        return AlbumGrouping::albums(makeTracks(texts)).at(0).groupID->replace(QChar(u'\0'), u'|');
     };
-    for (const auto &[what, second, albums] : rows) {
-        EXPECT_EQ(group({first, second}).size(), albums) << what;
-    }
-    const Album joined = group({first, std::get<TrackText>(rows[0])}).front();
-    const QString key = QStringLiteral("tagged|/music/R|b|x");
-    EXPECT_EQ(joined.groupID, QString(key).replace(u'|', QChar(u'\0')));
-    EXPECT_EQ(joined.title, QStringLiteral("R")); // "X" and "x" are two titles
-    // The tagged form takes disc folders over too, when they carry numbers.
-    EXPECT_EQ(
-        group({{"R/CD1/a.flac", "X", "B", 1}, {"R/CD2/b.flac", "X", "B", 2}, {"R/CD3/c.flac", "X", "B"}}).size(), 2U);
-}
-
-TEST(AlbumGrouping, groupsAPlainFolderByItsTags)
-{
-    const std::vector<Album> albums
-        = group({{"Band/Folder/1.mp3", "Album", "A"}, {"Band/Folder/2.mp3", "ALBUM (CD 1)", "a"},
-            {"Band/Folder/3.mp3", "Other", "A"}, {"Band/Else/1.mp3", "Album", "A"}});
-    ASSERT_EQ(albums.size(), 3U);
-    EXPECT_EQ(albums[0].tracks.size(), 2U);
-    EXPECT_EQ(albums[0].artist, QStringLiteral("Różni wykonawcy")); // "A" and "a"
-    EXPECT_EQ(albums[0].title, QStringLiteral("Band")); // titles that differ only in case: the grandparent's name
-    EXPECT_EQ(albums[1].title, QStringLiteral("Other"));
-    EXPECT_EQ(group({{"Band/Folder/1.mp3", "CD 1"}})[0].title, QStringLiteral("Folder"));
-    // Texts are equal by canonical equivalence.
-    const std::vector<Album> equal
-        = group({{"B/F/1.mp3", "Z\u0307ar", "Z\u0307"}, {"B/F/2.mp3", "\u017Bar", "\u017B"}});
-    ASSERT_EQ(equal.size(), 1U);
-    EXPECT_EQ(equal[0].title, QStringLiteral("Z\u0307ar"));
-}
-
-TEST(AlbumGrouping, sortsByDiscTrackAndName)
-{
-    const std::vector<Album> albums = group({{"B/F/10.flac", "A", "B", 1, 1}, {"B/F/2.flac", "A", "B", 0, 1},
-        {"B/F/z.flac", "A", "B", 2, 1}, {"B/F/b.flac", "A", "B", 1, 0}, {"B/F/B.flac", "A", "B", 1, 0}});
-    ASSERT_EQ(albums.size(), 1U);
-    QStringList names;
-    for (const Track &track : albums[0].tracks) {
-        names.append(track.title);
-    }
-    EXPECT_EQ(names.join(u' '), QStringLiteral("b B 2 10 z"));
-    EXPECT_EQ(albums[0].discs().size(), 2U); // without a number a track is of the first
+    EXPECT_EQ(key(rows[1].first), QStringLiteral("release|/music/R"));
+    EXPECT_EQ(key(rows[6].first), QStringLiteral("tagged|/music/R|b|x"));
 }
 
 TEST(AlbumGrouping, keepsEveryTrackOnceAndAgreesWithDescribe)

@@ -3,6 +3,23 @@
 
 #include "platform/MarluneError.h"
 
+namespace {
+
+/// A model that has found one disk.
+struct Connected {
+    ModelDesk desk;
+    Device device = desk.makeDevice("IPOD", true);
+    std::unique_ptr<MarluneModel> model;
+
+    Connected()
+    {
+        *desk.found = {device};
+        model = desk.start();
+    }
+};
+
+} // namespace
+
 class DeviceWorkflowTest : public QObject {
     Q_OBJECT
 
@@ -48,14 +65,13 @@ private Q_SLOTS:
 
     void disconnectsALostVolumeAndKeepsALostFolder()
     {
-        ModelDesk desk;
-        *desk.found = {desk.makeDevice("IPOD", true)};
-        const auto model = desk.start();
+        Connected connected;
+        auto &[desk, device, model] = connected;
         desk.folder.write("IPOD/Music/a.mp3", "x");
         model->scanDeviceMusic();
         desk.waitForJobs(*model);
         model->toggleTrack(model->deviceTracks().front());
-        model->select(desk.found->front()); // the same again changes nothing
+        model->select(device); // the same again changes nothing
         QCOMPARE(model->selectedOnDevice().size(), 1);
         desk.found->clear();
         refresh(*model);
@@ -70,10 +86,8 @@ private Q_SLOTS:
 
     void hearsOfAnUnmountAtOnceAndLooksOnceMoreForSeveralNotices()
     {
-        ModelDesk desk;
-        const Device device = desk.makeDevice("IPOD", true);
-        *desk.found = {device};
-        const auto model = desk.start();
+        Connected connected;
+        const auto &[desk, device, model] = connected;
         {
             const HeldJobs held;
             model->volumeUnmounted(desk.folder / "OTHER");
@@ -153,9 +167,8 @@ private Q_SLOTS:
         const std::tuple<bool, bool, const char *> rows[] = {{true, false, "Możesz odłączyć iPoda"},
             {false, true, "Gotowy na Twoją muzykę"}, {true, true, "iPod został odłączony"}};
         for (const auto &[unmounts, fails, status] : rows) {
-            ModelDesk desk;
-            *desk.found = {desk.makeDevice("IPOD", true)};
-            const auto model = desk.start();
+            Connected connected;
+            auto &[desk, device, model] = connected;
             desk.ejector = [&, gone = unmounts, refused = fails](const std::filesystem::path &root) {
                 if (gone) { // the kernel tells of it before the drive has let go
                     desk.found->clear();

@@ -99,16 +99,12 @@ private Q_SLOTS:
     {
         Library library;
         library.import();
-        const std::tuple<const char *, const char *, bool, const char *, const char *> rows[] = {
-            {"Album", "Wszystko", false, "", "Double, High 10, Plain"},
-            {"Rok", "Wszystko", false, "", "High 10, Double, Plain"},
-            {"unknown", "Wszystko", false, "", "High 10, Double, Plain"},
-            {"Rok", "MP3", false, "", "Plain"},
-            {"Rok", "Pozostałe", false, "", ""},
-            {"Rok", "FLAC", true, "", "High 10"},
-            {"Rok", "Wszystko", false, "żUK plain", "Plain"},
-            {"Rok", "Wszystko", false, "2 y", "Plain"},
-        };
+        const std::tuple<const char *, const char *, bool, const char *, const char *> rows[]
+            = {{"Album", "Wszystko", false, "", "Double, High 10, Plain"},
+                {"Rok", "Wszystko", false, "", "High 10, Double, Plain"},
+                {"unknown", "Wszystko", false, "", "High 10, Double, Plain"}, {"Rok", "MP3", false, "", "Plain"},
+                {"Rok", "Pozostałe", false, "", ""}, {"Rok", "FLAC", true, "", "High 10"},
+                {"Rok", "Wszystko", false, "żUK plain", "Plain"}, {"Rok", "Wszystko", false, "2 y", "Plain"}};
         for (const auto &[order, format, highResolution, search, titles] : rows) {
             library.model->setSortMode(QString::fromUtf8(order));
             library.model->setFormatFilter(QString::fromUtf8(format));

@@ -168,6 +168,9 @@ std::string tag(const TagForm &form, const std::string &frames)
 
 TEST(MediaAsset, ReadsId3v2InAllItsForms)
 {
+    const auto cover
+        = [](char type, const std::string &bytes) { return frame(v4, "APIC", "\0image/png\0"s + type + '\0' + bytes); };
+    const std::string largest(10'000'000, 'x');
     const TagForm v4Plain {4, 0, 8};
     const std::string utf16 = "\1\xFF\xFE\x7C\x01"s; // ż
     const std::string jpeg = "\xFF\xD8\xFF\xE0"s;
@@ -206,38 +209,20 @@ TEST(MediaAsset, ReadsId3v2InAllItsForms)
             {{"TPE1", "P"}}},
         {"cut", v4, artist + "TIT2"s + bigEndian(100, 7) + "\0\0\3T"s, {{"TPE1", "P"}}},
         {"padding", v4, artist + std::string(30, '\0'), {{"TPE1", "P"}}},
+        // The first front cover, else the first picture, none of more than 10 MB.
+        {"front behind", v4, cover(4, "back") + cover(3, "front") + cover(3, "second"), {{"APIC", "front"}}},
+        {"no front", v4, cover(4, "back") + cover(5, "leaf"), {{"APIC", "back"}}},
+        {"too large", v4, cover(3, largest + 'x') + cover(4, largest), {{"APIC", largest}}},
+        {"empty", v4, cover(3, "") + artist, {{"TPE1", "P"}}},
     };
     const TemporaryFolder folder;
     for (const auto &[what, form, frames, shown] : rows) {
         const std::string second = tag(v4, frame(v4, "TPE1", "\3Q"s)); // is not read
         const auto file = folder.write("a.mp3", tag(form, frames) + second);
-        EXPECT_EQ(shownValues(MediaAsset(file).metadata()), shown) << what;
+        EXPECT_TRUE(shownValues(MediaAsset(file).metadata()) == shown) << what;
     }
-}
-
-TEST(MediaAsset, ShowsTheFirstFrontCoverElseTheFirstPictureThatIsNotTooLarge)
-{
-    const auto picture = [&](char type, const std::string &bytes) {
-        return frame(v4, "APIC", "\0image/png\0"s + type + '\0' + bytes);
-    };
-    const std::string largest(10'000'000, 'x');
-    const std::pair<std::string, std::vector<std::string>> rows[] = {
-        {picture(4, "back") + picture(3, "front"), {"back", "front"}},
-        {picture(3, "front") + picture(4, "back") + picture(3, "front 2"), {"back", "front 2", "front"}},
-        {picture(4, "back") + picture(5, "leaf"), {"leaf", "back"}},
-        {picture(3, largest + 'x') + picture(4, largest), {largest}},
-        {picture(4, largest) + picture(5, largest) + picture(6, largest) + picture(3, largest),
-            {largest, largest, largest}},
-        {picture(3, ""), {}},
-    };
-    const TemporaryFolder folder;
-    for (const auto &[frames, expected] : rows) {
-        std::vector<std::string> order;
-        for (const MetadataItem &item : MediaAsset(folder.write("a.mp3", tag(v4, frames))).metadata()) {
-            order.push_back(item.data.value_or(QByteArray()).toStdString());
-        }
-        EXPECT_TRUE(order == expected) << frames.substr(0, 60);
-    }
+    const std::string covers = cover(4, largest) + cover(5, largest) + cover(6, largest) + cover(3, largest);
+    EXPECT_EQ(MediaAsset(folder.write("a.mp3", tag(v4, covers))).metadata().size(), 3U); // of 32 MB in all
 }
 
 TEST(MediaAsset, KnowsNothingOfWhatIsNoAudioFileAndOpensNoOther)

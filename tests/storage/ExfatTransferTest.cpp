@@ -4,7 +4,6 @@
 #include "platform/Volumes.h"
 
 #include "support/ExfatVolume.h"
-#include "support/Messages.h"
 #include "support/SampleDevice.h"
 
 #include <gtest/gtest.h>
@@ -58,9 +57,4 @@ TEST(ExfatTransfer, givesEveryFileANameThatTheDiskTakes)
         EXPECT_EQ(result.skipped, 8 - copied);
         EXPECT_EQ(filesBelow(root / "Music"), expected);
     }
-
-    const TransferFile large = file("large.flac", "");
-    std::filesystem::resize_file(large.source, 100'000'000);
-    EXPECT_EQ(messageOf([&] { (void)Storage::transfer(std::vector {large}, root, [](int, int) { }); }),
-        "Za mało wolnego miejsca na cały transfer.");
 }

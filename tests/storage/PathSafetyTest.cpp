@@ -1,6 +1,5 @@
 #include "storage/PathSafety.h"
 
-#include "support/FailingDisk.h"
 #include "support/Messages.h"
 #include "support/SampleDevice.h"
 
@@ -61,18 +60,7 @@ TEST(RejectLinks, findsALinkAnywhereInATree)
     }
 }
 
-TEST(DeviceDirectory, makesTheMissingLevels)
-{
-    const TemporaryFolder folder;
-    makeDevice(folder);
-    for (const char *relative : {"/Music//A/", "Music/A"}) {
-        EXPECT_EQ(Storage::directory(relative, folder.path()), folder / "Music/A");
-        EXPECT_TRUE(std::filesystem::is_directory(folder / "Music/A"));
-    }
-    EXPECT_EQ(Storage::directory("//", folder.path()), folder.path());
-}
-
-TEST(DeviceDirectory, refusesPathsThatLeaveTheDevice)
+TEST(DeviceDirectory, makesMissingLevelsAndRefusesPathsThatLeaveTheDevice)
 {
     const TemporaryFolder folder;
     makeDevice(folder);
@@ -89,24 +77,9 @@ TEST(DeviceDirectory, refusesPathsThatLeaveTheDevice)
         EXPECT_EQ(message(relative), refusal);
     }
     EXPECT_TRUE(std::filesystem::is_empty(folder / "elsewhere"));
+    EXPECT_EQ(Storage::directory("/Music//A/", folder.path()), folder / "Music/A");
+    EXPECT_TRUE(std::filesystem::is_directory(folder / "Music/A"));
     std::filesystem::remove_all(folder / ".rockbox");
     EXPECT_EQ(message("new"), "Ten folder nie zawiera katalogu .rockbox.");
     EXPECT_FALSE(std::filesystem::exists(folder / "new"));
-}
-
-TEST(DeviceDirectory, leavesWhatItMadeWhenTheDiskFails)
-{
-    for (int failAt = 1;; ++failAt) {
-        const TemporaryFolder folder;
-        makeDevice(folder);
-        const FailingDisk disk(failAt, ENOSPC);
-        const std::string failure = failureOf([&] { (void)Storage::directory("Music/A/B", folder.path()); });
-        if (!FailingDisk::reached()) {
-            EXPECT_EQ(failAt, 4); // three levels
-            break;
-        }
-        EXPECT_NE(failure.find("No space left"), std::string::npos) << failure;
-        EXPECT_EQ(std::filesystem::exists(folder / "Music"), failAt > 1);
-        EXPECT_EQ(std::filesystem::exists(folder / "Music/A"), failAt > 2);
-    }
 }
