@@ -1,10 +1,12 @@
 // The library, what is shown of it, the queue and the transfer.
 #include "support/ModelDesk.h"
 
+#include "artwork/Artwork.h"
 #include "library/AlbumGrouping.h"
 #include "platform/Files.h"
 #include "platform/TextOrder.h"
 
+#include <QBuffer>
 #include <QRandomGenerator>
 
 namespace {
@@ -229,6 +231,47 @@ private Q_SLOTS:
         ModelDesk::waitForJobs(model);
         QVERIFY(std::filesystem::exists(device.root / "Music/Other/Double/01 a.flac"));
         QCOMPARE(filesBelow(device.root / "Music").size(), 6U);
+    }
+
+    void putsCoversWithTheMusicAndTakesMacFilesAway()
+    {
+        Library library;
+        MarluneModel &model = *library.model;
+        QByteArray picture;
+        QBuffer buffer(&picture);
+        QVERIFY(QImage(30, 20, QImage::Format_RGB32).save(&buffer, "bmp"));
+        library.desk.folder.write("Computer/Band/Double/CD1/cover.bmp", picture.toStdString());
+        const Device device = library.desk.makeDevice("IPOD", false);
+        library.desk.folder.write("IPOD/Music/a.mp3", "x");
+        library.desk.folder.write("IPOD/Music/._a.mp3", std::string("\0\5\x16\7rest", 8));
+        model.select(device);
+        library.import("", true);
+        model.transferQueue();
+        ModelDesk::waitForJobs(model);
+        auto music = filesBelow(device.root / "Music");
+        const auto cover = music.extract("Band/Double/CD 1/cover.jpeg");
+        QVERIFY(!cover.empty() && !Artwork::compatibilityIssue(QByteArray::fromStdString(cover.mapped())));
+        QCOMPARE(music.size(), 6U); // the tracks and a.mp3
+        const auto backups = filesBelow(library.desk.folder / "data/Marlune/Backups");
+        QVERIFY(std::ranges::any_of(backups, [](const auto &file) { return file.second.ends_with("rest"); }));
+        QCOMPARE(model.status(), QStringLiteral("Wgrano: 5. Pominięto identyczne: 0."));
+
+        // A cover that cannot be prepared ends the transfer; the music is there, and the queue stays for another try.
+        library.desk.folder.write("Computer/New/Album/cover.jpg", "no picture");
+        library.desk.folder.write("Computer/New/Album/1.mp3", "new");
+        library.import("New", true);
+        model.transferQueue();
+        ModelDesk::waitForJobs(model);
+        QVERIFY(model.alert().value_or(QString()).startsWith(
+            QStringLiteral("Nie można odczytać obrazu.\n\nCzęść utworów mogła już zostać wgrana.")));
+        QCOMPARE(model.status(), QStringLiteral("Transfer przerwany"));
+        QVERIFY(!model.busy() && model.queued().size() == 1);
+        QVERIFY(std::filesystem::exists(device.root / "Music/New/Album/1.mp3"));
+
+        library.desk.folder.write("IPOD/Music/._a.mp3", std::string("\0\5\x16\7rest", 8));
+        model.cleanupMacFiles();
+        ModelDesk::waitForJobs(model);
+        QCOMPARE(model.status(), QStringLiteral("Usunięto pliki metadanych macOS: 1. Kopia jest na Macu."));
     }
 
 private:
