@@ -12,6 +12,8 @@
 #include <QQuickWindow>
 #include <QScopeGuard>
 
+#include <set>
+
 namespace {
 
 const std::filesystem::path sample = MARLUNE_SAMPLE;
@@ -205,6 +207,34 @@ private Q_SLOTS:
         QTRY_VERIFY(user.item("alertOk"));
         QTest::keyClick(user.program.window(), Qt::Key_Escape);
         QTRY_VERIFY(!model.alert());
+    }
+
+    void putsFitCoversBesideAllMusicAndCleansTheDisk()
+    {
+        NewUser user;
+        user.folder.write("IPOD/Music/Halcyon Ferry/Early Crossings/._02 Gangway.mp3", std::string("\0\5\x16\7", 4));
+        user.begin(sample / "Music"); // covers embedded, of folders and beside tracks; JPEG, progressive too, and PNG
+        user.clickNamed("transferButton");
+        QTRY_VERIFY_WITH_TIMEOUT(user.program.model().alert(), 60'000);
+        QVERIFY(user.program.model().alert()->startsWith(QStringLiteral("Wgrano: ")));
+        std::set<std::filesystem::path> folders;
+        for (const std::filesystem::path &track : user.program.model().transferred()) {
+            folders.insert(track.parent_path());
+        }
+        QVERIFY(folders.size() > 12);
+        int bare = 0;
+        for (const std::filesystem::path &folder : folders) {
+            if (!std::filesystem::exists(folder / "cover.jpeg")) {
+                ++bare;
+                continue;
+            }
+            const QByteArray cover = QByteArray::fromStdString(fileBytes(folder / "cover.jpeg"));
+            QVERIFY2(!Artwork::compatibilityIssue(cover), folder.c_str());
+            QVERIFY2(QImage::fromData(cover).size() == QSize(500, 500), folder.c_str());
+        }
+        QCOMPARE(bare, 1); // the album without any cover
+        QVERIFY(!std::filesystem::exists(user.device / "Music/Halcyon Ferry/Early Crossings/._02 Gangway.mp3"));
+        QTRY_COMPARE(user.shownText("themeCount"), std::string("2 zainstalowanych motywów"));
     }
 
     void goesOnWhenTheDeviceIsTakenAwayInTheMiddle()
