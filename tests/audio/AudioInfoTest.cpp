@@ -70,8 +70,8 @@ TEST(AudioInfo, labelsItsParameters)
         info.sampleRate = sampleRate;
         EXPECT_EQ(info.parameters().toStdString(), label);
     }
-    const std::pair<double, const char *> durations[] = {{-0.0, "0:00"}, {59.9, "0:59"}, {3599.99, "59:59"},
-        {3661, "1:01:01"}, {360000, "100:00:00"}, {-1, "—"}, {NAN, "—"}, {INFINITY, "—"}, {1e300, "—"}};
+    const std::pair<double, const char *> durations[]
+        = {{-0.0, "0:00"}, {3599.99, "59:59"}, {3661, "1:01:01"}, {-1, "—"}, {NAN, "—"}, {1e300, "—"}};
     for (const auto &[seconds, label] : durations) {
         EXPECT_EQ(durationLabel(seconds).toStdString(), label) << seconds;
     }

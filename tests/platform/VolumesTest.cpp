@@ -123,37 +123,32 @@ protected:
         m_made.push_back(target);
     }
 
-    TemporaryFolder m_folder;
-    std::filesystem::path m_mounts = m_folder / "mounts";
-    std::vector<std::filesystem::path> m_made;
-};
-
-/// What a watcher said, in its order: "+" and "-" before the names under one folder.
-class Notices {
-public:
-    explicit Notices(const std::filesystem::path &below)
+    /// From here on keeps what a watcher says: "+" and "-" before the names of its disks.
+    void watch()
     {
-        const auto note = [this, below](auto signal, char sign) {
-            const auto keep = [this, below, sign](const std::filesystem::path &path) {
-                if (path.parent_path() == below) {
-                    m_lines.push_back(sign + path.filename().string());
+        m_watcher.emplace();
+        const auto note = [this](auto signal, char sign) {
+            const auto keep = [this, sign](const std::filesystem::path &path) {
+                if (path.parent_path() == m_mounts) {
+                    m_notices.push_back(sign + path.filename().string());
                 }
             };
-            QObject::connect(&m_watcher, signal, &m_watcher, keep, Qt::QueuedConnection); // as to another thread
+            QObject::connect(&*m_watcher, signal, &*m_watcher, keep, Qt::QueuedConnection); // as to another thread
         };
         note(&Volumes::Watcher::mounted, '+');
         note(&Volumes::Watcher::unmounted, '-');
     }
-
-    void expect(const std::vector<std::string> &expected)
+    void expectNotices(const std::vector<std::string> &expected)
     {
-        (void)eventually([&] { return m_lines.size() >= expected.size(); });
-        EXPECT_EQ(m_lines, expected);
+        (void)eventually([&] { return m_notices.size() >= expected.size(); });
+        EXPECT_EQ(m_notices, expected);
     }
 
-private:
-    std::vector<std::string> m_lines;
-    Volumes::Watcher m_watcher;
+    TemporaryFolder m_folder;
+    std::filesystem::path m_mounts = m_folder / "mounts";
+    std::vector<std::filesystem::path> m_made;
+    std::vector<std::string> m_notices;
+    std::optional<Volumes::Watcher> m_watcher;
 };
 
 TEST(Volumes, AnswersForFoldersThatAreNoMounts)
@@ -191,42 +186,32 @@ TEST_F(VolumesTest, ListsWhatIsMountedAmongDisksByWhateverName)
     }
 }
 
-TEST_F(VolumesTest, TheWatcherTellsOfDisksAndOfNothingElse)
+TEST_F(VolumesTest, TheWatcherTellsOfDisksAloneAndMissesNoneBetweenTwoReadings)
 {
-    Notices notices(m_mounts);
+    watch();
     mount(m_mounts / "IPOD");
-    notices.expect({"+IPOD"});
     mount(m_mounts / ".hidden");
-    mount(m_mounts / "second");
-    notices.expect({"+IPOD", "+second"});
-    ASSERT_EQ(::umount((m_mounts / "IPOD").c_str()), 0);
-    notices.expect({"+IPOD", "+second", "-IPOD"});
-}
-
-TEST_F(VolumesTest, NothingBetweenTwoReadingsIsMissed)
-{
-    mount(m_mounts / "IPOD");
-    Notices notices(m_mounts);
+    expectNotices({"+IPOD"});
     ASSERT_EQ(::umount((m_mounts / "IPOD").c_str()), 0);
     mount(m_mounts / "IPOD", "other"); // in the same place, under the same number
-    std::vector<std::string> expected {"-IPOD", "+IPOD"};
-    notices.expect(expected);
+    std::vector<std::string> expected {"+IPOD", "-IPOD", "+IPOD"};
+    expectNotices(expected);
     for (int i = 100; i < 300; ++i) { // more than one page of the table's text
         const std::string name = "disk with a rather long name " + std::to_string(i);
         mount(m_mounts / name);
         expected.push_back("+" + name);
     }
-    notices.expect(expected);
+    expectNotices(expected);
 }
 
 TEST_F(VolumesTest, ARealDiskComesWithItsNameRulesAndItsSizeAndGoes)
 {
-    Notices notices(m_mounts);
+    watch();
     ExfatVolume disk(m_mounts / "IPOD", 32 << 20);
     if (!disk.available()) {
         GTEST_SKIP() << disk.reason();
     }
-    notices.expect({"+IPOD"});
+    expectNotices({"+IPOD"});
     EXPECT_THAT(Volumes::mounted(), Contains(disk.mountPoint()));
 
     std::filesystem::create_directories(disk.mountPoint() / "Music/Artist");
@@ -235,7 +220,7 @@ TEST_F(VolumesTest, ARealDiskComesWithItsNameRulesAndItsSizeAndGoes)
     EXPECT_NEAR(double(Volumes::capacity(disk.mountPoint() / "Music").total), 30 << 20, 2 << 20);
 
     ASSERT_TRUE(disk.unmount());
-    notices.expect({"+IPOD", "-IPOD"});
+    expectNotices({"+IPOD", "-IPOD"});
     ASSERT_TRUE(disk.mount()) << disk.reason();
     EXPECT_TRUE(std::filesystem::is_directory(disk.mountPoint() / "Music/Artist"));
 }
