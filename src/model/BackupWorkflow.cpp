@@ -41,18 +41,13 @@ void MarluneModel::backup()
 QCoro::Task<> MarluneModel::runBackup(std::filesystem::path root, std::filesystem::path destination)
 {
     const QPointer<MarluneModel> self(this);
-    std::exception_ptr failure;
-    try {
-        auto work = [root, destination] { Storage::backup(root, destination); };
-        co_await background(work);
-    } catch (const std::exception &) {
-        failure = std::current_exception();
-    }
+    auto work = [root, destination] { Storage::backup(root, destination); };
+    const auto outcome = co_await attempt(work);
     if (!self) {
         co_return;
     }
-    if (failure) {
-        setAlert(describeFailure(failure));
+    if (outcome.failure) {
+        setAlert(describeFailure(outcome.failure));
         setStatus(QStringLiteral("Nie udało się zapisać kopii"));
     } else {
         setStatus(QStringLiteral("Kopia ustawień zapisana na Macu"));

@@ -170,21 +170,15 @@ void MarluneModel::chooseDevice()
 QCoro::Task<> MarluneModel::runChoice(std::filesystem::path folder)
 {
     const QPointer<MarluneModel> self(this);
-    std::optional<Device> device;
-    std::exception_ptr failure;
-    try {
-        auto inspect = [folder = Files::standardised(folder)] { return Device::inspect(folder); };
-        device = co_await background(inspect);
-    } catch (const std::exception &) {
-        failure = std::current_exception();
-    }
+    auto inspect = [folder = Files::standardised(folder)] { return Device::inspect(folder); };
+    const auto device = co_await attempt(inspect);
     if (!self) {
         co_return;
     }
-    if (failure) {
-        setAlert(describeFailure(failure));
+    if (device.failure) {
+        setAlert(describeFailure(device.failure));
     } else if (!m_busy) { // a job that began while the question stood open keeps its device
-        select(*device);
+        select(*device.value);
         setStatus(QStringLiteral("Wybrano: ") + Files::name(folder));
     }
 }
@@ -208,21 +202,16 @@ QCoro::Task<> MarluneModel::runEject(Device device)
     setProgress(0);
     setBusy(true);
     setStatus(QStringLiteral("Wysuwam iPoda…"));
-    std::exception_ptr failure;
-    try {
-        auto ejectVolume = [ejector = m_environment.ejectVolume, root = device.root] { ejector(root); };
-        co_await background(ejectVolume);
-    } catch (const std::exception &) {
-        failure = std::current_exception();
-    }
+    auto ejectVolume = [ejector = m_environment.ejectVolume, root = device.root] { ejector(root); };
+    const auto outcome = co_await attempt(ejectVolume);
     if (!self) {
         co_return;
     }
     m_ejecting.reset();
     setBusy(false);
-    if (failure) {
+    if (outcome.failure) {
         setStatus(statusBefore);
-        setAlert(describeFailure(failure));
+        setAlert(describeFailure(outcome.failure));
         if (m_unmountedWhileEjecting) {
             disconnect(); // the first half was done
         }

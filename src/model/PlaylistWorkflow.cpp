@@ -43,25 +43,19 @@ void MarluneModel::makePlaylist()
 QCoro::Task<> MarluneModel::runPlaylist(std::filesystem::path root)
 {
     const QPointer<MarluneModel> self(this);
-    QString fileName;
-    std::exception_ptr failure;
-    try {
-        // Short as it is, it waits for the device's disk, which may have to start up first.
-        auto work = [name = m_playlistName, tracks = playlistTracks(), root] {
-            return Files::name(Storage::playlist(name, tracks, root));
-        };
-        fileName = co_await background(work);
-    } catch (const std::exception &) {
-        failure = std::current_exception();
-    }
+    // Short as it is, it waits for the device's disk, which may have to start up first.
+    auto work = [name = m_playlistName, tracks = playlistTracks(), root] {
+        return Files::name(Storage::playlist(name, tracks, root));
+    };
+    const auto fileName = co_await attempt(work);
     if (!self) {
         co_return;
     }
     m_writingPlaylist = false;
-    if (failure) {
-        setAlert(describeFailure(failure));
+    if (fileName.failure) {
+        setAlert(describeFailure(fileName.failure));
     } else {
-        setStatus(QStringLiteral("Zapisano ") + fileName);
+        setStatus(QStringLiteral("Zapisano ") + *fileName.value);
         rediscover();
     }
 }

@@ -198,23 +198,16 @@ void MarluneModel::cleanupMacFiles()
 QCoro::Task<> MarluneModel::runCleanup(Device device)
 {
     const QPointer<MarluneModel> self(this);
-    int removed = 0;
-    std::exception_ptr failure;
-    try {
-        auto clean
-            = [root = device.root, backups = backupRoot()] { return Storage::cleanupMacMetadata(root, backups); };
-        removed = co_await background(clean);
-    } catch (const std::exception &) {
-        failure = std::current_exception();
-    }
+    auto clean = [root = device.root, backups = backupRoot()] { return Storage::cleanupMacMetadata(root, backups); };
+    const auto removed = co_await attempt(clean);
     if (!self) {
         co_return;
     }
-    if (failure) {
-        setAlert(describeFailure(failure));
+    if (removed.failure) {
+        setAlert(describeFailure(removed.failure));
         setStatus(QStringLiteral("Nie udało się ukończyć porządków"));
     } else {
-        setStatus(QStringLiteral("Usunięto pliki metadanych macOS: ") + QString::number(removed)
+        setStatus(QStringLiteral("Usunięto pliki metadanych macOS: ") + QString::number(*removed.value)
             + QStringLiteral(". Kopia jest na Macu."));
     }
     setBusy(false);

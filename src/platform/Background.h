@@ -113,3 +113,28 @@ QCoro::Task<std::invoke_result_t<Work &>> background(Work &work, JobPriority pri
         co_return std::move(*job->value);
     }
 }
+
+/// What became of a job: its result, or why it failed.
+template <typename Result> struct Outcome {
+    std::optional<std::conditional_t<std::is_void_v<Result>, std::monostate, Result>> value;
+    std::exception_ptr failure;
+};
+
+/// background() for a job whose failure is told to the user and ends nothing: it throws nothing that the work throws.
+template <std::invocable Work>
+QCoro::Task<Outcome<std::invoke_result_t<Work &>>> attempt(
+    Work &work, JobPriority priority = JobPriority::UserInitiated)
+{
+    Outcome<std::invoke_result_t<Work &>> outcome;
+    try {
+        if constexpr (std::is_void_v<std::invoke_result_t<Work &>>) {
+            co_await background(work, priority);
+            outcome.value.emplace();
+        } else {
+            outcome.value = co_await background(work, priority);
+        }
+    } catch (const std::exception &) {
+        outcome.failure = std::current_exception();
+    }
+    co_return outcome;
+}
