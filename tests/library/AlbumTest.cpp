@@ -7,22 +7,14 @@
 
 #include <gtest/gtest.h>
 
-TEST(Album, isIdentifiedByItsGroupElseByNamesAndFolder)
-{
-    Album album {.artist = QStringLiteral("A"), .title = QStringLiteral("T"), .tracks = {}, .groupID = {}};
-    album.tracks = makeTracks({{"one/a.mp3"}, {"two/b.mp3"}});
-    EXPECT_EQ(album.id().replace(QChar(u'\0'), u'|'), QStringLiteral("A|T|/music/one"));
-    album.groupID = QStringLiteral("key");
-    EXPECT_EQ(album.id(), QStringLiteral("key"));
-}
-
-TEST(Album, showsTheFirstArtworkOrNone)
+TEST(Album, showsTheFirstArtworkOrNoneAndHasAnIdentity)
 {
     const QImage image(400, 200, QImage::Format_RGB32);
     QBuffer png;
     ASSERT_TRUE(png.open(QIODevice::WriteOnly) && image.save(&png, "PNG"));
-    Album album;
+    Album album {.artist = QStringLiteral("A"), .title = QStringLiteral("T"), .tracks = {}, .groupID = {}};
     album.tracks = makeTracks({{"a.mp3"}, {"b.mp3"}, {"c.mp3"}});
+    EXPECT_EQ(album.id().replace(QChar(u'\0'), u'|'), QStringLiteral("A|T|/music"));
     EXPECT_TRUE(album.artwork(100).isNull());
     album.tracks[2].artwork = png.data();
     EXPECT_EQ(album.artwork(100).size(), QSize(100, 50));

@@ -53,8 +53,8 @@ TEST(ScanAudio, findsMusicAtAnyDepthAndFollowsNoLink)
     std::filesystem::create_symlink(folder / "Elsewhere/p.mp3", folder / "Music/link.mp3");
     std::filesystem::create_directory_symlink(folder / "Elsewhere", folder / "Music/link");
     std::filesystem::create_directory_symlink(folder / "Music", folder / "rootlink");
-    EXPECT_EQ(namesBelow(folder / "Music", scanAudio({folder / "Music"})), music);
-    for (const char *name : {"rootlink", "Music/link.mp3", "Music/.folder", "missing"}) {
+    EXPECT_EQ(namesBelow(folder / "Music", scanAudio({folder / "Music/"})), music);
+    for (const char *name : {"rootlink", "rootlink/", "Music/link.mp3", "Music/.folder", "Music/.folder/", "missing"}) {
         EXPECT_TRUE(scanAudio({folder / name}).empty()) << name;
     }
 }
