@@ -40,9 +40,8 @@ void MarluneModel::landPreviews(const ThemePreview::ByTheme &found)
     const QString chosen = ThemePreview::chosen({}).source;
     ThemePreview::ByTheme previews = m_content.themePreviews;
     for (auto preview = found.begin(); preview != found.end(); ++preview) {
-        ThemePreview &known = previews[preview.key()];
-        if (known.source != chosen) {
-            known = *preview;
+        if (previews.value(preview.key()).source != chosen) {
+            previews.insert(preview.key(), *preview);
         }
     }
     if (previews != m_content.themePreviews) {
