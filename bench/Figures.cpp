@@ -8,6 +8,13 @@
 
 namespace Bench {
 
+void require(bool done, const char *what)
+{
+    if (!done) {
+        throw std::runtime_error(what);
+    }
+}
+
 double seconds(const std::function<void()> &work)
 {
     const auto start = std::chrono::steady_clock::now();

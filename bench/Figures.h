@@ -10,6 +10,9 @@ namespace Bench {
 
 inline constexpr int rounds = 5;
 
+/// Ends the run where a figure cannot be had.
+void require(bool done, const char *what);
+
 /// Seconds that `work` takes.
 [[nodiscard]] double seconds(const std::function<void()> &work);
 [[nodiscard]] double median(std::vector<double> values);
@@ -45,7 +48,12 @@ void digest(const std::filesystem::path &library);
 void transfer(const std::filesystem::path &library);
 void group(const std::filesystem::path &library);
 void browse(const std::filesystem::path &library);
+void jpeg(const std::filesystem::path &library);
+void jpegProgressive(const std::filesystem::path &library);
+void check(const std::filesystem::path &library);
 /// Both import the library into the real window; they share one run.
 void heartbeatAndMemory(const std::filesystem::path &library);
+/// Scrolls through the album grid.
+void tiles(const std::filesystem::path &library);
 
 } // namespace Bench

@@ -10,16 +10,8 @@
 
 #include <fstream>
 #include <random>
-#include <stdexcept>
 
 namespace {
-
-void require(bool done, const char *what)
-{
-    if (!done) {
-        throw std::runtime_error(what);
-    }
-}
 
 void writeFile(const std::filesystem::path &file, std::size_t bytes, std::mt19937_64 &random)
 {
@@ -35,7 +27,7 @@ void writeFile(const std::filesystem::path &file, std::size_t bytes, std::mt1993
         left -= count;
     }
     stream.close();
-    require(bool(stream), "cannot write the files to measure on");
+    Bench::require(bool(stream), "cannot write the files to measure on");
 }
 
 void runTool(const QString &program, const QStringList &arguments)
@@ -44,7 +36,8 @@ void runTool(const QString &program, const QStringList &arguments)
     process.setStandardOutputFile(QProcess::nullDevice());
     process.setStandardErrorFile(QProcess::nullDevice());
     process.start(program, arguments);
-    require(process.waitForFinished(-1) && process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0,
+    Bench::require(
+        process.waitForFinished(-1) && process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0,
         "the peer failed");
 }
 

@@ -1,14 +1,17 @@
-// The real window while a library comes in: does the UI thread keep its beat, and how much memory does it take.
+// The real window while a library comes in and is scrolled through: does the UI thread keep its beat, how much memory
+// does it take, which frames come late.
 #include "Figures.h"
 
 #include "ui/MarluneApp.h"
 
 #include <QElapsedTimer>
 #include <QGuiApplication>
+#include <QQuickItem>
 #include <QTimer>
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <fstream>
 #include <map>
@@ -32,6 +35,31 @@ void runFor(int milliseconds)
     loop.exec();
 }
 
+/// The setup of a user who has nothing yet.
+MarluneApp::Setup emptySetup(const Bench::WorkFolder &folder)
+{
+    static const bool prepared = (MarluneApp::prepareApplication(), true);
+    (void)prepared;
+    return {.settingsFile = folder.path() / "settings.json",
+        .supportFolder = folder.path(),
+        .deviceDiscovery = [] { return std::vector<Device> {}; },
+        .ejectVolume = {},
+        .panels = nullptr};
+}
+
+QQuickItem *findGrid(QQuickItem *root)
+{
+    if (root->objectName() == QLatin1String("albumGrid")) {
+        return root;
+    }
+    for (QQuickItem *child : root->childItems()) {
+        if (QQuickItem *found = findGrid(child)) {
+            return found;
+        }
+    }
+    return nullptr;
+}
+
 } // namespace
 
 namespace Bench {
@@ -39,12 +67,7 @@ namespace Bench {
 void heartbeatAndMemory(const std::filesystem::path &library)
 {
     const WorkFolder folder;
-    MarluneApp::prepareApplication();
-    MarluneApp::Program program({.settingsFile = folder.path() / "settings.json",
-        .supportFolder = folder.path(),
-        .deviceDiscovery = [] { return std::vector<Device> {}; },
-        .ejectVolume = {},
-        .panels = nullptr});
+    MarluneApp::Program program(emptySetup(folder));
     runFor(2000);
 
     QElapsedTimer sinceTick;
@@ -84,6 +107,56 @@ void heartbeatAndMemory(const std::filesystem::path &library)
     }
     print("memory", {residentBytes(), distinct});
     std::printf("memory-above-artwork %.1f MB\n", (residentBytes() - distinct) / 1e6);
+}
+
+void tiles(const std::filesystem::path &library)
+{
+    // One frame begins when the one before is done, so that the gaps are what the frames take.
+    qputenv("QSG_RENDER_LOOP", "basic");
+    qputenv("QT_QPA_UPDATE_IDLE_TIME", "0");
+    QSurfaceFormat format = QSurfaceFormat::defaultFormat();
+    format.setSwapInterval(0);
+    QSurfaceFormat::setDefaultFormat(format);
+    constexpr double pixelsPerFrame = 40;
+
+    const WorkFolder folder;
+    MarluneApp::Program program(emptySetup(folder));
+    program.window()->setGeometry(0, 0, 1260, 820); // a screen without hardware can be smaller
+    program.model().importURLs({library}, false, false);
+    while (program.model().busy()) {
+        runFor(20);
+    }
+    runFor(3000);
+
+    QQuickItem *grid = findGrid(program.window()->contentItem());
+    if (!grid) {
+        std::printf("tiles: the window shows no grid\n");
+        return;
+    }
+    QElapsedTimer sinceFrame;
+    std::vector<double> frames; // ms
+    QEventLoop scrolling;
+    const auto step = [&] {
+        const double end = grid->property("contentHeight").toDouble() - grid->height();
+        const double position = grid->property("contentY").toDouble();
+        if (position >= end) {
+            scrolling.quit();
+            return;
+        }
+        grid->setProperty("contentY", std::min(position + pixelsPerFrame, end));
+        program.window()->update();
+    };
+    QObject::connect(program.window(), &QQuickWindow::frameSwapped, &scrolling, [&] {
+        frames.push_back(double(sinceFrame.nsecsElapsed()) / 1e6);
+        sinceFrame.restart();
+        step();
+    });
+    sinceFrame.start();
+    step();
+    scrolling.exec();
+    const auto late = std::count_if(frames.begin(), frames.end(), [](double frame) { return frame > 16; });
+    std::printf("tiles %zu frames, %zu over 16 ms, median %.1f ms, worst %.1f ms\n", frames.size(), std::size_t(late),
+        median(frames), *std::max_element(frames.begin(), frames.end()));
 }
 
 } // namespace Bench

@@ -82,6 +82,7 @@ void MarluneModel::landDevices(std::vector<Device> found)
     if (!m_device && m_devices.size() == 1) {
         setDevice(m_devices.front());
     }
+    loadDeviceContent();
     if (changed) {
         Q_EMIT devicesChanged();
     }
@@ -135,8 +136,10 @@ void MarluneModel::clearDeviceMusic()
 
 void MarluneModel::disconnect()
 {
+    abandonDeviceContent();
     setDevice(std::nullopt);
     clearDeviceMusic();
+    forgetDeviceContent();
     setStatus(QStringLiteral("iPod został odłączony"));
 }
 
@@ -144,8 +147,10 @@ void MarluneModel::select(const Device &device)
 {
     if (!m_device || m_device->root != device.root) {
         clearDeviceMusic();
+        forgetThemePreviews();
     }
     setDevice(device);
+    loadDeviceContent();
 }
 
 void MarluneModel::chooseDevice()
@@ -199,6 +204,7 @@ QCoro::Task<> MarluneModel::runEject(Device device)
     // The disk may take its time to write out what it holds; nothing else may start on it meanwhile.
     m_ejecting = device.root;
     m_unmountedWhileEjecting = false;
+    abandonDeviceContent(); // an open file would hold the volume
     setProgress(0);
     setBusy(true);
     setStatus(QStringLiteral("Wysuwam iPoda…"));

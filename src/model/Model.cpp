@@ -41,6 +41,7 @@ MarluneModel::MarluneModel(ModelEnvironment environment, QObject *parent)
 MarluneModel::~MarluneModel()
 {
     m_environment.settings.onWriteFailure({});
+    m_contentReading.request_stop();
     (void)BackgroundJobs::drain(drainPatience);
 }
 

@@ -7,6 +7,7 @@
 
 #include "library/Album.h"
 
+#include "model/DeviceContent.h"
 #include "model/Section.h"
 
 #include "storage/Device.h"
@@ -20,6 +21,7 @@
 
 #include <chrono>
 #include <functional>
+#include <stop_token>
 
 struct TrackImport;
 
@@ -88,6 +90,28 @@ public:
     /// The illustration and finish chosen for the selected device; "auto" forgets the choice.
     void setAppearance(const QString &id);
     void setFinish(const QString &id);
+
+    // What the selected device holds, as its last reading saw it.
+    [[nodiscard]] const std::vector<Theme> &themes() const { return m_content.themes; }
+    /// By theme id; of themes that were seen before too.
+    [[nodiscard]] const QMap<QString, ThemePreview> &themePreviews() const { return m_content.themePreviews; }
+    /// By theme id.
+    [[nodiscard]] const QMap<QString, ThemePreview::Configuration> &themeSettings() const
+    {
+        return m_content.themeSettings;
+    }
+    /// What the firmware says of itself, and how it is set up.
+    [[nodiscard]] const ThemePreview::Configuration &deviceInfo() const { return m_content.deviceInfo; }
+    [[nodiscard]] const ThemePreview::Configuration &deviceConfig() const { return m_content.deviceConfig; }
+    [[nodiscard]] const std::vector<std::filesystem::path> &playlists() const { return m_content.playlists; }
+    /// How the catalogue's previews came; empty before.
+    [[nodiscard]] QString themePreviewStatus() const { return m_themePreviewStatus; }
+    /// Reads it all anew. Only the newest reading lands, and only on the device that it read.
+    void loadDeviceContent();
+    /// The theme that the device has active.
+    [[nodiscard]] std::optional<Theme> configuredTheme() const;
+    /// Asks for a picture and keeps a copy of it as the theme's preview. What is no picture is ignored.
+    void chooseThemePreview(const Theme &theme);
 
     // Library.
     [[nodiscard]] const std::vector<Track> &tracks() const { return m_tracks; }
@@ -158,6 +182,13 @@ Q_SIGNALS:
     void deviceChanged();
     void backupsChanged();
     void transferredChanged();
+    void themesChanged();
+    /// Also where a picture was replaced under its old name.
+    void themePreviewsChanged();
+    void themePreviewStatusChanged();
+    /// deviceInfo(), deviceConfig() or themeSettings() changed.
+    void deviceSettingsChanged();
+    void playlistsChanged();
     /// The library of the computer or of the device holds other tracks.
     void tracksChanged();
     void libraryOnDeviceChanged();
@@ -194,6 +225,11 @@ private:
     void setDevice(const std::optional<Device> &device);
     void setTransferred(std::vector<std::filesystem::path> files);
     void clearDeviceMusic();
+    void setDeviceContent(DeviceContent content);
+    void setThemePreviewStatus(const QString &status);
+    void forgetDeviceContent();
+    void forgetThemePreviews();
+    void abandonDeviceContent();
     void setChoice(const QString &prefix, const QString &id);
     void forgetDuplicates();
     void tracksWereChanged();
@@ -206,6 +242,8 @@ private:
     QCoro::Task<> runRefresh();
     QCoro::Task<> runChoice(std::filesystem::path folder);
     QCoro::Task<> runEject(Device device);
+    QCoro::Task<> runContentLoad(std::filesystem::path root);
+    QCoro::Task<> runThemePreviewChoice(Theme theme, std::filesystem::path file);
     /// What an import starts from; asked in the background, since the answer can lie on a slow disk. Absent: there is
     /// nothing to import, and all stays as it is.
     using ImportSource = std::function<std::optional<std::vector<std::filesystem::path>>()>;
@@ -215,6 +253,7 @@ private:
     [[nodiscard]] TransferPlan planTransfer(std::vector<Track> items) const;
     void noteTransferred(const Device &device, std::vector<std::filesystem::path> files);
     void landDevices(std::vector<Device> found);
+    void landContent(DeviceContent read);
     void rediscover();
     [[nodiscard]] TrackImport prepareImport(bool fromDevice) const;
     void restoreLibrary();
@@ -246,6 +285,12 @@ private:
     QString m_duplicateStatus;
     std::vector<std::filesystem::path> m_backups;
     std::vector<std::filesystem::path> m_transferred;
+    DeviceContent m_content;
+    QString m_themePreviewStatus;
+    int m_previewChoices = 0;
+    QHash<QString, int> m_newestPreviewChoice; ///< by the theme's key, of those that were pictures
+    QUuid m_contentGeneration; ///< of the reading that may land
+    std::stop_source m_contentReading; ///< ends that reading early
     std::optional<Album> m_openAlbum;
     QString m_formatFilter = QStringLiteral("Wszystko");
     bool m_hiResOnly = false;

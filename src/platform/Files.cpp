@@ -246,6 +246,17 @@ void synchronise(int descriptor)
     }
 }
 
+void makeFolders(const std::filesystem::path &folder)
+{
+    if (folder.empty() || isDirectory(folder)) {
+        return;
+    }
+    makeFolders(folder.parent_path());
+    if (diskCalls().mkdir(folder.c_str(), 0777) != 0 && errno != EEXIST) { // another job may have made it meanwhile
+        throwFailure(errno, folder);
+    }
+}
+
 std::filesystem::path temporaryName()
 {
     const QByteArray id = QUuid::createUuid().toByteArray(QUuid::WithoutBraces).toUpper();

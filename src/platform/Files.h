@@ -70,6 +70,9 @@ void writeFully(int descriptor, std::span<const char> bytes);
 /// Returns when the file's data is on the medium.
 void synchronise(int descriptor);
 
+/// Makes `folder` and those above it that are missing.
+void makeFolders(const std::filesystem::path &folder);
+
 /// A hidden name, new at each call, for a file on its way to its final name in the same folder.
 [[nodiscard]] std::filesystem::path temporaryName();
 /// Replaces `path` by a file of these bytes in one step: whatever fails, what stands there is the old file or the

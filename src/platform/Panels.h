@@ -14,6 +14,7 @@ public:
         bool files = false;
         bool folders = false;
         bool multiple = false;
+        bool pictures = false; ///< of the files only pictures are offered
         QString prompt; ///< text of the confirming button
         QString message; ///< what is to be chosen, may be empty
     };

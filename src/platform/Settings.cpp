@@ -45,6 +45,17 @@ Stored readStored(const std::filesystem::path &file)
     return stored;
 }
 
+QMap<QString, QString> textsOf(const QJsonObject &values, const QString &keyPrefix)
+{
+    QMap<QString, QString> result;
+    for (auto entry = values.begin(); entry != values.end(); ++entry) {
+        if (entry->isString() && entry.key().startsWith(keyPrefix)) {
+            result.insert(entry.key(), entry->toString());
+        }
+    }
+    return result;
+}
+
 } // namespace
 
 /// Writes the newest state handed to it; states that a newer one overtakes are never written.
@@ -192,14 +203,12 @@ QStringList Settings::texts(const QString &key) const
 
 QMap<QString, QString> Settings::textMap(const QString &key) const
 {
-    const QJsonObject values = m_values.value(key).toObject();
-    QMap<QString, QString> result;
-    for (auto entry = values.begin(); entry != values.end(); ++entry) {
-        if (entry->isString()) {
-            result.insert(entry.key(), entry->toString());
-        }
-    }
-    return result;
+    return textsOf(m_values.value(key).toObject(), {});
+}
+
+QMap<QString, QString> Settings::textsWithPrefix(const QString &prefix) const
+{
+    return textsOf(m_values, prefix);
 }
 
 void Settings::setText(const QString &key, const QString &value)

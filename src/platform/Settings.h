@@ -32,6 +32,8 @@ public:
     [[nodiscard]] std::optional<double> number(const QString &key) const;
     [[nodiscard]] QStringList texts(const QString &key) const;
     [[nodiscard]] QMap<QString, QString> textMap(const QString &key) const;
+    /// All texts whose keys begin with `prefix`, by key.
+    [[nodiscard]] QMap<QString, QString> textsWithPrefix(const QString &prefix) const;
 
     void setText(const QString &key, const QString &value);
     void setNumber(const QString &key, double value);

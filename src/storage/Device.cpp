@@ -4,20 +4,13 @@
 
 #include "platform/Files.h"
 #include "platform/MarluneError.h"
+#include "platform/PlainText.h"
 #include "platform/Volumes.h"
-
-#include <algorithm>
 
 namespace {
 
 /// The firmware writes a few hundred bytes; a larger file is not its own.
 constexpr std::int64_t largestInfoFile = 1'000'000;
-
-bool isNewline(QChar c)
-{
-    const char16_t unit = c.unicode();
-    return (unit >= 0x0A && unit <= 0x0D) || unit == 0x85 || unit == 0x2028 || unit == 0x2029;
-}
 
 } // namespace
 
@@ -47,13 +40,11 @@ QString Device::versionFrom(const QByteArray &info)
     static const QString prefix = QStringLiteral("Version:");
     const QUtf8StringView utf8(info);
     const QString text = utf8.isValidUtf8() ? utf8.toString() : QString();
-    for (auto begin = text.begin(); begin != text.end();) {
-        const auto end = std::find_if(begin, text.end(), isNewline);
-        const QStringView line(begin, end);
+    for (QStringView rest(text); !rest.isEmpty();) {
+        const QStringView line = takeLine(rest);
         if (line.startsWith(prefix)) {
             return line.toString().remove(prefix).trimmed();
         }
-        begin = end == text.end() ? end : end + 1;
     }
     return QStringLiteral("wersja nieznana");
 }

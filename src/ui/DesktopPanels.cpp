@@ -8,6 +8,16 @@
 
 #include <utility>
 
+namespace {
+
+QUrl existingFolder(QStandardPaths::StandardLocation location)
+{
+    const QString folder = QStandardPaths::writableLocation(location);
+    return QUrl::fromLocalFile(QFileInfo(folder).isDir() ? folder : QDir::homePath());
+}
+
+} // namespace
+
 DesktopPanels::DesktopPanels(QObject *parent)
     : QObject(parent)
 {
@@ -17,13 +27,26 @@ void DesktopPanels::open(const Request &request, Answer answered)
 {
     m_request = request;
     m_answered = std::move(answered);
-    Q_EMIT asked(!request.folders ? ChooseFiles : request.files ? ChooseFilesOrFolder : ChooseFolder);
+    Q_EMIT asked(request.pictures ? ChoosePictures
+            : !request.folders    ? ChooseFiles
+            : request.files       ? ChooseFilesOrFolder
+                                  : ChooseFolder);
 }
 
 QUrl DesktopPanels::startFolder()
 {
-    const QString music = QStandardPaths::writableLocation(QStandardPaths::MusicLocation);
-    return QUrl::fromLocalFile(QFileInfo(music).isDir() ? music : QDir::homePath());
+    return existingFolder(QStandardPaths::MusicLocation);
+}
+
+QUrl DesktopPanels::picturesFolder()
+{
+    return existingFolder(QStandardPaths::PicturesLocation);
+}
+
+QString DesktopPanels::picturePatterns()
+{
+    const QString patterns = QStringLiteral("*.jpg *.jpeg *.png *.bmp *.gif *.webp *.tif *.tiff");
+    return patterns + u' ' + patterns.toUpper(); // some desktops' dialogs tell the cases apart
 }
 
 void DesktopPanels::answer(const QList<QUrl> &chosen)

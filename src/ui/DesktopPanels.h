@@ -18,9 +18,11 @@ class DesktopPanels : public QObject, public Panels {
     Q_PROPERTY(QString message READ message NOTIFY asked)
     Q_PROPERTY(bool multiple READ multiple NOTIFY asked)
     Q_PROPERTY(QUrl startFolder READ startFolder CONSTANT)
+    Q_PROPERTY(QUrl picturesFolder READ picturesFolder CONSTANT)
+    Q_PROPERTY(QString picturePatterns READ picturePatterns CONSTANT)
 
 public:
-    enum Kind : std::uint8_t { ChooseFiles, ChooseFolder, ChooseFilesOrFolder };
+    enum Kind : std::uint8_t { ChooseFiles, ChooseFolder, ChooseFilesOrFolder, ChoosePictures };
     Q_ENUM(Kind)
 
     explicit DesktopPanels(QObject *parent = nullptr);
@@ -32,6 +34,10 @@ public:
     [[nodiscard]] bool multiple() const { return m_request.multiple; }
     /// Where the first question begins: the user's music folder, else the home folder.
     [[nodiscard]] static QUrl startFolder();
+    /// The same for pictures.
+    [[nodiscard]] static QUrl picturesFolder();
+    /// File name patterns of pictures, as a dialog takes them.
+    [[nodiscard]] static QString picturePatterns();
 
     /// Answers the open question, once; an answer without a local file counts as cancelled.
     Q_INVOKABLE void answer(const QList<QUrl> &chosen);

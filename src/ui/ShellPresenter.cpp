@@ -18,6 +18,7 @@ ShellPresenter::ShellPresenter(MarluneModel &model, QObject *parent)
     const auto follow = [this](auto signal) { connect(&m_model, signal, &m_change, qOverload<>(&QTimer::start)); };
     follow(&MarluneModel::devicesChanged);
     follow(&MarluneModel::deviceChanged);
+    follow(&MarluneModel::themesChanged);
     follow(&MarluneModel::selectionChanged);
     follow(&MarluneModel::tracksChanged);
     follow(&MarluneModel::progressChanged);
@@ -113,6 +114,11 @@ bool ShellPresenter::testFolder() const
 {
     const std::optional<Device> &device = m_model.device();
     return device && !device->isVolume;
+}
+
+QString ShellPresenter::themeCount() const
+{
+    return AppLocalizer::text(QString::number(m_model.themes().size()) + QStringLiteral(" zainstalowanych motywów"));
 }
 
 QStringList ShellPresenter::offeredDevices() const

@@ -33,6 +33,7 @@ class ShellPresenter : public QObject {
     Q_PROPERTY(QString deviceSpace READ deviceSpace NOTIFY changed)
     Q_PROPERTY(double usedShare READ usedShare NOTIFY changed)
     Q_PROPERTY(bool testFolder READ testFolder NOTIFY changed)
+    Q_PROPERTY(QString themeCount READ themeCount NOTIFY changed)
     /// Devices to choose from: those found while none is selected.
     Q_PROPERTY(QStringList offeredDevices READ offeredDevices NOTIFY changed)
 
@@ -63,10 +64,12 @@ public:
     /// 0 to 1; 0 for a device that tells no size.
     [[nodiscard]] double usedShare() const;
     [[nodiscard]] bool testFolder() const;
+    [[nodiscard]] QString themeCount() const;
     [[nodiscard]] QStringList offeredDevices() const;
     /// Selects the device at that place of offeredDevices().
     Q_INVOKABLE void selectOffered(int place);
     Q_INVOKABLE void openDeviceFolder() const;
+    Q_INVOKABLE void openThemes() { m_model.setSection(Section::Themes); }
 
     [[nodiscard]] bool closing() const { return m_closing; }
     /// Whether the window may close now. If not, because work goes on, mayCloseNow() comes when it may.

@@ -15,54 +15,26 @@ MetadataItem item(const char *identifier, const char *text, CommonKey key = Comm
     return {key, QString::fromLatin1(identifier), QString::fromUtf8(text), std::nullopt};
 }
 
-AudioInfo technical(std::int64_t bitDepth, std::int64_t bitrate, std::int64_t sampleRate)
-{
-    AudioInfo info;
-    info.bitDepth = bitDepth;
-    info.bitrate = bitrate;
-    info.sampleRate = sampleRate;
-    return info;
-}
-
-/// One second of 16-bit mono silence at 8 kHz (Microsoft RIFF, PCM).
-std::string wave()
-{
-    const auto half = [](std::uint32_t value) { return FlacBytes::little(value).substr(0, 2); };
-    const std::string format
-        = half(1) + half(1) + FlacBytes::little(8000) + FlacBytes::little(16000) + half(2) + half(16);
-    const std::string data(16000, '\0');
-    const std::string body = "WAVEfmt " + FlacBytes::little(16) + format + "data" + FlacBytes::little(16000) + data;
-    return "RIFF" + FlacBytes::little(std::uint32_t(body.size())) + body;
-}
-
-AudioInfo readFile(const std::filesystem::path &file)
-{
-    MediaAsset asset(file);
-    return AudioInfo::read(file, asset);
-}
-
 } // namespace
 
 TEST(AudioInfo, goesByExtensionThenByContent)
 {
     const TemporaryFolder folder;
     const std::string flac = "fLaC" + FlacBytes::block(0, FlacBytes::streamInfo(96000, 24, 96000), true);
-    const AudioInfo upper = readFile(folder.write("a.FLAC", flac));
-    EXPECT_EQ(std::tuple(upper.codec, upper.sampleRate, upper.bitrate), std::tuple(QStringLiteral("FLAC"), 96000, 0));
-
-    const AudioInfo pcm = readFile(folder.write("a.wav", wave()));
-    EXPECT_EQ(std::tuple(pcm.codec, pcm.sampleRate, pcm.bitDepth, pcm.duration, pcm.bitrate),
-        std::tuple(QStringLiteral("WAV"), 8000, 16, 1.0, 128)); // the head's 44 bytes are cut with the fraction
-
-    const AudioInfo lying = readFile(folder.write("lying.flac", wave()));
-    EXPECT_EQ(std::tuple(lying.codec, lying.sampleRate, lying.duration), std::tuple(QStringLiteral("FLAC"), 8000, 1.0));
-
-    AudioInfo nothing;
-    nothing.codec = QStringLiteral("MP3");
-    EXPECT_EQ(readFile(folder.write("a.mp3", "no audio")), nothing);
-    EXPECT_EQ(readFile(folder / "missing.mp3"), nothing);
-    nothing.codec = QString();
-    EXPECT_EQ(readFile(folder.write("noextension", "no audio")), nothing);
+    const std::string wave = fileBytes(std::filesystem::path(MARLUNE_SOURCE_DIR) / "tests/data/media/id3.wav");
+    const std::tuple<const char *, std::string, const char *, int, double, int> rows[]
+        = {{"a.FLAC", flac, "FLAC", 96000, 1, 0},
+            {"a.wav", wave, "WAV", 96000, 0.05, 2540}, // 15,880 bytes, the fraction cut
+            {"lying.flac", wave, "FLAC", 96000, 0.05, 2540}, {"a.mp3", "no audio", "MP3", 0, 0, 0},
+            {"noextension", "no audio", "", 0, 0, 0}};
+    for (const auto &[name, bytes, codec, rate, duration, bitrate] : rows) {
+        const auto file = folder.write(name, bytes);
+        MediaAsset asset(file);
+        const AudioInfo info = AudioInfo::read(file, asset);
+        EXPECT_EQ(info.codec.toStdString(), codec) << name;
+        EXPECT_EQ(std::tuple(info.sampleRate, info.duration, info.bitrate), std::tuple(rate, duration, bitrate))
+            << name;
+    }
 }
 
 TEST(AudioInfo, takesTagItemsInTheirOrder)
@@ -86,35 +58,23 @@ TEST(AudioInfo, takesTagItemsInTheirOrder)
     EXPECT_FALSE(
         applyTagItems({item("TRCK", "x"), item("TPOS", "x"), item("", "1999", CommonKey::CreationDate)}, info));
     EXPECT_EQ(std::tuple(info.trackNumber, info.discNumber, info.year), std::tuple(7, 0, QStringLiteral("1999")));
-    const AudioInfo before = info;
-    (void)applyTagItems({{CommonKey::Title, QStringLiteral("TPOS TRCK TDRC TPE2"), std::nullopt, std::nullopt}}, info);
-    EXPECT_EQ(info, before);
 }
 
 TEST(AudioInfo, labelsItsParameters)
 {
-    const std::pair<AudioInfo, const char *> rows[] = {
-        {technical(16, 0, 44100), "16-bit / 44.1 kHz"},
-        {technical(24, 900, 96000), "24-bit / 96 kHz"},
-        {technical(16, 0, 0), "16-bit / Parametry nieznane"},
-        {technical(0, 192, 44100), "≈ 192 kb/s · 44.1 kHz"},
-        {technical(0, 320, 0), "≈ 320 kb/s · Parametry nieznane"},
-        {technical(0, 0, 176400), "176.4 kHz"},
-        {technical(0, 0, 11025), "11.025 kHz"},
-        {technical(0, 0, 0), "Parametry nieznane"},
-        {technical(-1, -1, -1), "Parametry nieznane"},
-    };
-    for (const auto &[info, label] : rows) {
+    const std::tuple<int, int, int, const char *> rows[] = {{16, 0, 44100, "16-bit / 44.1 kHz"},
+        {24, 900, 96000, "24-bit / 96 kHz"}, {16, 0, 0, "16-bit / Parametry nieznane"},
+        {0, 192, 44100, "≈ 192 kb/s · 44.1 kHz"}, {0, 0, 11025, "11.025 kHz"}, {-1, -1, -1, "Parametry nieznane"}};
+    for (const auto &[bitDepth, bitrate, sampleRate, label] : rows) {
+        AudioInfo info;
+        info.bitDepth = bitDepth;
+        info.bitrate = bitrate;
+        info.sampleRate = sampleRate;
         EXPECT_EQ(info.parameters().toStdString(), label);
     }
-}
-
-TEST(DurationLabel, cutsToSeconds)
-{
-    const std::pair<double, const char *> rows[]
-        = {{0, "0:00"}, {-0.0, "0:00"}, {59.9, "0:59"}, {65, "1:05"}, {3599.99, "59:59"}, {3600, "1:00:00"},
-            {3661, "1:01:01"}, {360000, "100:00:00"}, {-1, "—"}, {NAN, "—"}, {INFINITY, "—"}, {1e300, "—"}};
-    for (const auto &[seconds, label] : rows) {
+    const std::pair<double, const char *> durations[] = {{-0.0, "0:00"}, {59.9, "0:59"}, {3599.99, "59:59"},
+        {3661, "1:01:01"}, {360000, "100:00:00"}, {-1, "—"}, {NAN, "—"}, {INFINITY, "—"}, {1e300, "—"}};
+    for (const auto &[seconds, label] : durations) {
         EXPECT_EQ(durationLabel(seconds).toStdString(), label) << seconds;
     }
 }
@@ -140,6 +100,4 @@ TEST(AudioInfo, survivesItsJsonForm)
         part.insert(key, true);
         EXPECT_FALSE(audioInfoFromJson(part)) << key;
     }
-    info.picture.reset();
-    EXPECT_FALSE(toJson(info).contains(QStringLiteral("picture")));
 }

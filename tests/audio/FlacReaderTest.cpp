@@ -22,11 +22,6 @@ AudioInfo read(std::string_view bytes)
     return AudioInfo::readFLAC(folder.write("a.flac", bytes));
 }
 
-std::string message(std::string_view bytes)
-{
-    return messageOf([&] { (void)read(bytes); });
-}
-
 AudioInfo readComments(const std::vector<std::string> &list)
 {
     return read("fLaC" + block(4, comments(list), true));
@@ -50,12 +45,8 @@ std::string goodHead()
 TEST(FlacReader, readsAllThatTheHeadHolds)
 {
     const AudioInfo info = read(goodHead() + "audio frames");
-    EXPECT_EQ(info.sampleRate, 44100);
-    EXPECT_EQ(info.bitDepth, 16);
-    EXPECT_EQ(info.duration, 10.0);
-    EXPECT_EQ(info.bitrate, 0);
-    EXPECT_EQ(info.trackNumber, 3);
-    EXPECT_EQ(info.discNumber, 2);
+    EXPECT_EQ(std::tuple(info.sampleRate, info.bitDepth, info.duration), std::tuple(44100, 16, 10.0));
+    EXPECT_EQ(std::tuple(info.trackNumber, info.discNumber, info.bitrate), std::tuple(3, 2, 0));
     EXPECT_EQ(info.year, QStringLiteral("2001"));
     EXPECT_EQ(info.tags.value(QStringLiteral("TITLE")), QStringLiteral("Światło"));
     EXPECT_EQ(info.picture, QByteArray("JPEG bytes"));
@@ -65,70 +56,66 @@ TEST(FlacReader, refusesWhatIsNoFlacOrDoesNotFitTogether)
 {
     const std::string noHeader = "Nieprawidłowy nagłówek FLAC.";
     const std::string damaged = "Nieprawidłowe metadane FLAC.";
-    EXPECT_EQ(message(""), noHeader);
-    EXPECT_EQ(message("fLa"), noHeader);
-    EXPECT_EQ(message("fLaX" + block(0, "")), noHeader);
-    EXPECT_EQ(message("fLaC"), "");
-    EXPECT_EQ(message("fLaC" + block(1, "").substr(0, 3)), "");
-    EXPECT_EQ(message("fLaC" + block(1, "12345").substr(0, 8)), damaged);
-    EXPECT_EQ(message("fLaC" + block(1, "") + block(0, streamInfo(44100, 16, 0), true)), "");
-    const TemporaryFolder folder;
-    EXPECT_NE(failureOf([&] { (void)AudioInfo::readFLAC(folder.path()); }), "");
-    EXPECT_NE(failureOf([&] { (void)AudioInfo::readFLAC(folder / "missing.flac"); }), "");
-    ASSERT_EQ(::mkfifo((folder / "pipe.flac").c_str(), 0600), 0);
-    EXPECT_NE(failureOf([&] { (void)AudioInfo::readFLAC(folder / "pipe.flac"); }), "");
-}
-
-TEST(FlacReader, stopsAtThirtyTwoMillionBytesOfMetadata)
-{
     const std::string padding = block(1, std::string(16'000'000, '\0'));
-    EXPECT_EQ(message("fLaC" + padding + block(1, std::string(15'999'999, '\0'), true)), "");
-    EXPECT_EQ(
-        message("fLaC" + padding + block(1, std::string(16'000'000, '\0'), true)), "Nieprawidłowe metadane FLAC.");
+    const std::pair<std::string, std::string> rows[]
+        = {{"", noHeader}, {"fLa", noHeader}, {"fLaX" + block(0, ""), noHeader}, {"fLaC", ""},
+            {"fLaC" + block(1, "").substr(0, 3), ""}, {"fLaC" + block(1, "12345").substr(0, 8), damaged},
+            // At most 32 million bytes of metadata.
+            {"fLaC" + padding + block(1, std::string(15'999'999, '\0'), true), ""},
+            {"fLaC" + padding + block(1, std::string(16'000'000, '\0'), true), damaged}};
+    for (const auto &[bytes, refusal] : rows) {
+        EXPECT_EQ(messageOf([&] { (void)read(bytes); }), refusal) << bytes.substr(0, 20);
+    }
+    const TemporaryFolder folder;
+    ASSERT_EQ(::mkfifo((folder / "pipe.flac").c_str(), 0600), 0);
+    for (const char *name : {".", "missing.flac", "pipe.flac"}) {
+        EXPECT_NE(failureOf([&] { (void)AudioInfo::readFLAC(folder / name); }), "") << name;
+    }
 }
 
 TEST(FlacReader, takesStreamInfoOnlyOfItsSize)
 {
     const std::string body = streamInfo(44100, 24, 44100);
-    for (const std::string &odd : {body.substr(1), body + 'x', std::string()}) {
-        const AudioInfo info = read("fLaC" + block(0, odd) + block(4, comments({"TITLE=x"}), true));
-        EXPECT_EQ(std::tuple(info.sampleRate, info.bitDepth, info.duration), std::tuple(0, 0, 0.0));
+    const std::tuple<std::string, int, int, double> rows[] = {{body.substr(1), 0, 0, 0.0}, {body + 'x', 0, 0, 0.0},
+        {streamInfo(0, 16, 1000), 0, 16, 0.0}, {streamInfo(1048575, 32, 1048575), 1048575, 32, 1.0}};
+    for (const auto &[block0, rate, bits, seconds] : rows) {
+        const AudioInfo info = read("fLaC" + block(0, block0) + block(4, comments({"TITLE=x"}), true));
+        EXPECT_EQ(std::tuple(info.sampleRate, info.bitDepth, info.duration), std::tuple(rate, bits, seconds));
         EXPECT_EQ(info.tags.size(), 1);
     }
-    const AudioInfo zero = read("fLaC" + block(0, streamInfo(0, 16, 1000), true));
-    EXPECT_EQ(std::tuple(zero.sampleRate, zero.bitDepth, zero.duration), std::tuple(0, 16, 0.0));
     const AudioInfo last = read("fLaC" + block(0, body) + block(0, streamInfo(1048575, 32, 0xFFFFFFFFF), true));
-    EXPECT_EQ(std::tuple(last.sampleRate, last.bitDepth), std::tuple(1048575, 32));
     EXPECT_NEAR(last.duration, 65536.06, 0.01);
 }
 
 TEST(FlacReader, takesCommentsApart)
 {
-    using Tags = QMap<QString, QString>;
-    const auto q = [](const char *text) { return QString::fromUtf8(text); };
-    EXPECT_EQ(readComments({"title=A=B", "=x", "novalue", "empty=", "żó=1", "bad\xFF=1"}).tags,
-        (Tags {{q("TITLE"), q("A=B")}, {q(""), q("x")}, {q("EMPTY"), q("")}, {q("ŻÓ"), q("1")}}));
-    EXPECT_EQ(readComments({"artist=A", "ARTIST=B"}).tags, (Tags {{q("ARTIST"), q("B")}}));
-    EXPECT_EQ(read("fLaC" + block(4, comments({"a=1", "b=1"})) + block(4, comments({"b=2"}), true)).tags,
-        (Tags {{q("A"), q("1")}, {q("B"), q("2")}}));
-    EXPECT_EQ(readComments({}).tags, Tags());
-    EXPECT_EQ(readComments(std::vector<std::string>(9'999, "a=1")).tags.size(), 1);
-    EXPECT_EQ(readComments(std::vector<std::string>(10'000, "a=1")).tags.size(), 0);
-    // Lengths that lie: what came before them stands.
     const std::string list = comments({"a=1", "b=2"});
-    EXPECT_EQ(read("fLaC" + block(4, list.substr(0, list.size() - 1), true)).tags, (Tags {{q("A"), q("1")}}));
-    EXPECT_EQ(read("fLaC" + block(4, little(0xFFFFFFFF) + "x", true)).tags, Tags());
-    EXPECT_EQ(read("fLaC" + block(4, little(0) + little(2) + little(3) + "a=1" + little(0xFFFFFFFF), true)).tags,
-        (Tags {{q("A"), q("1")}}));
+    // Lists, and what is kept of them: names and values in the names' order.
+    const std::pair<std::string, const char *> rows[]
+        = {{comments({"title=A=B", "=x", "novalue", "empty=", "żó=1", "bad\xFF=1"}), "=x EMPTY= TITLE=A=B ŻÓ=1 "},
+            {comments({"artist=A", "ARTIST=B"}), "ARTIST=B "}, {comments({}), ""},
+            {comments(std::vector<std::string>(9'999, "a=1")), "A=1 "},
+            {comments(std::vector<std::string>(10'000, "a=1")), ""},
+            // Lengths that lie: what came before them stands.
+            {list.substr(0, list.size() - 1), "A=1 "}, {little(0xFFFFFFFF) + "x", ""},
+            {little(0) + little(2) + little(3) + "a=1" + little(0xFFFFFFFF), "A=1 "}};
+    for (const auto &[body, kept] : rows) {
+        QString shown;
+        const QMap<QString, QString> tags = read("fLaC" + block(4, body, true)).tags;
+        for (auto tag = tags.begin(); tag != tags.end(); ++tag) {
+            shown += tag.key() + u'=' + tag.value() + u' ';
+        }
+        EXPECT_EQ(shown.toStdString(), kept);
+    }
+    EXPECT_EQ(read("fLaC" + block(4, list) + block(4, comments({"c=1"}), true)).tags.size(), 3);
 }
 
 TEST(FlacReader, parsesNumbersAndYears)
 {
-    const std::pair<const char *, std::int64_t> numbers[]
+    const std::pair<std::string, std::int64_t> numbers[]
         = {{"03", 3}, {"3/12", 3}, {"/12", 12}, {"+7", 7}, {"A1", 0}, {" 3", 0}, {"3 ", 0}, {"", 0}, {"/", 0}, {"-", 0},
             {"-3", 0}, {"9223372036854775807", INT64_MAX}, {"9223372036854775808", 0}, {"٣", 0}, {"1.5", 0}};
-    for (const auto &[text, number] : numbers) {
-        const std::string value = text;
+    for (const auto &[value, number] : numbers) {
         const AudioInfo info = readComments({"TRACKNUMBER=" + value, "DISCNUMBER=" + value});
         EXPECT_EQ(info.trackNumber, number) << value;
         EXPECT_EQ(info.discNumber, number) << value;
@@ -136,7 +123,6 @@ TEST(FlacReader, parsesNumbersAndYears)
     EXPECT_EQ(readComments({"DATE=99", "YEAR=1999"}).year, QStringLiteral("99"));
     EXPECT_EQ(readComments({"DATE=", "YEAR=1999"}).year, QString());
     EXPECT_EQ(readComments({"YEAR=1999-01"}).year, QStringLiteral("1999"));
-    EXPECT_EQ(readComments({}).year, QString());
 }
 
 TEST(FlacReader, choosesTheFrontCover)
@@ -151,15 +137,14 @@ TEST(FlacReader, choosesTheFrontCover)
         EXPECT_EQ(read(bytes).picture, QByteArray(chosen));
     }
     const std::string largest(10'000'000, 'p');
-    EXPECT_EQ(read("fLaC" + block(6, picture(3, largest), true)).picture->size(), 10'000'000);
-    EXPECT_EQ(read("fLaC" + block(6, picture(4, "small")) + block(6, picture(3, largest + 'p'), true)).picture,
-        QByteArray("small"));
+    const std::string small = "fLaC" + block(6, picture(4, "small"));
+    EXPECT_EQ(read(small + block(6, picture(3, largest), true)).picture->size(), 10'000'000);
+    EXPECT_EQ(read(small + block(6, picture(3, largest + 'p'), true)).picture, QByteArray("small"));
     // Lengths that lie take nothing.
     const std::string good = picture(3, "data");
     for (std::size_t cut = 0; cut < good.size(); ++cut) {
         EXPECT_FALSE(read("fLaC" + block(6, good.substr(0, cut), true)).picture) << cut;
     }
-    EXPECT_EQ(read("fLaC" + block(6, picture(3, ""), true)).picture, QByteArray(""));
 }
 
 TEST(FlacReader, survivesEveryTruncation)

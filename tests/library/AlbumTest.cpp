@@ -7,21 +7,6 @@
 
 #include <gtest/gtest.h>
 
-namespace {
-
-QByteArray png(int width, int height)
-{
-    QImage image(width, height, QImage::Format_RGB32);
-    image.fill(Qt::red);
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    EXPECT_TRUE(image.save(&buffer, "PNG"));
-    return bytes;
-}
-
-} // namespace
-
 TEST(Album, isIdentifiedByItsGroupElseByNamesAndFolder)
 {
     Album album {.artist = QStringLiteral("A"), .title = QStringLiteral("T"), .tracks = {}, .groupID = {}};
@@ -35,10 +20,13 @@ TEST(Album, isIdentifiedByItsGroupElseByNamesAndFolder)
 
 TEST(Album, showsTheFirstArtworkOrNone)
 {
+    const QImage image(400, 200, QImage::Format_RGB32);
+    QBuffer png;
+    ASSERT_TRUE(png.open(QIODevice::WriteOnly) && image.save(&png, "PNG"));
     Album album;
     album.tracks = makeTracks({{"a.mp3"}, {"b.mp3"}, {"c.mp3"}});
     EXPECT_TRUE(album.artwork(100).isNull());
-    album.tracks[2].artwork = png(400, 200);
+    album.tracks[2].artwork = png.data();
     EXPECT_EQ(album.artwork(100).size(), QSize(100, 50));
     EXPECT_EQ(album.artwork(1000).size(), QSize(400, 200));
     album.tracks[1].artwork = "no picture";

@@ -1,45 +1,49 @@
 // The library, what is shown of it, the queue and the transfer.
 #include "support/ModelDesk.h"
-#include "support/SampleTracks.h"
 
 #include "library/AlbumGrouping.h"
 #include "platform/Files.h"
 #include "platform/TextOrder.h"
 
 #include <QRandomGenerator>
-#include <QSignalSpy>
 
 namespace {
 
-/// A library of three albums: one of two discs, one MP3 without tags, one in high resolution.
-void writeLibrary(const TemporaryFolder &folder)
-{
-    for (const char *disc : {"1", "2"}) {
-        const std::string number(disc);
-        folder.write("Computer/Band/Double/CD" + number + "/01 a.flac",
-            flacWith(
-                {"TITLE=First", "ARTIST=Band", "ALBUM=Double", "TRACKNUMBER=1", "DISCNUMBER=" + number, "DATE=1999"},
-                "audio" + number));
-    }
-    folder.write("Computer/Żuk/Plain/1 x.mp3", "no tags");
-    folder.write("Computer/Żuk/Plain/2 y.mp3", "none");
-    folder.write("Computer/High/Resolution/1.flac",
-        "fLaC" + FlacBytes::block(0, FlacBytes::streamInfo(96000, 24, 96000))
-            + FlacBytes::block(
-                4, FlacBytes::comments({"TITLE=Wide", "ARTIST=abba", "ALBUM=High 10", "DATE=2020-01"}), true)
-            + std::string(1000, 'x'));
-}
+/// A folder of three albums: one of two discs, one MP3 without tags, one in high resolution; and a model.
+struct Library {
+    ModelDesk desk;
+    std::filesystem::path folder = desk.folder / "Computer";
+    std::unique_ptr<MarluneModel> model = desk.start();
 
-std::vector<std::string> titles(const MarluneModel &model)
-{
-    std::vector<std::string> result;
-    for (const auto &album : *model.albums()) {
-        result.push_back(album->title.toStdString());
+    Library()
+    {
+        for (const std::string number : {"1", "2"}) {
+            desk.folder.write("Computer/Band/Double/CD" + number + "/01 a.flac",
+                flacWith({"TITLE=First", "ARTIST=Band", "ALBUM=Double", "TRACKNUMBER=1", "DISCNUMBER=" + number,
+                             "DATE=1999"},
+                    "audio" + number));
+        }
+        desk.folder.write("Computer/Żuk/Plain/1 x.mp3", "no tags");
+        desk.folder.write("Computer/Żuk/Plain/2 y.mp3", "none");
+        desk.folder.write("Computer/High/Resolution/1.flac",
+            flacWith({"TITLE=Wide", "ARTIST=abba", "ALBUM=High 10", "DATE=2020-01"}, std::string(1000, 'x'), 24));
     }
-    return result;
-}
 
-using Titles = std::vector<std::string>;
+    void import(const char *part = "", bool enqueue = false)
+    {
+        model->importURLs({folder / part}, false, enqueue);
+        ModelDesk::waitForJobs(*model);
+    }
+
+    [[nodiscard]] QString titles() const
+    {
+        QStringList result;
+        for (const auto &album : *model->albums()) {
+            result.append(album->title);
+        }
+        return result.join(QStringLiteral(", "));
+    }
+};
 
 } // namespace
 
@@ -49,171 +53,117 @@ class ModelTest : public QObject {
 private Q_SLOTS:
     void importsOnceAndRemembersTheLibrary()
     {
-        ModelDesk desk;
-        writeLibrary(desk.folder);
-        {
-            const auto model = desk.start();
-            model->importMusic();
-            QVERIFY(desk.panels.requests.back().files && desk.panels.requests.back().folders);
-            desk.panels.answer({desk.folder / "Computer"});
-            QVERIFY(model->busy());
-            QCOMPARE(model->status(), QStringLiteral("Odczytuję albumy…"));
-            desk.waitForJobs(*model);
-            QCOMPARE(model->tracks().size(), 5U);
-            QCOMPARE(model->queued().size(), 5);
-            QCOMPARE(model->status(), QStringLiteral("Odczytano utwory: 5"));
-            model->importURLs({desk.folder / "Computer/Band"}, false, true);
-            desk.waitForJobs(*model);
-            QCOMPARE(model->tracks().size(), 5U);
-            QCOMPARE(model->status(), QStringLiteral("Nie znaleziono nowych plików audio"));
-        }
-        std::filesystem::remove(desk.folder / "Computer/Żuk/Plain/1 x.mp3");
-        const auto model = desk.start();
+        Library library;
+        library.model->importMusic();
+        library.desk.panels.answer({library.folder});
+        ModelDesk::waitForJobs(*library.model);
+        QCOMPARE(library.model->queued().size(), 5);
+        QCOMPARE(library.model->status(), QStringLiteral("Odczytano utwory: 5"));
+        library.import("Band");
+        QCOMPARE(library.model->tracks().size(), 5U);
+        QCOMPARE(library.model->status(), QStringLiteral("Nie znaleziono nowych plików audio"));
+
+        std::filesystem::remove(library.folder / "Żuk/Plain/1 x.mp3");
+        const auto model = library.desk.start();
         QCOMPARE(model->tracks().size(), 4U);
         QVERIFY(model->queued().isEmpty());
-        QCOMPARE(desk.settings.texts(QStringLiteral("libraryPaths")).size(), 4);
         const Album album = *model->albums()->front();
         model->forget(album);
-        QCOMPARE(desk.settings.texts(QStringLiteral("libraryPaths")).size(), 4 - qsizetype(album.tracks.size()));
+        QCOMPARE(
+            library.desk.settings.texts(QStringLiteral("libraryPaths")).size(), 4 - qsizetype(album.tracks.size()));
         QVERIFY(std::filesystem::exists(album.tracks.front().url));
     }
 
     void dropsASecondLongJob()
     {
-        ModelDesk desk;
-        writeLibrary(desk.folder);
-        const auto model = desk.start();
-        model->importURLs({desk.folder / "Computer/Band"}, false, true);
-        model->importURLs({desk.folder / "Computer/High"}, false, true);
-        model->clearQueue();
-        desk.waitForJobs(*model);
-        QCOMPARE(model->tracks().size(), 2U);
+        Library library;
+        {
+            const HeldJobs held;
+            library.model->importURLs({library.folder / "Band"}, false, true);
+            library.model->importURLs({library.folder / "High"}, false, true);
+        }
+        ModelDesk::waitForJobs(*library.model);
+        QCOMPARE(library.model->tracks().size(), 2U);
     }
 
-    void restoresTheViewSettings()
+    void restoresTheChoicesOfTheLastRun()
     {
         ModelDesk desk;
+        const Device device = desk.makeDevice("IPOD", false);
         {
             const auto model = desk.start();
-            QCOMPARE(model->viewMode(), QStringLiteral("Albumy"));
-            QCOMPARE(model->sortMode(), QStringLiteral("Wykonawca"));
-            QCOMPARE(model->tileSize(), 170.0);
+            model->setAppearance(QStringLiteral("classic")); // no device: nothing to remember it for
+            model->select(device);
+            model->setAppearance(QStringLiteral("nano"));
+            model->setFinish(QStringLiteral("black"));
+            model->setFinish(QStringLiteral("auto"));
             model->setViewMode(QStringLiteral("Utwory"));
             model->setSortMode(QStringLiteral("Rok"));
             model->setTileSize(200);
         }
-        {
-            const auto model = desk.start();
-            QCOMPARE(model->viewMode(), QStringLiteral("Utwory"));
-            QCOMPARE(model->sortMode(), QStringLiteral("Rok"));
-            QCOMPARE(model->tileSize(), 200.0);
-            model->setTileSize(-1);
-        }
-        QCOMPARE(desk.start()->tileSize(), 170.0);
-    }
-
-    void remembersTheLookOfADevice()
-    {
-        ModelDesk desk;
         const auto model = desk.start();
-        model->setAppearance(QStringLiteral("classic")); // no device: nothing to remember it for
-        const Device device = desk.makeDevice("IPOD", false);
-        model->select(device);
-        model->setAppearance(QStringLiteral("nano"));
-        model->setFinish(QStringLiteral("black"));
+        QCOMPARE(model->viewMode(), QStringLiteral("Utwory"));
+        QCOMPARE(model->sortMode(), QStringLiteral("Rok"));
+        QCOMPARE(model->tileSize(), 200.0);
         const QString root = Files::text(device.root);
         QCOMPARE(desk.settings.text(QStringLiteral("appearance-") + root), std::optional(QStringLiteral("nano")));
-        model->setFinish(QStringLiteral("auto"));
         QVERIFY(!desk.settings.text(QStringLiteral("finish-") + root));
+        model->setTileSize(-1);
+        QCOMPARE(desk.start()->tileSize(), 170.0);
     }
 
     void filtersAndSorts()
     {
-        ModelDesk desk;
-        writeLibrary(desk.folder);
-        const auto model = desk.start();
-        model->importURLs({desk.folder / "Computer"}, false, false);
-        desk.waitForJobs(*model);
-        QCOMPARE(titles(*model), (Titles {"High 10", "Double", "Plain"}));
-        QCOMPARE(model->filteredTracks()->size(), 5U);
-
-        model->setSortMode(QStringLiteral("Album"));
-        QCOMPARE(titles(*model), (Titles {"Double", "High 10", "Plain"}));
-        model->setSortMode(QStringLiteral("Rok"));
-        QCOMPARE(titles(*model), (Titles {"High 10", "Double", "Plain"}));
-        model->setSortMode(QStringLiteral("Rozmiar"));
-        QCOMPARE(titles(*model).front(), std::string("High 10"));
-        model->setSortMode(QStringLiteral("unknown"));
-        QCOMPARE(titles(*model), (Titles {"High 10", "Double", "Plain"}));
-
-        model->setFormatFilter(QStringLiteral("MP3"));
-        QCOMPARE(titles(*model), Titles {"Plain"});
-        model->setFormatFilter(QStringLiteral("Pozostałe"));
-        QCOMPARE(titles(*model), Titles {});
-        model->setFormatFilter(QStringLiteral("FLAC"));
-        model->setHiResOnly(true);
-        QCOMPARE(titles(*model), Titles {"High 10"});
-        model->setHiResOnly(false);
-        model->setFormatFilter(QStringLiteral("Wszystko"));
-
-        model->setSearch(QStringLiteral("żUK plain"));
-        QCOMPARE(titles(*model), Titles {"Plain"});
-        model->setSearch(QStringLiteral("2 y"));
-        QCOMPARE(titles(*model), Titles {"Plain"});
-        QCOMPARE(model->albums()->front()->tracks.size(), 2U); // the album keeps what does not match
-        QCOMPARE(model->filteredTracks()->size(), 1U);
-    }
-
-    void knowsHighResolution()
-    {
-        ModelDesk desk;
-        const auto model = desk.start();
-        model->setHiResOnly(true);
-        Track track;
-        for (const auto &[depth, rate, passes] : std::initializer_list<std::tuple<int, int, bool>> {
-                 {16, 48000, false}, {16, 48001, true}, {17, 44100, true}, {24, 44100, true}, {0, 0, false}}) {
-            track.info.bitDepth = depth;
-            track.info.sampleRate = rate;
-            QCOMPARE(model->matches(track), passes);
+        Library library;
+        library.import();
+        const std::tuple<const char *, const char *, bool, const char *, const char *> rows[] = {
+            {"Album", "Wszystko", false, "", "Double, High 10, Plain"},
+            {"Rok", "Wszystko", false, "", "High 10, Double, Plain"},
+            {"unknown", "Wszystko", false, "", "High 10, Double, Plain"},
+            {"Rok", "MP3", false, "", "Plain"},
+            {"Rok", "Pozostałe", false, "", ""},
+            {"Rok", "FLAC", true, "", "High 10"},
+            {"Rok", "Wszystko", false, "żUK plain", "Plain"},
+            {"Rok", "Wszystko", false, "2 y", "Plain"},
+        };
+        for (const auto &[order, format, highResolution, search, titles] : rows) {
+            library.model->setSortMode(QString::fromUtf8(order));
+            library.model->setFormatFilter(QString::fromUtf8(format));
+            library.model->setHiResOnly(highResolution);
+            library.model->setSearch(QString::fromUtf8(search));
+            QCOMPARE(library.titles(), QString::fromUtf8(titles));
         }
-        model->setHiResOnly(false);
-        track.info.codec = QStringLiteral("flac");
-        model->setFormatFilter(QStringLiteral("Pozostałe"));
-        QVERIFY(model->matches(track)); // the comparison is exact
+        QCOMPARE(library.model->albums()->front()->tracks.size(), 2U); // the album keeps what does not match
+        QCOMPARE(library.model->filteredTracks()->size(), 1U);
+        for (const auto &[depth, rate, high] : {std::tuple(16, 48000, false), std::tuple(16, 48001, true),
+                 std::tuple(17, 44100, true), std::tuple(0, 0, false)}) {
+            AudioInfo info;
+            info.bitDepth = depth;
+            info.sampleRate = rate;
+            QCOMPARE(isHighResolution(info), high);
+        }
     }
 
     void showsAlwaysWhatAFreshComputationWouldGive()
     {
-        ModelDesk desk;
-        writeLibrary(desk.folder);
+        Library library;
+        ModelDesk &desk = library.desk;
+        MarluneModel *const model = library.model.get();
         desk.folder.write("IPOD/Music/On device.mp3", "x");
-        const auto model = desk.start();
         model->select(desk.makeDevice("IPOD", false));
         QRandomGenerator random(20261122);
-        const auto pick = [&](const QStringList &list) { return list[random.bounded(int(list.size()))]; };
+        const auto pick = [&](const std::vector<const char *> &list) {
+            return list[std::size_t(random.bounded(int(list.size())))];
+        };
+        const auto text = [&](const std::vector<const char *> &list) { return QString::fromUtf8(pick(list)); };
         const std::vector<std::function<void()>> changes {
-            [&] {
-                model->setSearch(pick({QString(), QString(), QString(), QStringLiteral("a"), QStringLiteral("x")}));
-            },
-            [&] {
-                model->setFormatFilter(pick({QStringLiteral("Wszystko"), QStringLiteral("Wszystko"),
-                    QStringLiteral("FLAC"), QStringLiteral("Pozostałe")}));
-            },
+            [&] { model->setSearch(text({"", "", "", "a", "x"})); },
+            [&] { model->setFormatFilter(text({"Wszystko", "Wszystko", "FLAC", "Pozostałe"})); },
             [&] { model->setHiResOnly(random.bounded(4) == 1); },
-            [&] {
-                model->setSortMode(pick({QStringLiteral("Album"), QStringLiteral("Rok"), QStringLiteral("Rozmiar"),
-                    QStringLiteral("Wykonawca")}));
-            },
+            [&] { model->setSortMode(text({"Album", "Rok", "Rozmiar", "Wykonawca"})); },
             [&] { model->setLibraryOnDevice(random.bounded(2) == 1); },
-            [&] {
-                TextOrder::setLanguage(
-                    random.bounded(2) == 1 ? TextOrder::Language::Polish : TextOrder::Language::English);
-            },
-            [&] {
-                model->importURLs(
-                    {desk.folder / pick({QStringLiteral("Computer/Band"), QStringLiteral("Computer")}).toStdString()},
-                    false, false);
-            },
+            [&] { TextOrder::setLanguage(TextOrder::Language(random.bounded(2))); },
+            [&] { library.import(pick({"Band", ""})); },
             [&] { model->scanDeviceMusic(); },
             [&] {
                 if (!model->albums()->empty()) {
@@ -230,20 +180,17 @@ private Q_SLOTS:
             changes[std::size_t(random.bounded(int(changes.size())))]();
             desk.waitForJobs(*model);
             // What a computation from the tracks alone gives.
-            std::vector<Album> albums = AlbumGrouping::albums(model->activeTracks());
-            std::erase_if(albums, [&](const Album &album) {
-                return std::none_of(
-                    album.tracks.begin(), album.tracks.end(), [&](const Track &t) { return model->matches(t); });
-            });
-            const auto count = std::count_if(model->activeTracks().begin(), model->activeTracks().end(),
-                [&](const Track &track) { return model->matches(track); });
-            QCOMPARE(model->albums()->size(), albums.size());
-            QCOMPARE(model->filteredTrackCount(), std::size_t(count));
-            QCOMPARE(model->filteredTracks()->size(), std::size_t(count));
-            QCOMPARE(model->filteredTrackCount(), std::size_t(count));
+            const auto matches = [&](const Track &track) { return model->matches(track); };
+            const std::vector<Track> &tracks = model->activeTracks();
+            std::vector<Album> albums = AlbumGrouping::albums(tracks);
+            std::erase_if(albums, [&](const Album &album) { return std::ranges::none_of(album.tracks, matches); });
+            const auto count = std::size_t(std::ranges::count_if(tracks, matches));
             const auto &shown = *model->albums();
+            QCOMPARE(shown.size(), albums.size());
+            QCOMPARE(model->filteredTrackCount(), count);
+            QCOMPARE(model->filteredTracks()->size(), count);
             for (const Album &album : albums) {
-                QVERIFY(std::any_of(shown.begin(), shown.end(), [&](const auto &other) { return *other == album; }));
+                QVERIFY(std::ranges::any_of(shown, [&](const auto &other) { return *other == album; }));
             }
             for (std::size_t i = 1; i < shown.size(); ++i) {
                 QVERIFY(inOrder(*model, *shown[i - 1], *shown[i]));
@@ -256,92 +203,54 @@ private Q_SLOTS:
 
     void togglesAlbumsOnTheSideThatIsShown()
     {
-        ModelDesk desk;
-        writeLibrary(desk.folder);
-        const auto model = desk.start();
-        model->importURLs({desk.folder / "Computer"}, false, false);
-        desk.waitForJobs(*model);
-        const Album album = *model->albums()->back();
-        QCOMPARE(album.tracks.size(), 2U);
-        model->toggleTrack(album.tracks[1]);
-        QCOMPARE(model->queue().size(), 1U);
-        model->toggle(album); // half of it is there: the rest comes
-        QCOMPARE(model->queue().size(), 2U);
-        QCOMPARE(model->queueBytes(), album.bytes());
-        model->toggle(album);
-        QVERIFY(model->queue().empty());
-        model->setLibraryOnDevice(true);
-        model->toggle(album);
-        QVERIFY(model->queued().isEmpty());
-        QCOMPARE(model->selectedOnDevice().size(), 2);
-        model->forget(album); // not on this side
-        QCOMPARE(model->tracks().size(), 5U);
+        Library library;
+        library.import();
+        MarluneModel &model = *library.model;
+        const Album album = *model.albums()->back();
+        model.toggleTrack(album.tracks[1]);
+        QCOMPARE(model.queue().size(), 1U);
+        model.toggle(album); // half of it is there: the rest comes
+        QCOMPARE(model.queueBytes(), album.bytes());
+        model.toggle(album);
+        QVERIFY(model.queue().empty());
+        model.setLibraryOnDevice(true);
+        model.toggle(album);
+        QVERIFY(model.queued().isEmpty());
+        QCOMPARE(model.selectedOnDevice().size(), 2);
+        model.forget(album); // not on this side
+        QCOMPARE(model.tracks().size(), 5U);
     }
 
-    void transfersWithDiscFoldersAndThenSkips()
+    void transfersByAlbumAndDisc()
     {
-        ModelDesk desk;
-        writeLibrary(desk.folder);
-        const auto model = desk.start();
-        model->transferQueue();
-        QCOMPARE(model->status(), QStringLiteral("Gotowy na Twoją muzykę"));
-        model->importURLs({desk.folder / "Computer"}, false, true);
-        desk.waitForJobs(*model);
-        const Device device = desk.makeDevice("IPOD", false);
-        model->select(device);
-        model->transferQueue();
-        QCOMPARE(model->status(), QStringLiteral("Wgrywam muzykę…"));
-        desk.waitForJobs(*model);
-        const std::string tail = "\n\nUtwory są dostępne w Files → Music. Jeśli używasz Database, zaktualizuj bazę w "
-                                 "menu Rockbox na iPodzie.";
-        QCOMPARE(model->alert().value_or(QString()).toStdString(), "Wgrano: 5. Pominięto identyczne: 0." + tail);
-        QVERIFY(model->queued().isEmpty());
-        QCOMPARE(model->transferred().size(), 5U);
+        Library library;
+        MarluneModel &model = *library.model;
+        library.import("", true);
+        model.transferQueue(); // there is no device yet
+        QVERIFY(!model.busy());
+        const Device device = library.desk.makeDevice("IPOD", false);
+        model.select(device);
+        model.transferQueue();
+        ModelDesk::waitForJobs(model);
+        QVERIFY(model.queued().isEmpty());
+        QCOMPARE(model.transferred().size(), 5U);
         const auto music = filesBelow(device.root / "Music");
         QCOMPARE(music.size(), 5U);
-        QVERIFY(music.contains("Band/Double/CD 2/01 a.flac"));
-        QVERIFY(music.contains("abba/High 10/1.flac"));
-        QCOMPARE(music.at("Band/Double/CD 1/01 a.flac"), fileBytes(desk.folder / "Computer/Band/Double/CD1/01 a.flac"));
+        QCOMPARE(music.at("Band/Double/CD 1/01 a.flac"), fileBytes(library.folder / "Band/Double/CD1/01 a.flac"));
 
         // One disc alone keeps its disc folder: the plan looks at the whole library.
-        std::vector<Track> disc;
-        for (const Track &track : model->tracks()) {
-            if (track.info.discNumber == 2) {
-                disc.push_back(track);
-            }
-        }
-        QCOMPARE(disc.size(), 1U);
-        model->transfer(disc);
-        desk.waitForJobs(*model);
-        QCOMPARE(model->status(), QStringLiteral("Wgrano: 0. Pominięto identyczne: 1."));
+        Track stranger
+            = *std::ranges::find(model.tracks(), 2, [](const Track &track) { return track.info.discNumber; });
+        model.transfer(std::vector {stranger});
+        ModelDesk::waitForJobs(model);
+        QCOMPARE(model.status(), QStringLiteral("Wgrano: 0. Pominięto identyczne: 1."));
         // A track outside the library goes by its own names.
-        Track stranger = disc.front();
         stranger.id = QUuid::createUuid();
         stranger.artist = QStringLiteral("Other");
-        model->transfer(std::vector {stranger});
-        desk.waitForJobs(*model);
+        model.transfer(std::vector {stranger});
+        ModelDesk::waitForJobs(model);
         QVERIFY(std::filesystem::exists(device.root / "Music/Other/Double/01 a.flac"));
         QCOMPARE(filesBelow(device.root / "Music").size(), 6U);
-    }
-
-    void keepsTheQueueWhenATransferFails()
-    {
-        ModelDesk desk;
-        writeLibrary(desk.folder);
-        const auto model = desk.start();
-        model->importURLs({desk.folder / "Computer"}, false, true);
-        desk.waitForJobs(*model);
-        model->select(desk.makeDevice("IPOD", false));
-        std::filesystem::remove_all(desk.folder / "IPOD/.rockbox");
-        model->transferQueue();
-        desk.waitForJobs(*model);
-        QCOMPARE(model->alert().value_or(QString()),
-            QStringLiteral("Ten folder nie zawiera katalogu .rockbox.\n\nCzęść utworów mogła już zostać wgrana. Możesz "
-                           "ponowić transfer — identyczne pliki zostaną pominięte."));
-        QCOMPARE(model->status(), QStringLiteral("Transfer przerwany"));
-        QVERIFY(!model->busy());
-        QCOMPARE(model->queued().size(), 5);
-        QVERIFY(model->transferred().empty());
     }
 
 private:

@@ -1,18 +1,13 @@
 // Ejecting against a stand-in of the disk service on a bus of the test's own.
-#include "platform/Files.h"
 #include "platform/MarluneError.h"
 #include "platform/Volumes.h"
+#include "support/Messages.h"
 #include "support/PrivateBus.h"
-#include "support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <QProcess>
-
 #include <future>
-#include <memory>
-#include <ostream>
 
 #if defined(__SANITIZE_THREAD__)
 // A second bus is started while Qt's bus thread lives; ThreadSanitizer would let no thread start after that fork.
@@ -25,49 +20,46 @@ extern "C" const char *__tsan_default_options() // NOLINT(bugprone-reserved-iden
 namespace {
 
 using namespace std::chrono_literals;
-using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-const std::string unmounted = "Unmount sdb2 {} open=0";
-const std::string ejected = "Eject iPod_1 {}";
-
-/// One address for all tests of the process; the daemons behind it come and go.
-class SystemBusAddress : public testing::Environment {
-public:
-    void SetUp() override
-    {
-        bus = std::make_unique<PrivateBus>();
-        ::setenv("DBUS_SYSTEM_BUS_ADDRESS", bus->address().c_str(), 1);
-    }
-    void TearDown() override { bus.reset(); }
-
-    std::unique_ptr<PrivateBus> bus;
-};
-auto *const systemBus = static_cast<SystemBusAddress *>(testing::AddGlobalTestEnvironment(new SystemBusAddress));
+using Calls = std::vector<std::string>;
+const Calls unmounted {"Unmount sdb2 {} open=0"};
+const Calls ejected {unmounted[0], "Eject iPod_1 {}"};
 
 class EjectTest : public testing::Test {
 protected:
+    /// One address for all tests of the process; the daemons behind it come and go.
+    static void SetUpTestSuite()
+    {
+        s_bus = std::make_unique<PrivateBus>();
+        ::setenv("DBUS_SYSTEM_BUS_ADDRESS", s_bus->address().c_str(), 1);
+    }
+    static void TearDownTestSuite() { s_bus.reset(); }
+
     void SetUp() override
     {
         dieWithThisProcess(m_service);
         std::filesystem::create_directory(m_mountPoint);
-        systemBus->bus->start();
+        s_bus->start();
     }
     void TearDown() override
     {
         stopService();
-        systemBus->bus->stop();
+        s_bus->stop();
     }
 
-    void startService(QStringList options = {})
+    void startService(const std::string &options = {})
     {
-        options << QStringLiteral("--address") << QString::fromStdString(systemBus->bus->address())
-                << QStringLiteral("--log") << QString::fromStdString(m_log.string())
-                << QStringLiteral("--mount-point-file")
-                << QString::fromStdString(m_folder.write("mount-point", m_mountPoint.native()).string());
-        options.prepend(QStringLiteral(MARLUNE_SOURCE_DIR "/tests/support/udisks_stand_in.py"));
-        m_service.start(QStringLiteral("/usr/bin/python3"), options);
+        std::filesystem::remove(m_log);
+        const auto place = m_folder.write("mount-point", m_mountPoint.native());
+        QStringList arguments = QString::fromStdString(options).split(u' ', Qt::SkipEmptyParts);
+        arguments.prepend(QStringLiteral(MARLUNE_SOURCE_DIR "/tests/support/udisks_stand_in.py"));
+        for (const std::string &argument :
+            {"--address=" + s_bus->address(), "--log=" + m_log.string(), "--mount-point-file=" + place.string()}) {
+            arguments.append(QString::fromStdString(argument));
+        }
+        m_service.start(QStringLiteral("/usr/bin/python3"), arguments);
         ASSERT_TRUE(m_service.waitForReadyRead(20'000)) << m_service.readAllStandardError().toStdString();
         ASSERT_EQ(m_service.readAllStandardOutput().trimmed(), "ready");
     }
@@ -81,20 +73,14 @@ protected:
     /// The text of the failure, empty on success. On a thread without an event loop, as the program calls it.
     std::future<std::string> ejectLater(std::chrono::milliseconds patience = 20s)
     {
-        return std::async(std::launch::async, [mountPoint = m_mountPoint, patience] {
-            try {
-                Volumes::eject(mountPoint, patience);
-                return std::string();
-            } catch (const MarluneError &error) {
-                return error.message().toStdString();
-            }
-        });
+        return std::async(std::launch::async,
+            [mountPoint = m_mountPoint, patience] { return messageOf([&] { Volumes::eject(mountPoint, patience); }); });
     }
     std::string ejectNow(std::chrono::milliseconds patience = 20s) { return ejectLater(patience).get(); }
 
-    [[nodiscard]] std::vector<std::string> calls() const
+    [[nodiscard]] Calls calls() const
     {
-        std::vector<std::string> lines;
+        Calls lines;
         std::ifstream log(m_log);
         for (std::string line; std::getline(log, line);) {
             lines.push_back(line);
@@ -102,6 +88,7 @@ protected:
         return lines;
     }
 
+    inline static std::unique_ptr<PrivateBus> s_bus;
     TemporaryFolder m_folder;
     std::filesystem::path m_mountPoint = m_folder / "Zażółć \xFF IPOD"; // a label of FAT need not be UTF-8
     std::filesystem::path m_log = m_folder / "calls";
@@ -110,177 +97,98 @@ protected:
 
 TEST_F(EjectTest, UnmountsTheAskedDiskAloneThenEjectsItsDrive)
 {
-    startService();
-    EXPECT_EQ(ejectNow(), "");
-    EXPECT_THAT(calls(), ElementsAre(unmounted, ejected));
-}
-
-TEST_F(EjectTest, ATrailingSeparatorNamesTheSameDisk)
-{
+    for (const auto &[options, expected] : {std::pair("", ejected), std::pair("--no-drive", unmounted),
+             std::pair("--unmount-error=org.freedesktop.UDisks2.Error.NotMounted", ejected),
+             std::pair("--unmount-delay=1 --eject-delay=1", ejected)}) {
+        startService(options);
+        EXPECT_EQ(ejectNow(), "") << options;
+        EXPECT_EQ(calls(), expected) << options;
+        stopService();
+    }
     startService();
     m_mountPoint += "/"; // after the service was told
     EXPECT_EQ(ejectNow(), "");
-    EXPECT_THAT(calls(), ElementsAre(unmounted, ejected));
+    EXPECT_EQ(calls(), ejected);
 }
 
-TEST_F(EjectTest, ADiskWithoutADriveIsDoneWhenUnmounted)
+TEST_F(EjectTest, ARefusalSaysWhyAndHowTheDiskIsLeftAndCallsNothingMore)
 {
-    startService({QStringLiteral("--no-drive")});
-    EXPECT_EQ(ejectNow(), "");
-    EXPECT_THAT(calls(), ElementsAre(unmounted));
-}
-
-TEST_F(EjectTest, ADiskThatAnotherProgramJustUnmountedIsStillEjected)
-{
-    startService({QStringLiteral("--unmount-error"), QStringLiteral("org.freedesktop.UDisks2.Error.NotMounted")});
-    EXPECT_EQ(ejectNow(), "");
-    EXPECT_THAT(calls(), ElementsAre(unmounted, ejected));
-}
-
-struct RefusalRow {
-    const char *step;
-    const char *error;
-    const char *reason; ///< what the text must say of the reason
-};
-
-void PrintTo(const RefusalRow &row, std::ostream *stream)
-{
-    *stream << row.step << ": " << row.error;
-}
-
-class EjectRefusal : public EjectTest, public testing::WithParamInterface<RefusalRow> { };
-
-TEST_P(EjectRefusal, SaysWhyAndHowTheDiskIsLeftAndCallsNothingMore)
-{
-    const RefusalRow row = GetParam();
-    const bool atUnmount = std::string_view(row.step) == "unmount";
-    startService({QStringLiteral("--%1-error").arg(QLatin1StringView(row.step)), QLatin1StringView(row.error)});
-    const std::string text = ejectNow();
-    EXPECT_THAT(text, HasSubstr(row.reason));
-    if (atUnmount) {
-        EXPECT_THAT(text, testing::Not(HasSubstr("już odmontowany")));
-        EXPECT_THAT(calls(), ElementsAre(unmounted));
-    } else {
-        EXPECT_THAT(text, HasSubstr("iPod jest już odmontowany, ale"));
-        EXPECT_THAT(text, testing::Not(HasSubstr("nadal zamontowany")));
-        EXPECT_THAT(calls(), ElementsAre(unmounted, ejected));
+    const std::string service = "org.freedesktop.UDisks2.Error.";
+    const std::pair<std::string, const char *> unmounting[] = {
+        {service + "DeviceBusy", "używany przez inny program. Dysk jest nadal zamontowany"},
+        {service + "NotAuthorizedCanObtain", "nie ma do tego uprawnień. Dysk jest nadal zamontowany"},
+        {service + "NotAuthorizedDismissed", "hasło zostało zamknięte. Dysk jest nadal zamontowany"},
+        {service + "AlreadyUnmounting", "inny program właśnie go odmontowuje"},
+        {service + "Timedout", "Nie wiadomo, czy iPod został odmontowany"},
+        {service + "Failed", "Odpowiedź usługi dysków: the service's own words"},
+        {"org.freedesktop.DBus.Error.Spawn.ExecFailed", "UDisks2 nie jest zainstalowana lub nie działa"},
+    };
+    for (const auto &[error, reason] : unmounting) {
+        startService("--unmount-error=" + error);
+        EXPECT_THAT(ejectNow(), testing::AllOf(HasSubstr(reason), testing::Not(HasSubstr("już odmontowany")))) << error;
+        EXPECT_EQ(calls(), unmounted) << error;
+        stopService();
+    }
+    const std::pair<std::string, const char *> ejecting[] = {
+        {service + "DeviceBusy", "inna partycja jego dysku"},
+        {service + "NotAuthorized", "nie ma do tego uprawnień"},
+        {service + "AlreadyUnmounting", "the service's own words"},
+        {service + "Timedout", "nie wiadomo, czy został wysunięty"},
+    };
+    for (const auto &[error, reason] : ejecting) {
+        startService("--eject-error=" + error);
+        EXPECT_THAT(ejectNow(), testing::AllOf(HasSubstr("iPod jest już odmontowany, ale"), HasSubstr(reason)));
+        EXPECT_EQ(calls(), ejected) << error;
+        stopService();
     }
 }
 
-#define UDISKS "org.freedesktop.UDisks2.Error."
-#define DBUS "org.freedesktop.DBus.Error."
-
-INSTANTIATE_TEST_SUITE_P(Errors, EjectRefusal,
-    testing::Values(
-        RefusalRow {"unmount", UDISKS "DeviceBusy", "używany przez inny program. Dysk jest nadal zamontowany"},
-        RefusalRow {"unmount", UDISKS "NotAuthorized", "nie ma do tego uprawnień. Dysk jest nadal zamontowany"},
-        RefusalRow {
-            "unmount", UDISKS "NotAuthorizedCanObtain", "nie ma do tego uprawnień. Dysk jest nadal zamontowany"},
-        RefusalRow {"unmount", UDISKS "NotAuthorizedDismissed", "hasło zostało zamknięte. Dysk jest nadal zamontowany"},
-        RefusalRow {"unmount", UDISKS "AlreadyUnmounting", "inny program właśnie go odmontowuje"},
-        RefusalRow {"unmount", UDISKS "Timedout", "Nie wiadomo, czy iPod został odmontowany"},
-        RefusalRow {"unmount", UDISKS "Failed",
-            "Dysk jest nadal zamontowany. Odmontuj go w menedżerze plików, zanim "
-            "odłączysz iPoda. Odpowiedź usługi dysków: the service's own words"},
-        RefusalRow {"unmount", DBUS "Spawn.ExecFailed", "usługa dysków UDisks2 nie jest zainstalowana lub nie działa"},
-        RefusalRow {"eject", UDISKS "DeviceBusy", "inna partycja jego dysku"},
-        RefusalRow {"eject", UDISKS "NotAuthorized", "nie ma do tego uprawnień"},
-        RefusalRow {"eject", UDISKS "NotAuthorizedDismissed", "hasło zostało zamknięte"},
-        RefusalRow {"eject", UDISKS "AlreadyUnmounting", "the service's own words"},
-        RefusalRow {"eject", UDISKS "Timedout", "nie wiadomo, czy został wysunięty"},
-        RefusalRow {"eject", UDISKS "Failed", "the service's own words"}));
-
-struct SilenceRow {
-    QStringList options;
-    std::chrono::milliseconds patience;
-    const char *text;
-    std::size_t calls;
-};
-
-void PrintTo(const SilenceRow &row, std::ostream *stream)
+TEST_F(EjectTest, SilenceLeavesTheStateOpenAndCallsNothingMore)
 {
-    *stream << row.options.join(QLatin1Char(' ')).toStdString();
+    const std::pair<std::string, Calls> steps[] = {{"unmount", unmounted}, {"eject", ejected}};
+    for (const auto &[step, expected] : steps) {
+        for (const auto &[silence, patience] : {std::pair("-delay=30", 300ms), std::pair("-exit", 20'000ms)}) {
+            startService("--" + step + silence);
+            const auto start = std::chrono::steady_clock::now();
+            EXPECT_THAT(ejectNow(patience), testing::ContainsRegex("[Nn]ie wiadomo, czy")) << step << silence;
+            EXPECT_LT(std::chrono::steady_clock::now() - start, 15s);
+            EXPECT_EQ(calls(), expected) << step << silence;
+            stopService();
+        }
+    }
 }
 
-class EjectSilence : public EjectTest, public testing::WithParamInterface<SilenceRow> { };
-
-TEST_P(EjectSilence, LeavesTheStateOpenAndCallsNothingMore)
+TEST_F(EjectTest, ADiskThatCannotBeFlushedOrFoundIsNotUnmounted)
 {
-    const SilenceRow &row = GetParam();
-    startService(row.options);
-    const auto start = std::chrono::steady_clock::now();
-    const std::string text = ejectNow(row.patience);
-    EXPECT_THAT(text, HasSubstr(row.text));
-    EXPECT_LT(std::chrono::steady_clock::now() - start, 15s);
-    EXPECT_EQ(calls().size(), row.calls);
-}
-
-INSTANTIATE_TEST_SUITE_P(Cases, EjectSilence,
-    testing::Values(
-        SilenceRow {{QStringLiteral("--unmount-delay=30")}, 300ms, "Nie wiadomo, czy iPod został odmontowany", 1},
-        SilenceRow {{QStringLiteral("--eject-delay=30")}, 300ms, "nie wiadomo, czy został wysunięty", 2},
-        SilenceRow {{QStringLiteral("--unmount-exit")}, 20s, "Nie wiadomo, czy iPod został odmontowany", 1},
-        SilenceRow {{QStringLiteral("--eject-exit")}, 20s, "nie wiadomo, czy został wysunięty", 2}));
-
-TEST_F(EjectTest, ASlowDiskIsWaitedFor)
-{
-    startService({QStringLiteral("--unmount-delay=1"), QStringLiteral("--eject-delay=1")});
-    EXPECT_EQ(ejectNow(), "");
-    EXPECT_THAT(calls(), ElementsAre(unmounted, ejected));
-}
-
-TEST_F(EjectTest, ABusWithoutTheServiceSaysSo)
-{
-    const std::string text = ejectNow();
-    EXPECT_THAT(text, HasSubstr("usługa dysków UDisks2 nie jest zainstalowana lub nie działa"));
-    EXPECT_THAT(text, HasSubstr("Dysk jest nadal zamontowany"));
-}
-
-TEST_F(EjectTest, ADiskThatTheServiceDoesNotKnowStaysMounted)
-{
-    startService();
-    m_mountPoint += "-other";
-    std::filesystem::create_directory(m_mountPoint);
-    const std::string text = ejectNow();
-    EXPECT_THAT(text, HasSubstr("nie zna dysku zamontowanego w „" + m_folder.path().string()));
-    EXPECT_THAT(calls(), IsEmpty());
-}
-
-TEST_F(EjectTest, ADiskThatCannotBeFlushedIsNotUnmounted)
-{
+    EXPECT_THAT(ejectNow(), HasSubstr("UDisks2 nie jest zainstalowana lub nie działa. Dysk jest nadal zamontowany"));
     startService();
     std::filesystem::remove(m_mountPoint);
-    const std::string gone = ejectNow();
+    EXPECT_THAT(ejectNow(), HasSubstr("nie jest już zamontowany"));
     m_folder.write(m_mountPoint.filename(), "no folder");
-    const std::string unreadable = ejectNow();
-    EXPECT_THAT(gone, HasSubstr("nie jest już zamontowany"));
-    EXPECT_THAT(unreadable, HasSubstr("nie można otworzyć"));
+    EXPECT_THAT(ejectNow(), HasSubstr("nie można otworzyć"));
+    m_mountPoint += "-other";
+    std::filesystem::create_directory(m_mountPoint);
+    EXPECT_THAT(ejectNow(), HasSubstr("nie zna dysku zamontowanego w „" + m_folder.path().string()));
     EXPECT_THAT(calls(), IsEmpty());
 }
 
 TEST_F(EjectTest, ABusThatVanishedIsNamedAndOneThatCameBackIsUsed)
 {
+    s_bus->stop();
+    EXPECT_THAT(ejectNow(), HasSubstr("brak połączenia z systemową magistralą D-Bus"));
+    s_bus->start();
     startService();
     EXPECT_EQ(ejectNow(), "");
-    stopService();
-    systemBus->bus->stop();
-    const std::string text = ejectNow();
-    EXPECT_THAT(text, HasSubstr("brak połączenia z systemową magistralą D-Bus"));
-
-    systemBus->bus->start();
-    startService();
-    EXPECT_EQ(ejectNow(), "");
-    EXPECT_THAT(calls(), ElementsAre(unmounted, ejected, unmounted, ejected));
 }
 
 TEST_F(EjectTest, ABusThatDiesDuringTheUnmountEndsTheWait)
 {
-    startService({QStringLiteral("--unmount-delay=60")});
+    startService("--unmount-delay=60");
     auto ejecting = ejectLater(60s);
     while (calls().empty()) {
         ASSERT_EQ(ejecting.wait_for(10ms), std::future_status::timeout);
     }
-    systemBus->bus->stop();
+    s_bus->stop();
     ASSERT_EQ(ejecting.wait_for(15s), std::future_status::ready);
     EXPECT_THAT(ejecting.get(), HasSubstr("Nie wiadomo, czy iPod został odmontowany"));
 }

@@ -13,70 +13,52 @@
 
 namespace {
 
-/// As long as it lives, no file grows past `bytes`: the kernel's answer is that of a full disk.
+/// As long as it lives, no file grows past 100,000 bytes: the kernel's answer is that of a full disk.
 class SmallDisk {
 public:
-    explicit SmallDisk(rlim_t bytes)
-        : m_handler(std::signal(SIGXFSZ, SIG_IGN))
+    SmallDisk()
     {
+        std::signal(SIGXFSZ, SIG_IGN);
         ::getrlimit(RLIMIT_FSIZE, &m_before);
-        const rlimit limit {.rlim_cur = bytes, .rlim_max = m_before.rlim_max};
+        const rlimit limit {.rlim_cur = 100'000, .rlim_max = m_before.rlim_max};
         EXPECT_EQ(::setrlimit(RLIMIT_FSIZE, &limit), 0);
     }
-    ~SmallDisk()
-    {
-        ::setrlimit(RLIMIT_FSIZE, &m_before);
-        std::signal(SIGXFSZ, m_handler);
-    }
+    ~SmallDisk() { ::setrlimit(RLIMIT_FSIZE, &m_before); }
     SmallDisk(const SmallDisk &) = delete;
     SmallDisk &operator=(const SmallDisk &) = delete;
 
 private:
     rlimit m_before {};
-    void (*m_handler)(int);
 };
 
-std::string hex(const Sha256::Digest &digest)
-{
-    const QByteArray bytes(reinterpret_cast<const char *>(digest.data()), qsizetype(digest.size()));
-    return bytes.toHex().toStdString();
-}
+using FileMap = std::map<std::string, std::string>;
 
 } // namespace
 
 TEST(WriteBytes, leavesTheOldFileOrTheNewWhicheverCallFails)
 {
-    for (const bool replaces : {false, true}) {
+    for (const FileMap &before : {FileMap {}, FileMap {{"file", "old"}}}) {
         for (int failAt = 1;; ++failAt) {
             const TemporaryFolder folder;
-            if (replaces) {
-                folder.write("file", "old");
+            for (const auto &[name, bytes] : before) {
+                folder.write(name, bytes);
             }
             const FailingDisk disk(failAt);
             const std::string failure = failureOf([&] { Storage::writeBytes("new bytes", folder / "file"); });
-            const auto files = filesBelow(folder.path());
+            EXPECT_EQ(failure.empty(), !FailingDisk::reached()) << "call " << failAt;
             if (!FailingDisk::reached()) {
                 ASSERT_GT(failAt, 4); // open, write, fsync, close, rename
-                EXPECT_EQ(failure, "");
-                EXPECT_EQ(files, (std::map<std::string, std::string> {{"file", "new bytes"}}));
+                EXPECT_EQ(filesBelow(folder.path()), (FileMap {{"file", "new bytes"}}));
                 break;
             }
-            EXPECT_NE(failure, "");
-            const std::map<std::string, std::string> old {{"file", "old"}};
-            EXPECT_EQ(files, replaces ? old : decltype(old) {}) << "call " << failAt;
+            EXPECT_EQ(filesBelow(folder.path()), before) << "call " << failAt;
         }
     }
-}
-
-TEST(WriteBytes, keepsTheOldFileOnAFullDisk)
-{
     const TemporaryFolder folder;
     folder.write("file", "old");
-    {
-        const SmallDisk disk(100'000);
-        EXPECT_NE(failureOf([&] { Storage::writeBytes(QByteArray(300'000, 'x'), folder / "file"); }), "");
-    }
-    EXPECT_EQ(filesBelow(folder.path()), (std::map<std::string, std::string> {{"file", "old"}}));
+    const SmallDisk disk;
+    EXPECT_NE(failureOf([&] { Storage::writeBytes(QByteArray(300'000, 'x'), folder / "file"); }), "");
+    EXPECT_EQ(filesBelow(folder.path()), (FileMap {{"file", "old"}}));
 }
 
 TEST(WriteBytes, refusesFoldersAndReplacesLinksNotTheirTargets)
@@ -126,24 +108,23 @@ TEST(CopyAudioBytes, neverTouchesWhatIsThere)
 
 TEST(CopyAudioBytes, reportsEveryFailureAndKeepsTheSource)
 {
-    for (int failAt = 1;; ++failAt) {
-        const TemporaryFolder folder;
-        const std::string bytes(2'500'000, 'x');
-        folder.write("source", bytes);
-        const FailingDisk disk(failAt);
-        const std::string failure = failureOf([&] { Storage::copyAudioBytes(folder / "source", folder / "copy"); });
-        ASSERT_TRUE(fileBytes(folder / "source") == bytes);
-        if (!FailingDisk::reached()) {
-            EXPECT_EQ(failAt, 6); // open, three blocks, fsync
-            EXPECT_TRUE(fileBytes(folder / "copy") == bytes);
-            break;
-        }
-        EXPECT_NE(failure, "") << "call " << failAt;
-    }
     const TemporaryFolder folder;
-    folder.write("source", std::string(300'000, 'x'));
-    const SmallDisk disk(100'000);
-    EXPECT_NE(failureOf([&] { Storage::copyAudioBytes(folder / "source", folder / "copy"); }), "");
+    const std::string bytes(2'500'000, 'x');
+    const auto source = folder.write("source", bytes);
+    const auto copy = [&](int number) {
+        return failureOf([&] { Storage::copyAudioBytes(source, folder / std::to_string(number)); });
+    };
+    for (int failAt = 1; failAt <= 5; ++failAt) { // open, three blocks, fsync
+        const FailingDisk disk(failAt);
+        EXPECT_NE(copy(failAt), "") << "call " << failAt;
+        EXPECT_TRUE(FailingDisk::reached());
+    }
+    const FailingDisk disk(6);
+    EXPECT_EQ(copy(6), "");
+    EXPECT_FALSE(FailingDisk::reached());
+    const SmallDisk small;
+    EXPECT_NE(copy(7), "");
+    EXPECT_TRUE(fileBytes(source) == bytes);
 }
 
 TEST(Digest, isTheStandards)
@@ -157,7 +138,9 @@ TEST(Digest, isTheStandards)
         {std::string(0x100000, 'a'), "9bc1b2a288b26af7257a36277ae3816a7d4f16e89c1e7e77d0a5c48bad62b360"},
     };
     for (const auto &[bytes, digest] : rows) {
-        EXPECT_EQ(hex(Storage::digest(folder.write("file", bytes))), digest) << bytes.size();
+        const Sha256::Digest made = Storage::digest(folder.write("file", bytes));
+        const QByteArray raw(reinterpret_cast<const char *>(made.data()), qsizetype(made.size()));
+        EXPECT_EQ(raw.toHex(), digest) << bytes.size();
     }
     EXPECT_NE(failureOf([&] { (void)Storage::digest(folder / "missing"); }), "");
     EXPECT_NE(failureOf([&] { (void)Storage::digest(folder.path()); }), "");

@@ -10,16 +10,11 @@
 #include <QProcess>
 #include <QStandardPaths>
 
-#include <fcntl.h>
-#include <linux/loop.h>
-#include <sys/ioctl.h>
 #include <sys/mount.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <chrono>
 #include <cstdint>
-#include <system_error>
 #include <thread>
 
 class ExfatVolume {
@@ -27,19 +22,10 @@ public:
     /// Makes the folder `mountPoint` if need be and mounts an empty disk of `bytes` there.
     explicit ExfatVolume(std::filesystem::path mountPoint, std::int64_t bytes = 64 << 20)
         : m_mountPoint(std::move(mountPoint))
-        , m_image(m_folder / "image")
+        , m_image(m_folder.write("image", {}))
     {
-        if (::geteuid() != 0) {
-            m_reason = "mounting needs root";
-        } else if (const QString format = program(QStringLiteral("mkfs.exfat")); format.isEmpty()) {
-            m_reason = "no mkfs.exfat";
-        } else {
-            m_folder.write("image", {});
-            std::filesystem::resize_file(m_image, std::uintmax_t(bytes)); // sparse
-            if (runProgram(format, {QString::fromStdString(m_image.string())}, "mkfs.exfat")) {
-                mount();
-            }
-        }
+        std::filesystem::resize_file(m_image, std::uintmax_t(bytes)); // sparse
+        (void)(run("mkfs.exfat", {m_image}) && mount());
     }
     ~ExfatVolume()
     {
@@ -59,24 +45,16 @@ public:
     /// Mounts the same disk again after unmount(); what was written is still there.
     bool mount()
     {
-        std::string device;
-        const int loop = attachLoop(device);
-        if (loop < 0) {
-            return false;
-        }
         std::error_code ignored;
         std::filesystem::create_directories(m_mountPoint, ignored);
-        const QString driver = program(QStringLiteral("mount.exfat-fuse"));
-        if (!driver.isEmpty() && ::access("/dev/fuse", R_OK | W_OK) == 0) {
-            m_mounted = runProgram(driver,
-                {QString::fromStdString(device), QString::fromLocal8Bit(m_mountPoint.c_str())}, "mount.exfat-fuse");
-        } else if (::mount(device.c_str(), m_mountPoint.c_str(), "exfat", MS_NOSUID | MS_NODEV, nullptr) == 0) {
-            m_mounted = true;
-        } else {
-            m_reason = "neither exfat-fuse nor the kernel's exFAT: " + std::generic_category().message(errno);
+        if (!run("losetup", {"--find", "--show", m_image})) {
+            return false;
         }
-        ::close(loop); // from here the mount alone keeps the loop device
-        return m_mounted;
+        const std::filesystem::path device = m_output;
+        const bool fuse = !QStandardPaths::findExecutable(QStringLiteral("mount.exfat-fuse"), m_folders).isEmpty();
+        m_mounted = fuse ? run("mount.exfat-fuse", {device, m_mountPoint})
+                         : run("mount", {"-t", "exfat", device, m_mountPoint});
+        return run("losetup", {"--detach", device}) && m_mounted; // from here the mount alone keeps the loop device
     }
 
     /// False if something keeps the disk busy for longer than a moment.
@@ -93,55 +71,29 @@ public:
     }
 
 private:
-    static QString program(const QString &name)
+    /// Keeps what the program writes, and the reason where it fails or is missing.
+    bool run(const char *name, const std::vector<std::filesystem::path> &arguments)
     {
-        return QStandardPaths::findExecutable(
-            name, {QStringLiteral("/usr/sbin"), QStringLiteral("/sbin"), QStringLiteral("/usr/bin")});
-    }
-
-    bool runProgram(const QString &program, const QStringList &arguments, const std::string &name)
-    {
+        QStringList texts;
+        for (const std::filesystem::path &argument : arguments) {
+            texts.append(QString::fromLocal8Bit(argument.c_str()));
+        }
         QProcess process;
-        process.start(program, arguments);
-        if (process.waitForFinished() && process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0) {
-            return true;
+        process.start(QStandardPaths::findExecutable(QString::fromLatin1(name), m_folders), texts);
+        const bool done = process.waitForFinished() && process.exitCode() == 0;
+        m_output = process.readAllStandardOutput().trimmed().toStdString();
+        if (!done) {
+            m_reason = name + (": " + process.readAllStandardError().trimmed().toStdString());
         }
-        m_reason = name + ": " + process.readAllStandardError().trimmed().toStdString();
-        return false;
+        return done;
     }
 
-    /// The open loop device, which lets go of the image once nobody has it open or mounted; -1 if there is none.
-    int attachLoop(std::string &device)
-    {
-        const int image = ::open(m_image.c_str(), O_RDWR | O_CLOEXEC);
-        const int control = ::open("/dev/loop-control", O_RDWR | O_CLOEXEC);
-        int loop = -1;
-        for (int attempt = 0; attempt < 10 && loop < 0; ++attempt) {
-            const int number = ::ioctl(control, LOOP_CTL_GET_FREE);
-            if (number < 0) {
-                break;
-            }
-            device = "/dev/loop" + std::to_string(number);
-            loop = ::open(device.c_str(), O_RDWR | O_CLOEXEC);
-            loop_config config {};
-            config.fd = std::uint32_t(image);
-            config.info.lo_flags = LO_FLAGS_AUTOCLEAR;
-            if (loop >= 0 && ::ioctl(loop, LOOP_CONFIGURE, &config) != 0) {
-                ::close(loop); // another process took it meanwhile
-                loop = -1;
-            }
-        }
-        if (loop < 0) {
-            m_reason = "no loop device: " + std::generic_category().message(errno);
-        }
-        ::close(control);
-        ::close(image);
-        return loop;
-    }
-
+    const QStringList m_folders {
+        QStringLiteral("/usr/sbin"), QStringLiteral("/sbin"), QStringLiteral("/usr/bin"), QStringLiteral("/bin")};
     TemporaryFolder m_folder;
     std::filesystem::path m_mountPoint;
     std::filesystem::path m_image;
+    std::string m_output;
     std::string m_reason;
     bool m_mounted = false;
 };

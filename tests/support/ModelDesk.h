@@ -8,6 +8,8 @@
 
 #include <QTest>
 
+#include <future>
+
 /// Keeps each question; the test answers in place of the desktop.
 class KeptPanels final : public Panels {
 public:
@@ -19,6 +21,29 @@ public:
 
     std::vector<Request> requests;
     Answer answer;
+};
+
+/// Keeps the jobs that are started in its lifetime from running until its end. For what must hold while a job is under
+/// way: a short one may be done, and its result landed, before the call that starts it returns.
+class HeldJobs {
+public:
+    explicit HeldJobs(
+        std::initializer_list<JobPriority> priorities = {JobPriority::Utility, JobPriority::UserInitiated})
+    {
+        for (const JobPriority priority : priorities) {
+            QThreadPool &pool = BackgroundJobs::pool(priority);
+            for (int thread = 0; thread < pool.maxThreadCount(); ++thread) {
+                BackgroundJobs::startOn(pool, [end = m_end] { end.wait(); });
+            }
+        }
+    }
+    ~HeldJobs() { m_promise.set_value(); }
+    HeldJobs(const HeldJobs &) = delete;
+    HeldJobs &operator=(const HeldJobs &) = delete;
+
+private:
+    std::promise<void> m_promise;
+    std::shared_future<void> m_end = m_promise.get_future().share();
 };
 
 struct ModelDesk {
@@ -70,9 +95,11 @@ struct ModelDesk {
     }
 };
 
-/// A FLAC file with these comments, and bytes that make it differ from others.
-inline std::string flacWith(const std::vector<std::string> &comments, const std::string &audio = "audio")
+/// A FLAC file with these comments and perhaps a front cover, and bytes that make it differ from others.
+inline std::string flacWith(const std::vector<std::string> &comments, const std::string &audio = "audio", int bits = 16,
+    const std::string &cover = {})
 {
-    return "fLaC" + FlacBytes::block(0, FlacBytes::streamInfo(44100, 16, 44100))
+    return "fLaC" + FlacBytes::block(0, FlacBytes::streamInfo(44100, std::uint64_t(bits), 44100))
+        + (cover.empty() ? "" : FlacBytes::block(6, FlacBytes::picture(3, cover)))
         + FlacBytes::block(4, FlacBytes::comments(comments), true) + audio;
 }

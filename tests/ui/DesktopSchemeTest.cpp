@@ -46,50 +46,29 @@ private Q_SLOTS:
         qputenv("DBUS_SESSION_BUS_ADDRESS", QByteArray::fromStdString(m_bus.address()));
     }
 
-    void readsAValueForEachDesktop_data()
-    {
-        QTest::addColumn<QString>("group");
-        QTest::addColumn<QString>("key");
-        QTest::addColumn<QVariant>("value");
-        QTest::addColumn<bool>("dark");
-        QTest::addColumn<bool>("still");
-        const QString gnome = QStringLiteral("org.gnome.desktop.interface");
-        const QString kde = QStringLiteral("org.kde.kdeglobals.KDE");
-        QTest::newRow("dark") << appearance << QStringLiteral("color-scheme") << QVariant(1U) << true << false;
-        QTest::newRow("light") << appearance << QStringLiteral("color-scheme") << QVariant(2U) << false << false;
-        QTest::newRow("no wish") << appearance << QStringLiteral("color-scheme") << QVariant(0U) << false << false;
-        QTest::newRow("still") << appearance << QStringLiteral("reduced-motion") << QVariant(1U) << false << true;
-        QTest::newRow("GNOME still") << gnome << QStringLiteral("enable-animations") << QVariant(false) << false
-                                     << true;
-        QTest::newRow("GNOME moves") << gnome << QStringLiteral("enable-animations") << QVariant(true) << false
-                                     << false;
-        QTest::newRow("KDE still") << kde << QStringLiteral("AnimationDurationFactor") << QVariant(QStringLiteral("0"))
-                                   << false << true;
-        QTest::newRow("KDE slow") << kde << QStringLiteral("AnimationDurationFactor") << QVariant(QStringLiteral("2"))
-                                  << false << false;
-        QTest::newRow("unknown") << gnome << QStringLiteral("color-scheme") << QVariant(QStringLiteral("prefer-dark"))
-                                 << false << false;
-    }
     void readsAValueForEachDesktop()
     {
-        QFETCH(QString, group);
-        QFETCH(QString, key);
-        QFETCH(QVariant, value);
-        DesktopScheme scheme;
-        scheme.apply(group, key, value);
-        QTEST(scheme.dark(), "dark");
-        QTEST(scheme.reducedMotion(), "still");
-    }
-
-    void isLightWithoutAPortal()
-    {
-        const DesktopScheme scheme;
-        QTest::qWait(50);
-        QVERIFY(!scheme.dark() && !scheme.reducedMotion());
+        const QString gnome = QStringLiteral("org.gnome.desktop.interface");
+        const QString kde = QStringLiteral("org.kde.kdeglobals.KDE");
+        const std::tuple<QString, const char *, QVariant, bool, bool> rows[]
+            = {{appearance, "color-scheme", 1U, true, false}, {appearance, "color-scheme", 2U, false, false},
+                {appearance, "reduced-motion", 1U, false, true}, {gnome, "enable-animations", false, false, true},
+                {gnome, "enable-animations", true, false, false},
+                {gnome, "color-scheme", QStringLiteral("prefer-dark"), false, false},
+                {kde, "AnimationDurationFactor", QStringLiteral("0"), false, true},
+                {kde, "AnimationDurationFactor", QStringLiteral("2"), false, false}};
+        for (const auto &[group, key, value, dark, still] : rows) {
+            DesktopScheme scheme;
+            scheme.apply(group, QString::fromLatin1(key), value);
+            QVERIFY2(scheme.dark() == dark && scheme.reducedMotion() == still, key);
+        }
     }
 
     void followsThePortalLive()
     {
+        const DesktopScheme alone;
+        QTest::qWait(50);
+        QVERIFY(!alone.dark() && !alone.reducedMotion()); // there is no portal yet
         QDBusConnection connection
             = QDBusConnection::connectToBus(QString::fromStdString(m_bus.address()), QStringLiteral("portal"));
         Portal portal;
@@ -111,15 +90,6 @@ private Q_SLOTS:
         }
         QCOMPARE(changes.count(), 2);
         QDBusConnection::disconnectFromBus(QStringLiteral("portal"));
-    }
-
-    void textScaleStaysWithinReason()
-    {
-        DesktopScheme scheme;
-        for (const auto &[wanted, taken] : {std::pair(1.5, 1.5), std::pair(0.1, 0.75), std::pair(9.0, 2.0)}) {
-            scheme.setTextScale(wanted);
-            QCOMPARE(scheme.textScale(), taken);
-        }
     }
 
 private:

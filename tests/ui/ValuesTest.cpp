@@ -23,12 +23,12 @@ TEST(Wording, sizesAreDecimalAndPolish)
 
 TEST(Wording, remainingTimeIsToldOnceThePaceIsKnown)
 {
-    using Remaining = std::optional<std::chrono::seconds>;
-    EXPECT_EQ(Wording::remaining(3s, 0.5), Remaining()) << "too early";
-    EXPECT_EQ(Wording::remaining(60s, 0.01), Remaining()) << "too little done";
-    EXPECT_EQ(Wording::remaining(60s, 0), Remaining());
-    EXPECT_EQ(Wording::remaining(60s, 1), Remaining());
-    EXPECT_EQ(Wording::remaining(30s, 0.25), Remaining(90s));
+    // Too early, too little done, nothing done, all done.
+    for (const auto &[elapsed, done] :
+        {std::pair(3s, 0.5), std::pair(60s, 0.01), std::pair(60s, 0.0), std::pair(60s, 1.0)}) {
+        EXPECT_FALSE(Wording::remaining(elapsed, done)) << done;
+    }
+    EXPECT_EQ(Wording::remaining(30s, 0.25), std::optional(90s));
     const std::vector<std::pair<std::chrono::seconds, const char *>> table {{0s, "jeszcze około 10 s"},
         {37s, "jeszcze około 40 s"}, {59s, "jeszcze około 60 s"}, {60s, "jeszcze około 1 min"},
         {100s, "jeszcze około 2 min"}, {59min, "jeszcze około 59 min"}, {100min, "jeszcze około 2 godz."}};
@@ -51,62 +51,48 @@ TEST(LocalPath, keepsTheBytesOfEveryName)
     }
 }
 
-namespace {
-
-std::vector<QString> list(const char *letters)
-{
-    std::vector<QString> result;
-    for (const char *letter = letters; *letter != 0; ++letter) {
-        result.push_back(QString(QLatin1Char(*letter)));
-    }
-    return result;
-}
-
-std::vector<QString> applied(
-    std::vector<QString> rows, const std::vector<QString> &wanted, const std::vector<RowChanges::Step> &steps)
-{
-    for (const auto &[kind, first, count] : steps) {
-        if (kind == RowChanges::Step::Kind::Remove) {
-            rows.erase(rows.begin() + first, rows.begin() + first + count);
-        } else {
-            rows.insert(rows.begin() + first, wanted.begin() + first, wanted.begin() + first + count);
-        }
-    }
-    return rows;
-}
-
-} // namespace
-
 TEST(RowChanges, neighboursGoInOneStep)
 {
+    const auto plan = [](const char *before, const char *after, std::size_t mostSteps = 8) {
+        const auto list = [](const char *letters) {
+            const QStringList texts = QString::fromLatin1(letters).split(QString(), Qt::SkipEmptyParts);
+            return std::vector<QString>(texts.begin(), texts.end());
+        };
+        return RowChanges::plan(list(before), list(after), mostSteps);
+    };
     using enum RowChanges::Step::Kind;
     using Steps = std::optional<std::vector<RowChanges::Step>>;
-    EXPECT_EQ(RowChanges::plan(list("abc"), list("abc"), 8), Steps(std::in_place));
-    EXPECT_EQ(RowChanges::plan(list("ab"), list("abxy"), 8), (Steps {{{Insert, 2, 2}}}));
-    EXPECT_EQ(
-        RowChanges::plan(list("abcde"), list("bx"), 8), (Steps {{{Remove, 2, 3}, {Remove, 0, 1}, {Insert, 1, 1}}}));
-    EXPECT_EQ(RowChanges::plan(list("abc"), list("cb"), 8), Steps()) << "rows that stay changed places";
-    EXPECT_EQ(RowChanges::plan(list("aa"), list("a"), 8), Steps()) << "no identities";
-    EXPECT_EQ(RowChanges::plan(list("abcd"), list("bd"), 1), Steps()) << "too many steps";
+    EXPECT_EQ(plan("abc", "abc"), Steps(std::in_place));
+    EXPECT_EQ(plan("abcde", "bxy"), (Steps {{{Remove, 2, 3}, {Remove, 0, 1}, {Insert, 1, 2}}}));
+    EXPECT_EQ(plan("abc", "cb"), Steps()) << "rows that stay changed places";
+    EXPECT_EQ(plan("aa", "a"), Steps()) << "no identities";
+    EXPECT_EQ(plan("abcd", "bd", 1), Steps()) << "too many steps";
 }
 
 TEST(RowChanges, everyPlanLeadsToTheWantedRows)
 {
     std::mt19937 random(7); // the same lists in each run
     for (int round = 0; round < 500; ++round) {
-        std::vector<QString> before;
-        std::vector<QString> after;
+        std::vector<QString> rows;
+        std::vector<QString> wanted;
         for (char16_t letter = u'a'; letter < u'u'; ++letter) {
             const unsigned place = unsigned(random()) % 4;
             if (place & 1) {
-                before.emplace_back(QChar(letter));
+                rows.emplace_back(QChar(letter));
             }
             if (place & 2) {
-                after.emplace_back(QChar(letter));
+                wanted.emplace_back(QChar(letter));
             }
         }
-        const auto steps = RowChanges::plan(before, after, 100);
+        const auto steps = RowChanges::plan(rows, wanted, 100);
         ASSERT_TRUE(steps);
-        EXPECT_EQ(applied(before, after, steps.value()), after);
+        for (const auto &[kind, first, count] : *steps) {
+            if (kind == RowChanges::Step::Kind::Remove) {
+                rows.erase(rows.begin() + first, rows.begin() + first + count);
+            } else {
+                rows.insert(rows.begin() + first, wanted.begin() + first, wanted.begin() + first + count);
+            }
+        }
+        EXPECT_EQ(rows, wanted);
     }
 }

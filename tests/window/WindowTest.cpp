@@ -32,30 +32,17 @@ QQuickItem *findItem(QQuickItem *root, const QString &name)
     return nullptr;
 }
 
-/// What the firmware's folders are to hold of one album of the sample.
 using FileMap = std::map<std::string, std::string>;
 
-FileMap expectedFiles(const std::filesystem::path &folder, const std::string &destination)
+/// Adds what an album's folder on the device is to hold of a folder of the sample.
+void expectFiles(FileMap &files, const std::filesystem::path &folder, const std::string &destination)
 {
-    FileMap files;
     for (const auto &[name, bytes] : filesBelow(folder)) {
-        const std::string extension = std::filesystem::path(name).extension().string();
-        if (extension != ".jpg" && extension != ".png") {
-            std::string safe = name;
-            std::replace(safe.begin(), safe.end(), ':', '-');
-            files[destination + safe] = bytes;
+        const QString safe = QString::fromStdString(name).replace(u':', u'-');
+        if (!safe.endsWith(QStringLiteral(".jpg")) && !safe.endsWith(QStringLiteral(".png"))) {
+            files[destination + safe.toStdString()] = bytes;
         }
     }
-    return files;
-}
-
-FileMap joined(std::initializer_list<FileMap> parts)
-{
-    FileMap all;
-    for (const FileMap &part : parts) {
-        all.insert(part.begin(), part.end());
-    }
-    return all;
 }
 
 /// The window of a new user with a copy of the sample iPod.
@@ -116,14 +103,6 @@ struct NewUser {
         click(item(name));
     }
 
-    void clickQueueButtonOf(const std::string &title) const
-    {
-        QTRY_VERIFY2(tiles().contains(title), title.c_str());
-        QQuickItem *button = findItem(tiles().at(title), QStringLiteral("queueButton"));
-        QVERIFY2(button, title.c_str());
-        click(button);
-    }
-
     void searchFor(const char *text) const
     {
         click(item("searchField"));
@@ -134,7 +113,18 @@ struct NewUser {
         }
     }
 
-    void waitUntilIdle() { QTRY_VERIFY_WITH_TIMEOUT(!program.model().busy(), 30'000); }
+    /// Chooses the device and adds this music.
+    void begin(const std::filesystem::path &music)
+    {
+        QVERIFY(QTest::qWaitForWindowExposed(program.window()));
+        clickNamed("chooseDeviceButton");
+        panels.answer({device});
+        QTRY_COMPARE(shownText("deviceName"), std::string("IPOD"));
+        QVERIFY(!item("transferButton")->isEnabled());
+        clickNamed("addMusicButton");
+        panels.answer({music});
+        QTRY_VERIFY_WITH_TIMEOUT(!program.model().busy(), 30'000);
+    }
 
     [[nodiscard]] std::string shownText(const char *name) const
     {
@@ -164,20 +154,8 @@ private Q_SLOTS:
     void takesMusicFromAFolderToADevice()
     {
         NewUser user;
-        QQuickWindow *window = user.program.window();
-        QVERIFY(window);
-        QVERIFY(QTest::qWaitForWindowExposed(window));
         MarluneModel &model = user.program.model();
-
-        user.clickNamed("chooseDeviceButton");
-        QCOMPARE(user.panels.requests.size(), 1U);
-        user.panels.answer({user.device});
-        QTRY_COMPARE(user.shownText("deviceName"), std::string("IPOD"));
-        QVERIFY(!user.item("transferButton")->isEnabled());
-
-        user.clickNamed("addMusicButton");
-        user.panels.answer({sample / "Music"});
-        user.waitUntilIdle();
+        user.begin(sample / "Music");
         QVERIFY(model.tracks().size() > 40);
         QCOMPARE(std::size_t(model.queued().size()), model.tracks().size());
         QTRY_VERIFY(user.tiles().size() >= 3);
@@ -197,25 +175,24 @@ private Q_SLOTS:
         queueTwoAlbums(user);
         user.clickNamed("transferButton");
         QTRY_VERIFY_WITH_TIMEOUT(model.alert(), 30'000);
-        const FileMap before = expectedFiles(sample / "iPod/Music", "");
-        const FileMap expected = joined(
-            {before, expectedFiles(sample / "Music/Low Tide Almanac/Soundings/CD1", "Low Tide Almanac/Soundings/CD 1/"),
-                expectedFiles(sample / "Music/Low Tide Almanac/Soundings/CD2", "Low Tide Almanac/Soundings/CD 2/"),
-                expectedFiles(sample / "Music/AC-DC Revival/What Now?", "AC-DC Revival/What Now?/")});
-        QCOMPARE(expected.size() - before.size(), 13U);
-        QVERIFY(expectedFiles(user.device / "Music", "") == expected);
+        FileMap expected = filesBelow(sample / "iPod/Music");
+        const std::size_t before = expected.size();
+        expectFiles(expected, sample / "Music/Low Tide Almanac/Soundings/CD1", "Low Tide Almanac/Soundings/CD 1/");
+        expectFiles(expected, sample / "Music/Low Tide Almanac/Soundings/CD2", "Low Tide Almanac/Soundings/CD 2/");
+        expectFiles(expected, sample / "Music/AC-DC Revival/What Now?", "AC-DC Revival/What Now?/");
+        QCOMPARE(expected.size() - before, 13U);
+        QVERIFY(filesBelow(user.device / "Music") == expected);
         QVERIFY(model.alert()->startsWith(QStringLiteral("Wgrano: 13. Pominięto identyczne: 0.")));
         user.clickNamed("alertOk");
-        QTRY_VERIFY(!user.item("alertOk"));
-        QTRY_VERIFY(!model.alert());
+        QTRY_VERIFY(!user.item("alertOk") && !model.alert());
 
         queueTwoAlbums(user);
         user.clickNamed("transferButton");
         QTRY_VERIFY_WITH_TIMEOUT(model.alert(), 30'000);
         QVERIFY(model.alert()->startsWith(QStringLiteral("Wgrano: 0. Pominięto identyczne: 13.")));
-        QVERIFY(expectedFiles(user.device / "Music", "") == expected);
+        QVERIFY(filesBelow(user.device / "Music") == expected);
         QTRY_VERIFY(user.item("alertOk"));
-        QTest::keyClick(window, Qt::Key_Escape);
+        QTest::keyClick(user.program.window(), Qt::Key_Escape);
         QTRY_VERIFY(!model.alert());
     }
 
@@ -225,15 +202,8 @@ private Q_SLOTS:
         diskCalls().fsync = synchroniseAndPullOut;
         const auto restore = qScopeGuard([] { diskCalls() = DiskCalls::system(); });
         NewUser user;
-        QVERIFY(QTest::qWaitForWindowExposed(user.program.window()));
         MarluneModel &model = user.program.model();
-        user.clickNamed("chooseDeviceButton");
-        user.panels.answer({user.device});
-        QTRY_VERIFY(model.device());
-        user.clickNamed("addMusicButton");
-        user.panels.answer({sample / "Music/Low Tide Almanac"});
-        user.waitUntilIdle();
-
+        user.begin(sample / "Music/Low Tide Almanac");
         s_device = user.device;
         user.clickNamed("transferButton");
         QTRY_VERIFY_WITH_TIMEOUT(model.alert(), 30'000);
@@ -256,8 +226,8 @@ private:
     {
         for (const auto &[text, title] : {std::pair("soundings", "Soundings"), std::pair("what now", "What Now?")}) {
             user.searchFor(text);
-            QTRY_COMPARE(user.tiles().size(), 1U);
-            user.clickQueueButtonOf(title);
+            QTRY_VERIFY(user.tiles().size() == 1 && user.tiles().contains(title));
+            user.click(findItem(user.tiles().at(title), QStringLiteral("queueButton")));
         }
         QCOMPARE(user.program.model().queue().size(), 13U);
         user.searchFor("");

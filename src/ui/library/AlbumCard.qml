@@ -69,47 +69,11 @@ Item {
             font: Tokens.type.caption
             color: Tokens.color.textMuted
         }
-        Row {
+        AlbumFacts {
             width: parent.width
-            height: facts.implicitHeight + 4
-            spacing: Tokens.space.hair + 2
-
-            Rectangle {
-                id: badge
-                visible: root.format !== ""
-                anchors.verticalCenter: parent.verticalCenter
-                width: badgeText.implicitWidth + 8
-                height: facts.implicitHeight + 2
-                radius: 4
-                color: Tokens.color.field
-
-                Text {
-                    id: badgeText
-                    anchors.centerIn: parent
-                    text: root.format
-                    textFormat: Text.PlainText
-                    font: Tokens.type.caption2
-                    color: Tokens.color.text
-                }
-            }
-            Text {
-                id: hiRes
-                visible: root.highResolution
-                anchors.verticalCenter: parent.verticalCenter
-                text: L10n.text("Hi-Res")
-                textFormat: Text.PlainText
-                font: Tokens.type.of(9, Font.DemiBold)
-                color: Tokens.color.warning
-            }
-            TextLine {
-                id: facts
-                width: Math.min(implicitWidth, parent.width - (badge.visible ? badge.width + parent.spacing : 0)
-                    - (hiRes.visible ? hiRes.width + parent.spacing : 0))
-                anchors.verticalCenter: parent.verticalCenter
-                text: root.countAndSize
-                font: Tokens.type.caption2
-                color: Tokens.color.textMuted
-            }
+            format: root.format
+            highResolution: root.highResolution
+            countAndSize: root.countAndSize
         }
         Row {
             visible: root.discs !== ""

@@ -1,4 +1,4 @@
-// The connected device in words: name, firmware, room, and the way to its files.
+// The connected device in words: name, firmware, room, the way to its files, and its themes.
 import QtQuick
 import QtQuick.Layouts
 import Marlune
@@ -65,5 +65,13 @@ ColumnLayout {
         symbol: "folder"
         text: L10n.text("Otwórz w Finderze")
         onClicked: root.shell.openDeviceFolder()
+    }
+    Divider {
+        Layout.fillWidth: true
+    }
+    ThemesSummary {
+        Layout.fillWidth: true
+        count: root.shell.themeCount
+        onBrowse: root.shell.openThemes()
     }
 }

@@ -14,6 +14,8 @@ Item {
             files.open();
         } else if (kind === DesktopPanels.ChooseFolder) {
             folder.open();
+        } else if (kind === DesktopPanels.ChoosePictures) {
+            pictures.open();
         } else {
             choice.open();
         }
@@ -33,6 +35,16 @@ Item {
         currentFolder: root.panels.startFolder
         fileMode: root.panels.multiple ? FileDialog.OpenFiles : FileDialog.OpenFile
         onAccepted: root.panels.answer(files.selectedFiles)
+        onRejected: root.panels.cancel()
+    }
+    FileDialog {
+        id: pictures
+        title: L10n.text(root.panels.message === "" ? root.panels.prompt : root.panels.message)
+        acceptLabel: L10n.text(root.panels.prompt)
+        currentFolder: root.panels.picturesFolder
+        nameFilters: [L10n.text("Obrazy") + " (" + root.panels.picturePatterns + ")"]
+        fileMode: root.panels.multiple ? FileDialog.OpenFiles : FileDialog.OpenFile
+        onAccepted: root.panels.answer(pictures.selectedFiles)
         onRejected: root.panels.cancel()
     }
     FolderDialog {

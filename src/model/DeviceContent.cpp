@@ -1,0 +1,157 @@
+// What the selected device holds beside its music: read in the background at each selection and refresh.
+#include "model/DeviceContent.h"
+#include "model/Model.h"
+
+#include "platform/Files.h"
+
+#include <QPointer>
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+
+/// Bytes of all themes' settings together. Thousands of themes stay below it; a disk full of nonsense does not.
+constexpr std::int64_t mostThemeSettings = 16'000'000;
+
+std::vector<std::filesystem::path> playlistsBelow(const std::filesystem::path &root)
+{
+    std::vector<std::filesystem::path> playlists;
+    std::error_code failure;
+    std::filesystem::directory_iterator entry(root / "Playlists", failure);
+    for (; !failure && entry != std::filesystem::directory_iterator(); entry.increment(failure)) {
+        const QString extension = Files::extension(entry->path()).toLower();
+        const bool listed = extension == QLatin1String("m3u") || extension == QLatin1String("m3u8");
+        if (listed && !Files::isDirectory(entry->path())) {
+            playlists.push_back(entry->path());
+        }
+    }
+    std::sort(playlists.begin(), playlists.end());
+    return playlists;
+}
+
+} // namespace
+
+DeviceContent readDeviceContent(
+    const std::filesystem::path &root, const ThemePreview::ChosenPictures &chosenPictures, const std::stop_token &stop)
+{
+    DeviceContent content;
+    content.themes = Storage::themes(root);
+    std::int64_t settingsLeft = mostThemeSettings;
+    for (const Theme &theme : content.themes) {
+        if (stop.stop_requested()) {
+            return content;
+        }
+        ThemePreview::Configuration settings;
+        if (settingsLeft > 0) {
+            settings = ThemePreview::configuration(theme.url);
+            settingsLeft -= settings.isEmpty() ? 0 : Files::size(theme.url).value_or(0);
+        }
+        const QString id = theme.id();
+        if (const auto preview = ThemePreview::local(theme, root, settings, chosenPictures)) {
+            content.themePreviews.insert(id, *preview);
+        }
+        content.themeSettings.insert(id, settings);
+    }
+    const std::filesystem::path firmware = root / ".rockbox";
+    content.deviceInfo = ThemePreview::configuration(firmware / "rockbox-info.txt");
+    content.deviceConfig = ThemePreview::configuration(firmware / "config.cfg");
+    content.playlists = playlistsBelow(root);
+    return content;
+}
+
+void MarluneModel::loadDeviceContent()
+{
+    abandonDeviceContent();
+    if (!m_device) {
+        setDeviceContent({.themes = {},
+            .themePreviews = m_content.themePreviews,
+            .deviceInfo = m_content.deviceInfo,
+            .deviceConfig = m_content.deviceConfig,
+            .themeSettings = m_content.themeSettings,
+            .playlists = {}});
+    } else if (!m_ejecting) { // however that ends, a refresh follows
+        runContentLoad(m_device->root);
+    }
+}
+
+void MarluneModel::abandonDeviceContent()
+{
+    m_contentGeneration = QUuid::createUuid();
+    m_contentReading.request_stop();
+    m_contentReading = std::stop_source();
+}
+
+QCoro::Task<> MarluneModel::runContentLoad(std::filesystem::path root)
+{
+    const QPointer<MarluneModel> self(this);
+    const QUuid generation = m_contentGeneration;
+    const ThemePreview::ChosenPictures chosen = m_environment.settings.textsWithPrefix(ThemePreview::settingsPrefix());
+    DeviceContent read;
+    try {
+        auto work
+            = [root, chosen, stop = m_contentReading.get_token()] { return readDeviceContent(root, chosen, stop); };
+        read = co_await background(work, JobPriority::Utility);
+    } catch (const std::exception &) {
+        read = {}; // out of memory and the like: nothing could be read
+    }
+    if (!self || m_contentGeneration != generation || !m_device || m_device->root != root) {
+        co_return;
+    }
+    if (m_environment.settings.textsWithPrefix(ThemePreview::settingsPrefix()) != chosen) {
+        loadDeviceContent(); // the reading began before the user's last choice of a picture
+    } else {
+        landContent(std::move(read));
+    }
+}
+
+void MarluneModel::landContent(DeviceContent read)
+{
+    // Previews that came from elsewhere stay.
+    QMap<QString, ThemePreview> previews = m_content.themePreviews;
+    previews.insert(read.themePreviews);
+    read.themePreviews = std::move(previews);
+    setDeviceContent(std::move(read));
+}
+
+void MarluneModel::setDeviceContent(DeviceContent content)
+{
+    const DeviceContent before = std::exchange(m_content, std::move(content));
+    if (before.themes != m_content.themes) {
+        Q_EMIT themesChanged();
+    }
+    if (before.themePreviews != m_content.themePreviews) {
+        Q_EMIT themePreviewsChanged();
+    }
+    if (before.deviceInfo != m_content.deviceInfo || before.deviceConfig != m_content.deviceConfig
+        || before.themeSettings != m_content.themeSettings) {
+        Q_EMIT deviceSettingsChanged();
+    }
+    if (before.playlists != m_content.playlists) {
+        Q_EMIT playlistsChanged();
+    }
+}
+
+void MarluneModel::forgetDeviceContent()
+{
+    DeviceContent rest;
+    rest.themePreviews = m_content.themePreviews;
+    setDeviceContent(std::move(rest));
+}
+
+void MarluneModel::forgetThemePreviews()
+{
+    if (!m_content.themePreviews.isEmpty()) {
+        m_content.themePreviews.clear();
+        Q_EMIT themePreviewsChanged();
+    }
+    setThemePreviewStatus({});
+}
+
+void MarluneModel::setThemePreviewStatus(const QString &status)
+{
+    if (m_themePreviewStatus != status) {
+        m_themePreviewStatus = status;
+        Q_EMIT themePreviewStatusChanged();
+    }
+}

@@ -1,0 +1,20 @@
+// What the selected device holds beside its music, and its reading.
+#pragma once
+
+#include "themes/ThemePreview.h"
+
+#include <stop_token>
+
+struct DeviceContent {
+    std::vector<Theme> themes; ///< in the order shown
+    QMap<QString, ThemePreview> themePreviews; ///< by theme id
+    ThemePreview::Configuration deviceInfo; ///< of `.rockbox/rockbox-info.txt`
+    ThemePreview::Configuration deviceConfig; ///< of `.rockbox/config.cfg`
+    QMap<QString, ThemePreview::Configuration> themeSettings; ///< by theme id
+    std::vector<std::filesystem::path> playlists; ///< by name
+};
+
+/// Reads the device at `root`; what cannot be read is missing. Blocking, any thread but the UI's. Once `stop` is
+/// requested it ends soon, with a part of the content.
+[[nodiscard]] DeviceContent readDeviceContent(
+    const std::filesystem::path &root, const ThemePreview::ChosenPictures &chosenPictures, const std::stop_token &stop);

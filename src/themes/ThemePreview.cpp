@@ -1,0 +1,137 @@
+#include "themes/ThemePreview.h"
+
+#include "platform/Files.h"
+#include "platform/PlainText.h"
+#include "platform/Sha256.h"
+
+#include <sys/stat.h>
+
+namespace {
+
+/// The firmware writes some ten thousand bytes at most. A larger file is not its own.
+constexpr std::int64_t largestConfiguration = 64'000;
+
+/// A regular file, no link to one.
+bool isPlainFile(const std::filesystem::path &path)
+{
+    struct stat status {};
+    return ::lstat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
+}
+
+bool isPlainFolder(const std::filesystem::path &path)
+{
+    struct stat status {};
+    return ::lstat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+/// Whether all folders of `relative` below `root` are folders and no links.
+bool arePlainFolders(const std::filesystem::path &root, const std::filesystem::path &relative)
+{
+    std::filesystem::path folder = root;
+    for (const std::filesystem::path &piece : relative) {
+        folder /= piece;
+        if (!isPlainFolder(folder)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+/// The path below the device's root that a setting names. Absent where it leads, or might lead, out of `.rockbox`.
+std::optional<std::filesystem::path> firmwarePath(const ThemePreview::Configuration &configuration, const QString &key)
+{
+    const QString value = configuration.value(key);
+    const bool inside = value.startsWith(QLatin1String("/.rockbox/")) && !value.contains(QLatin1String(".."));
+    // The system would take a name only up to a NUL, which is another one.
+    return inside && !value.contains(QChar(u'\0')) ? std::optional(Files::fromText(value.mid(1))) : std::nullopt;
+}
+
+std::optional<std::filesystem::path> packageScreenshot(const Theme &theme)
+{
+    for (const char *ending : {".png", ".jpg", "-preview.png"}) {
+        std::filesystem::path picture = theme.url.parent_path() / theme.url.stem();
+        picture += ending;
+        if (isPlainFile(picture)) {
+            return picture;
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<ThemePreview> background(
+    const std::filesystem::path &root, const ThemePreview::Configuration &configuration)
+{
+    const QString source = QStringLiteral("Tło motywu — bez elementów interfejsu");
+    if (const auto wps = firmwarePath(configuration, QStringLiteral("wps"))) {
+        // A screen's companions lie in a folder of its name.
+        const std::filesystem::path folder = std::filesystem::path(*wps).replace_extension();
+        const std::filesystem::path playing = root / folder / "backdrop_wps.bmp";
+        if (arePlainFolders(root, folder) && isPlainFile(playing)) {
+            const std::filesystem::path menu = root / folder / "backdrop_sbs.bmp";
+            return ThemePreview {.playing = playing,
+                .menu = isPlainFile(menu) ? std::optional<PicturePlace>(menu) : std::nullopt,
+                .source = source,
+                .detail = {},
+                .author = {}};
+        }
+    }
+    const auto backdrop = firmwarePath(configuration, QStringLiteral("backdrop"));
+    if (backdrop && arePlainFolders(root, backdrop->parent_path()) && isPlainFile(root / *backdrop)) {
+        return ThemePreview {.playing = root / *backdrop, .menu = {}, .source = source, .detail = {}, .author = {}};
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
+ThemePreview::Configuration ThemePreview::configuration(const std::filesystem::path &file)
+{
+    return configurationFrom(Files::readBelow(file, largestConfiguration).value_or(QByteArray()));
+}
+
+ThemePreview::Configuration ThemePreview::configurationFrom(const QByteArray &bytes)
+{
+    const QString text = decodeText(bytes);
+    Configuration settings;
+    for (QStringView rest(text); !rest.isEmpty();) {
+        const QStringView line = takeLine(rest).trimmed();
+        const qsizetype colon = line.indexOf(u':');
+        if (colon >= 0 && !line.startsWith(u'#')) {
+            settings.insert(line.first(colon).trimmed().toString(), line.sliced(colon + 1).trimmed().toString());
+        }
+    }
+    return settings;
+}
+
+QString ThemePreview::key(const Theme &theme)
+{
+    Sha256 sha256;
+    sha256.update(theme.url.native());
+    const Sha256::Digest digest = sha256.finish();
+    const auto bytes = QByteArray::fromRawData(reinterpret_cast<const char *>(digest.data()), digest.size());
+    return QString::fromLatin1(bytes.toHex());
+}
+
+QString ThemePreview::settingsPrefix()
+{
+    return QStringLiteral("theme-preview-");
+}
+
+ThemePreview ThemePreview::chosen(const std::filesystem::path &picture)
+{
+    return {.playing = picture, .menu = {}, .source = QStringLiteral("Twój zrzut"), .detail = {}, .author = {}};
+}
+
+std::optional<ThemePreview> ThemePreview::local(const Theme &theme, const std::filesystem::path &root,
+    const Configuration &configuration, const ChosenPictures &chosenPictures)
+{
+    const auto choice = chosenPictures.constFind(settingsPrefix() + key(theme));
+    if (choice != chosenPictures.constEnd() && Files::exists(Files::fromText(*choice))) {
+        return chosen(Files::fromText(*choice));
+    }
+    if (const auto screenshot = packageScreenshot(theme)) {
+        return ThemePreview {
+            .playing = *screenshot, .menu = {}, .source = QStringLiteral("Zrzut z paczki"), .detail = {}, .author = {}};
+    }
+    return background(root, configuration);
+}

@@ -1,0 +1,170 @@
+// What the selected device holds: read in the background, landed only while it is still wanted.
+#include "support/ModelDesk.h"
+
+#include <QImage>
+#include <QSignalSpy>
+
+namespace {
+
+std::string namesOf(const MarluneModel &model)
+{
+    std::string names;
+    for (const Theme &theme : model.themes()) {
+        names += theme.name().toStdString() + " ";
+    }
+    return names;
+}
+
+} // namespace
+
+class DeviceContentTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void readsWhatTheDeviceHolds()
+    {
+        ModelDesk desk;
+        const Device device = desk.makeDevice("IPOD", true);
+        *desk.found = {device};
+        desk.folder.write("IPOD/.rockbox/themes/B.cfg", "wps: w\r\n");
+        desk.folder.write("IPOD/.rockbox/themes/a.cfg", "\xFF wps");
+        desk.folder.write("IPOD/.rockbox/themes/a.png", "x");
+        for (const char *name : {"MIX.M3U", "a.m3u8", "note.txt", "folder.m3u/x"}) {
+            desk.folder.write(std::filesystem::path("IPOD/Playlists") / name, "x");
+        }
+        const auto model = desk.start();
+        QCOMPARE(namesOf(*model), std::string("a B "));
+        QCOMPARE(model->themePreviews().keys(), QStringList(model->themes()[0].id()));
+        QCOMPARE(model->deviceInfo().value(QStringLiteral("Target")), QStringLiteral("ipodvideo"));
+        QCOMPARE(
+            model->playlists(), (std::vector {device.root / "Playlists/MIX.M3U", device.root / "Playlists/a.m3u8"}));
+
+        std::filesystem::remove(device.root / ".rockbox/themes/a.cfg");
+        const QSignalSpy previews(model.get(), &MarluneModel::themePreviewsChanged);
+        model->refresh(); // keeps the previews that it does not see
+        desk.waitForJobs(*model);
+        QCOMPARE(namesOf(*model), std::string("B "));
+        QCOMPARE(int(model->themePreviews().size() + previews.count()), 1);
+
+        desk.ejector = [&](const std::filesystem::path &) { desk.found->clear(); };
+        model->eject(); // leaves what the next device's content will replace
+        desk.waitForJobs(*model);
+        QVERIFY(model->themes().empty() && model->playlists().empty() && !model->deviceInfo().isEmpty());
+        model->select(device);
+        model->volumeUnmounted(device.root);
+        QVERIFY(model->deviceInfo().isEmpty() && model->themeSettings().isEmpty());
+        QVERIFY(!model->alert());
+    }
+
+    void onlyTheLastSelectionLands()
+    {
+        ModelDesk desk;
+        const auto model = desk.start();
+        for (int i = 0; i < 2000; ++i) {
+            desk.folder.write("many/.rockbox/themes/" + std::to_string(i) + ".cfg", "wps: /.rockbox/x.wps\n");
+        }
+        desk.folder.write("few/.rockbox/themes/one.cfg", "a: b");
+        const Device many = desk.makeDevice("many", false);
+        const Device few = desk.makeDevice("few", true);
+        bool whole = true;
+        QStringList landed;
+        connect(model.get(), &MarluneModel::themesChanged, this, [&] {
+            whole = whole && std::size_t(model->themeSettings().size()) == model->themes().size();
+            landed += QString::number(model->themes().size());
+        });
+        {
+            const HeldJobs held;
+            model->select(few);
+            model->volumeUnmounted(few.root);
+        }
+        desk.waitForJobs(*model);
+        {
+            const HeldJobs held;
+            model->select(many);
+            model->select(few);
+            model->select(few);
+        }
+        desk.waitForJobs(*model);
+        model->select(many);
+        desk.waitForJobs(*model);
+        QVERIFY(whole);
+        QCOMPARE(landed, QStringList({QStringLiteral("1"), QStringLiteral("2000")}));
+        {
+            const HeldJobs held;
+            model->select(few);
+            std::filesystem::remove_all(few.root);
+        }
+        desk.waitForJobs(*model);
+        QVERIFY(model->themes().empty() && !model->alert());
+    }
+
+    void theConfiguredThemeSharesItsScreens()
+    {
+        ModelDesk desk;
+        const auto model = desk.start();
+        for (const auto &[name, text] :
+            {std::pair("a", "wps: w"), {"b", "wps: w\nsbs: s1"}, {"c", "wps: w\nsbs: s2"}}) {
+            desk.folder.write(std::string("IPOD/.rockbox/themes/") + name + ".cfg", text);
+        }
+        for (const auto &[config, expected] : {std::pair("wps: w\nsbs: s2", "c"), {"wps: w\nsbs: s3", "a"},
+                 {"wps: w", "a"}, {"wps: W\nsbs: s2", ""}, {"sbs: s2", ""}}) {
+            desk.folder.write("IPOD/.rockbox/config.cfg", config);
+            model->select(desk.makeDevice("IPOD", false));
+            desk.waitForJobs(*model);
+            const std::optional<Theme> theme = model->configuredTheme();
+            QCOMPARE(theme ? theme->name() : QString(), QString::fromLatin1(expected));
+        }
+    }
+
+    void aChosenPictureStays()
+    {
+        ModelDesk desk;
+        const Device device = desk.makeDevice("folder", false);
+        const Theme theme {desk.folder.write("folder/.rockbox/themes/a.cfg", "wps: w")};
+        desk.folder.write("folder/.rockbox/themes/a.png", "of the package");
+        const std::filesystem::path front = std::filesystem::path(MARLUNE_SOURCE_DIR) / "tests/data/media/front.png";
+        const std::filesystem::path other = front.parent_path() / "other.png";
+        const std::filesystem::path large = desk.folder / "large.bmp";
+        QVERIFY(QImage(3600, 3600, QImage::Format_RGB32).save(QString::fromStdString(large.string())));
+        const auto choose = [&](MarluneModel &model, const std::filesystem::path &file) {
+            model.chooseThemePreview(theme);
+            desk.panels.answer({file});
+        };
+        const auto shows = [&](const MarluneModel &model, const std::filesystem::path &file) {
+            const auto picture = model.themePreviews().value(theme.id()).playing;
+            return picture && fileBytes(std::get<std::filesystem::path>(*picture)) == fileBytes(file);
+        };
+        {
+            const auto model = desk.start();
+            {
+                const HeldJobs held {JobPriority::Utility};
+                model->select(device); // is to read the device as it was before the choice
+                choose(*model, front);
+                QTRY_VERIFY(shows(*model, front));
+            }
+            desk.waitForJobs(*model);
+            QVERIFY(shows(*model, front));
+            choose(*model, large); // is read when the later choice has long been
+            choose(*model, other);
+            choose(*model, theme.url); // a text
+            desk.waitForJobs(*model);
+            QVERIFY(shows(*model, other) && !model->alert());
+        }
+        desk.settings.flush();
+        Settings stored(desk.folder / "config/settings.json");
+        ModelEnvironment next {.settings = stored,
+            .panels = desk.panels,
+            .deviceDiscovery = [&] { return std::vector {device}; },
+            .ejectVolume = {},
+            .supportFolder = large}; // no folder
+        MarluneModel model(std::move(next));
+        desk.waitForJobs(model);
+        QVERIFY(shows(model, other));
+        choose(model, front);
+        desk.waitForJobs(model);
+        QVERIFY(model.alert() && shows(model, other));
+    }
+};
+
+QTEST_GUILESS_MAIN(DeviceContentTest)
+#include "DeviceContentTest.moc"
