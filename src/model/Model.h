@@ -64,6 +64,7 @@ class MarluneModel : public QObject {
     Q_PROPERTY(QString viewMode READ viewMode WRITE setViewMode NOTIFY viewModeChanged)
     Q_PROPERTY(QString sortMode READ sortMode WRITE setSortMode NOTIFY sortModeChanged)
     Q_PROPERTY(double tileSize READ tileSize WRITE setTileSize NOTIFY tileSizeChanged)
+    Q_PROPERTY(QString playlistName READ playlistName WRITE setPlaylistName NOTIFY playlistNameChanged)
 
 public:
     explicit MarluneModel(ModelEnvironment environment, QObject *parent = nullptr);
@@ -165,6 +166,18 @@ public:
     void transfer(const std::optional<std::vector<Track>> &only);
     Q_INVOKABLE void transferQueue() { transfer(std::nullopt); }
 
+    // Playlists and backups.
+    [[nodiscard]] QString playlistName() const { return m_playlistName; }
+    void setPlaylistName(const QString &name);
+    /// What a new playlist is to hold: the files transferred and those selected on the device, each once, by path.
+    [[nodiscard]] std::vector<std::filesystem::path> playlistTracks() const;
+    /// Writes them to the device as a playlist. A call while one is being written is dropped.
+    Q_INVOKABLE void makePlaylist();
+    /// A folder for a new backup: it does not exist yet, its parent does. Throws std::system_error.
+    [[nodiscard]] std::filesystem::path newBackupURL() const;
+    /// Copies the settings and themes of the selected device to the computer.
+    Q_INVOKABLE void backup();
+
     // Progress and messages.
     [[nodiscard]] bool busy() const { return m_busy; }
     [[nodiscard]] double progress() const { return m_progress; }
@@ -200,6 +213,7 @@ Q_SIGNALS:
     void viewModeChanged();
     void sortModeChanged();
     void tileSizeChanged();
+    void playlistNameChanged();
     void openAlbumChanged();
     /// The queue or the selection on the device changed.
     void selectionChanged();
@@ -250,6 +264,8 @@ private:
     void beginImport(ImportSource source, bool fromDevice, bool enqueue);
     QCoro::Task<> runImport(ImportSource source, bool fromDevice, bool enqueue);
     QCoro::Task<> runTransfer(std::shared_ptr<const TransferPlan> plan);
+    QCoro::Task<> runPlaylist(std::filesystem::path root);
+    QCoro::Task<> runBackup(std::filesystem::path root, std::filesystem::path destination);
     [[nodiscard]] TransferPlan planTransfer(std::vector<Track> items) const;
     void noteTransferred(const Device &device, std::vector<std::filesystem::path> files);
     void landDevices(std::vector<Device> found);
@@ -291,6 +307,8 @@ private:
     QHash<QString, int> m_newestPreviewChoice; ///< by the theme's key, of those that were pictures
     QUuid m_contentGeneration; ///< of the reading that may land
     std::stop_source m_contentReading; ///< ends that reading early
+    QString m_playlistName = QStringLiteral("Moja playlista");
+    bool m_writingPlaylist = false;
     std::optional<Album> m_openAlbum;
     QString m_formatFilter = QStringLiteral("Wszystko");
     bool m_hiResOnly = false;

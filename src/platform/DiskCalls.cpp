@@ -14,6 +14,11 @@ int openFile(const char *path, int flags, mode_t mode)
     return ::open(path, flags, mode);
 }
 
+int openFileAt(int folder, const char *path, int flags, mode_t mode)
+{
+    return ::openat(folder, path, flags, mode);
+}
+
 int renameExclusively(const char *from, const char *to)
 {
     if (::renameat2(AT_FDCWD, from, AT_FDCWD, to, RENAME_NOREPLACE) == 0) {
@@ -36,7 +41,8 @@ int renameExclusively(const char *from, const char *to)
 
 DiskCalls DiskCalls::system()
 {
-    return {openFile, ::write, ::fsync, ::close, ::rename, renameExclusively, ::mkdir, ::unlink};
+    return {openFile, ::write, ::fsync, ::close, ::rename, renameExclusively, ::mkdir, ::unlink, openFileAt, ::mkdirat,
+        ::unlinkat, ::futimens, ::syncfs};
 }
 
 DiskCalls &diskCalls()

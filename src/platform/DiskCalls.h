@@ -8,6 +8,7 @@
 #include <sys/types.h>
 
 #include <cstddef>
+#include <ctime>
 #include <filesystem>
 
 struct DiskCalls {
@@ -20,6 +21,13 @@ struct DiskCalls {
     int (*renameExclusive)(const char *from, const char *to);
     int (*mkdir)(const char *path, mode_t mode);
     int (*unlink)(const char *path);
+
+    // For walks from one open folder to the next.
+    int (*openat)(int folder, const char *path, int flags, mode_t mode);
+    int (*mkdirat)(int folder, const char *path, mode_t mode);
+    int (*unlinkat)(int folder, const char *path, int flags);
+    int (*futimens)(int descriptor, const timespec times[2]);
+    int (*syncfs)(int descriptor);
 
     /// The calls of the operating system.
     [[nodiscard]] static DiskCalls system();

@@ -32,6 +32,27 @@ bool isContinuation(unsigned char byte)
     return (byte & 0xC0) == 0x80;
 }
 
+/// Writes the file under a hidden name beside `path`, and gives it the final name by `rename`.
+void writeUnderHiddenName(
+    const std::filesystem::path &path, std::span<const char> bytes, decltype(DiskCalls::rename) rename)
+{
+    const std::filesystem::path temporary = path.parent_path() / Files::temporaryName();
+    Files::Descriptor file = Files::createExclusively(temporary);
+    try {
+        Files::writeFully(file.get(), bytes);
+        Files::synchronise(file.get());
+        if (diskCalls().close(file.release()) != 0) {
+            throwFailure(errno, path);
+        }
+        if (rename(temporary.c_str(), path.c_str()) != 0) {
+            throwFailure(errno, path);
+        }
+    } catch (...) {
+        diskCalls().unlink(temporary.c_str());
+        throw;
+    }
+}
+
 /// Length of the well-formed UTF-8 sequence at the start of `bytes`, 0 if there is none (RFC 3629, section 4).
 std::size_t sequenceLength(std::string_view bytes)
 {
@@ -257,29 +278,20 @@ void makeFolders(const std::filesystem::path &folder)
     }
 }
 
-std::filesystem::path temporaryName()
+std::filesystem::path temporaryName(const QByteArray &purpose)
 {
     const QByteArray id = QUuid::createUuid().toByteArray(QUuid::WithoutBraces).toUpper();
-    return (".marlune-" + id + ".partial").toStdString();
+    return (".marlune-" + purpose + id + ".partial").toStdString();
 }
 
 void writeAtomically(const std::filesystem::path &path, std::span<const char> bytes)
 {
-    const std::filesystem::path temporary = path.parent_path() / temporaryName();
-    Descriptor file = createExclusively(temporary);
-    try {
-        writeFully(file.get(), bytes);
-        synchronise(file.get());
-        if (diskCalls().close(file.release()) != 0) {
-            throwFailure(errno, path);
-        }
-        if (diskCalls().rename(temporary.c_str(), path.c_str()) != 0) {
-            throwFailure(errno, path);
-        }
-    } catch (...) {
-        diskCalls().unlink(temporary.c_str());
-        throw;
-    }
+    writeUnderHiddenName(path, bytes, diskCalls().rename);
+}
+
+void createAtomically(const std::filesystem::path &path, std::span<const char> bytes)
+{
+    writeUnderHiddenName(path, bytes, diskCalls().renameExclusive);
 }
 
 } // namespace Files

@@ -73,10 +73,12 @@ void synchronise(int descriptor);
 /// Makes `folder` and those above it that are missing.
 void makeFolders(const std::filesystem::path &folder);
 
-/// A hidden name, new at each call, for a file on its way to its final name in the same folder.
-[[nodiscard]] std::filesystem::path temporaryName();
+/// A hidden name, new at each call, for a file or a folder on its way to its final name in the same folder.
+[[nodiscard]] std::filesystem::path temporaryName(const QByteArray &purpose = {});
 /// Replaces `path` by a file of these bytes in one step: whatever fails, what stands there is the old file or the
 /// complete new one, and no temporary file stays.
 void writeAtomically(const std::filesystem::path &path, std::span<const char> bytes);
+/// The same where nothing may stand yet: fails with EEXIST if the name is taken, be it by a dangling link.
+void createAtomically(const std::filesystem::path &path, std::span<const char> bytes);
 
 } // namespace Files

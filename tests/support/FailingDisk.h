@@ -15,20 +15,23 @@ public:
         s_failAt = failAt;
         s_error = error;
         diskCalls() = {
-            [](const char *path, int flags, mode_t mode) { return fails() ? -1 : system().open(path, flags, mode); },
-            [](int descriptor, const void *bytes, std::size_t count) -> ssize_t {
-                return fails() ? -1 : system().write(descriptor, bytes, count);
-            },
-            [](int descriptor) { return fails() ? -1 : system().fsync(descriptor); },
-            [](int descriptor) {
-                const int result
-                    = system().close(descriptor); // a failing close() gives the descriptor back all the same
-                return fails() ? -1 : result;
-            },
-            [](const char *from, const char *to) { return fails() ? -1 : system().rename(from, to); },
-            [](const char *from, const char *to) { return fails() ? -1 : system().renameExclusive(from, to); },
-            [](const char *path, mode_t mode) { return fails() ? -1 : system().mkdir(path, mode); },
-            [](const char *path) { return fails() ? -1 : system().unlink(path); },
+            .open = orFail<&DiskCalls::open>,
+            .write = orFail<&DiskCalls::write>,
+            .fsync = orFail<&DiskCalls::fsync>,
+            .close =
+                [](int descriptor) { // a failing close() gives the descriptor back all the same
+                    const int result = system().close(descriptor);
+                    return fails() ? -1 : result;
+                },
+            .rename = orFail<&DiskCalls::rename>,
+            .renameExclusive = orFail<&DiskCalls::renameExclusive>,
+            .mkdir = orFail<&DiskCalls::mkdir>,
+            .unlink = orFail<&DiskCalls::unlink>,
+            .openat = orFail<&DiskCalls::openat>,
+            .mkdirat = orFail<&DiskCalls::mkdirat>,
+            .unlinkat = orFail<&DiskCalls::unlinkat>,
+            .futimens = orFail<&DiskCalls::futimens>,
+            .syncfs = orFail<&DiskCalls::syncfs>,
         };
     }
     ~FailingDisk() { diskCalls() = DiskCalls::system(); }
@@ -46,6 +49,11 @@ private:
         }
         errno = s_error;
         return true;
+    }
+    /// Stands in for the table's entry `Call`.
+    template <auto Call, typename Result, typename... Arguments> static Result orFail(Arguments... arguments)
+    {
+        return fails() ? Result(-1) : (system().*Call)(arguments...);
     }
     static const DiskCalls &system()
     {

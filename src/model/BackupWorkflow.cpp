@@ -1,0 +1,62 @@
+// Backups of a device's settings: where they go, and the job that makes one.
+#include "model/Model.h"
+
+#include "storage/Backup.h"
+
+#include "platform/Files.h"
+#include "platform/MarluneError.h"
+
+#include <QDateTime>
+#include <QPointer>
+#include <QUuid>
+
+std::filesystem::path MarluneModel::newBackupURL() const
+{
+    const std::filesystem::path location = m_environment.supportFolder / "Marlune" / "Backups";
+    Files::makeFolders(location);
+    const QString moment = QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd_HH-mm-ss"));
+    // The last part keeps two backups of one second apart.
+    const QString identifier = QUuid::createUuid().toString(QUuid::WithoutBraces).first(6).toUpper();
+    return location / Files::fromText(moment + u'_' + identifier);
+}
+
+void MarluneModel::backup()
+{
+    if (!m_device || m_busy) {
+        return;
+    }
+    std::filesystem::path destination;
+    try {
+        destination = newBackupURL();
+    } catch (const std::exception &) {
+        setAlert(describeFailure(std::current_exception()));
+        return;
+    }
+    setProgress(0);
+    setBusy(true);
+    setStatus(QStringLiteral("Tworzę kopię ustawień…"));
+    runBackup(m_device->root, std::move(destination));
+}
+
+QCoro::Task<> MarluneModel::runBackup(std::filesystem::path root, std::filesystem::path destination)
+{
+    const QPointer<MarluneModel> self(this);
+    std::exception_ptr failure;
+    try {
+        auto work = [root, destination] { Storage::backup(root, destination); };
+        co_await background(work);
+    } catch (const std::exception &) {
+        failure = std::current_exception();
+    }
+    if (!self) {
+        co_return;
+    }
+    if (failure) {
+        setAlert(describeFailure(failure));
+        setStatus(QStringLiteral("Nie udało się zapisać kopii"));
+    } else {
+        setStatus(QStringLiteral("Kopia ustawień zapisana na Macu"));
+    }
+    setBusy(false);
+    rediscover();
+}

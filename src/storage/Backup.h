@@ -1,0 +1,17 @@
+// Copies the settings and themes of a device to the computer: what a failed theme install or a reset would cost.
+//
+// A backup folder gets its final name in one step when it is complete and on the medium; a crash leaves at most a
+// hidden
+// ".partial" folder beside it. The device is only read. Blocking; no state; any thread but the UI's.
+#pragma once
+
+#include <filesystem>
+
+namespace Storage {
+
+/// Makes the folder `destination`, outside the device at `root`, of the items that hold settings and themes in the
+/// device's `.rockbox`, those of them that are there, and a README.txt. The parent of `destination` must exist.
+/// Throws MarluneError or std::system_error; then nothing stands at `destination` that did not stand there before.
+void backup(const std::filesystem::path &root, const std::filesystem::path &destination);
+
+} // namespace Storage

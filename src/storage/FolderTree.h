@@ -1,0 +1,29 @@
+// Whole folders copied and removed, walked from one open folder to the next: no link is ever followed, not even one
+// that is planted while the walk is under way.
+//
+// Blocking; no state; any thread but the UI's.
+#pragma once
+
+#include "platform/Files.h"
+
+#include <fcntl.h>
+
+#include <filesystem>
+
+namespace Storage {
+
+/// Opens a folder for the walks below, `path` counted from the open folder `from`. What is no folder, a link to one
+/// included, is refused with the system's failure.
+[[nodiscard]] Files::Descriptor openFolder(const std::filesystem::path &path, int from = AT_FDCWD);
+
+/// Copies `name`, a file or a folder with all it holds, from the open folder `from` into the open folder `to`, where
+/// the name must be free. Files keep their content and their time of change; owners and modes are not copied, so that
+/// a copy can always be removed. Quick for thousands of small files: nothing is synchronised, that is the caller's.
+/// Throws MarluneError at a link, else std::system_error, also for what is neither file nor folder; what was copied by
+/// then stays.
+void copyTree(int from, const std::filesystem::path &name, int to);
+
+/// Removes a folder with all it holds. What cannot be removed stays: this is for the way out of a failure.
+void removeTree(const std::filesystem::path &folder);
+
+} // namespace Storage

@@ -1,0 +1,73 @@
+#include "storage/Playlist.h"
+
+#include "storage/PathSafety.h"
+
+#include "platform/Files.h"
+#include "platform/MarluneError.h"
+#include "platform/Volumes.h"
+
+#include <cerrno>
+#include <string>
+#include <system_error>
+
+namespace {
+
+/// A path as the firmware knows it, from the device's root.
+std::string devicePath(const std::filesystem::path &track, const std::string &prefix)
+{
+    const std::string path = Files::standardised(track).native();
+    if (!path.starts_with(prefix) || path.find_first_of("\n\r") != std::string::npos) { // a line break ends an entry
+        throw MarluneError(QStringLiteral("Playlista może zawierać wyłącznie utwory z wybranego iPoda."));
+    }
+    if (!QUtf8StringView(path.data(), qsizetype(path.size())).isValidUtf8()) {
+        throw MarluneError(
+            QStringLiteral("Playlista nie może zawierać pliku, którego nazwa nie jest zapisana w UTF-8: ")
+            + Files::name(track));
+    }
+    return path.substr(prefix.size() - 1);
+}
+
+std::string playlistText(std::span<const std::filesystem::path> tracks, const std::filesystem::path &root)
+{
+    const std::string prefix = Files::standardised(root).native() + "/";
+    std::string text = "#EXTM3U\n";
+    for (const std::filesystem::path &track : tracks) {
+        text += devicePath(track, prefix) + "\n";
+    }
+    return text;
+}
+
+[[noreturn]] void refuseTakenName()
+{
+    throw MarluneError(QStringLiteral("Playlista o tej nazwie już istnieje. Wybierz inną nazwę."));
+}
+
+} // namespace
+
+namespace Storage {
+
+std::filesystem::path playlist(
+    const QString &name, std::span<const std::filesystem::path> tracks, const std::filesystem::path &root)
+{
+    if (tracks.empty()) {
+        throw MarluneError(QStringLiteral("Najpierw wgraj utwory na iPoda."));
+    }
+    const std::string text = playlistText(tracks, root);
+    const std::filesystem::path folder = directory("Playlists", root);
+    const QString fileName = volumeName(safeName(name), Volumes::nameRules(folder), QStringLiteral(".m3u8"));
+    const std::filesystem::path file = folder / Files::fromText(fileName);
+    if (Files::exists(file)) {
+        refuseTakenName();
+    }
+    try {
+        Files::createAtomically(file, text);
+    } catch (const std::system_error &failure) {
+        if (failure.code().value() == EEXIST) { // by a dangling link, or since the look above
+            refuseTakenName();
+        }
+        throw;
+    }
+    return file;
+}
+
+} // namespace Storage

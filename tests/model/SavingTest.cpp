@@ -1,0 +1,59 @@
+// Backups and playlists made through the model.
+#include "support/ModelDesk.h"
+
+#include <QRegularExpression>
+
+class SavingTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void makesOneBackupAtATimeAndTellsHowItWent()
+    {
+        ModelDesk desk;
+        const auto model = desk.start();
+        model->backup(); // of nothing
+        model->select(desk.makeDevice("IPOD", false));
+        model->backup();
+        model->backup();
+        desk.waitForJobs(*model);
+        QCOMPARE(model->status(), QStringLiteral("Kopia ustawień zapisana na Macu"));
+        std::filesystem::remove_all(desk.folder / "IPOD/.rockbox");
+        model->backup();
+        desk.waitForJobs(*model);
+        QCOMPARE(model->alert().value_or(QString()), QStringLiteral("Ten folder nie zawiera katalogu .rockbox."));
+        QCOMPARE(model->status(), QStringLiteral("Nie udało się zapisać kopii"));
+        QCOMPARE(model->backups().size(), 1U);
+        const QRegularExpression form(QStringLiteral("/\\d{4}(-\\d\\d){2}_\\d\\d(-\\d\\d){2}_[0-9A-F]{6}$"));
+        QVERIFY(form.match(QString::fromStdString(model->backups()[0].string())).hasMatch());
+    }
+
+    void savesAPlaylistOfWhatWasTransferredAndSelected()
+    {
+        ModelDesk desk;
+        const auto model = desk.start();
+        desk.folder.write("IPOD/Music/a b/2.mp3", "x");
+        model->select(desk.makeDevice("IPOD", false));
+        model->importURLs({desk.folder.write("Computer/a/b/1.mp3", "new")}, false, true);
+        desk.waitForJobs(*model);
+        model->transferQueue();
+        desk.waitForJobs(*model);
+        model->scanDeviceMusic();
+        desk.waitForJobs(*model);
+        model->toggle(*model->albums()->front());
+        model->toggle(*model->albums()->back());
+        model->dismissAlert();
+        model->makePlaylist();
+        model->makePlaylist();
+        desk.waitForJobs(*model);
+        QVERIFY(!model->alert());
+        QCOMPARE(model->status(), QStringLiteral("Zapisano Moja playlista.m3u8"));
+        QCOMPARE(fileBytes(desk.folder / "IPOD/Playlists/Moja playlista.m3u8"), // the blank sorts before the separator
+            std::string("#EXTM3U\n/Music/a b/2.mp3\n/Music/a/b/1.mp3\n"));
+        model->makePlaylist();
+        desk.waitForJobs(*model);
+        QVERIFY(model->alert().value_or(QString()).startsWith(QStringLiteral("Playlista o tej nazwie już istnieje.")));
+    }
+};
+
+QTEST_GUILESS_MAIN(SavingTest)
+#include "SavingTest.moc"

@@ -1,0 +1,108 @@
+#include "storage/Backup.h"
+
+#include "support/FailingDisk.h"
+#include "support/Messages.h"
+#include "support/SampleDevice.h"
+
+#include <gtest/gtest.h>
+
+#include <sys/stat.h>
+
+#include <cstring>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+/// A device with settings and a computer's folder for backups.
+struct BackupDesk {
+    TemporaryFolder folder;
+    fs::path device = folder / "IPOD/.rockbox";
+    std::map<std::string, std::string> settings {{"config.cfg", "volume: -20"}, {"themes/a.cfg", ""}, {"wps/a/.b", "b"},
+        {"wps/b/c", "c"}, {"fonts/f", std::string(0x40000, 'f')}, {"eqs/e", std::string(0x40001, 'e')}};
+
+    BackupDesk()
+    {
+        makeDevice(folder, "IPOD");
+        for (const auto &[name, bytes] : settings) {
+            folder.write("IPOD/.rockbox/" + name, bytes);
+        }
+        fs::create_directories(device / "icons/empty");
+        fs::create_directories(folder / "Backups");
+    }
+    std::string failure(const fs::path &destination = "Backups/new") const
+    {
+        return failureOf([&] { Storage::backup(folder / "IPOD", folder / destination); });
+    }
+    bool nothingWasMade() const { return fs::is_empty(folder / "Backups"); }
+    bool isComplete() const
+    {
+        auto copied = filesBelow(folder / "Backups/new");
+        const std::string readMe = copied.extract("README.txt").mapped();
+        return copied == settings && fs::exists(folder / "Backups/new/icons/empty")
+            && readMe.ends_with(" +0000\nUrządzenie: IPOD\nNie zawiera muzyki ani firmware.\n");
+    }
+};
+
+} // namespace
+
+TEST(Backup, refusesADestinationOnTheDeviceOrOneThatIsTaken)
+{
+    const BackupDesk desk;
+    fs::create_directory(desk.folder / "IPOD2");
+    fs::create_directory_symlink(desk.device / "wps", desk.folder / "link");
+    fs::create_symlink("nowhere", desk.folder / "dangling");
+    for (const char *const onDevice : {"IPOD/", "IPOD2/../IPOD/.rockbox/b", "link/b"}) {
+        EXPECT_EQ(desk.failure(onDevice), "Zapisz kopię poza iPodem.") << onDevice;
+    }
+    EXPECT_EQ(desk.failure("IPOD2"), "Folder kopii już istnieje.");
+    EXPECT_EQ(desk.failure("dangling"), "File exists: dangling");
+    EXPECT_EQ(desk.failure("IPOD2/b"), "");
+}
+
+TEST(Backup, refusesLinksAndSpecialFiles)
+{
+    for (const fs::path place : {"config.cfg", "themes", "wps/a/link", "icons/empty/link", "themes/pipe"}) {
+        const BackupDesk desk;
+        const fs::path item = desk.device / place;
+        fs::remove_all(item);
+        const bool pipe = place == "themes/pipe";
+        ASSERT_EQ(pipe ? ::mkfifo(item.c_str(), 0600) : ::symlink("/etc", item.c_str()), 0);
+        EXPECT_EQ(desk.failure(), pipe ? "Invalid argument: pipe" : "Paczka zawiera dowiązanie symboliczne.") << place;
+        EXPECT_TRUE(desk.nothingWasMade());
+    }
+}
+
+TEST(Backup, followsNoLinkThatIsPlantedWhileItCopies)
+{
+    const BackupDesk desk;
+    static fs::path wps;
+    wps = desk.device / "wps";
+    // Both of its folders have been listed when the first of them is made: the other one changes now.
+    diskCalls().mkdirat = [](int folder, const char *name, mode_t mode) {
+        const fs::path other = wps / (*name == 'a' ? "b" : "a");
+        if (std::strlen(name) == 1 && fs::remove_all(other) > 0) {
+            fs::create_directory_symlink("../fonts", other);
+        }
+        return ::mkdirat(folder, name, mode);
+    };
+    EXPECT_NE(desk.failure(), "");
+    diskCalls() = DiskCalls::system();
+    EXPECT_TRUE(desk.nothingWasMade());
+}
+
+TEST(Backup, isWholeOrNotThereWhicheverCallFails)
+{
+    for (int failAt = 1, reached = true; reached; ++failAt) {
+        const BackupDesk desk;
+        const auto device = filesBelow(desk.device);
+        const FailingDisk disk(failAt);
+        const std::string failure = desk.failure();
+        reached = FailingDisk::reached();
+        EXPECT_EQ(filesBelow(desk.device), device);
+        // Without a file's time or the name's synchronising it is whole all the same.
+        EXPECT_TRUE(failure.empty() ? desk.isComplete() : desk.nothingWasMade()) << "call " << failAt;
+        // 8 folders, 4 calls a file and a block, its own folder, 2 for the text, syncfs, rename, fsync; none fails.
+        ASSERT_TRUE(reached || (failure.empty() && failAt == 39)) << failAt;
+    }
+}

@@ -1,0 +1,70 @@
+#include "storage/Playlist.h"
+
+#include "support/ExfatVolume.h"
+#include "support/FailingDisk.h"
+#include "support/Messages.h"
+#include "support/SampleDevice.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+struct PlaylistDesk {
+    TemporaryFolder folder;
+    std::filesystem::path root = folder / "IPOD";
+    PlaylistDesk() { makeDevice(folder, "IPOD"); }
+
+    std::string failure(const char *name, const std::vector<std::filesystem::path> &tracks) const
+    {
+        return failureOf([&] { (void)Storage::playlist(QString::fromUtf8(name), tracks, root); });
+    }
+};
+
+const std::string nameTaken = "Playlista o tej nazwie już istnieje. Wybierz inną nazwę.";
+
+} // namespace
+
+TEST(Playlist, namesTracksOfTheDeviceAloneAndIsNeverReplaced)
+{
+    const PlaylistDesk desk;
+    const std::string root = desk.root.string();
+    for (const std::string &track : {root + "2/a.mp3", root + "/../a.mp3", root + "/a\nb", root + "/a\rb"}) {
+        EXPECT_EQ(desk.failure("a", {desk.root / "good.mp3", track}),
+            "Playlista może zawierać wyłącznie utwory z wybranego iPoda.");
+    }
+    EXPECT_NE(desk.failure("a", {root + "/\xE9.mp3"}).find("UTF-8"), std::string::npos);
+    EXPECT_FALSE(std::filesystem::exists(desk.root / "Playlists"));
+
+    EXPECT_EQ(desk.failure("Rock/Pop", {root + "/x/../Music//Żółw #1.mp3", root + "/b.mp3", root + "/b.mp3"}), "");
+    std::filesystem::create_symlink("nowhere", desk.root / "Playlists/link.m3u8");
+    EXPECT_EQ(desk.failure("Rock/Pop", {root + "/other.mp3"}), nameTaken);
+    EXPECT_EQ(desk.failure("link", {root + "/other.mp3"}), nameTaken);
+    EXPECT_EQ(fileBytes(desk.root / "Playlists/Rock-Pop.m3u8"), "#EXTM3U\n/Music/Żółw #1.mp3\n/b.mp3\n/b.mp3\n");
+}
+
+TEST(Playlist, isWholeOrNotThereWhicheverCallFails)
+{
+    for (int failAt = 1; failAt <= 7; ++failAt) { // a folder, then open, write, fsync, close and rename; none fails
+        const PlaylistDesk desk;
+        auto expected = filesBelow(desk.root);
+        const FailingDisk disk(failAt);
+        EXPECT_EQ(desk.failure("new", {desk.root / "a.mp3"}).empty(), failAt == 7) << "call " << failAt;
+        if (!FailingDisk::reached()) {
+            expected["Playlists/new.m3u8"] = "#EXTM3U\n/a.mp3\n";
+        }
+        EXPECT_EQ(filesBelow(desk.root), expected);
+    }
+}
+
+TEST(Playlist, getsANameThatAFatDiskTakesAndReplacesNoneInOtherLetters)
+{
+    PlaylistDesk desk;
+    const ExfatVolume disk(desk.root = desk.folder / "DISK");
+    if (!disk.available()) {
+        GTEST_SKIP() << disk.reason();
+    }
+    std::filesystem::create_directories(desk.root / ".rockbox");
+    EXPECT_EQ(desk.failure("Kto? \"x\"", {desk.root / "a.mp3"}), "");
+    EXPECT_EQ(desk.failure("KTO_ 'X'", {desk.root / "b.mp3"}), nameTaken);
+    EXPECT_EQ(fileBytes(desk.root / "Playlists/Kto_ 'x'.m3u8"), "#EXTM3U\n/a.mp3\n");
+}
