@@ -210,7 +210,7 @@ def hostile_structure():
     save("local-name-differs.zip", bytes(opened().rename(BMP.encode(), b".rockbox/wps/Dawn/evil.bmp", 1).data), BAD)
     save("local-of-another.zip", bytes(opened().set_central(42, "I", 0).data), BAD)
     save("encrypted-flag.zip", bytes(opened().set_central(8, "H", 1).data), BAD)
-    save("encrypted-local-flag.zip", bytes(opened().set_local(6, "H", 1).data), "", TOOLS_WORDS)
+    save("encrypted-local-flag.zip", bytes(opened().set_local(6, "H", 1).data))
     by_tool("zip-encrypted.zip", ["zip", "-q", "-P", "secret", "-D", "-r", "@", ".rockbox"], BAD)
     by_tool("7z-encrypted.zip", ["7z", "a", "-tzip", "-psecret", "@", ".rockbox/themes/Dawn.cfg"], BAD)
     by_tool("7z-aes.zip", ["7z", "a", "-tzip", "-psecret", "-mem=AES256", "@", ".rockbox/themes/Dawn.cfg"], BAD)
