@@ -46,6 +46,7 @@ void import(const std::filesystem::path &library);
 void flac(const std::filesystem::path &library);
 void digest(const std::filesystem::path &library);
 void transfer(const std::filesystem::path &library);
+void cleanup(const std::filesystem::path &library);
 void group(const std::filesystem::path &library);
 void browse(const std::filesystem::path &library);
 void jpeg(const std::filesystem::path &library);

@@ -1,7 +1,8 @@
-// Digests and copying.
+// Digests, copying and the search for metadata files.
 #include "Figures.h"
 
 #include "storage/Digest.h"
+#include "storage/MacMetadata.h"
 #include "storage/Transfer.h"
 
 #include <QProcess>
@@ -28,6 +29,24 @@ void writeFile(const std::filesystem::path &file, std::size_t bytes, std::mt1993
     }
     stream.close();
     Bench::require(bool(stream), "cannot write the files to measure on");
+}
+
+/// 50,000 files in 5,000 albums of 500 artists, every tenth with its companion.
+void makeCollection(const std::filesystem::path &music)
+{
+    const std::string companion = std::string("\0\5\x16\7\0\2\0\0", 8) + std::string(4088, '\0');
+    for (int album = 0; album < 5'000; ++album) {
+        const std::filesystem::path folder
+            = music / ("Artist " + std::to_string(album / 10)) / ("Album " + std::to_string(album));
+        std::filesystem::create_directories(folder);
+        for (int track = 0; track < 10; ++track) {
+            const std::string name = std::to_string(track) + " A title of usual length.flac";
+            std::ofstream(folder / name).put('x');
+            if (track == 0) {
+                require(bool(std::ofstream(folder / ("._" + name)) << companion), "cannot write a companion");
+            }
+        }
+    }
 }
 
 void runTool(const QString &program, const QStringList &arguments)
@@ -105,6 +124,23 @@ void transfer(const std::filesystem::path &)
                     }
                 });
             }));
+}
+
+void cleanup(const std::filesystem::path &)
+{
+    const WorkFolder folder;
+    std::filesystem::create_directories(folder.path() / ".rockbox");
+    makeCollection(folder.path() / "Music");
+    const auto search
+        = [&] { require(Storage::macMetadataFiles(folder.path()).size() == 5'000, "not every companion was found"); };
+    const auto find = [&] {
+        runTool(QStringLiteral("find"),
+            {text(folder.path() / "Music"), QStringLiteral("-name"), QStringLiteral("._*"), QStringLiteral("-type"),
+                QStringLiteral("f")});
+    };
+    search(); // the folders are in memory for both
+    find();
+    print("cleanup", inTurn([&] { return seconds(search); }, [&] { return seconds(find); }));
 }
 
 } // namespace Bench

@@ -1,5 +1,7 @@
 #include "model/LibraryScan.h"
 
+#include "library/AudioExtensions.h"
+
 #include "storage/PathSafety.h"
 
 #include "platform/Files.h"
@@ -10,16 +12,8 @@
 
 namespace {
 
-constexpr std::array<std::string_view, 13> audioExtensions {
-    "mp3", "flac", "m4a", "aac", "ogg", "opus", "wav", "aiff", "aif", "alac", "ape", "wv", "mpc"};
-
 constexpr std::array<std::string_view, 7> foldersWithoutMusic {
     "Calendars", "Contacts", "Notes", "Photos", "System Volume Information", "Android", "LOST.DIR"};
-
-template <std::size_t Count> bool holds(const std::array<std::string_view, Count> &list, std::string_view text)
-{
-    return std::find(list.begin(), list.end(), text) != list.end();
-}
 
 bool isHidden(const std::filesystem::path &item)
 {
@@ -45,17 +39,6 @@ void addFolder(const std::filesystem::path &folder, std::vector<std::filesystem:
 
 } // namespace
 
-bool hasAudioExtension(const std::filesystem::path &file)
-{
-    std::string extension = file.extension().native();
-    if (extension.size() < 2) {
-        return false;
-    }
-    std::transform(extension.begin(), extension.end(), extension.begin(),
-        [](char c) { return c >= 'A' && c <= 'Z' ? char(c - 'A' + 'a') : c; });
-    return holds(audioExtensions, std::string_view(extension).substr(1));
-}
-
 std::vector<std::filesystem::path> scanAudio(const std::vector<std::filesystem::path> &urls)
 {
     std::vector<std::filesystem::path> files;
@@ -80,8 +63,10 @@ std::vector<std::filesystem::path> deviceMusicFolders(const std::filesystem::pat
     std::filesystem::directory_iterator entry(root, failure);
     for (; !failure && entry != std::filesystem::directory_iterator(); entry.increment(failure)) {
         std::error_code unknown;
-        const bool music = !isHidden(entry->path()) && !holds(foldersWithoutMusic, entry->path().filename().native());
-        if (music && entry->is_directory(unknown)) {
+        const std::string name = entry->path().filename().native();
+        const bool isOther
+            = std::find(foldersWithoutMusic.begin(), foldersWithoutMusic.end(), name) != foldersWithoutMusic.end();
+        if (!isHidden(entry->path()) && !isOther && entry->is_directory(unknown)) {
             folders.push_back(entry->path());
         }
     }

@@ -4,9 +4,6 @@
 #include <filesystem>
 #include <vector>
 
-/// Whether the extension, in any case, is one of the 13 that the library takes.
-[[nodiscard]] bool hasAudioExtension(const std::filesystem::path &file);
-
 /// The audio files among `urls` and in the folders among them, at any depth. Symbolic links and hidden items are passed
 /// over; what cannot be read contributes nothing. Order of discovery; may hold one file twice.
 [[nodiscard]] std::vector<std::filesystem::path> scanAudio(const std::vector<std::filesystem::path> &urls);

@@ -105,6 +105,17 @@ QString volumeName(const QString &name, Volumes::NameRules rules, const QString 
 
 namespace Storage {
 
+bool liesBelow(const std::filesystem::path &path, const std::filesystem::path &root)
+{
+    std::error_code failure;
+    const std::filesystem::path resolvedRoot = std::filesystem::canonical(root, failure);
+    if (failure) {
+        return false;
+    }
+    const std::filesystem::path resolved = std::filesystem::weakly_canonical(path, failure);
+    return !failure && resolved.native().starts_with(resolvedRoot.native() + '/');
+}
+
 void rejectLinks(const std::filesystem::path &path)
 {
     const auto refuse = [] { throw MarluneError(QStringLiteral("Paczka zawiera dowiązanie symboliczne.")); };

@@ -25,6 +25,10 @@
 
 namespace Storage {
 
+/// Whether `path`, with all links on its way resolved, lies below the folder `root`. It need not exist;
+/// what cannot be resolved lies nowhere.
+[[nodiscard]] bool liesBelow(const std::filesystem::path &path, const std::filesystem::path &root);
+
 /// Refuses a tree that holds any symbolic link, at any depth, hidden or dangling. Items that cannot be queried are
 /// passed over. Throws MarluneError.
 void rejectLinks(const std::filesystem::path &path);

@@ -2,9 +2,12 @@
 
 #include "storage/Blocks.h"
 
+#include "platform/DiskCalls.h"
 #include "platform/Files.h"
 
 #include <fcntl.h>
+
+#include <cerrno>
 
 namespace Storage {
 
@@ -26,6 +29,21 @@ void copyAudioBytes(const std::filesystem::path &source, const std::filesystem::
         written += off_t(block.size());
     });
     Files::synchronise(to.get());
+}
+
+void copyOver(const std::filesystem::path &source, const std::filesystem::path &destination)
+{
+    const std::filesystem::path temporary = destination.parent_path() / Files::temporaryName();
+    try {
+        copyAudioBytes(source, temporary);
+        if (diskCalls().rename(temporary.c_str(), destination.c_str()) != 0) {
+            const std::error_code failure(errno, std::generic_category());
+            throw std::filesystem::filesystem_error("rename", destination, failure);
+        }
+    } catch (...) {
+        diskCalls().unlink(temporary.c_str());
+        throw;
+    }
 }
 
 } // namespace Storage

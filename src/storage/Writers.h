@@ -1,4 +1,4 @@
-// The two writers that never leave a half-written file under a final name and never overwrite one by accident.
+// The writers that never leave a half-written file under a final name and never overwrite one by accident.
 //
 // Blocking until the medium has the bytes; any thread but the UI's. Failures are the system's own.
 #pragma once
@@ -15,5 +15,8 @@ void writeBytes(const QByteArray &bytes, const std::filesystem::path &destinatio
 /// Copies a file byte for byte to a name that must not exist, in blocks of 1 MiB. Neither times nor other attributes
 /// are copied. On failure the incomplete destination stays: the caller holds its name and removes it.
 void copyAudioBytes(const std::filesystem::path &source, const std::filesystem::path &destination);
+
+/// Replaces `destination` atomically by a copy of a file of any size, as writeBytes() does by bytes.
+void copyOver(const std::filesystem::path &source, const std::filesystem::path &destination);
 
 } // namespace Storage

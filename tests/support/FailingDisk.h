@@ -5,34 +5,31 @@
 
 #include <atomic>
 #include <cerrno>
+#include <functional>
+#include <type_traits>
 
 class FailingDisk {
 public:
-    /// `failAt` counts from 1; 0 fails none. The call fails with `error`, and does nothing.
-    explicit FailingDisk(int failAt, int error = EIO)
+    enum class Fault {
+        Refused, ///< the call does nothing and fails
+        Late, ///< the call does its work and fails all the same; open() does nothing
+        Dead, ///< the call and all after it do nothing and fail
+        Event ///< something happens before the call, which then works
+    };
+
+    /// `failAt` counts from 1; 0 fails none. The call fails with `error`.
+    explicit FailingDisk(int failAt, int error = EIO, Fault fault = Fault::Refused, std::function<void()> event = {})
     {
         s_count = 0;
         s_failAt = failAt;
         s_error = error;
-        diskCalls() = {
-            .open = orFail<&DiskCalls::open>,
-            .write = orFail<&DiskCalls::write>,
-            .fsync = orFail<&DiskCalls::fsync>,
-            .close =
-                [](int descriptor) { // a failing close() gives the descriptor back all the same
-                    const int result = system().close(descriptor);
-                    return fails() ? -1 : result;
-                },
-            .rename = orFail<&DiskCalls::rename>,
-            .renameExclusive = orFail<&DiskCalls::renameExclusive>,
-            .mkdir = orFail<&DiskCalls::mkdir>,
-            .unlink = orFail<&DiskCalls::unlink>,
-            .openat = orFail<&DiskCalls::openat>,
-            .mkdirat = orFail<&DiskCalls::mkdirat>,
-            .unlinkat = orFail<&DiskCalls::unlinkat>,
-            .futimens = orFail<&DiskCalls::futimens>,
-            .syncfs = orFail<&DiskCalls::syncfs>,
-        };
+        s_fault = fault;
+        s_event = std::move(event);
+        diskCalls() = {Call<&DiskCalls::open>::make, Call<&DiskCalls::write>::make, Call<&DiskCalls::fsync>::make,
+            Call<&DiskCalls::close>::make, Call<&DiskCalls::rename>::make, Call<&DiskCalls::renameExclusive>::make,
+            Call<&DiskCalls::mkdir>::make, Call<&DiskCalls::unlink>::make, Call<&DiskCalls::openat>::make,
+            Call<&DiskCalls::mkdirat>::make, Call<&DiskCalls::unlinkat>::make, Call<&DiskCalls::futimens>::make,
+            Call<&DiskCalls::syncfs>::make};
     }
     ~FailingDisk() { diskCalls() = DiskCalls::system(); }
     FailingDisk(const FailingDisk &) = delete;
@@ -41,19 +38,34 @@ public:
     /// Whether the call that was to fail has been made.
     [[nodiscard]] static bool reached() { return s_count >= s_failAt; }
 
+    /// How many calls have been made.
+    [[nodiscard]] static int calls() { return s_count; }
+
 private:
+    template <auto Member> struct Call;
+    template <typename Result, typename... Arguments, Result (*DiskCalls::*Member)(Arguments...)> struct Call<Member> {
+        static Result make(Arguments... arguments)
+        {
+            // A failing close() gives the descriptor back all the same; fsync() looks like it and changes nothing.
+            const bool closes = std::is_same_v<decltype(Member), decltype(&DiskCalls::close)>;
+            const bool opens = std::is_same_v<decltype(Member), decltype(&DiskCalls::open)>
+                || std::is_same_v<decltype(Member), decltype(&DiskCalls::openat)>;
+            const bool failed = fails();
+            const Result result
+                = !failed || closes || (s_fault == Fault::Late && !opens) ? (system().*Member)(arguments...) : -1;
+            errno = failed ? s_error : errno;
+            return failed ? -1 : result;
+        }
+    };
+
     static bool fails()
     {
-        if (++s_count != s_failAt) {
+        const int number = ++s_count;
+        if (number == s_failAt && s_fault == Fault::Event) {
+            s_event();
             return false;
         }
-        errno = s_error;
-        return true;
-    }
-    /// Stands in for the table's entry `Call`.
-    template <auto Call, typename Result, typename... Arguments> static Result orFail(Arguments... arguments)
-    {
-        return fails() ? Result(-1) : (system().*Call)(arguments...);
+        return s_failAt > 0 && (number == s_failAt || (number > s_failAt && s_fault == Fault::Dead));
     }
     static const DiskCalls &system()
     {
@@ -64,4 +76,6 @@ private:
     static inline std::atomic<int> s_count = 0;
     static inline int s_failAt = 0;
     static inline int s_error = 0;
+    static inline Fault s_fault = Fault::Refused;
+    static inline std::function<void()> s_event;
 };

@@ -1,0 +1,188 @@
+#include "artwork/ArtworkInstall.h"
+
+#include "library/AudioExtensions.h"
+
+#include "storage/Device.h"
+#include "storage/FileChanges.h"
+#include "storage/MacMetadata.h"
+#include "storage/PathSafety.h"
+#include "storage/SavedFiles.h"
+
+#include "platform/Files.h"
+#include "platform/MarluneError.h"
+
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <iterator>
+#include <map>
+#include <set>
+
+namespace {
+
+using Paths = std::vector<std::filesystem::path>;
+
+/// Bytes. What is larger is no cover to compare with; it is saved all the same before it is replaced.
+constexpr std::int64_t comparedCoverLimit = 50'000'000;
+
+/// Paths with equal keys name one file on a volume with these rules.
+QString keyOf(const std::filesystem::path &path, Volumes::NameRules rules)
+{
+    const QString text = Files::text(path);
+    return rules == Volumes::NameRules::Fat ? text.toCaseFolded() : text;
+}
+
+/// Paths in the order given, each file once.
+class PathSet {
+public:
+    explicit PathSet(Volumes::NameRules rules)
+        : m_rules(rules)
+    {
+    }
+
+    [[nodiscard]] bool contains(const std::filesystem::path &path) const
+    {
+        return m_keys.contains(keyOf(path, m_rules));
+    }
+    void add(const std::filesystem::path &path)
+    {
+        if (m_keys.insert(keyOf(path, m_rules)).second) {
+            m_paths.push_back(path);
+        }
+    }
+    [[nodiscard]] const Paths &paths() const { return m_paths; }
+
+private:
+    Volumes::NameRules m_rules;
+    std::set<QString> m_keys;
+    Paths m_paths;
+};
+
+/// The image of one track: its path with another extension.
+std::filesystem::path sidecarOf(std::filesystem::path track)
+{
+    return track.replace_extension(".jpeg");
+}
+
+/// Those that show nothing else than the folder's old cover or the new one.
+Paths replacedSidecars(const QByteArray &data, std::span<const std::filesystem::path> tracks,
+    const std::filesystem::path &cover, const Artwork::InstallView &view)
+{
+    const std::optional<QByteArray> oldCover = view.content(cover);
+    Paths sidecars;
+    for (const std::filesystem::path &track : tracks) {
+        const std::filesystem::path sidecar = sidecarOf(track);
+        const std::optional<QByteArray> image = view.content(sidecar);
+        if (image && (image == oldCover || image == data)) {
+            sidecars.push_back(sidecar);
+        }
+    }
+    return sidecars;
+}
+
+bool isVisibleAudio(const std::filesystem::path &item)
+{
+    return !item.filename().native().starts_with('.') && hasAudioExtension(item);
+}
+
+Paths itemsOnDisk(const std::filesystem::path &folder)
+{
+    Paths items;
+    std::error_code failure;
+    std::filesystem::directory_iterator item(folder, failure);
+    for (; !failure && item != std::filesystem::directory_iterator(); item.increment(failure)) {
+        items.push_back(item->path());
+    }
+    return failure ? Paths() : items;
+}
+
+std::optional<QByteArray> contentOnDisk(const std::filesystem::path &file)
+{
+    return isSymbolicLink(file) ? std::nullopt : Files::readBelow(file, comparedCoverLimit);
+}
+
+bool mayBeChanged(const std::filesystem::path &file, const std::filesystem::path &root)
+{
+    return Storage::liesBelow(file, root) && !isSymbolicLink(file) && !isSymbolicLink(file.parent_path());
+}
+
+/// Throws if that cannot be told: what might be there must not be overwritten unsaved.
+bool stands(const std::filesystem::path &file)
+{
+    struct stat status {};
+    if (::lstat(file.c_str(), &status) == 0) {
+        return true;
+    }
+    const std::error_code failure(errno, std::generic_category());
+    if (failure == std::errc::no_such_file_or_directory) {
+        return false;
+    }
+    throw std::filesystem::filesystem_error("lstat", file, failure);
+}
+
+} // namespace
+
+namespace Artwork {
+
+InstallPlan planInstall(const QByteArray &data, std::span<const std::filesystem::path> tracks, Volumes::NameRules rules,
+    const InstallView &view)
+{
+    PathSet selected(rules);
+    std::map<QString, Paths> folders; // the tracks of each
+    for (const std::filesystem::path &track : tracks) {
+        selected.add(track);
+        folders[keyOf(track.parent_path(), rules)].push_back(track);
+    }
+    PathSet targets(rules);
+    PathSet stale(rules);
+    for (const auto &[key, own] : folders) {
+        const std::filesystem::path folder = own.front().parent_path();
+        const Paths items = view.items(folder);
+        const bool isShared = std::any_of(items.begin(), items.end(),
+            [&](const std::filesystem::path &item) { return isVisibleAudio(item) && !selected.contains(item); });
+        if (isShared) {
+            std::for_each(own.begin(), own.end(), [&](const auto &track) { targets.add(sidecarOf(track)); });
+            continue;
+        }
+        const std::filesystem::path cover = folder / "cover.jpeg";
+        targets.add(cover);
+        for (const std::filesystem::path &sidecar : replacedSidecars(data, own, cover, view)) {
+            if (!targets.contains(sidecar)) { // a track named "cover" has the folder's own
+                stale.add(sidecar);
+            }
+        }
+    }
+    return {targets.paths(), stale.paths()};
+}
+
+void install(const QByteArray &data, std::span<const std::filesystem::path> tracks, const std::filesystem::path &root,
+    const std::filesystem::path &backupRoot)
+{
+    (void)Device::inspect(root);
+    if (tracks.empty()) {
+        throw MarluneError(QStringLiteral("Album nie ma utworów."));
+    }
+    const InstallPlan plan = planInstall(data, tracks, Volumes::nameRules(root), {itemsOnDisk, contentOnDisk});
+    Paths changed = plan.targets;
+    changed.insert(changed.end(), plan.stale.begin(), plan.stale.end());
+    if (!std::all_of(changed.begin(), changed.end(), [&](const auto &file) { return mayBeChanged(file, root); })) {
+        throw MarluneError(QStringLiteral("Okładka musi być zapisana w folderze muzyki na wybranym iPodzie."));
+    }
+    Paths standing;
+    std::copy_if(changed.begin(), changed.end(), std::back_inserter(standing), stands);
+    const Storage::SavedFiles saved
+        = Storage::saveFiles(standing, backupRoot, {QStringLiteral("Covers-"), QStringLiteral(".jpg")});
+
+    Storage::FileChanges changes(root, [&saved](const std::filesystem::path &file) { return saved.copyOf(file); });
+    for (const std::filesystem::path &target : plan.targets) {
+        changes.write(data, target);
+    }
+    for (const std::filesystem::path &sidecar : plan.stale) {
+        changes.remove(sidecar);
+    }
+    Storage::cleanupMacMetadata(root, backupRoot, plan.targets);
+    changes.keep();
+}
+
+} // namespace Artwork

@@ -1,0 +1,43 @@
+// Files of one device written and removed together: all of the changes stay, or all are taken back.
+//
+// What is not kept by keep() is undone in reverse when the object goes, so every way out by an exception leaves the old
+// files. Blocking; one object belongs to one thread, any but the UI's.
+#pragma once
+
+#include <QByteArray>
+
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <vector>
+
+namespace Storage {
+
+class FileChanges {
+public:
+    /// The copy, made before the first change, of what stood at this path; absent if nothing stood there.
+    using CopyOf = std::function<std::optional<std::filesystem::path>(const std::filesystem::path &)>;
+
+    FileChanges(std::filesystem::path root, CopyOf copyOf);
+    /// Undoes what was not kept: puts each file's copy back in one step, removes what was new. A file for which that
+    /// fails is left as it is, and the next one is tried.
+    ~FileChanges();
+    FileChanges(const FileChanges &) = delete;
+    FileChanges &operator=(const FileChanges &) = delete;
+
+    /// Both look at the device again first. They throw its MarluneError or the system's failure.
+    void write(const QByteArray &bytes, const std::filesystem::path &file);
+    void remove(const std::filesystem::path &file);
+
+    /// From here on the changes stay.
+    void keep();
+
+private:
+    void putBack(const std::filesystem::path &file) const;
+
+    std::filesystem::path m_root;
+    CopyOf m_copyOf;
+    std::vector<std::filesystem::path> m_tried;
+};
+
+} // namespace Storage

@@ -1,0 +1,37 @@
+// Copies on the computer of files that are about to be replaced or removed on a device.
+//
+// Each set has a folder of its own. Its manifest.json, a JSON object on one line, gives for each copy's name the path
+// of the file that it was made of, for a person who wants to put files back. Blocking; no state; any thread but the
+// UI's.
+#pragma once
+
+#include <QString>
+
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <span>
+
+namespace Storage {
+
+/// How a set is named: its folder is the prefix and a new UUID, a copy is a new UUID and the suffix.
+struct SavedNames {
+    QString folderPrefix;
+    QString fileSuffix;
+};
+
+struct SavedFiles {
+    std::filesystem::path folder;
+    std::map<std::filesystem::path, std::filesystem::path> copies; ///< by the path of the file saved
+
+    /// Absent for a file that is not in the set.
+    [[nodiscard]] std::optional<std::filesystem::path> copyOf(const std::filesystem::path &file) const;
+};
+
+/// Copies `files`, of whatever size, into a new folder under `backupRoot`, which is made with its parents if missing.
+/// When this returns, the copies, the manifest and the folders' entries for them are on the medium.
+/// Throws std::system_error at the first failure, also for what is no regular file; the incomplete folder stays.
+[[nodiscard]] SavedFiles saveFiles(
+    std::span<const std::filesystem::path> files, const std::filesystem::path &backupRoot, const SavedNames &names);
+
+} // namespace Storage
