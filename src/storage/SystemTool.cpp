@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr int watchInterval = 20; // milliseconds
+constexpr int watchInterval = 100; // milliseconds
 constexpr int longestDeath = 5'000; // milliseconds; a program can be stuck in a disk that does not answer
 
 QProcessEnvironment cleanEnvironment()

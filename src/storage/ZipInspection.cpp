@@ -104,11 +104,36 @@ Directory findDirectory(const RegularFile &file)
 
 /// Equal for names that some disk takes for one: FAT compares capital letters, others small ones, and some do not tell
 /// a letter with its accent from the two written one after the other.
-QString caseless(const QString &name)
+QByteArray caseless(QByteArrayView name)
 {
-    QString result = name.normalized(QString::NormalizationForm_C);
-    std::transform(result.begin(), result.end(), result.begin(), [](QChar c) { return c.toUpper(); });
-    return result.toLower();
+    if (std::all_of(name.begin(), name.end(), [](char c) { return (c & 0x80) == 0; })) {
+        return name.toByteArray().toLower();
+    }
+    QString text = QString::fromUtf8(name).normalized(QString::NormalizationForm_C);
+    std::transform(text.begin(), text.end(), text.begin(), [](QChar c) { return c.toUpper(); });
+    return text.toLower().toUtf8();
+}
+
+/// Whether ".." is one of the parts between separators.
+bool hasParentPart(QByteArrayView name)
+{
+    constexpr char parent[] = "..";
+    for (qsizetype at = name.indexOf(parent); at >= 0; at = name.indexOf(parent, at + 1)) {
+        const bool begins = at == 0 || name[at - 1] == '/';
+        const bool ends = at + 2 == name.size() || name[at + 2] == '/';
+        if (begins && ends) {
+            return true;
+        }
+    }
+    return false;
+}
+
+void requireSafe(QByteArrayView name)
+{
+    if (name.startsWith('/') || name.contains('\\') || hasParentPart(name) || name.contains('\r')
+        || name.contains('\0')) {
+        throw MarluneError(QStringLiteral("Paczka ZIP zawiera niebezpieczną ścieżkę."));
+    }
 }
 
 /// Walks through the central directory, entry by entry.
@@ -123,6 +148,7 @@ public:
 
     void run(int entries)
     {
+        m_names.reserve(entries);
         for (int entry = 0; entry < entries; ++entry) {
             inspectEntry();
         }
@@ -157,18 +183,17 @@ private:
         m_at = next;
     }
 
-    void inspectName(QByteArrayView bytes)
+    void inspectName(QByteArrayView name)
     {
-        if (bytes.isEmpty() || !QUtf8StringView(bytes).isValidUtf8()) {
+        if (name.isEmpty() || !QUtf8StringView(name).isValidUtf8()) {
             refuse();
         }
-        const QString name = QString::fromUtf8(bytes);
         const qsizetype known = m_names.size();
         m_names.insert(caseless(name));
-        if (m_names.size() == known || name.contains(u'\n')) {
+        if (m_names.size() == known || name.contains('\n')) {
             refuse();
         }
-        Storage::validateZipListing(name);
+        requireSafe(name);
     }
 
     /// The name stands once more in front of the content; what reads the archive from its start sees that one.
@@ -186,16 +211,8 @@ private:
     std::int64_t m_end; ///< of the directory
     std::int64_t m_at = 0;
     std::int64_t m_unpacked = 0; ///< bytes, by what the entries say
-    QSet<QString> m_names;
+    QSet<QByteArray> m_names;
 };
-
-bool isUnsafe(QStringView name)
-{
-    const auto isParent = [](QStringView part) { return part == QLatin1String(".."); };
-    const QList<QStringView> parts = name.split(u'/');
-    return name.startsWith(u'/') || name.contains(u'\\') || name.contains(u'\r') || name.contains(QChar(u'\0'))
-        || std::any_of(parts.begin(), parts.end(), isParent);
-}
 
 } // namespace
 
@@ -213,18 +230,16 @@ void inspectZip(const std::filesystem::path &url)
 
 void validateZipListing(const QString &listing)
 {
-    const auto lines = QStringView(listing).tokenize(u'\n', Qt::SkipEmptyParts);
+    const auto names = QStringView(listing).tokenize(u'\n', Qt::SkipEmptyParts);
     int count = 0;
-    for (auto line = lines.begin(); line != lines.end() && count <= mostPackageEntries; ++line) {
+    for (auto name = names.begin(); name != names.end() && count <= mostPackageEntries; ++name) {
         ++count;
     }
     if (count < 1 || count > mostPackageEntries) {
         throw MarluneError(QStringLiteral("Paczka jest pusta lub zawiera zbyt wiele plików."));
     }
-    for (const QStringView line : lines) {
-        if (isUnsafe(line)) {
-            throw MarluneError(QStringLiteral("Paczka ZIP zawiera niebezpieczną ścieżkę."));
-        }
+    for (const QStringView name : names) {
+        requireSafe(name.toUtf8());
     }
 }
 

@@ -87,11 +87,11 @@ void takeOver(const std::filesystem::path &unpacked)
     forEachItem(unpacked, [](const std::filesystem::directory_entry &item) {
         using std::filesystem::perms;
         std::error_code ignored;
-        if (item.is_symlink(ignored)) {
-            return;
+        const std::filesystem::file_status status = item.symlink_status(ignored);
+        const perms needed = is_directory(status) ? perms::owner_all : perms::owner_read | perms::owner_write;
+        if (!is_symlink(status) && (status.permissions() & needed) != needed) {
+            std::filesystem::permissions(item, needed, ignored);
         }
-        std::filesystem::permissions(
-            item, item.is_directory(ignored) ? perms::owner_all : perms::owner_read | perms::owner_write, ignored);
     });
 }
 
