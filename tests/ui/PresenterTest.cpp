@@ -115,8 +115,13 @@ private Q_SLOTS:
         DesktopPanels panels;
         QSignalSpy asked(&panels, &DesktopPanels::asked);
         std::vector<std::vector<std::filesystem::path>> answers;
-        const auto ask = [&](bool files, bool folders, bool pictures = false) {
-            panels.open({.files = files, .folders = folders, .pictures = pictures, .prompt = {}, .message = {}},
+        const auto ask = [&](bool files, bool folders, bool pictures = false, bool archives = false) {
+            panels.open({.files = files,
+                            .folders = folders,
+                            .pictures = pictures,
+                            .archives = archives,
+                            .prompt = {},
+                            .message = {}},
                 [&](auto paths) { answers.push_back(std::move(paths)); });
             return asked.takeFirst().at(0).value<DesktopPanels::Kind>();
         };
@@ -135,6 +140,7 @@ private Q_SLOTS:
         QCOMPARE(answers.size(), 1U);
 
         QCOMPARE(ask(true, false, true), DesktopPanels::ChoosePictures);
+        QCOMPARE(ask(true, false, false, true), DesktopPanels::ChooseArchives);
 
         // An answer may ask the next question.
         panels.open(
