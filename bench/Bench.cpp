@@ -14,7 +14,8 @@ struct Figure {
 };
 
 constexpr Figure figures[] = {{"import", Bench::import}, {"flac", Bench::flac}, {"digest", Bench::digest},
-    {"transfer", Bench::transfer}, {"cleanup", Bench::cleanup}, {"group", Bench::group}, {"browse", Bench::browse}, {"jpeg", Bench::jpeg},
+    {"transfer", Bench::transfer}, {"cleanup", Bench::cleanup}, {"zip", Bench::zip}, {"install", Bench::install},
+    {"group", Bench::group}, {"browse", Bench::browse}, {"jpeg", Bench::jpeg},
     {"jpeg-progressive", Bench::jpegProgressive}, {"check", Bench::check}, {"heartbeat", Bench::heartbeatAndMemory},
     {"memory", Bench::heartbeatAndMemory}, {"tiles", Bench::tiles}};
 
