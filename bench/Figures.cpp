@@ -1,5 +1,7 @@
 #include "Figures.h"
 
+#include <QProcess>
+
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -37,6 +39,21 @@ Pair inTurn(const std::function<double()> &ours, const std::function<double()> &
         peers.push_back(peer());
     }
     return {median(all), median(peers)};
+}
+
+void runTool(const QString &program, const QStringList &arguments)
+{
+    QProcess process;
+    process.setStandardOutputFile(QProcess::nullDevice());
+    process.setStandardErrorFile(QProcess::nullDevice());
+    process.start(program, arguments);
+    require(process.waitForFinished(-1) && process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0,
+        "the peer failed");
+}
+
+QString text(const std::filesystem::path &path)
+{
+    return QString::fromStdString(path.string());
 }
 
 void print(const char *name, const Pair &figures)

@@ -1,6 +1,8 @@
 // Figures of the bench: ours and a peer, measured in turn in one run, as medians.
 #pragma once
 
+#include <QStringList>
+
 #include <filesystem>
 #include <functional>
 #include <string>
@@ -25,6 +27,10 @@ struct Pair {
 /// Medians of `rounds` turns; each function returns its own figure.
 [[nodiscard]] Pair inTurn(const std::function<double()> &ours, const std::function<double()> &peer, int turns = rounds);
 
+/// Runs a peer to its end, its words unheard; throws if it fails.
+void runTool(const QString &program, const QStringList &arguments);
+[[nodiscard]] QString text(const std::filesystem::path &path);
+
 /// One line: name, ours, peer, ours / peer.
 void print(const char *name, const Pair &figures);
 
@@ -47,6 +53,8 @@ void flac(const std::filesystem::path &library);
 void digest(const std::filesystem::path &library);
 void transfer(const std::filesystem::path &library);
 void cleanup(const std::filesystem::path &library);
+void zip(const std::filesystem::path &library);
+void install(const std::filesystem::path &library);
 void group(const std::filesystem::path &library);
 void browse(const std::filesystem::path &library);
 void jpeg(const std::filesystem::path &library);

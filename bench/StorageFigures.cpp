@@ -5,8 +5,6 @@
 #include "storage/MacMetadata.h"
 #include "storage/Transfer.h"
 
-#include <QProcess>
-
 #include <unistd.h>
 
 #include <fstream>
@@ -43,26 +41,10 @@ void makeCollection(const std::filesystem::path &music)
             const std::string name = std::to_string(track) + " A title of usual length.flac";
             std::ofstream(folder / name).put('x');
             if (track == 0) {
-                require(bool(std::ofstream(folder / ("._" + name)) << companion), "cannot write a companion");
+                Bench::require(bool(std::ofstream(folder / ("._" + name)) << companion), "cannot write a companion");
             }
         }
     }
-}
-
-void runTool(const QString &program, const QStringList &arguments)
-{
-    QProcess process;
-    process.setStandardOutputFile(QProcess::nullDevice());
-    process.setStandardErrorFile(QProcess::nullDevice());
-    process.start(program, arguments);
-    Bench::require(
-        process.waitForFinished(-1) && process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0,
-        "the peer failed");
-}
-
-QString text(const std::filesystem::path &path)
-{
-    return QString::fromStdString(path.string());
 }
 
 } // namespace

@@ -118,6 +118,10 @@ public:
     [[nodiscard]] std::optional<Theme> configuredTheme() const;
     /// Asks for a picture and keeps a copy of it as the theme's preview. What is no picture is ignored.
     void chooseThemePreview(const Theme &theme);
+    /// Asks for a theme's package and installs it on the selected device, with a backup before that. A call while a
+    /// long job runs is dropped, and so is an answer that comes while one runs or for a device that is no longer
+    /// selected.
+    Q_INVOKABLE void installTheme();
 
     // Library.
     [[nodiscard]] const std::vector<Track> &tracks() const { return m_tracks; }
@@ -273,6 +277,9 @@ private:
     QCoro::Task<> runContentLoad(std::filesystem::path root);
     QCoro::Task<> runThemePreviewChoice(Theme theme, std::filesystem::path file);
     QCoro::Task<> runPreviewFetch();
+    void beginThemeInstall(const std::filesystem::path &zip);
+    QCoro::Task<> runThemeInstall(
+        std::filesystem::path zip, std::filesystem::path root, std::filesystem::path backupFolder);
     /// What an import starts from; asked in the background, since the answer can lie on a slow disk. Absent: there is
     /// nothing to import, and all stays as it is.
     using ImportSource = std::function<std::optional<std::vector<std::filesystem::path>>()>;

@@ -1,7 +1,9 @@
-// The themes of the selected device: which one is active, and the pictures that the user gives them.
+// The themes of the selected device: which one is active, the pictures that the user gives them, and new ones.
 #include "model/Model.h"
 
 #include "artwork/Artwork.h"
+
+#include "themes/ThemeInstall.h"
 
 #include "platform/Files.h"
 #include "platform/Images.h"
@@ -84,24 +86,74 @@ QCoro::Task<> MarluneModel::runThemePreviewChoice(Theme theme, std::filesystem::
         co_return;
     }
     m_newestPreviewChoice.insert(key, choice);
-    std::filesystem::path stored;
-    std::exception_ptr failure;
-    try {
-        auto store = [picture = *picture, name = QStringLiteral("theme-") + key, folder = m_environment.supportFolder] {
-            return Artwork::cache(picture, name, folder);
-        };
-        stored = co_await background(store);
-    } catch (const std::exception &) {
-        failure = std::current_exception();
-    }
+    auto store = [picture = *picture, name = QStringLiteral("theme-") + key, folder = m_environment.supportFolder] {
+        return Artwork::cache(picture, name, folder);
+    };
+    const auto stored = co_await attempt(store);
     if (!self) {
         co_return;
     }
-    if (failure) {
-        setAlert(describeFailure(failure));
+    if (stored.failure) {
+        setAlert(describeFailure(stored.failure));
     } else {
-        m_environment.settings.setText(ThemePreview::settingsPrefix() + key, Files::text(stored));
-        m_content.themePreviews.insert(theme.id(), ThemePreview::chosen(stored));
+        m_environment.settings.setText(ThemePreview::settingsPrefix() + key, Files::text(*stored.value));
+        m_content.themePreviews.insert(theme.id(), ThemePreview::chosen(*stored.value));
         Q_EMIT themePreviewsChanged(); // also where the record stays: the file of that name is another one
     }
+}
+
+void MarluneModel::installTheme()
+{
+    if (!m_device || m_busy) {
+        return;
+    }
+    const Panels::Request request {.files = true,
+        .folders = false,
+        .multiple = false,
+        .archives = true,
+        .prompt = QStringLiteral("Zainstaluj motyw"),
+        .message = {}};
+    m_environment.panels.open(
+        request, [self = QPointer(this), root = m_device->root](const std::vector<std::filesystem::path> &chosen) {
+            const bool asBefore = self && !self->m_busy && self->m_device && self->m_device->root == root;
+            if (asBefore && !chosen.empty()) {
+                self->beginThemeInstall(chosen.front());
+            }
+        });
+}
+
+void MarluneModel::beginThemeInstall(const std::filesystem::path &zip)
+{
+    std::filesystem::path backupFolder;
+    try {
+        backupFolder = newBackupURL();
+    } catch (const std::exception &) {
+        setAlert(describeFailure(std::current_exception()));
+        return;
+    }
+    setProgress(0);
+    setBusy(true);
+    setStatus(QStringLiteral("Sprawdzam i instaluję motyw…"));
+    runThemeInstall(zip, m_device->root, std::move(backupFolder));
+}
+
+QCoro::Task<> MarluneModel::runThemeInstall(
+    std::filesystem::path zip, std::filesystem::path root, std::filesystem::path backupFolder)
+{
+    const QPointer<MarluneModel> self(this);
+    auto work = [zip, root, backupFolder] { return Storage::installTheme(zip, root, backupFolder); };
+    const auto installed = co_await attempt(work);
+    if (!self) {
+        co_return;
+    }
+    if (installed.failure) {
+        setAlert(describeFailure(installed.failure));
+        setStatus(QStringLiteral("Instalacja motywu przerwana"));
+    } else {
+        setStatus(QStringLiteral("Zainstalowano motywy: ") + QString::number(*installed.value));
+        setAlert(QStringLiteral("Motyw został wgrany, a poprzednie ustawienia mają kopię na Macu.\n\n"
+                                "Aktywuj go na iPodzie: Settings → Theme Settings → Browse Themes."));
+    }
+    setBusy(false);
+    rediscover();
 }

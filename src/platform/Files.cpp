@@ -33,14 +33,16 @@ bool isContinuation(unsigned char byte)
 }
 
 /// Writes the file under a hidden name beside `path`, and gives it the final name by `rename`.
-void writeUnderHiddenName(
-    const std::filesystem::path &path, std::span<const char> bytes, decltype(DiskCalls::rename) rename)
+void writeUnderHiddenName(const std::filesystem::path &path, std::span<const char> bytes,
+    decltype(DiskCalls::rename) rename, Files::Durability durability)
 {
     const std::filesystem::path temporary = path.parent_path() / Files::temporaryName();
     Files::Descriptor file = Files::createExclusively(temporary);
     try {
         Files::writeFully(file.get(), bytes);
-        Files::synchronise(file.get());
+        if (durability == Files::Durability::Now) {
+            Files::synchronise(file.get());
+        }
         if (diskCalls().close(file.release()) != 0) {
             throwFailure(errno, path);
         }
@@ -284,14 +286,25 @@ std::filesystem::path temporaryName(const QByteArray &purpose)
     return (".marlune-" + purpose + id + ".partial").toStdString();
 }
 
-void writeAtomically(const std::filesystem::path &path, std::span<const char> bytes)
+void writeAtomically(const std::filesystem::path &path, std::span<const char> bytes, Durability durability)
 {
-    writeUnderHiddenName(path, bytes, diskCalls().rename);
+    writeUnderHiddenName(path, bytes, diskCalls().rename, durability);
 }
 
 void createAtomically(const std::filesystem::path &path, std::span<const char> bytes)
 {
-    writeUnderHiddenName(path, bytes, diskCalls().renameExclusive);
+    writeUnderHiddenName(path, bytes, diskCalls().renameExclusive, Durability::Now);
+}
+
+void synchroniseVolume(const std::filesystem::path &file)
+{
+    const Descriptor descriptor(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
+    if (descriptor.get() < 0 || diskCalls().syncfs(descriptor.get()) != 0) {
+        throwFailure(errno, file);
+    }
+    if (diskCalls().fsync(descriptor.get()) != 0 && errno != EINVAL) { // not every file system does this to a folder
+        throwFailure(errno, file);
+    }
 }
 
 } // namespace Files

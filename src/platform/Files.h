@@ -75,10 +75,17 @@ void makeFolders(const std::filesystem::path &folder);
 
 /// A hidden name, new at each call, for a file or a folder on its way to its final name in the same folder.
 [[nodiscard]] std::filesystem::path temporaryName(const QByteArray &purpose = {});
+/// Whether a writer returns when the medium has the bytes, or leaves that to synchroniseVolume().
+enum class Durability : std::uint8_t { Now, Later };
 /// Replaces `path` by a file of these bytes in one step: whatever fails, what stands there is the old file or the
 /// complete new one, and no temporary file stays.
-void writeAtomically(const std::filesystem::path &path, std::span<const char> bytes);
+void writeAtomically(
+    const std::filesystem::path &path, std::span<const char> bytes, Durability durability = Durability::Now);
 /// The same where nothing may stand yet: fails with EEXIST if the name is taken, be it by a dangling link.
 void createAtomically(const std::filesystem::path &path, std::span<const char> bytes);
+/// Returns when all that was written to the volume of `file` is on the medium; for thousands of small files this takes
+/// a fraction of the time of one call for each. `file` should be one of them, because drivers in user space (FUSE)
+/// write out what they hold only when they are asked for a file; it can be a folder of the volume.
+void synchroniseVolume(const std::filesystem::path &file);
 
 } // namespace Files

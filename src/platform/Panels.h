@@ -15,6 +15,7 @@ public:
         bool folders = false;
         bool multiple = false;
         bool pictures = false; ///< of the files only pictures are offered
+        bool archives = false; ///< of the files only ZIP archives are offered
         QString prompt; ///< text of the confirming button
         QString message; ///< what is to be chosen, may be empty
     };

@@ -11,9 +11,10 @@
 
 namespace Storage {
 
-FileChanges::FileChanges(std::filesystem::path root, CopyOf copyOf)
+FileChanges::FileChanges(std::filesystem::path root, CopyOf copyOf, Files::Durability durability)
     : m_root(std::move(root))
     , m_copyOf(std::move(copyOf))
+    , m_durability(durability)
 {
 }
 
@@ -26,6 +27,10 @@ FileChanges::~FileChanges()
         } catch (const std::exception &) { // NOLINT(bugprone-empty-catch): the first failure is the one to report
         }
     });
+    try {
+        synchronise();
+    } catch (const std::exception &) { // NOLINT(bugprone-empty-catch): as above
+    }
 }
 
 // A change is noted before it is tried: a call can fail after the disk has done its work.
@@ -34,7 +39,7 @@ void FileChanges::write(const QByteArray &bytes, const std::filesystem::path &fi
 {
     (void)Device::inspect(m_root);
     m_tried.push_back(file);
-    writeBytes(bytes, file);
+    writeBytes(bytes, file, m_durability);
 }
 
 void FileChanges::remove(const std::filesystem::path &file)
@@ -49,13 +54,21 @@ void FileChanges::remove(const std::filesystem::path &file)
 
 void FileChanges::keep()
 {
+    synchronise();
     m_tried.clear();
+}
+
+void FileChanges::synchronise() const
+{
+    if (m_durability == Files::Durability::Later && !m_tried.empty()) {
+        Files::synchroniseVolume(Files::exists(m_tried.back()) ? m_tried.back() : m_root);
+    }
 }
 
 void FileChanges::putBack(const std::filesystem::path &file) const
 {
     if (const std::optional<std::filesystem::path> copy = m_copyOf(file)) {
-        copyOver(*copy, file);
+        copyOver(*copy, file, m_durability);
     } else {
         diskCalls().unlink(file.c_str());
     }

@@ -4,6 +4,8 @@
 // files. Blocking; one object belongs to one thread, any but the UI's.
 #pragma once
 
+#include "platform/Files.h"
+
 #include <QByteArray>
 
 #include <filesystem>
@@ -18,7 +20,8 @@ public:
     /// The copy, made before the first change, of what stood at this path; absent if nothing stood there.
     using CopyOf = std::function<std::optional<std::filesystem::path>(const std::filesystem::path &)>;
 
-    FileChanges(std::filesystem::path root, CopyOf copyOf);
+    /// With Durability::Later the medium gets all of the changes together, in keep(): quick for many small files.
+    FileChanges(std::filesystem::path root, CopyOf copyOf, Files::Durability durability = Files::Durability::Now);
     /// Undoes what was not kept: puts each file's copy back in one step, removes what was new. A file for which that
     /// fails is left as it is, and the next one is tried.
     ~FileChanges();
@@ -29,14 +32,17 @@ public:
     void write(const QByteArray &bytes, const std::filesystem::path &file);
     void remove(const std::filesystem::path &file);
 
-    /// From here on the changes stay.
+    /// From here on the changes stay. Returns when all of them are on the medium; throws the system's failure where
+    /// that cannot be had.
     void keep();
 
 private:
     void putBack(const std::filesystem::path &file) const;
+    void synchronise() const;
 
     std::filesystem::path m_root;
     CopyOf m_copyOf;
+    Files::Durability m_durability;
     std::vector<std::filesystem::path> m_tried;
 };
 

@@ -144,15 +144,15 @@ std::filesystem::path directory(const std::filesystem::path &relative, const std
             throw MarluneError(QStringLiteral("Nieprawidłowa ścieżka."));
         }
         current /= piece;
-        if (isSymbolicLink(current)) {
-            throw MarluneError(QStringLiteral("Ścieżka zawiera dowiązanie: ") + Files::name(current));
-        }
-        if (!Files::exists(current)) {
+        struct stat status {};
+        if (::lstat(current.c_str(), &status) != 0) {
             if (diskCalls().mkdir(current.c_str(), 0777) != 0) {
                 const std::error_code failure(errno, std::generic_category());
                 throw std::filesystem::filesystem_error("mkdir", current, failure);
             }
-        } else if (!Files::isDirectory(current)) {
+        } else if (S_ISLNK(status.st_mode)) {
+            throw MarluneError(QStringLiteral("Ścieżka zawiera dowiązanie: ") + Files::name(current));
+        } else if (!S_ISDIR(status.st_mode)) {
             throw MarluneError(QStringLiteral("Folder jest zajęty przez plik: ") + Files::name(current));
         }
     }

@@ -3,39 +3,51 @@
 #include "storage/Blocks.h"
 
 #include "platform/DiskCalls.h"
-#include "platform/Files.h"
 
 #include <fcntl.h>
 
 #include <cerrno>
 
-namespace Storage {
+namespace {
 
-void writeBytes(const QByteArray &bytes, const std::filesystem::path &destination)
-{
-    Files::writeAtomically(destination, {bytes.constData(), std::size_t(bytes.size())});
-}
-
-void copyAudioBytes(const std::filesystem::path &source, const std::filesystem::path &destination)
+void copyBytes(
+    const std::filesystem::path &source, const std::filesystem::path &destination, Files::Durability durability)
 {
     const Files::Descriptor from = Files::openForReading(source);
     const Files::Descriptor to = Files::createExclusively(destination);
     off_t written = 0;
-    forEachBlock(from.get(), [&](std::span<const char> block) {
+    Storage::forEachBlock(from.get(), [&](std::span<const char> block) {
         Files::writeFully(to.get(), block);
         // Starts the transport to the medium now, so that little is left to wait for at the end. Only a hint: not
         // every file system knows it.
         (void)::sync_file_range(to.get(), written, off_t(block.size()), SYNC_FILE_RANGE_WRITE);
         written += off_t(block.size());
     });
-    Files::synchronise(to.get());
+    if (durability == Files::Durability::Now) {
+        Files::synchronise(to.get());
+    }
 }
 
-void copyOver(const std::filesystem::path &source, const std::filesystem::path &destination)
+} // namespace
+
+namespace Storage {
+
+void writeBytes(const QByteArray &bytes, const std::filesystem::path &destination, Files::Durability durability)
+{
+    Files::writeAtomically(destination, {bytes.constData(), std::size_t(bytes.size())}, durability);
+}
+
+void copyAudioBytes(const std::filesystem::path &source, const std::filesystem::path &destination)
+{
+    copyBytes(source, destination, Files::Durability::Now);
+}
+
+void copyOver(
+    const std::filesystem::path &source, const std::filesystem::path &destination, Files::Durability durability)
 {
     const std::filesystem::path temporary = destination.parent_path() / Files::temporaryName();
     try {
-        copyAudioBytes(source, temporary);
+        copyBytes(source, temporary, durability);
         if (diskCalls().rename(temporary.c_str(), destination.c_str()) != 0) {
             const std::error_code failure(errno, std::generic_category());
             throw std::filesystem::filesystem_error("rename", destination, failure);

@@ -1,7 +1,10 @@
 // The writers that never leave a half-written file under a final name and never overwrite one by accident.
 //
-// Blocking until the medium has the bytes; any thread but the UI's. Failures are the system's own.
+// Blocking until the medium has the bytes, unless told that this can wait; any thread but the UI's. Failures are the
+// system's own.
 #pragma once
+
+#include "platform/Files.h"
 
 #include <QByteArray>
 
@@ -10,13 +13,15 @@
 namespace Storage {
 
 /// Replaces `destination` atomically: afterwards it holds the old file or the complete new one, and no temporary file.
-void writeBytes(const QByteArray &bytes, const std::filesystem::path &destination);
+void writeBytes(const QByteArray &bytes, const std::filesystem::path &destination,
+    Files::Durability durability = Files::Durability::Now);
 
 /// Copies a file byte for byte to a name that must not exist, in blocks of 1 MiB. Neither times nor other attributes
 /// are copied. On failure the incomplete destination stays: the caller holds its name and removes it.
 void copyAudioBytes(const std::filesystem::path &source, const std::filesystem::path &destination);
 
 /// Replaces `destination` atomically by a copy of a file of any size, as writeBytes() does by bytes.
-void copyOver(const std::filesystem::path &source, const std::filesystem::path &destination);
+void copyOver(const std::filesystem::path &source, const std::filesystem::path &destination,
+    Files::Durability durability = Files::Durability::Now);
 
 } // namespace Storage

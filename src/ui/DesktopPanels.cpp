@@ -16,6 +16,12 @@ QUrl existingFolder(QStandardPaths::StandardLocation location)
     return QUrl::fromLocalFile(QFileInfo(folder).isDir() ? folder : QDir::homePath());
 }
 
+/// Some desktops' dialogs tell the cases apart.
+QString inBothCases(const QString &patterns)
+{
+    return patterns + u' ' + patterns.toUpper();
+}
+
 } // namespace
 
 DesktopPanels::DesktopPanels(QObject *parent)
@@ -28,6 +34,7 @@ void DesktopPanels::open(const Request &request, Answer answered)
     m_request = request;
     m_answered = std::move(answered);
     Q_EMIT asked(request.pictures ? ChoosePictures
+            : request.archives    ? ChooseArchives
             : !request.folders    ? ChooseFiles
             : request.files       ? ChooseFilesOrFolder
                                   : ChooseFolder);
@@ -45,8 +52,17 @@ QUrl DesktopPanels::picturesFolder()
 
 QString DesktopPanels::picturePatterns()
 {
-    const QString patterns = QStringLiteral("*.jpg *.jpeg *.png *.bmp *.gif *.webp *.tif *.tiff");
-    return patterns + u' ' + patterns.toUpper(); // some desktops' dialogs tell the cases apart
+    return inBothCases(QStringLiteral("*.jpg *.jpeg *.png *.bmp *.gif *.webp *.tif *.tiff"));
+}
+
+QUrl DesktopPanels::downloadsFolder()
+{
+    return existingFolder(QStandardPaths::DownloadLocation);
+}
+
+QString DesktopPanels::archivePatterns()
+{
+    return inBothCases(QStringLiteral("*.zip"));
 }
 
 void DesktopPanels::answer(const QList<QUrl> &chosen)

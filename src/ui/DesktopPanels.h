@@ -20,9 +20,11 @@ class DesktopPanels : public QObject, public Panels {
     Q_PROPERTY(QUrl startFolder READ startFolder CONSTANT)
     Q_PROPERTY(QUrl picturesFolder READ picturesFolder CONSTANT)
     Q_PROPERTY(QString picturePatterns READ picturePatterns CONSTANT)
+    Q_PROPERTY(QUrl downloadsFolder READ downloadsFolder CONSTANT)
+    Q_PROPERTY(QString archivePatterns READ archivePatterns CONSTANT)
 
 public:
-    enum Kind : std::uint8_t { ChooseFiles, ChooseFolder, ChooseFilesOrFolder, ChoosePictures };
+    enum Kind : std::uint8_t { ChooseFiles, ChooseFolder, ChooseFilesOrFolder, ChoosePictures, ChooseArchives };
     Q_ENUM(Kind)
 
     explicit DesktopPanels(QObject *parent = nullptr);
@@ -38,6 +40,9 @@ public:
     [[nodiscard]] static QUrl picturesFolder();
     /// File name patterns of pictures, as a dialog takes them.
     [[nodiscard]] static QString picturePatterns();
+    /// Both for ZIP archives.
+    [[nodiscard]] static QUrl downloadsFolder();
+    [[nodiscard]] static QString archivePatterns();
 
     /// Answers the open question, once; an answer without a local file counts as cancelled.
     Q_INVOKABLE void answer(const QList<QUrl> &chosen);

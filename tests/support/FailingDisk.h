@@ -22,21 +22,11 @@ public:
         s_error = error;
         s_fault = fault;
         s_event = std::move(event);
-        diskCalls() = {
-            .open = Call<&DiskCalls::open>::make,
-            .write = Call<&DiskCalls::write>::make,
-            .fsync = Call<&DiskCalls::fsync>::make,
-            .close = Call<&DiskCalls::close>::make,
-            .rename = Call<&DiskCalls::rename>::make,
-            .renameExclusive = Call<&DiskCalls::renameExclusive>::make,
-            .mkdir = Call<&DiskCalls::mkdir>::make,
-            .unlink = Call<&DiskCalls::unlink>::make,
-            .openat = Call<&DiskCalls::openat>::make,
-            .mkdirat = Call<&DiskCalls::mkdirat>::make,
-            .unlinkat = Call<&DiskCalls::unlinkat>::make,
-            .futimens = Call<&DiskCalls::futimens>::make,
-            .syncfs = Call<&DiskCalls::syncfs>::make,
-        };
+        diskCalls() = {Call<&DiskCalls::open>::make, Call<&DiskCalls::write>::make, Call<&DiskCalls::fsync>::make,
+            Call<&DiskCalls::close>::make, Call<&DiskCalls::rename>::make, Call<&DiskCalls::renameExclusive>::make,
+            Call<&DiskCalls::mkdir>::make, Call<&DiskCalls::unlink>::make, Call<&DiskCalls::openat>::make,
+            Call<&DiskCalls::mkdirat>::make, Call<&DiskCalls::unlinkat>::make, Call<&DiskCalls::futimens>::make,
+            Call<&DiskCalls::syncfs>::make};
     }
     ~FailingDisk() { diskCalls() = DiskCalls::system(); }
     FailingDisk(const FailingDisk &) = delete;

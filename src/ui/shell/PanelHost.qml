@@ -16,6 +16,8 @@ Item {
             folder.open();
         } else if (kind === DesktopPanels.ChoosePictures) {
             pictures.open();
+        } else if (kind === DesktopPanels.ChooseArchives) {
+            archives.open();
         } else {
             choice.open();
         }
@@ -28,24 +30,34 @@ Item {
         }
     }
 
-    FileDialog {
-        id: files
-        title: L10n.text(root.panels.message === "" ? root.panels.prompt : root.panels.message)
-        acceptLabel: L10n.text(root.panels.prompt)
-        currentFolder: root.panels.startFolder
-        fileMode: root.panels.multiple ? FileDialog.OpenFiles : FileDialog.OpenFile
-        onAccepted: root.panels.answer(files.selectedFiles)
-        onRejected: root.panels.cancel()
+    component FilePanel: FileDialog {
+        id: dialog
+
+        required property DesktopPanels panels
+
+        title: L10n.text(dialog.panels.message === "" ? dialog.panels.prompt : dialog.panels.message)
+        acceptLabel: L10n.text(dialog.panels.prompt)
+        fileMode: dialog.panels.multiple ? FileDialog.OpenFiles : FileDialog.OpenFile
+        onAccepted: dialog.panels.answer(dialog.selectedFiles)
+        onRejected: dialog.panels.cancel()
     }
-    FileDialog {
+
+    FilePanel {
+        id: files
+        panels: root.panels
+        currentFolder: root.panels.startFolder
+    }
+    FilePanel {
         id: pictures
-        title: L10n.text(root.panels.message === "" ? root.panels.prompt : root.panels.message)
-        acceptLabel: L10n.text(root.panels.prompt)
+        panels: root.panels
         currentFolder: root.panels.picturesFolder
         nameFilters: [L10n.text("Obrazy") + " (" + root.panels.picturePatterns + ")"]
-        fileMode: root.panels.multiple ? FileDialog.OpenFiles : FileDialog.OpenFile
-        onAccepted: root.panels.answer(pictures.selectedFiles)
-        onRejected: root.panels.cancel()
+    }
+    FilePanel {
+        id: archives
+        panels: root.panels
+        currentFolder: root.panels.downloadsFolder
+        nameFilters: [L10n.text("Paczki motywów") + " (" + root.panels.archivePatterns + ")"]
     }
     FolderDialog {
         id: folder

@@ -1,0 +1,28 @@
+// Whether a ZIP archive is one that a theme package may be: read byte by byte, and trusted in nothing.
+//
+// Only the archive's own structures are looked at (APPNOTE.TXT, sections 4.3.7, 4.3.12 and 4.3.16), in no more memory
+// than its directory takes; nothing is unpacked. Blocking; no state; any thread but the UI's.
+#pragma once
+
+#include <QString>
+
+#include <filesystem>
+
+namespace Storage {
+
+/// What a package may hold when it is unpacked, and its file must be smaller than: 100 MiB.
+inline constexpr std::int64_t largestPackage = 104'857'600;
+/// Files and folders together.
+inline constexpr int mostPackageEntries = 5'000;
+
+/// Accepts an archive of 1 to 5000 plain files and folders, whole, in one part, not encrypted, without ZIP64, whose
+/// sizes add up to 100 MiB or less, and whose names are safe, the same in both places where they stand, and different
+/// on a disk that takes capital and small letters for the same.
+/// Throws MarluneError with the reason, or the system's failure where the file cannot be read.
+void inspectZip(const std::filesystem::path &url);
+
+/// Accepts 1 to 5000 names, one a line, none of which leads out of the folder into which it is unpacked. Throws
+/// MarluneError.
+void validateZipListing(const QString &listing);
+
+} // namespace Storage
