@@ -18,7 +18,7 @@
 namespace {
 
 constexpr int mostRedirects = 5;
-constexpr qint64 bufferSize = 64 * 1024; ///< what the network may run ahead of the reader, and what is read at once
+constexpr qint64 bufferSize = 65'536; ///< what the network may run ahead of the reader, and what is read at once
 
 bool isThisComputer(const QUrl &url)
 {

@@ -271,6 +271,7 @@ ThemePreview::ByTheme ThemePreview::parseCatalog(
     const std::vector<std::optional<Picture>> pictures = lastPictures(html, wantedIds(html, names), names.size());
     Authors authors(html);
     std::vector<std::optional<ThemePreview>> records;
+    records.reserve(pictures.size());
     for (const std::optional<Picture> &picture : pictures) {
         records.push_back(picture ? std::optional(record(*picture, authors, root)) : std::nullopt);
     }

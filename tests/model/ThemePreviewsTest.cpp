@@ -71,12 +71,6 @@ private Q_SLOTS:
         model->select(other);
         QTRY_COMPARE(model->themePreviewStatus(), fetched(0));
         QCOMPARE(server.asked.back().target, "/index.php?target=x%20y");
-        desk.folder.write("other/.rockbox/rockbox-info.txt", "");
-        model->refresh();
-        desk.waitForJobs(*model);
-        model->fetchThemePreviews();
-        QTRY_COMPARE(model->themePreviewStatus(), fetched(0));
-        QCOMPARE(server.asked.back().target, "/index.php?target=ipodvideo");
         QVERIFY(!model->alert());
     }
 

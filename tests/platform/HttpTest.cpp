@@ -83,10 +83,8 @@ TEST(Http, bringsAnyAnswerAndTellsNothingOfTheUser)
 
 TEST(Http, saysWhyThereIsNoAnswer)
 {
-    const std::string unreachable = "Nie można połączyć się z serwerem. Sprawdź połączenie z internetem.";
     const std::string silent = "Serwer nie odpowiada.";
     const std::string cut = "Połączenie z serwerem zostało przerwane.";
-    const std::string invalid = "Nieprawidłowy adres serwera.";
     const std::pair<CannedServer::Answer, std::string> rows[] = {
         {{"", 0, Then::Stay}, silent},
         {{"HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nab", 0, Then::Stay}, silent},
@@ -103,13 +101,10 @@ TEST(Http, saysWhyThereIsNoAnswer)
             .patience = std::chrono::milliseconds(600)});
         EXPECT_EQ(outcome.failure, text) << answer.bytes.toStdString();
     }
-    QUrl closed;
-    {
-        closed = CannedServer({}).root();
-    }
-    EXPECT_EQ(fetch({.url = closed}).failure, unreachable);
+    const QUrl closed = CannedServer({}).root();
+    EXPECT_EQ(fetch({.url = closed}).failure, "Nie można połączyć się z serwerem. Sprawdź połączenie z internetem.");
     for (const char *url : {"", "file:///etc/passwd", "http://", "/relative", "ftp://127.0.0.1/"}) {
-        EXPECT_EQ(fetch({.url = QUrl(QString::fromLatin1(url))}).failure, invalid) << url;
+        EXPECT_EQ(fetch({.url = QUrl(QString::fromLatin1(url))}).failure, "Nieprawidłowy adres serwera.") << url;
     }
 }
 
@@ -145,10 +140,6 @@ TEST(Http, followsRedirectsAsFarAsAllowed)
     const CannedServer loop({to("/")});
     EXPECT_EQ(fetch(loop).failure, refused);
     EXPECT_EQ(loop.asked.size(), 6U);
-    const CannedServer file({to("file:///etc/passwd")});
-    const std::string failure
-        = fetch({.url = file.root(), .largestBody = 1000, .redirects = Http::Redirects::AnyHost}).failure;
-    EXPECT_TRUE(failure.starts_with("Nie można pobrać danych z serwera: ")) << failure;
 }
 
 TEST(Http, endsWithItsOwner)
@@ -170,8 +161,11 @@ TEST(Http, goesThroughTheDesktopsProxyButNotToThisComputer)
 {
     const CannedServer proxy({CannedServer::answer("200 OK", "by proxy")});
     const CannedServer here({CannedServer::answer("200 OK", "here")});
+    // A desktop's own settings can come before the variable.
+    for (const char *name : {"no_proxy", "XDG_CURRENT_DESKTOP", "DESKTOP_SESSION", "GNOME_DESKTOP_SESSION_ID"}) {
+        qunsetenv(name);
+    }
     qputenv("http_proxy", proxy.root().toEncoded());
-    qunsetenv("no_proxy");
     EXPECT_EQ(fetch({.url = QUrl(QStringLiteral("http://marlune.invalid/x")), .largestBody = 1000}).body(), "by proxy");
     ASSERT_EQ(proxy.asked.size(), 1U);
     EXPECT_EQ(proxy.asked[0].target, "http://marlune.invalid/x");
