@@ -14,6 +14,7 @@
 namespace {
 
 constexpr std::uint64_t mostMetadata = 32'000'000; // bytes of all block bodies together
+constexpr int mostBlocks = 100'000; ///< far more than any encoder writes; empty ones would lead through a whole file
 constexpr std::uint32_t mostComments = 9'999;
 constexpr std::uint32_t largestPicture = 10'000'000; // bytes
 constexpr std::uint32_t frontCover = 3; // RFC 9639, table 13
@@ -217,6 +218,7 @@ AudioInfo AudioInfo::readFLAC(const std::filesystem::path &path)
     AudioInfo info;
     info.codec = QStringLiteral("FLAC");
     std::uint64_t total = 0;
+    int blocks = 0;
     bool last = false;
     for (std::uint64_t position = 4; !last;) {
         const std::span<const unsigned char> header = file.peek(position, 4);
@@ -228,7 +230,8 @@ AudioInfo AudioInfo::readFLAC(const std::filesystem::path &path)
         const std::uint64_t length = bigEndian(header.subspan(1));
         position += 4;
         total += length;
-        if (total >= mostMetadata || position > file.size() || length > file.size() - position) {
+        if (total >= mostMetadata || ++blocks > mostBlocks || position > file.size()
+            || length > file.size() - position) {
             throw MarluneError(QStringLiteral("Nieprawidłowe metadane FLAC."));
         }
         readBlock(type, file, position, length, info);

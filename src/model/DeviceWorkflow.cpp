@@ -145,6 +145,7 @@ void MarluneModel::disconnect()
 
 void MarluneModel::select(const Device &device)
 {
+    ++m_choices;
     if (!m_device || m_device->root != device.root) {
         clearDeviceMusic();
         forgetThemePreviews();
@@ -170,14 +171,17 @@ void MarluneModel::chooseDevice()
 QCoro::Task<> MarluneModel::runChoice(std::filesystem::path folder)
 {
     const QPointer<MarluneModel> self(this);
+    const int choice = ++m_choices;
     auto inspect = [folder = Files::standardised(folder)] { return Device::inspect(folder); };
-    const auto device = co_await attempt(inspect);
-    if (!self) {
+    const auto device = co_await attempt(inspect, JobPriority::Utility);
+    if (!self || m_choices != choice) { // a later choice was answered sooner
         co_return;
     }
     if (device.failure) {
         setAlert(describeFailure(device.failure));
-    } else if (!m_busy) { // a job that began while the question stood open keeps its device
+    } else if (m_busy) { // the job that began meanwhile keeps its device
+        setAlert(QStringLiteral("Trwa inna praca. Wybierz urządzenie jeszcze raz, gdy się zakończy."));
+    } else {
         select(*device.value);
         setStatus(QStringLiteral("Wybrano: ") + Files::name(folder));
     }

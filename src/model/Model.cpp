@@ -33,6 +33,10 @@ MarluneModel::MarluneModel(ModelEnvironment environment, QObject *parent)
         });
     });
 
+    if (!settings.notice().isEmpty()) {
+        setAlert(settings.notice());
+    }
+
     refresh();
 
     if (m_environment.restoreLibrary) {
@@ -67,6 +71,7 @@ void MarluneModel::setBusy(bool busy)
     if (m_busy != busy) {
         m_busy = busy;
         Q_EMIT busyChanged();
+        Q_EMIT workingChanged();
     }
 }
 

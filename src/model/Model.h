@@ -191,6 +191,8 @@ public:
 
     // Progress and messages.
     [[nodiscard]] bool busy() const { return m_busy; }
+    /// Whether something is being written that the end of the program would cut off.
+    [[nodiscard]] bool working() const { return m_busy || m_writingPlaylist; }
     [[nodiscard]] double progress() const { return m_progress; }
     [[nodiscard]] QString status() const { return m_status; }
     [[nodiscard]] const std::optional<QString> &alert() const { return m_alert; }
@@ -230,6 +232,7 @@ Q_SIGNALS:
     void selectionChanged();
     void duplicateStatusChanged();
     void busyChanged();
+    void workingChanged();
     void progressChanged();
     void statusChanged();
     void alertChanged();
@@ -291,9 +294,15 @@ private:
     QCoro::Task<> runBackup(std::filesystem::path root, std::filesystem::path destination);
     [[nodiscard]] TransferPlan planTransfer(const std::vector<Track> &items) const;
     [[nodiscard]] static std::vector<PlannedCover> planCovers(const std::vector<Track> &items);
+    [[nodiscard]] static QByteArray preparedCover(const PlannedCover &cover);
     static void installCovers(
         const TransferPlan &plan, const std::vector<std::filesystem::path> &destinations, const JobProgress &progress);
     void landTransfer(const TransferPlan &plan, TransferResult result, const std::exception_ptr &failure);
+    /// The order of paths as plain text; their own goes by components.
+    [[nodiscard]] static bool isBeforeAsText(const std::filesystem::path &a, const std::filesystem::path &b)
+    {
+        return a.native() < b.native();
+    }
     void noteTransferred(const Device &device, std::vector<std::filesystem::path> files);
     void landDevices(std::vector<Device> found);
     void landContent(DeviceContent read);
@@ -344,6 +353,7 @@ private:
     QString m_viewMode;
     QString m_sortMode;
     double m_tileSize = 0;
+    int m_choices = 0; ///< of a device, so far
     bool m_refreshing = false;
     int m_discoveries = 0; ///< begun so far
     bool m_refreshAgain = false; ///< a disk came or went while a discovery was under way

@@ -26,8 +26,7 @@ std::vector<std::filesystem::path> MarluneModel::playlistTracks() const
             files.push_back(track.url);
         }
     }
-    // As plain text: the order of paths would go by their components.
-    std::sort(files.begin(), files.end(), [](const auto &a, const auto &b) { return a.native() < b.native(); });
+    std::sort(files.begin(), files.end(), isBeforeAsText);
     files.erase(std::unique(files.begin(), files.end()), files.end());
     return files;
 }
@@ -36,6 +35,7 @@ void MarluneModel::makePlaylist()
 {
     if (m_device && !m_writingPlaylist) {
         m_writingPlaylist = true;
+        Q_EMIT workingChanged();
         runPlaylist(m_device->root);
     }
 }
@@ -58,4 +58,5 @@ QCoro::Task<> MarluneModel::runPlaylist(std::filesystem::path root)
         setStatus(QStringLiteral("Zapisano ") + *fileName.value);
         rediscover();
     }
+    Q_EMIT workingChanged();
 }

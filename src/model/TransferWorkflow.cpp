@@ -1,6 +1,7 @@
 // Copying chosen music to the device with covers that the firmware shows: planned here, carried out by the floors
 // below.
 #include "model/Model.h"
+#include "model/TrackReader.h"
 
 #include "artwork/Artwork.h"
 #include "artwork/ArtworkInstall.h"
@@ -21,6 +22,7 @@
 
 /// One album's tracks in one folder of the computer, and the cover that they get.
 struct MarluneModel::PlannedCover {
+    QString album; ///< as the user knows it
     QByteArray artwork;
     std::vector<std::size_t> items; ///< places in the plan's files
 };
@@ -38,9 +40,8 @@ std::vector<MarluneModel::PlannedCover> MarluneModel::planCovers(const std::vect
     std::map<QString, PlannedCover> groups;
     for (std::size_t i = 0; i < items.size(); ++i) {
         const Track &track = items[i];
-        const QString key
-            = track.artist + QChar(u'\0') + track.album + QChar(u'\0') + Files::text(track.url.parent_path());
-        PlannedCover &group = groups[key];
+        PlannedCover &group = groups[overrideKey(track.artist, track.album, track.url.parent_path())];
+        group.album = track.artist + QStringLiteral(" – ") + track.album;
         group.items.push_back(i);
         if (group.artwork.isEmpty()) {
             group.artwork = track.artwork.value_or(QByteArray());
@@ -102,6 +103,16 @@ void MarluneModel::transfer(const std::optional<std::vector<Track>> &only)
     runTransfer(std::move(plan));
 }
 
+/// Says of which album a cover is none.
+QByteArray MarluneModel::preparedCover(const PlannedCover &cover)
+{
+    try {
+        return Artwork::baselineJPEG(cover.artwork);
+    } catch (const MarluneError &error) {
+        throw MarluneError(error.message() + QStringLiteral(" (") + cover.album + u')');
+    }
+}
+
 /// Blocking; stops at the first album whose cover cannot be prepared or written.
 void MarluneModel::installCovers(
     const TransferPlan &plan, const std::vector<std::filesystem::path> &destinations, const JobProgress &progress)
@@ -114,7 +125,7 @@ void MarluneModel::installCovers(
                 tracks.push_back(destinations[item]);
             }
         }
-        Artwork::install(Artwork::baselineJPEG(cover.artwork), tracks, plan.device.root, plan.backupRoot);
+        Artwork::install(preparedCover(cover), tracks, plan.device.root, plan.backupRoot);
         progress(++done, int(plan.covers.size()));
     }
 }
@@ -179,7 +190,7 @@ void MarluneModel::noteTransferred(const Device &device, std::vector<std::filesy
         return; // the list is the selected device's
     }
     files.insert(files.end(), m_transferred.begin(), m_transferred.end());
-    std::sort(files.begin(), files.end());
+    std::sort(files.begin(), files.end(), isBeforeAsText);
     files.erase(std::unique(files.begin(), files.end()), files.end());
     setTransferred(std::move(files));
 }

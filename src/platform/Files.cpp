@@ -32,27 +32,27 @@ bool isContinuation(unsigned char byte)
     return (byte & 0xC0) == 0x80;
 }
 
-/// Writes the file under a hidden name beside `path`, and gives it the final name by `rename`.
-void writeUnderHiddenName(const std::filesystem::path &path, std::span<const char> bytes,
-    decltype(DiskCalls::rename) rename, Files::Durability durability)
+void writeNew(const std::filesystem::path &file, std::span<const char> bytes, Files::Durability durability)
 {
-    const std::filesystem::path temporary = path.parent_path() / Files::temporaryName();
-    Files::Descriptor file = Files::createExclusively(temporary);
-    try {
-        Files::writeFully(file.get(), bytes);
-        if (durability == Files::Durability::Now) {
-            Files::synchronise(file.get());
-        }
-        if (diskCalls().close(file.release()) != 0) {
-            throwFailure(errno, path);
-        }
-        if (rename(temporary.c_str(), path.c_str()) != 0) {
-            throwFailure(errno, path);
-        }
-    } catch (...) {
-        diskCalls().unlink(temporary.c_str());
-        throw;
+    Files::Descriptor descriptor = Files::createExclusively(file);
+    Files::writeFully(descriptor.get(), bytes);
+    if (durability == Files::Durability::Now) {
+        Files::synchronise(descriptor.get());
     }
+    if (diskCalls().close(descriptor.release()) != 0) {
+        throwFailure(errno, file);
+    }
+}
+
+/// A failure that concerns no file, or one by its hidden name, is told with the final name.
+[[noreturn]] void rethrowFor(
+    const std::filesystem::path &path, const std::filesystem::path &temporary, const std::system_error &failure)
+{
+    const auto *named = dynamic_cast<const std::filesystem::filesystem_error *>(&failure);
+    if (named != nullptr && !named->path1().empty() && named->path1() != temporary) {
+        throw; // of the file that was read
+    }
+    throw std::filesystem::filesystem_error("write", path, failure.code());
 }
 
 /// Length of the well-formed UTF-8 sequence at the start of `bytes`, 0 if there is none (RFC 3629, section 4).
@@ -195,11 +195,16 @@ int Descriptor::release()
 
 Descriptor openForReading(const std::filesystem::path &path)
 {
-    const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    if (descriptor < 0) {
+    // Non-blocking, so that a pipe or a device under a file's name is refused and not waited for.
+    Descriptor descriptor(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+    struct stat status {};
+    if (descriptor.get() < 0 || ::fstat(descriptor.get(), &status) != 0) {
         throwFailure(errno, path);
     }
-    return Descriptor(descriptor);
+    if (!S_ISREG(status.st_mode)) {
+        throwFailure(S_ISDIR(status.st_mode) ? EISDIR : EINVAL, path);
+    }
+    return descriptor;
 }
 
 std::size_t readFully(int descriptor, std::span<char> buffer)
@@ -223,8 +228,7 @@ std::size_t readFully(int descriptor, std::span<char> buffer)
 
 std::optional<QByteArray> readBelow(const std::filesystem::path &path, std::int64_t limit)
 {
-    // Non-blocking, so that a pipe or a device under a file's name is refused and not waited for.
-    const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)); // as in openForReading()
     struct stat status {};
     if (file.get() < 0 || ::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode) || status.st_size >= limit) {
         return std::nullopt;
@@ -278,6 +282,16 @@ void makeFolders(const std::filesystem::path &folder)
     if (diskCalls().mkdir(folder.c_str(), 0777) != 0 && errno != EEXIST) { // another job may have made it meanwhile
         throwFailure(errno, folder);
     }
+    synchroniseFolder(folder.parent_path());
+}
+
+void synchroniseFolder(const std::filesystem::path &folder)
+{
+    const Descriptor descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    // EINVAL: some network and FUSE file systems cannot do this to a folder.
+    if (descriptor.get() < 0 || (diskCalls().fsync(descriptor.get()) != 0 && errno != EINVAL)) {
+        throwFailure(errno, folder);
+    }
 }
 
 std::filesystem::path temporaryName(const QByteArray &purpose)
@@ -286,14 +300,32 @@ std::filesystem::path temporaryName(const QByteArray &purpose)
     return (".marlune-" + purpose + id + ".partial").toStdString();
 }
 
-void writeAtomically(const std::filesystem::path &path, std::span<const char> bytes, Durability durability)
+void place(const std::filesystem::path &path, Placing placing, const FileMaker &make)
 {
-    writeUnderHiddenName(path, bytes, diskCalls().rename, durability);
+    const std::filesystem::path temporary = path.parent_path() / temporaryName();
+    const auto rename = placing == Placing::Create ? diskCalls().renameExclusive : diskCalls().rename;
+    try {
+        make(temporary);
+        if (rename(temporary.c_str(), path.c_str()) != 0) {
+            throwFailure(errno, path);
+        }
+    } catch (const std::system_error &failure) {
+        diskCalls().unlink(temporary.c_str());
+        rethrowFor(path, temporary, failure);
+    } catch (...) {
+        diskCalls().unlink(temporary.c_str());
+        throw;
+    }
 }
 
-void createAtomically(const std::filesystem::path &path, std::span<const char> bytes)
+void writeAtomically(const std::filesystem::path &path, std::span<const char> bytes, Durability durability)
 {
-    writeUnderHiddenName(path, bytes, diskCalls().renameExclusive, Durability::Now);
+    place(path, Placing::Replace, [&](const std::filesystem::path &file) { writeNew(file, bytes, durability); });
+}
+
+void createAtomically(const std::filesystem::path &path, std::span<const char> bytes, Durability durability)
+{
+    place(path, Placing::Create, [&](const std::filesystem::path &file) { writeNew(file, bytes, durability); });
 }
 
 void synchroniseVolume(const std::filesystem::path &file)

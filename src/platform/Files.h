@@ -9,6 +9,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <span>
 
@@ -57,6 +58,7 @@ private:
     int m_descriptor = -1;
 };
 
+/// Opens a regular file; anything else, a pipe or a folder, is refused and never waited for.
 [[nodiscard]] Descriptor openForReading(const std::filesystem::path &path);
 /// Reads until `buffer` is full or the file ends; returns the bytes read.
 [[nodiscard]] std::size_t readFully(int descriptor, std::span<char> buffer);
@@ -72,17 +74,28 @@ void synchronise(int descriptor);
 
 /// Makes `folder` and those above it that are missing.
 void makeFolders(const std::filesystem::path &folder);
+/// Returns when the names in `folder` are on the medium, where the file system can do that.
+void synchroniseFolder(const std::filesystem::path &folder);
 
 /// A hidden name, new at each call, for a file or a folder on its way to its final name in the same folder.
 [[nodiscard]] std::filesystem::path temporaryName(const QByteArray &purpose = {});
 /// Whether a writer returns when the medium has the bytes, or leaves that to synchroniseVolume().
 enum class Durability : std::uint8_t { Now, Later };
+enum class Placing : std::uint8_t {
+    Replace, ///< what stands at the name goes
+    Create ///< fails with EEXIST if the name is taken, be it by a dangling link
+};
+using FileMaker = std::function<void(const std::filesystem::path &file)>;
+/// Has `make` write a file of that hidden name beside `path`, and gives it its final name in one step: whatever fails,
+/// no half of a file stands there and none stays hidden. A failure of the system names `path`.
+void place(const std::filesystem::path &path, Placing placing, const FileMaker &make);
 /// Replaces `path` by a file of these bytes in one step: whatever fails, what stands there is the old file or the
 /// complete new one, and no temporary file stays.
 void writeAtomically(
     const std::filesystem::path &path, std::span<const char> bytes, Durability durability = Durability::Now);
 /// The same where nothing may stand yet: fails with EEXIST if the name is taken, be it by a dangling link.
-void createAtomically(const std::filesystem::path &path, std::span<const char> bytes);
+void createAtomically(
+    const std::filesystem::path &path, std::span<const char> bytes, Durability durability = Durability::Now);
 /// Returns when all that was written to the volume of `file` is on the medium; for thousands of small files this takes
 /// a fraction of the time of one call for each. `file` should be one of them, because drivers in user space (FUSE)
 /// write out what they hold only when they are asked for a file; it can be a folder of the volume.

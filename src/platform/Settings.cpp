@@ -1,5 +1,6 @@
 #include "platform/Settings.h"
 
+#include "platform/DiskCalls.h"
 #include "platform/Files.h"
 #include "platform/MarluneError.h"
 
@@ -20,28 +21,44 @@ struct Stored {
     std::filesystem::path file; ///< where the settings lie, links resolved: a link of the user's stays one
     QJsonObject values;
     bool mayBeReplaced = true;
+    QString notice = {}; ///< what the user should know of the file, may be empty
 };
+
+/// Whether surely nothing stands there, not even a link to nothing. A disk that does not answer leaves it open.
+bool isAbsent(const std::filesystem::path &file)
+{
+    std::error_code failure;
+    return std::filesystem::symlink_status(file, failure).type() == std::filesystem::file_type::not_found;
+}
 
 Stored readStored(const std::filesystem::path &file)
 {
-    std::error_code ignored; // a file that does not exist yet has no canonical name
-    const std::filesystem::path target = std::filesystem::canonical(file, ignored);
-    Stored stored {.file = target.empty() ? file : target, .values = {}};
-    const std::optional<QByteArray> bytes = Files::readBelow(stored.file, largestFile);
-    if (!bytes && !Files::exists(stored.file)) {
-        return stored;
+    if (isAbsent(file)) {
+        return {.file = file, .values = {}};
     }
+    std::error_code failure;
+    Stored stored {.file = std::filesystem::canonical(file, failure), .values = {}};
+    if (failure) {
+        stored.file = file;
+    }
+    const std::optional<QByteArray> bytes = failure ? std::nullopt : Files::readBelow(stored.file, largestFile);
     const QJsonDocument document = QJsonDocument::fromJson(bytes.value_or(QByteArray()));
     if (document.isObject()) {
         stored.values = document.object();
         return stored;
     }
-    // Damaged or unreadable: the next change would replace it, so it is set aside.
+    if (!bytes) { // it may be whole, on a disk that does not answer or is not there
+        stored.mayBeReplaced = false;
+        return stored;
+    }
+    // Damaged: the next change would replace it, so it is set aside.
     std::filesystem::path aside = stored.file;
     aside += ".damaged-" + QDateTime::currentDateTimeUtc().toString(QStringLiteral("yyyyMMdd-HHmmsszzz")).toStdString();
-    std::error_code failure;
-    std::filesystem::rename(stored.file, aside, failure);
-    stored.mayBeReplaced = !failure;
+    stored.mayBeReplaced = diskCalls().rename(stored.file.c_str(), aside.c_str()) == 0;
+    if (stored.mayBeReplaced) {
+        stored.notice = QStringLiteral("Plik ustawień był uszkodzony. Jest teraz odłożony obok jako ")
+            + Files::text(aside.filename()) + QStringLiteral(", a program zaczyna od ustawień domyślnych.");
+    }
     return stored;
 }
 
@@ -139,7 +156,7 @@ private:
                 throw MarluneError(
                     QStringLiteral("Pliku ustawień nie można odczytać ani odłożyć: ") + Files::text(m_file));
             }
-            std::filesystem::create_directories(m_file.parent_path());
+            Files::makeFolders(m_file.parent_path());
             const QByteArray bytes = QJsonDocument(values).toJson();
             Files::writeAtomically(m_file, {bytes.constData(), std::size_t(bytes.size())});
             return {};
@@ -165,6 +182,7 @@ Settings::Settings(const std::filesystem::path &file)
 {
     Stored stored = readStored(file);
     m_values = std::move(stored.values);
+    m_notice = std::move(stored.notice);
     m_writer = std::make_unique<Writer>(std::move(stored.file), stored.mayBeReplaced);
 }
 

@@ -2,7 +2,8 @@
 //
 // One JSON file. A change is seen by the next read at once and is handed in the same moment to a writer thread,
 // which replaces the file atomically; the UI thread never waits for the disk. Use from one thread. A file that is
-// damaged or cannot be read is set aside under another name, never overwritten; where that fails, nothing is written.
+// damaged is set aside under another name, never overwritten; where that fails, or where a file that is there cannot be
+// read, nothing is written and each change reports it.
 #pragma once
 
 #include <QJsonObject>
@@ -41,6 +42,8 @@ public:
     void setTextMap(const QString &key, const QMap<QString, QString> &value);
     void remove(const QString &key);
 
+    /// What the user should know of the file as it was found; empty if all is well.
+    [[nodiscard]] QString notice() const { return m_notice; }
     /// Waits until the last change is on the disk.
     void flush();
     /// Called on the writer thread with a reason when a change could not be written; the values stay in memory and
@@ -52,5 +55,6 @@ private:
     void set(const QString &key, const QJsonValue &value);
 
     QJsonObject m_values;
+    QString m_notice;
     std::unique_ptr<Writer> m_writer;
 };

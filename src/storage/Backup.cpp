@@ -89,12 +89,14 @@ void fillBackup(const std::filesystem::path &folder, const std::filesystem::path
     }
 }
 
-/// Brings the new name to the medium at once; by itself it gets there in some seconds. Not every file system can, and
-/// the backup is complete without it.
+/// Brings the new name to the medium at once; by itself it gets there in some seconds, and the backup is complete
+/// without it.
 void synchroniseName(const std::filesystem::path &folder)
 {
-    const Files::Descriptor parent(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    (void)diskCalls().fsync(parent.get());
+    try {
+        Files::synchroniseFolder(folder);
+    } catch (const std::system_error &) { // NOLINT(bugprone-empty-catch): as above
+    }
 }
 
 } // namespace

@@ -33,13 +33,31 @@ FileChanges::~FileChanges()
     }
 }
 
-// A change is noted before it is tried: a call can fail after the disk has done its work.
+// The change of a file that was there is noted before it is tried: a call can fail after the disk has done its work.
 
 void FileChanges::write(const QByteArray &bytes, const std::filesystem::path &file)
 {
     (void)Device::inspect(m_root);
+    if (m_copyOf(file)) {
+        m_tried.push_back(file);
+        writeBytes(bytes, file, m_durability);
+    } else {
+        create(bytes, file);
+    }
+}
+
+/// Replaces nothing: what another program has put there since has no copy, and undoing must not remove it.
+void FileChanges::create(const QByteArray &bytes, const std::filesystem::path &file)
+{
+    try {
+        Files::createAtomically(file, {bytes.constData(), std::size_t(bytes.size())}, m_durability);
+    } catch (const std::system_error &failure) {
+        if (failure.code() != std::errc::file_exists && Files::readBelow(file, bytes.size() + 1) == bytes) {
+            m_tried.push_back(file); // the last call failed after its work was done
+        }
+        throw;
+    }
     m_tried.push_back(file);
-    writeBytes(bytes, file, m_durability);
 }
 
 void FileChanges::remove(const std::filesystem::path &file)

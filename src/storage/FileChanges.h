@@ -28,7 +28,8 @@ public:
     FileChanges(const FileChanges &) = delete;
     FileChanges &operator=(const FileChanges &) = delete;
 
-    /// Both look at the device again first. They throw its MarluneError or the system's failure.
+    /// Both look at the device again first. They throw its MarluneError or the system's failure. A file without a copy
+    /// must not be there: the write fails with EEXIST where one has appeared.
     void write(const QByteArray &bytes, const std::filesystem::path &file);
     void remove(const std::filesystem::path &file);
 
@@ -37,6 +38,7 @@ public:
     void keep();
 
 private:
+    void create(const QByteArray &bytes, const std::filesystem::path &file);
     void putBack(const std::filesystem::path &file) const;
     void synchronise() const;
 

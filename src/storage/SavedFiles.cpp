@@ -22,31 +22,6 @@ namespace {
 }
 
 /// Returns when the names in `folder` are on the medium.
-void synchroniseFolder(const std::filesystem::path &folder)
-{
-    const Files::Descriptor open(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (open.get() < 0) {
-        throwFailure("open", folder, errno);
-    }
-    // EINVAL: some network and FUSE file systems cannot do this to a folder. The files themselves are safe by now.
-    if (diskCalls().fsync(open.get()) != 0 && errno != EINVAL) {
-        throwFailure("fsync", folder, errno);
-    }
-}
-
-/// Makes `folder` and those above it that are missing.
-void makeFolders(const std::filesystem::path &folder)
-{
-    if (folder.empty() || Files::isDirectory(folder)) {
-        return;
-    }
-    makeFolders(folder.parent_path());
-    if (diskCalls().mkdir(folder.c_str(), 0777) != 0 && errno != EEXIST) { // another job may have made it meanwhile
-        throwFailure("mkdir", folder, errno);
-    }
-    synchroniseFolder(folder.parent_path());
-}
-
 Files::Descriptor openRegular(const std::filesystem::path &file)
 {
     // Non-blocking, so that a pipe is refused and not waited for.
@@ -89,7 +64,7 @@ SavedFiles saveFiles(
     std::span<const std::filesystem::path> files, const std::filesystem::path &backupRoot, const SavedNames &names)
 {
     SavedFiles saved {.folder = backupRoot / Files::fromText(names.folderPrefix + newIdentifier()), .copies = {}};
-    makeFolders(saved.folder);
+    Files::makeFolders(saved.folder);
     QJsonObject manifest;
     for (const std::filesystem::path &file : files) {
         const QString name = newIdentifier() + names.fileSuffix;
@@ -100,7 +75,7 @@ SavedFiles saveFiles(
     }
     const QByteArray json = QJsonDocument(manifest).toJson(QJsonDocument::Compact);
     Files::writeAtomically(saved.folder / "manifest.json", {json.constData(), std::size_t(json.size())});
-    synchroniseFolder(saved.folder);
+    Files::synchroniseFolder(saved.folder);
     return saved;
 }
 

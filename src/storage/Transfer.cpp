@@ -5,7 +5,6 @@
 #include "storage/PathSafety.h"
 #include "storage/Writers.h"
 
-#include "platform/DiskCalls.h"
 #include "platform/Files.h"
 #include "platform/MarluneError.h"
 
@@ -61,6 +60,16 @@ struct Destination {
     bool identical = false; ///< the same content stands there already
 };
 
+/// A failure to read names the file: among thousands the user has to find it.
+Sha256::Digest digestOf(const std::filesystem::path &file)
+{
+    try {
+        return Storage::digest(file);
+    } catch (const std::system_error &failure) {
+        throw std::filesystem::filesystem_error("read", file, failure.code());
+    }
+}
+
 /// The first of the names for `source` in `folder` that is free or holds the same content.
 Destination findDestination(
     const std::filesystem::path &source, const std::filesystem::path &folder, const Names &names)
@@ -70,7 +79,7 @@ Destination findDestination(
         if (isSymbolicLink(candidate)) {
             throw MarluneError(QStringLiteral("Plik docelowy jest dowiązaniem symbolicznym."));
         }
-        if (Storage::digest(source) == Storage::digest(candidate)) {
+        if (digestOf(source) == digestOf(candidate)) {
             return {candidate, true};
         }
         candidate = folder / names.numbered(source, number);
@@ -82,18 +91,10 @@ Destination findDestination(
 void copyInto(
     const std::filesystem::path &source, const std::filesystem::path &destination, const std::filesystem::path &root)
 {
-    const std::filesystem::path temporary = destination.parent_path() / Files::temporaryName();
-    try {
-        Storage::copyAudioBytes(source, temporary);
+    Files::place(destination, Files::Placing::Create, [&](const std::filesystem::path &file) {
+        Storage::copyAudioBytes(source, file);
         (void)Device::inspect(root);
-        if (diskCalls().renameExclusive(temporary.c_str(), destination.c_str()) != 0) {
-            const std::error_code failure(errno, std::generic_category());
-            throw std::filesystem::filesystem_error("rename", destination, failure);
-        }
-    } catch (...) {
-        diskCalls().unlink(temporary.c_str());
-        throw;
-    }
+    });
 }
 
 /// A missing source ends the run here, before anything is written. A link counts as itself; it is refused later.

@@ -2,11 +2,7 @@
 
 #include "storage/Blocks.h"
 
-#include "platform/DiskCalls.h"
-
 #include <fcntl.h>
-
-#include <cerrno>
 
 namespace {
 
@@ -45,17 +41,8 @@ void copyAudioBytes(const std::filesystem::path &source, const std::filesystem::
 void copyOver(
     const std::filesystem::path &source, const std::filesystem::path &destination, Files::Durability durability)
 {
-    const std::filesystem::path temporary = destination.parent_path() / Files::temporaryName();
-    try {
-        copyBytes(source, temporary, durability);
-        if (diskCalls().rename(temporary.c_str(), destination.c_str()) != 0) {
-            const std::error_code failure(errno, std::generic_category());
-            throw std::filesystem::filesystem_error("rename", destination, failure);
-        }
-    } catch (...) {
-        diskCalls().unlink(temporary.c_str());
-        throw;
-    }
+    Files::place(destination, Files::Placing::Replace,
+        [&](const std::filesystem::path &file) { copyBytes(source, file, durability); });
 }
 
 } // namespace Storage

@@ -10,20 +10,21 @@
 
 #include "platform/Files.h"
 #include "platform/MarluneError.h"
+#include "platform/SettingsLock.h"
 #include "platform/Volumes.h"
 
 #include <QFontDatabase>
 #include <QGuiApplication>
 #include <QIcon>
 #include <QLibraryInfo>
-#include <QLockFile>
 #include <QQmlApplicationEngine>
 #include <QQuickStyle>
 #include <QStandardPaths>
 #include <QTranslator>
 
-#include <cstdio>
 #include <unistd.h>
+
+#include <cstdio>
 
 // Written by Qt's build for the QML module, which no header declares.
 void qml_register_types_Marlune();
@@ -69,23 +70,19 @@ void translateQt()
     }
 }
 
-/// Held as long as a program works with the settings file: two would overwrite each other's changes.
-class SettingsLock {
-public:
-    explicit SettingsLock(const std::filesystem::path &settingsFile)
-        : m_file(Files::text(settingsFile) + QStringLiteral(".lock"))
-    {
-        std::error_code ignored; // a folder that cannot be written is reported with the first change
-        std::filesystem::create_directories(settingsFile.parent_path(), ignored);
-        m_file.setStaleLockTime(0); // only the end of the process that holds it makes a lock stale
-        if (!m_file.tryLock(0) && m_file.error() == QLockFile::LockFailedError) {
-            throw MarluneError(QStringLiteral("Marlune jest już uruchomione."));
-        }
+/// A program that cannot start says why in a window too: from a desktop nobody sees its standard error.
+int refuse(const QString &reason)
+{
+    std::fprintf(stderr, "marlune: %s\n", AppLocalizer::text(reason).toUtf8().constData());
+    QQmlApplicationEngine engine;
+    prepareEngine(engine, std::make_shared<CoverStore>());
+    engine.setInitialProperties({{QStringLiteral("reason"), reason}});
+    engine.load(QUrl(QStringLiteral("qrc:/qml/Marlune/shell/Refusal.qml")));
+    if (!engine.rootObjects().isEmpty()) {
+        (void)QGuiApplication::exec();
     }
-
-private:
-    QLockFile m_file;
-};
+    return 1;
+}
 
 } // namespace
 
@@ -206,8 +203,7 @@ int run(int argc, char **argv)
         QObject::connect(window, &QQuickWindow::sceneGraphError, window, reportGraphicsFailure);
         return QGuiApplication::exec();
     } catch (const MarluneError &refusal) {
-        std::fprintf(stderr, "marlune: %s\n", AppLocalizer::text(refusal.message()).toUtf8().constData());
-        return 1;
+        return refuse(refusal.message());
     }
 }
 

@@ -24,6 +24,7 @@ ShellPresenter::ShellPresenter(MarluneModel &model, QObject *parent)
     follow(&MarluneModel::progressChanged);
     connect(&m_model, &MarluneModel::sectionChanged, this, &ShellPresenter::sectionChanged);
     connect(&m_model, &MarluneModel::busyChanged, this, &ShellPresenter::noteBusy);
+    connect(&m_model, &MarluneModel::workingChanged, this, &ShellPresenter::closeWhenDone, Qt::QueuedConnection);
     connect(&m_model, &MarluneModel::alertChanged, this, &ShellPresenter::closeWhenDone, Qt::QueuedConnection);
     noteBusy();
     refresh();
@@ -35,8 +36,6 @@ void ShellPresenter::noteBusy()
         m_workTime.start();
     } else {
         m_workTime.invalidate();
-        // The end of a job fills in more than one field; what it has to say comes first.
-        QTimer::singleShot(0, this, &ShellPresenter::closeWhenDone);
     }
     m_change.start();
 }
@@ -148,7 +147,7 @@ void ShellPresenter::openDeviceFolder() const
 
 bool ShellPresenter::requestClose()
 {
-    if (!m_model.busy()) {
+    if (!m_model.working()) {
         return true;
     }
     setClosing(true);
@@ -170,8 +169,8 @@ void ShellPresenter::setClosing(bool closing)
 
 void ShellPresenter::closeWhenDone()
 {
-    // A job's last word is read before the window goes.
-    if (m_closing && !m_model.busy() && !m_model.alert()) {
+    // A job's last word is read before the window goes; its end fills in more than one field, so this comes later.
+    if (m_closing && !m_model.working() && !m_model.alert()) {
         setClosing(false);
         Q_EMIT mayCloseNow();
     }

@@ -104,6 +104,9 @@ TEST(FlacReader, refusesWhatIsNoFlac)
     for (const std::string bytes : {"", "fLa", "fLaX"}) {
         EXPECT_EQ(messageOf([&] { (void)read(bytes); }), "Nieprawidłowy nagłówek FLAC.");
     }
+    const auto zeros = folder.write("zeros.flac", "fLaC"); // empty blocks as far as the file goes
+    std::filesystem::resize_file(zeros, 1'000'000'000'000);
+    EXPECT_EQ(messageOf([&] { (void)AudioInfo::readFLAC(zeros); }), "Nieprawidłowe metadane FLAC.");
     ASSERT_EQ(::mkfifo((folder / "pipe.flac").c_str(), 0600), 0);
     for (const char *name : {".", "missing.flac", "pipe.flac"}) {
         EXPECT_NE(failureOf([&] { (void)AudioInfo::readFLAC(folder / name); }), "") << name;

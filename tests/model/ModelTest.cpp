@@ -261,7 +261,7 @@ private Q_SLOTS:
         model.transferQueue();
         ModelDesk::waitForJobs(model);
         QVERIFY(model.alert().value_or(QString()).startsWith(
-            QStringLiteral("Nie można odczytać obrazu.\n\nCzęść utworów mogła już zostać wgrana.")));
+            QStringLiteral("Nie można odczytać obrazu. (New – Album)\n\nCzęść utworów mogła już zostać wgrana.")));
         QCOMPARE(model.status(), QStringLiteral("Transfer przerwany"));
         QVERIFY(!model.busy() && model.queued().size() == 1);
         QVERIFY(std::filesystem::exists(device.root / "Music/New/Album/1.mp3"));
