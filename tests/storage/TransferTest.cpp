@@ -138,14 +138,6 @@ TEST(Transfer, followsNoLink)
     EXPECT_EQ(desk.music(), (FileMap {{"First/Album/first.flac", "1"}})); // and no hidden rest
 }
 
-TEST(Transfer, refusesAFolderInTheWayOfAFile)
-{
-    const Desk desk;
-    desk.folder.write("IPOD/Music/Artist/Album/a.flac/inside", "x");
-    EXPECT_NE(desk.message({desk.file("a.flac", "1")}), "");
-    EXPECT_EQ(desk.music(), (FileMap {{"Artist/Album/a.flac/inside", "x"}}));
-}
-
 TEST(Transfer, noticesThatTheDeviceIsGoneBetweenTwoFiles)
 {
     const Desk desk;
