@@ -124,19 +124,14 @@ TEST(TrackReader, choosesTheCoverThatStandsNearest)
 TEST(TrackReader, sharesEqualCovers)
 {
     const TemporaryFolder folder;
-    for (const auto &[name, cover] : {std::pair("A/B/1.flac", "cover"), std::pair("C/D/2.flac", "cover"),
-             std::pair("C/D/3.flac", "held"), std::pair("C/D/4.flac", "held")}) {
+    for (const auto &[name, cover] :
+        {std::pair("A/B/1.flac", "cover"), std::pair("C/D/2.flac", "cover"), std::pair("C/D/3.flac", "held")}) {
         folder.write(name, flac({}, cover));
     }
-    folder.write("E/F/5.flac", flac({}));
-    folder.write("E/F/cover.jpg", "cover");
     const std::vector<Track> tracks = read(folder.path());
-    const char *shared = tracks.at(0).artwork->constData();
-    EXPECT_EQ(tracks.at(1).info.picture->constData(), shared);
-    EXPECT_EQ(tracks.at(4).artwork->constData(), shared);
-    for (const std::size_t i : {2U, 3U}) {
-        EXPECT_EQ(tracks.at(i).artwork->constData(), held.constData()) << i;
-    }
+    EXPECT_EQ(tracks.at(1).artwork->constData(), tracks.at(0).artwork->constData());
+    EXPECT_EQ(tracks.at(1).info.picture->constData(), tracks.at(0).artwork->constData());
+    EXPECT_EQ(tracks.at(2).artwork->constData(), held.constData());
 }
 
 TEST(ReadTracks, ordersByPathAndReadsEachFileOnce)

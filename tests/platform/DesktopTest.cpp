@@ -61,17 +61,6 @@ protected:
     std::string m_opened;
 };
 
-// In a child process, since the connection to the session bus is made once in a process.
-TEST_F(DesktopTest, OpensTheFolderWhereThereNeverWasASessionBus)
-{
-    testing::FLAGS_gtest_death_test_style = "threadsafe";
-    const auto revealWithoutBus = [this] {
-        m_bus.stop();
-        return revealingOpensTheFolder();
-    };
-    EXPECT_EXIT(std::_Exit(revealWithoutBus() ? 0 : 1), testing::ExitedWithCode(0), "");
-}
-
 TEST_F(DesktopTest, RevealsInTheFileManagerAndElseOpensTheFolder)
 {
     EXPECT_TRUE(Desktop::open(m_item));

@@ -7,17 +7,12 @@
 
 #include <gtest/gtest.h>
 
-namespace {
-
-const QString oddKey = QStringLiteral("finish-/media/a/IPOD\"") + QChar(u'\0') + QStringLiteral("ż");
-
-} // namespace
-
 TEST(Settings, comeBackAtTheNextStart)
 {
     const TemporaryFolder folder;
     const auto file = folder / "config/Marlune/settings.json";
     const QString plain = QStringLiteral("tileSize");
+    const QString oddKey = QStringLiteral("finish-/media/a/IPOD\"") + QChar(u'\0') + QStringLiteral("ż");
     const QStringList texts {QStringLiteral("/a/ż.mp3"), Files::text(std::string("caf\xE9.mp3")), QString()};
     {
         Settings settings(file);

@@ -100,9 +100,11 @@ protected:
     void SetUp() override
     {
         Volumes::setMountFolders({m_mounts});
-        if (::geteuid() != 0) {
-            GTEST_SKIP() << "mounting needs root";
+        std::filesystem::create_directories(m_mounts);
+        if (::mount("none", m_mounts.c_str(), "tmpfs", 0, "size=1m") != 0) {
+            GTEST_SKIP() << "this process may not mount";
         }
+        ::umount(m_mounts.c_str());
     }
     void TearDown() override
     {

@@ -14,11 +14,9 @@ TEST(DeviceInspection, readsWhatTheFolderSays)
     makeDevice(folder, "media/IPOD/deeper");
     Volumes::setMountFolders({folder / "media"});
     const Device device = Device::inspect(folder / "media/IPOD");
-    EXPECT_EQ(device.root, folder / "media/IPOD");
     EXPECT_EQ(device.name, QStringLiteral("IPOD"));
     EXPECT_EQ(device.version, QStringLiteral("3.15"));
-    EXPECT_GT(device.available, 0);
-    EXPECT_GE(device.total, device.available);
+    EXPECT_TRUE(device.available > 0 && device.total >= device.available);
     EXPECT_TRUE(device.isVolume);
     EXPECT_FALSE(Device::inspect(folder / "media/IPOD/deeper").isVolume);
     Volumes::setMountFolders({});
