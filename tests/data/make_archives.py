@@ -201,6 +201,8 @@ def hostile_structure():
     save("counted-before-end.zip", bytes(hidden.set_end(12, "I", archive.end + 4 - archive.directory).data), BAD)
     save("central-signature.zip", bytes(opened().set_central(0, "I", 0x02014B51).data), BAD)
     save("extra-past-the-end.zip", bytes(opened().set_central(30, "H", 50).data), BAD)
+    unsafe_too = Opened(theme_and("../x")).set_central(30, "H", 50, 3)
+    save("extra-past-the-end-first.zip", bytes(unsafe_too.data), BAD)
     save("name-past-the-file.zip", bytes(opened().set_central(28, "H", 60000).data), BAD)
     save("comment-past-the-end.zip", bytes(opened().set_central(32, "H", 1).data), BAD)
     save("local-signature.zip", bytes(opened().set_local(0, "I", 0x04034B51).data), BAD)

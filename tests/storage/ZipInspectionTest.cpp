@@ -1,4 +1,5 @@
 #include "storage/ZipInspection.h"
+#include "storage/ZipUnpacking.h"
 
 #include "support/Archives.h"
 #include "support/Messages.h"
@@ -74,4 +75,22 @@ TEST(ZipListing, isHeldAgainstItsRulesInTheirOrder)
             << listing;
     }
     EXPECT_EQ(messageOf([&] { Storage::validateZipListing(QStringLiteral("a") + QChar(u'\0')); }), unsafe);
+}
+
+TEST(ZipUnpacking, givesWhatItsOwnerCanReadAndRemove)
+{
+    for (const Archive &archive : archives()) {
+        if (archive.name != "no-permissions.zip" && archive.name != "setuid.zip") {
+            continue;
+        }
+        const TemporaryFolder folder;
+        int items = 0;
+        for (const auto &item :
+            std::filesystem::recursive_directory_iterator(Storage::unpackZip(archive.path, folder.path()))) {
+            const unsigned mode = unsigned(item.status().permissions());
+            EXPECT_EQ(mode & (item.is_directory() ? 07700 : 07600), item.is_directory() ? 0700U : 0600U) << item.path();
+            ++items;
+        }
+        EXPECT_GE(items, 7);
+    }
 }

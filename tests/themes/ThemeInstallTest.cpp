@@ -122,6 +122,29 @@ TEST(ThemeInstall, installsEveryGoodPackageAndLeavesTheDeviceAloneAtEveryOther)
     EXPECT_GE(refused, 80);
 }
 
+TEST(ThemeInstall, returnsWhenAllOfItIsOnTheMedium)
+{
+    static int names = 0;
+    static int unflushed = 0;
+    const InstallDesk desk;
+    desk.fill();
+    {
+        const FailingDisk calls(0); // takes the changes below back
+        diskCalls().rename = [](const char *from, const char *to) {
+            ++names;
+            ++unflushed;
+            return ::rename(from, to);
+        };
+        diskCalls().syncfs = [](int descriptor) {
+            unflushed = 0;
+            return ::syncfs(descriptor);
+        };
+        ASSERT_EQ(desk.failure(archive("zip-9.zip").path), "");
+    }
+    EXPECT_GE(names, 3);
+    EXPECT_EQ(unflushed, 0);
+}
+
 TEST(ThemeInstall, keepsTheNamesAndCountsTheThemes)
 {
     const InstallDesk desk;
@@ -238,6 +261,7 @@ TEST(ThemeInstall, takesTheDisksOwnNamesWhereCaseDoesNotCount)
             failure = desk.failure(archive("odd-names.zip").path);
             reached = FailingDisk::reached();
         }
+        ASSERT_TRUE(reached || failure.empty()) << failure;
         EXPECT_TRUE(desk.holdsWholeBackupOrNone()) << call;
         FileMap after = desk.device();
         if (!failure.empty()) {
