@@ -26,13 +26,6 @@ using Paths = std::vector<std::filesystem::path>;
 /// Bytes. What is larger is no cover to compare with; it is saved all the same before it is replaced.
 constexpr std::int64_t comparedCoverLimit = 50'000'000;
 
-/// Paths with equal keys name one file on a volume with these rules.
-QString keyOf(const std::filesystem::path &path, Volumes::NameRules rules)
-{
-    const QString text = Files::text(path);
-    return rules == Volumes::NameRules::Fat ? text.toCaseFolded() : text;
-}
-
 /// Paths in the order given, each file once.
 class PathSet {
 public:
@@ -43,11 +36,11 @@ public:
 
     [[nodiscard]] bool contains(const std::filesystem::path &path) const
     {
-        return m_keys.contains(keyOf(path, m_rules));
+        return m_keys.contains(volumeKey(path, m_rules));
     }
     void add(const std::filesystem::path &path)
     {
-        if (m_keys.insert(keyOf(path, m_rules)).second) {
+        if (m_keys.insert(volumeKey(path, m_rules)).second) {
             m_paths.push_back(path);
         }
     }
@@ -132,7 +125,7 @@ InstallPlan planInstall(const QByteArray &data, std::span<const std::filesystem:
     std::map<QString, Paths> folders; // the tracks of each
     for (const std::filesystem::path &track : tracks) {
         selected.add(track);
-        folders[keyOf(track.parent_path(), rules)].push_back(track);
+        folders[volumeKey(track.parent_path(), rules)].push_back(track);
     }
     PathSet targets(rules);
     PathSet stale(rules);

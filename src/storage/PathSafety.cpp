@@ -103,6 +103,12 @@ QString volumeName(const QString &name, Volumes::NameRules rules, const QString 
     return result.isEmpty() ? nameless : result;
 }
 
+QString volumeKey(const std::filesystem::path &path, Volumes::NameRules rules)
+{
+    const QString text = Files::text(path);
+    return rules == Volumes::NameRules::Fat ? text.toCaseFolded() : text;
+}
+
 namespace Storage {
 
 bool liesBelow(const std::filesystem::path &path, const std::filesystem::path &root)

@@ -23,6 +23,9 @@
 /// `ending` belongs to the name, but the cut is made before it, so that numbered names stay distinct.
 [[nodiscard]] QString volumeName(const QString &name, Volumes::NameRules rules, const QString &ending = {});
 
+/// Equal for two paths that mean one file on a volume with these rules: on FAT and exFAT case does not count.
+[[nodiscard]] QString volumeKey(const std::filesystem::path &path, Volumes::NameRules rules);
+
 namespace Storage {
 
 /// Whether `path`, with all links on its way resolved, lies below the folder `root`. It need not exist;

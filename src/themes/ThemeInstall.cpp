@@ -29,13 +29,6 @@ struct PackageFile {
     std::filesystem::path target;
 };
 
-/// Equal for paths that mean one file on a volume with these rules.
-QString keyOf(const std::filesystem::path &path, Volumes::NameRules rules)
-{
-    const QString text = Files::text(path);
-    return rules == Volumes::NameRules::Fat ? text.toCaseFolded() : text;
-}
-
 /// All that lies below `folder`, counted from there, a folder before what it holds.
 std::vector<std::filesystem::path> itemsBelow(const std::filesystem::path &folder, std::error_code &failure)
 {
@@ -85,7 +78,7 @@ std::vector<PackageFile> planFiles(const std::filesystem::path &package, Volumes
             continue;
         }
         files.push_back({package / item, deviceName(item, rules)});
-        if (!targets.insert(keyOf(files.back().target, rules)).second) { // one would overwrite the other
+        if (!targets.insert(volumeKey(files.back().target, rules)).second) { // one would overwrite the other
             throw MarluneError(QStringLiteral("Nieprawidłowa lub niebezpieczna paczka ZIP."));
         }
     }
@@ -105,7 +98,7 @@ public:
             throw std::filesystem::filesystem_error("read", m_backup, failure);
         }
         for (std::filesystem::path &item : items) {
-            const QString key = keyOf(item, rules);
+            const QString key = volumeKey(item, rules);
             m_items.emplace(key, std::move(item));
         }
     }
@@ -113,12 +106,12 @@ public:
     /// As the device spells it: where case does not count, a file that is there keeps its letters.
     [[nodiscard]] std::filesystem::path spelling(const std::filesystem::path &target) const
     {
-        const auto found = m_items.find(keyOf(target, m_rules));
+        const auto found = m_items.find(volumeKey(target, m_rules));
         return found == m_items.end() ? target : found->second;
     }
     [[nodiscard]] std::optional<std::filesystem::path> copyOf(const std::filesystem::path &target) const
     {
-        const auto found = m_items.find(keyOf(target, m_rules));
+        const auto found = m_items.find(volumeKey(target, m_rules));
         return found == m_items.end() ? std::nullopt : std::optional(m_backup / found->second);
     }
 

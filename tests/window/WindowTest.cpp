@@ -13,6 +13,7 @@
 #include <QScopeGuard>
 
 #include <set>
+#include <sstream>
 
 namespace {
 
@@ -235,6 +236,37 @@ private Q_SLOTS:
         QCOMPARE(bare, 1); // the album without any cover
         QVERIFY(!std::filesystem::exists(user.device / "Music/Halcyon Ferry/Early Crossings/._02 Gangway.mp3"));
         QTRY_COMPARE(user.shownText("themeCount"), std::string("2 zainstalowanych motywów"));
+    }
+
+    void givesTheDeviceAThemeAndAPlaylistAndKeepsABackup()
+    {
+        NewUser user;
+        MarluneModel &model = user.program.model();
+        user.begin(sample / "Music/Low Tide Almanac");
+        user.clickNamed("transferButton");
+        QTRY_VERIFY_WITH_TIMEOUT(model.alert(), 30'000);
+        user.clickNamed("alertOk");
+        const FileMap before = filesBelow(user.device / ".rockbox");
+        model.installTheme();
+        user.panels.answer({std::filesystem::path(MARLUNE_ARCHIVES) / "plain.zip"});
+        QTRY_COMPARE(user.shownText("themeCount"), std::string("3 zainstalowanych motywów"));
+        QTRY_COMPARE(model.backups().size(), 3U); // of the settings; two of covers were made by the transfer
+        const std::filesystem::path backup = model.backups().at(2);
+        QCOMPARE(fileBytes(backup / "config.cfg"), before.at("config.cfg"));
+        QTRY_VERIFY(user.item("alertOk"));
+        user.clickNamed("alertOk");
+
+        model.setPlaylistName(QStringLiteral("Rejs"));
+        model.makePlaylist();
+        QTRY_COMPARE(user.shownText("statusText"), std::string("Zapisano Rejs.m3u8"));
+        std::istringstream lines(fileBytes(user.device / "Playlists/Rejs.m3u8"));
+        std::string line;
+        QVERIFY(std::getline(lines, line) && line == "#EXTM3U");
+        int tracks = 0;
+        for (; std::getline(lines, line); ++tracks) {
+            QVERIFY2(std::filesystem::is_regular_file(user.device / line.substr(1)), line.c_str());
+        }
+        QCOMPARE(tracks, 8);
     }
 
     void goesOnWhenTheDeviceIsTakenAwayInTheMiddle()
