@@ -1,25 +1,9 @@
-// Any bytes as an archive, and as the list of its names.
+// Any bytes as an archive, and as a name in one.
 #include "FuzzFile.h"
 
 #include "storage/ZipInspection.h"
 
 #include "platform/MarluneError.h"
-
-#include <QStringList>
-
-namespace {
-
-bool passes(const QString &listing)
-{
-    try {
-        Storage::validateZipListing(listing);
-        return true;
-    } catch (const MarluneError &) {
-        return false;
-    }
-}
-
-} // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
@@ -29,16 +13,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         require(size >= 22 + 46 + 1 + 30); // the three records, one of them with a name
     } catch (const MarluneError &) { // no archive, or none that is taken
     }
-
-    const QString listing = QString::fromUtf8(reinterpret_cast<const char *>(data), qsizetype(size));
-    const QStringList names = listing.split(u'\n', Qt::SkipEmptyParts);
-    bool each = !names.isEmpty() && names.size() <= Storage::mostPackageEntries;
-    for (const QString &name : names.first(std::min<qsizetype>(names.size(), Storage::mostPackageEntries))) {
-        const std::filesystem::path inside("/in" / std::filesystem::path(name.toStdString()));
-        const bool leadsOut = !inside.lexically_normal().native().starts_with("/in") || name.startsWith(u'/');
-        require(!leadsOut || !passes(name));
-        each = each && passes(name);
+    const std::string name(reinterpret_cast<const char *>(data), std::find(data, data + size, '\n') - data);
+    try {
+        Storage::validateZipListing(QString::fromStdString(name));
+        const std::filesystem::path inside("/in" / std::filesystem::path(name));
+        require(!name.starts_with('/') && inside.lexically_normal().native().starts_with("/in"));
+    } catch (const MarluneError &) { // leads elsewhere
     }
-    require(passes(listing) == each);
     return 0;
 }

@@ -25,7 +25,7 @@ class ThemeWorkflowTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void installsAPackageAndShowsItsThemesAndTheBackup()
+    void installsAPackageOrTellsThatItWasRefused()
     {
         const ThemeDesk desk;
         desk.model->installTheme(); // on nothing
@@ -33,36 +33,14 @@ private Q_SLOTS:
         desk.select("IPOD");
         desk.model->installTheme();
         QVERIFY(desk.panels.requests.back().archives && !desk.panels.requests.back().multiple);
-        QCOMPARE(desk.panels.requests.back().prompt, QStringLiteral("Zainstaluj motyw"));
-        QVERIFY(!desk.model->busy());
-        desk.answer("plain.zip");
-        QCOMPARE(desk.model->status(), QStringLiteral("Zainstalowano motywy: 1"));
-        QCOMPARE(desk.model->alert().value_or(QString()),
-            QStringLiteral("Motyw został wgrany, a poprzednie ustawienia mają kopię na Macu.\n\nAktywuj go na iPodzie: "
-                           "Settings → Theme Settings → Browse Themes."));
-        QCOMPARE(desk.model->themes().size(), 1U);
-        QCOMPARE(desk.model->backups().size(), 1U);
-        QVERIFY(desk.wasInstalled());
-    }
-
-    void tellsWhyAPackageIsRefused()
-    {
-        const ThemeDesk desk;
-        desk.select("IPOD");
-        for (const char *archive : {"name-parent.zip", "plugin.zip", "missing.zip"}) {
-            desk.model->installTheme();
-            desk.answer(archive);
-            QVERIFY(!desk.model->alert().value_or(QString()).isEmpty());
-            QCOMPARE(desk.model->status(), QStringLiteral("Instalacja motywu przerwana"));
-            desk.model->dismissAlert();
-        }
-        QVERIFY(!desk.wasInstalled());
-        // A file where the folder for backups has to be.
-        std::filesystem::remove_all(desk.folder / "data/Marlune");
-        desk.folder.write("data/Marlune/Backups", "x");
+        desk.answer("name-parent.zip");
+        QVERIFY(desk.model->alert() && !desk.wasInstalled());
+        QCOMPARE(desk.model->status(), QStringLiteral("Instalacja motywu przerwana"));
         desk.model->installTheme();
         desk.answer("plain.zip");
-        QVERIFY(desk.model->alert() && !desk.wasInstalled());
+        QCOMPARE(desk.model->status(), QStringLiteral("Zainstalowano motywy: 1"));
+        QVERIFY(desk.model->alert().value_or(QString()).startsWith(QStringLiteral("Motyw został wgrany")));
+        QVERIFY(desk.wasInstalled() && desk.model->themes().size() == 1 && desk.model->backups().size() == 1);
     }
 
     void dropsAnAnswerThatComesTooLate()
@@ -72,8 +50,7 @@ private Q_SLOTS:
         desk.waitForJobs(*desk.model);
         desk.model->installTheme();
         desk.model->backup();
-        QVERIFY(desk.model->busy());
-        desk.model->installTheme();
+        desk.model->installTheme(); // while busy
         QCOMPARE(desk.panels.requests.size(), 1U);
         desk.answer("plain.zip");
         QCOMPARE(desk.model->status(), QStringLiteral("Kopia ustawień zapisana na Macu"));

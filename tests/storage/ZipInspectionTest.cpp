@@ -8,22 +8,12 @@
 
 #include <sys/stat.h>
 
-namespace {
-
-const std::string bad = "Nieprawidłowa lub niebezpieczna paczka ZIP.";
-
-} // namespace
-
 TEST(ZipInspection, takesEveryGoodArchiveAndRefusesEachHostileOneWithItsReason)
 {
-    int good = 0;
-    int refused = 0;
+    EXPECT_GE(archives().size(), 75U);
     for (const Archive &archive : archives()) {
         EXPECT_EQ(messageOf([&] { Storage::inspectZip(archive.path); }), archive.inspection) << archive.name;
-        ++(archive.inspection.empty() ? good : refused);
     }
-    EXPECT_GE(good, 25);
-    EXPECT_GE(refused, 50);
 }
 
 TEST(ZipInspection, refusesEveryTruncationAndSurvivesEveryChangedByte)
@@ -46,7 +36,8 @@ TEST(ZipInspection, refusesEveryTruncationAndSurvivesEveryChangedByte)
     EXPECT_GT(refused, 300); // signatures, names and lengths; times, checksums and content are not looked at
     for (std::size_t length = whole.size(); length-- > 0;) {
         std::filesystem::resize_file(zip, length);
-        EXPECT_EQ(messageOf([&] { Storage::inspectZip(zip); }), bad) << length;
+        EXPECT_EQ(messageOf([&] { Storage::inspectZip(zip); }), "Nieprawidłowa lub niebezpieczna paczka ZIP.")
+            << length;
     }
 }
 
@@ -63,18 +54,15 @@ TEST(ZipListing, isHeldAgainstItsRulesInTheirOrder)
 {
     const std::string crowded = "Paczka jest pusta lub zawiera zbyt wiele plików.";
     const std::string unsafe = "Paczka ZIP zawiera niebezpieczną ścieżkę.";
-    QString lines = QStringLiteral("a\n\n").repeated(5000);
-    EXPECT_EQ(messageOf([&] { Storage::validateZipListing(lines); }), "");
-    lines += QStringLiteral("../b");
-    EXPECT_EQ(messageOf([&] { Storage::validateZipListing(lines); }), crowded);
-    const std::pair<const char *, std::string> rows[] = {{"", crowded}, {"\n\n", crowded}, {"a\nb/c/", ""},
-        {"a..b/c...\n.../.x/..y", ""}, {"a\n/b", unsafe}, {"a\\b", unsafe}, {"..", unsafe}, {"a/..", unsafe},
-        {"../a", unsafe}, {"a//..//b", unsafe}, {"a\rb", unsafe}, {"a\r\nb", unsafe}, {".", ""}};
+    const QString most = QStringLiteral("a\n\n").repeated(5000);
+    const std::pair<QString, std::string> rows[]
+        = {{most, ""}, {most + QStringLiteral("../b"), crowded}, {{}, crowded}, {QStringLiteral("\n\n"), crowded},
+            {QStringLiteral("a..b/c...\n.../.x/..y\n.\nd/"), ""}, {QStringLiteral("a\n/b"), unsafe},
+            {QStringLiteral("a\\b"), unsafe}, {QStringLiteral(".."), unsafe}, {QStringLiteral("a//..//b"), unsafe},
+            {QStringLiteral("a/.."), unsafe}, {QStringLiteral("a\r\nb"), unsafe}, {QString(QChar(u'\0')), unsafe}};
     for (const auto &[listing, message] : rows) {
-        EXPECT_EQ(messageOf([&, text = listing] { Storage::validateZipListing(QString::fromUtf8(text)); }), message)
-            << listing;
+        EXPECT_EQ(messageOf([&, &text = listing] { Storage::validateZipListing(text); }), message) << listing.left(20);
     }
-    EXPECT_EQ(messageOf([&] { Storage::validateZipListing(QStringLiteral("a") + QChar(u'\0')); }), unsafe);
 }
 
 TEST(ZipUnpacking, givesWhatItsOwnerCanReadAndRemove)
