@@ -60,7 +60,7 @@ TEST(AlbumGrouping, joinsDiscsByFoldersAndTagsAndSortsTheirTracks)
         {{{"R/CD2/2", "Al (CD 2)", "Y", 1}, {"R/CD1/1", "Al (CD 1)", "X", 1}}, "Al Różni wykonawcy 1 2"},
         {{{"R/CD2/2", "Al CD2", "Y", 1}, {"R/CD1/1", "Al", "X", 1}}, "Al Różni wykonawcy 1 2"},
         {{{"R/CD2/2", "A", "Y", 1}, {"R/CD1/1", "B", "X", 1}}, "R Różni wykonawcy 1 2"},
-        {{{"R/CD2/2", "CD2", "Y", 1}, {"R/CD1/1", "CD1", "Y", 1}}, "R Y 1 2"},
+        {{{"R/CD2/2", "CD2 Live", "Y", 1}, {"R/CD1/1", "CD1 Live", "Y", 1}}, "R Y 1 2"},
         {{{"R/CD2/2", "", "Y", 1}, {"R/CD1/1", "", "Y", 1}}, "R Y 1 2"},
         // Sibling folders by their disc tags, also of disc folders that carry numbers.
         {{first, {"R/Two/b", "x (CD 2)", "b", 2}}, "R Różni wykonawcy a b"}, // "X" and "x" are two titles
