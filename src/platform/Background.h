@@ -29,6 +29,10 @@ enum class JobPriority : std::uint8_t {
     UserInitiated, ///< import and transfer
 };
 
+/// Runs `action` on the UI thread later; from any thread. What it needs of an owner it holds as a QPointer, which it
+/// tests there.
+void postToUi(std::function<void()> action);
+
 namespace BackgroundJobs {
 
 [[nodiscard]] QThreadPool &pool(JobPriority priority);
@@ -87,10 +91,6 @@ template <typename Work, typename Result> struct Job {
 
 } // namespace BackgroundJobs
 
-/// Runs `action` on the UI thread later; from any thread. What it needs of an owner it holds as a QPointer, which it
-/// tests there.
-void postToUi(std::function<void()> action);
-
 template <std::invocable Work>
 QCoro::Task<std::invoke_result_t<Work &>> background(Work &work, JobPriority priority = JobPriority::UserInitiated)
 {
@@ -101,7 +101,8 @@ QCoro::Task<std::invoke_result_t<Work &>> background(Work &work, JobPriority pri
     QFuture<void> finished = promise->future();
     auto task = [job, promise] {
         job->run();
-        promise->finish();
+        // From the event loop: the shortest job too lands only when the call that began it has returned.
+        postToUi([promise] { promise->finish(); });
     };
     BackgroundJobs::startOn(BackgroundJobs::pool(priority), std::move(task));
     co_await finished;

@@ -83,6 +83,7 @@ void DesktopScheme::readPortal()
     if (!bus.isConnected()) {
         return;
     }
+    qRegisterMetaType<QDBusVariant>(); // before the first signal that carries one, or it is silently not connected
     bus.connect(portalService, portalPath, portalInterface, QStringLiteral("SettingChanged"), this,
         SLOT(portalChanged(QString, QString, QDBusVariant)));
     qDBusRegisterMetaType<Groups>();
