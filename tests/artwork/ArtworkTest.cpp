@@ -2,7 +2,6 @@
 #include "artwork/Artwork.h"
 #include "platform/Images.h"
 
-#include "support/FailingDisk.h"
 #include "support/Messages.h"
 #include "support/SampleDevice.h"
 
@@ -128,9 +127,6 @@ TEST(Artwork, putsTheWholePictureOnWhite)
     picture.fill(QColor(200, 100, 100));
     picture.setColorSpace(QColorSpace::DisplayP3);
     expectColour(converted(encoded(picture.scaled(700, 700))), {250, 250}, QColor(214, 95, 96));
-    picture.convertTo(QImage::Format_Grayscale8);
-    picture.fill(90);
-    expectColour(converted(encoded(picture.scaled(700, 700))), {250, 250}, QColor(90, 90, 90));
 }
 
 TEST(Artwork, showsAProgressivePictureLikeAnOrdinaryOne)
@@ -181,20 +177,5 @@ TEST(Artwork, findsTheCoversThatRockboxFinds)
         const bool isNone = *name == '-';
         folder.write(name + int(isNone), "");
         EXPECT_EQ(Artwork::externalCoverExists(track), !isNone) << name;
-    }
-}
-
-TEST(Artwork, keepsTheOldImageOrTheNewWhicheverCallFails)
-{
-    for (int failAt = 1, reached = true; reached; ++failAt) {
-        const TemporaryFolder folder;
-        const std::filesystem::path stored = folder.write("Marlune/Artwork/key.jpg", "old");
-        const FailingDisk disk(failAt);
-        const std::string failure
-            = failureOf([&] { (void)Artwork::cache("new", QStringLiteral("key"), folder.path()); });
-        reached = FailingDisk::reached();
-        EXPECT_EQ(failure.empty(), !reached);
-        EXPECT_EQ(fileBytes(stored), reached ? "old" : "new") << failAt;
-        EXPECT_EQ(filesBelow(folder.path()).size(), 1U) << failAt;
     }
 }
