@@ -76,8 +76,10 @@ TEST(Backup, isWholeOrNotThereWhateverHappensAtWhicheverCall)
         for (int failAt = 1, reached = true; reached; ++failAt) {
             const BackupDesk desk;
             const auto plant = [&] {
-                fs::rename(desk.device / "wps/b", desk.device / "moved");
-                fs::create_directory_symlink("../fonts", desk.device / "wps/b");
+                for (const std::string name : {"a", "b"}) { // the one that is copied later is a link by then
+                    fs::rename(desk.device / "wps" / name, desk.device / ("moved " + name));
+                    fs::create_directory_symlink("../fonts", desk.device / "wps" / name);
+                }
             };
             const FailingDisk disk(failAt, EIO, fault, plant);
             const std::string failure = desk.failure();
