@@ -13,7 +13,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         require(size >= 22 + 46 + 1 + 30); // the three records, one of them with a name
     } catch (const MarluneError &) { // no archive, or none that is taken
     }
-    const std::string name(reinterpret_cast<const char *>(data), std::find(data, data + size, '\n') - data);
+    const std::string name(data, std::find(data, data + size, '\n'));
     try {
         Storage::validateZipListing(QString::fromStdString(name));
         const std::filesystem::path inside("/in" / std::filesystem::path(name));

@@ -5,9 +5,8 @@
 #include "support/Eventually.h"
 #include "support/Messages.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
-#include <set>
 
 namespace {
 
@@ -36,16 +35,10 @@ Outcome fetch(const QUrl &url, Http::Redirects redirects = Http::Redirects::Same
 {
     QObject owner;
     Outcome outcome;
-    run({.url = url, .largestBody = largestBody, .silence = 300ms, .patience = 600ms, .redirects = redirects}, &owner,
+    run({.url = url, .largestBody = largestBody, .silence = 500ms, .patience = 2s, .redirects = redirects}, &owner,
         &outcome);
     EXPECT_TRUE(eventually([&] { return outcome.done; }));
     return outcome;
-}
-
-std::set<QByteArray> headers(const QByteArray &head)
-{
-    const QList<QByteArray> lines = head.trimmed().replace("\r\n", "\n").split('\n');
-    return {lines.begin() + 1, lines.end()};
 }
 
 } // namespace
@@ -91,9 +84,11 @@ TEST(Http, tellsNothingOfTheUser)
     for (const std::size_t time : {0U, 1U}) {
         fetch(server.root().resolved(QUrl(QStringLiteral("/a%20b?c=%C4%85"))));
         EXPECT_EQ(server.asked.at(time).target, "/a%20b?c=%C4%85");
-        EXPECT_EQ(headers(server.asked[time].head),
-            (std::set<QByteArray> {"User-Agent: Marlune", "Accept-Language: *", "Accept-Encoding: identity",
-                "Connection: Keep-Alive", "Host: 127.0.0.1:" + QByteArray::number(server.port())}));
+        QList<QByteArray> lines = server.asked[time].head.trimmed().replace("\r\n", "\n").split('\n');
+        lines.removeFirst();
+        EXPECT_THAT(lines,
+            testing::UnorderedElementsAre("User-Agent: Marlune", "Accept-Language: *", "Accept-Encoding: identity",
+                "Connection: Keep-Alive", "Host: 127.0.0.1:" + QByteArray::number(server.port())));
     }
 }
 

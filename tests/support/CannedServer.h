@@ -6,7 +6,6 @@
 #include <QTimer>
 #include <QUrl>
 
-#include <chrono>
 #include <stdexcept>
 #include <vector>
 
@@ -27,7 +26,6 @@ public:
     struct Asked {
         QByteArray target; ///< of the request line: path and query
         QByteArray head; ///< the whole request
-        std::chrono::steady_clock::time_point when;
     };
 
     explicit CannedServer(std::vector<Answer> given)
@@ -70,7 +68,7 @@ private:
         if (!head.endsWith("\r\n\r\n")) {
             return;
         }
-        asked.push_back({head.mid(4, head.indexOf(" HTTP/") - 4), head, std::chrono::steady_clock::now()});
+        asked.push_back({head.mid(4, head.indexOf(" HTTP/") - 4), head});
         const Answer answer = answers.at(std::min(asked.size(), answers.size()) - 1);
         QObject::connect(&socket, &QTcpSocket::bytesWritten, &socket,
             [this, &socket, then = answer.then, left = answer.padding](qint64 bytes) mutable {

@@ -47,8 +47,7 @@ inline QString cataloguePage(const std::vector<CatalogueEntry> &entries)
             page += link + QStringLiteral("<img ") + entry.image + QStringLiteral("></a><br />\n");
         }
         page += QStringLiteral("<small><strong>Submitter:</strong> &nbsp;") + entry.submitter
-            + QStringLiteral("<br />\n<strong>Size:</strong> &nbsp;123.45kB<br />\n<strong>Downloaded:</strong> "
-                             "&nbsp;1234 times</small>\n</td>\n</tr>\n");
+            + QStringLiteral("<br />\n<strong>Size:</strong> &nbsp;123.45kB</small>\n</td>\n</tr>\n");
     }
     return page + QStringLiteral("</table>\n</body></html>\n");
 }

@@ -16,29 +16,24 @@ namespace {
 
 using FileMap = std::map<std::string, std::string>;
 
-/// While it lives, temporary files lie in memory where there is room: the tests below write tens of thousands of them.
-class MemoryDisk {
-public:
-    MemoryDisk()
-    {
-        std::error_code none;
-        if (fs::space("/dev/shm", none).available > std::uintmax_t(2) << 30 && !none) {
-            use("/dev/shm");
-        }
-    }
-    ~MemoryDisk() { ::setenv("TMPDIR", m_before.c_str(), 1); }
-    MemoryDisk(const MemoryDisk &) = delete;
-    MemoryDisk &operator=(const MemoryDisk &) = delete;
+/// Where temporary files go from now on. Returns where they went.
+fs::path setTemporary(const fs::path &folder)
+{
+    fs::path before = fs::temp_directory_path();
+    ::setenv("TMPDIR", folder.c_str(), 1);
+    return before;
+}
 
-    static void use(const fs::path &folder) { ::setenv("TMPDIR", folder.c_str(), 1); }
-
-private:
-    fs::path m_before = fs::temp_directory_path();
-};
+/// In memory where there is room: the tests below write tens of thousands of files.
+bool isRoomInMemory()
+{
+    std::error_code none;
+    return fs::space("/dev/shm", none).available > std::uintmax_t(2) << 30 && !none;
+}
 
 /// A device with a theme of its own, a computer's folder for backups, and a folder for temporary files.
 struct InstallDesk {
-    MemoryDisk memory;
+    fs::path temporary = setTemporary(isRoomInMemory() ? "/dev/shm" : fs::temp_directory_path());
     TemporaryFolder folder;
     fs::path root = folder / "IPOD";
     fs::path backup = folder / "Backups/new";
@@ -49,8 +44,11 @@ struct InstallDesk {
     {
         fs::create_directories(folder / "tmp");
         fs::create_directories(folder / "Backups");
-        MemoryDisk::use(folder / "tmp");
+        setTemporary(folder / "tmp");
     }
+    ~InstallDesk() { setTemporary(temporary); }
+    InstallDesk(const InstallDesk &) = delete;
+    InstallDesk &operator=(const InstallDesk &) = delete;
 
     void fill() const
     {

@@ -5,21 +5,6 @@
 
 #include <gtest/gtest.h>
 
-namespace {
-
-/// The settings in these bytes as "key=value;" each, by key.
-std::string settingsIn(const std::string &bytes)
-{
-    const auto settings = ThemePreview::configurationFrom(QByteArray::fromStdString(bytes));
-    std::string text;
-    for (auto setting = settings.begin(); setting != settings.end(); ++setting) {
-        text += setting.key().toStdString() + "=" + setting.value().toStdString() + ";";
-    }
-    return text;
-}
-
-} // namespace
-
 TEST(Themes, areCfgFilesInTheFileManagersOrder)
 {
     const TemporaryFolder root;
@@ -35,7 +20,6 @@ TEST(Themes, areCfgFilesInTheFileManagersOrder)
     std::string names;
     for (const Theme &theme : Storage::themes(root.path())) {
         names += theme.url.filename().string() + " ";
-        EXPECT_EQ(ThemePreview::configuration(theme.url).size(), 1);
     }
     EXPECT_EQ(names, "a2.cfg a10.CFG B.cfg z\xB1.cfg ");
 }
@@ -54,7 +38,12 @@ TEST(ThemeConfiguration, readsFilesOfTheRealWorld)
         {"a: b\0c"s, "a=b\0c;"s},
     };
     for (const auto &[bytes, settings] : rows) {
-        EXPECT_EQ(settingsIn(bytes), settings);
+        const auto found = ThemePreview::configurationFrom(QByteArray::fromStdString(bytes));
+        std::string text;
+        for (auto setting = found.begin(); setting != found.end(); ++setting) {
+            text += setting.key().toStdString() + "=" + setting.value().toStdString() + ";";
+        }
+        EXPECT_EQ(text, settings);
     }
     const TemporaryFolder folder;
     folder.write("large.cfg", "a: b\n" + std::string(50'000'000, 'x'));
@@ -94,8 +83,5 @@ TEST(ThemePreviews, takeTheBestPictureInTheFirmwaresFolder)
         EXPECT_EQ(preview->playing, place);
         EXPECT_EQ(preview->menu.has_value(), std::string(file).ends_with("wps.bmp")) << file;
     }
-    EXPECT_EQ(look(""), ThemePreview::chosen(root / "own.jpg"));
-    std::filesystem::remove(root / "own.jpg");
-    EXPECT_EQ(look("")->source, QStringLiteral("Zrzut z paczki"));
     EXPECT_EQ(ThemePreview::key({"/a.cfg"}).first(16), QStringLiteral("56710c495a80d919"));
 }
