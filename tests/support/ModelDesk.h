@@ -90,7 +90,7 @@ struct ModelDesk {
     /// Until no job runs and each result has landed.
     static void waitForJobs(const MarluneModel &model)
     {
-        for (int round = 0; round < 3; ++round) {
+        for (int round = 0; round < 8; ++round) { // one job's result may begin the next
             QTRY_VERIFY_WITH_TIMEOUT(!model.busy(), 20'000);
             QVERIFY(BackgroundJobs::drain(std::chrono::seconds(20)));
             QCoreApplication::processEvents();

@@ -128,6 +128,11 @@ TEST(ThemeInstall, returnsWhenAllOfItIsOnTheMedium)
             ++unflushed;
             return ::rename(from, to);
         };
+        diskCalls().renameExclusive = [](const char *from, const char *to) {
+            ++names;
+            ++unflushed;
+            return DiskCalls::system().renameExclusive(from, to);
+        };
         diskCalls().syncfs = [](int descriptor) {
             unflushed = 0;
             return ::syncfs(descriptor);
