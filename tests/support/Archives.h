@@ -11,23 +11,25 @@
 
 struct Archive {
     std::string name;
-    std::filesystem::path path;
     std::string inspection; ///< what the inspection says; "" of a good archive
     std::string installation; ///< what the installation says, "*" where the words are a tool's own
 };
 
+[[nodiscard]] inline std::filesystem::path archive(const char *name)
+{
+    return std::filesystem::path(MARLUNE_ARCHIVES) / name;
+}
+
 /// All of them. Throws where they have not been made.
 inline std::vector<Archive> archives()
 {
-    const std::filesystem::path folder = MARLUNE_ARCHIVES;
-    const std::string manifest = fileBytes(folder / "manifest.json");
+    const std::string manifest = fileBytes(archive("manifest.json"));
     const QJsonObject entries = QJsonDocument::fromJson(QByteArray::fromStdString(manifest)).object();
     std::vector<Archive> result;
     for (auto entry = entries.begin(); entry != entries.end(); ++entry) {
-        const std::string name = entry.key().toStdString();
         const QJsonArray expected = entry.value().toArray();
         result.push_back(
-            {name, folder / name, expected[0].toString().toStdString(), expected[1].toString().toStdString()});
+            {entry.key().toStdString(), expected[0].toString().toStdString(), expected[1].toString().toStdString()});
     }
     return result;
 }

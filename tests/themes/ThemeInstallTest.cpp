@@ -1,5 +1,7 @@
 #include "themes/ThemeInstall.h"
 
+#include "storage/ZipInspection.h"
+
 #include "support/Archives.h"
 #include "support/ExfatVolume.h"
 #include "support/FailingDisk.h"
@@ -8,208 +10,150 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
 namespace fs = std::filesystem;
 
 namespace {
 
 using FileMap = std::map<std::string, std::string>;
-
-/// Where temporary files go from now on. Returns where they went.
-fs::path setTemporary(const fs::path &folder)
-{
-    fs::path before = fs::temp_directory_path();
-    ::setenv("TMPDIR", folder.c_str(), 1);
-    return before;
-}
+using Fault = FailingDisk::Fault;
 
 /// In memory where there is room: the tests below write tens of thousands of files.
-bool isRoomInMemory()
+fs::path quickFolder()
 {
+    static const fs::path own = fs::temp_directory_path();
     std::error_code none;
-    return fs::space("/dev/shm", none).available > std::uintmax_t(2) << 30 && !none;
+    const bool hasRoom = fs::space("/dev/shm", none).available > std::uintmax_t(2) << 30;
+    return hasRoom && !none ? "/dev/shm" : own;
 }
 
-/// A device with a theme of its own, a computer's folder for backups, and a folder for temporary files.
+/// A device with a theme of its own, a computer's folder for backups, and one for temporary files.
 struct InstallDesk {
-    fs::path temporary = setTemporary(isRoomInMemory() ? "/dev/shm" : fs::temp_directory_path());
+    int quick = ::setenv("TMPDIR", quickFolder().c_str(), 1);
     TemporaryFolder folder;
     fs::path root = folder / "IPOD";
-    fs::path backup = folder / "Backups/new";
-    FileMap settings {{"config.cfg", "volume: -20\n"}, {"themes/Dawn.cfg", "old"}, {"wps/Dawn/back.bmp", "old picture"},
-        {"wps/Other.wps", "other"}};
+    FileMap settings {{"themes/Dawn.cfg", "old"}, {"wps/Dawn/back.bmp", "old picture"}};
+    std::string failure; ///< of the last install
 
-    InstallDesk()
+    /// On a device made anew. True if the call that was to fail has been made.
+    bool install(const fs::path &zip, int failAt = 0, Fault fault = Fault::Refused, std::function<void()> event = {})
     {
-        fs::create_directories(folder / "tmp");
+        for (const char *earlier : {"IPOD/.rockbox", "IPOD/gone", "Backups", "tmp"}) {
+            fs::remove_all(folder / earlier);
+        }
         fs::create_directories(folder / "Backups");
-        setTemporary(folder / "tmp");
-    }
-    ~InstallDesk() { setTemporary(temporary); }
-    InstallDesk(const InstallDesk &) = delete;
-    InstallDesk &operator=(const InstallDesk &) = delete;
-
-    void fill() const
-    {
+        fs::create_directories(folder / "tmp");
+        ::setenv("TMPDIR", (folder / "tmp").c_str(), 1);
         makeDevice(folder, "IPOD");
-        folder.write(root / ".rockbox/rocks/x.rock", "code");
         for (const auto &[name, bytes] : settings) {
             folder.write(root / ".rockbox" / name, bytes);
         }
+        before = device();
+        const FailingDisk disk(failAt, failAt % 2 == 0 ? ENOSPC : EIO, fault, std::move(event));
+        failure = failureOf([&] { EXPECT_EQ(Storage::installTheme(zip, root, folder / "Backups/new"), 1); });
+        return FailingDisk::reached();
     }
-    [[nodiscard]] std::string failure(const fs::path &zip) const
+    [[nodiscard]] FileMap device() const { return filesBelow(root / ".rockbox"); }
+    /// The package's files are there, the others and a whole backup of the old ones too; or nothing has changed.
+    void expectAllOrNothing(const std::string &what) const
     {
-        return failureOf([&] { (void)Storage::installTheme(zip, root, backup); });
-    }
-    [[nodiscard]] FileMap device() const { return filesBelow(root); }
-    [[nodiscard]] bool leavesNoScratch() const { return fs::is_empty(folder / "tmp"); }
-    /// Under its final name a backup is complete.
-    [[nodiscard]] bool holdsWholeBackupOrNone() const
-    {
-        if (!fs::exists(backup)) {
-            return true;
+        SCOPED_TRACE(what + ": " + failure);
+        EXPECT_TRUE(fs::is_empty(folder / "tmp"));
+        FileMap saved = filesBelow(folder / "Backups");
+        if (fs::exists(folder / "Backups/new")) {
+            EXPECT_EQ(saved.count("new/README.txt"), 1U);
+            for (const auto &[name, bytes] : settings) {
+                EXPECT_EQ(saved["new/" + name], bytes);
+            }
         }
-        FileMap copied = filesBelow(backup);
-        return copied.erase("README.txt") == 1 && copied == settings;
+        FileMap after = device();
+        if (failure.empty()) {
+            EXPECT_FALSE(saved.empty());
+            const std::string theme = settings.begin()->first;
+            const std::string picture = settings.rbegin()->first;
+            EXPECT_EQ(std::exchange(after[theme], before.at(theme)), "wps: /.rockbox/wps/Dawn.wps\n");
+            EXPECT_EQ(std::exchange(after[picture], before.at(picture)).size(), 9U * 256);
+            std::erase_if(after, [&](const auto &file) { return !before.contains(file.first); });
+        }
+        EXPECT_TRUE(after == before);
     }
+
+    FileMap before; ///< what the device held before the last install
 };
 
-Archive archive(const std::string &name)
+/// With the n-th disk call at fault, for each n.
+void installWithFaults(InstallDesk &desk)
 {
-    for (const Archive &known : archives()) {
-        if (known.name == name) {
-            return known;
+    for (const Fault fault : {Fault::Refused, Fault::Late}) {
+        int call = 1;
+        while (desk.install(archive("odd-names.zip"), call, fault)) {
+            desk.expectAllOrNothing("call " + std::to_string(call));
+            ++call;
         }
+        EXPECT_EQ(desk.failure, "");
+        EXPECT_GT(call, 50);
+        EXPECT_EQ(desk.device().size(), desk.before.size() + 5);
     }
-    throw std::runtime_error("no archive " + name);
 }
 
 } // namespace
 
 TEST(ThemeInstall, installsEveryGoodPackageAndLeavesTheDeviceAloneAtEveryOther)
 {
+    InstallDesk desk;
+    ASSERT_GE(archives().size(), 100U);
     for (const Archive &package : archives()) {
-        const InstallDesk desk;
-        desk.fill();
-        const FileMap before = desk.device();
-        const std::string failure = desk.failure(package.path);
-        EXPECT_TRUE(package.installation == "*" ? !failure.empty() : failure == package.installation)
-            << package.name << ": " << failure;
-        EXPECT_TRUE(desk.leavesNoScratch()) << package.name;
-        if (!failure.empty()) {
-            EXPECT_TRUE(fs::is_empty(desk.folder / "Backups")) << package.name;
-            EXPECT_TRUE(desk.device() == before) << package.name;
-            continue;
-        }
-        EXPECT_FALSE(fs::is_empty(desk.folder / "Backups")) << package.name;
-        EXPECT_TRUE(desk.holdsWholeBackupOrNone()) << package.name;
-        FileMap after = desk.device();
-        EXPECT_EQ(after.at(".rockbox/themes/Dawn.cfg"), "wps: /.rockbox/wps/Dawn.wps\n") << package.name;
-        EXPECT_EQ(after.at(".rockbox/wps/Dawn/back.bmp").size(), 9U * 256) << package.name;
-        for (const char *theirs : {"config.cfg", "wps/Other.wps", "rocks/x.rock", "rockbox-info.txt"}) {
-            const std::string name = std::string(".rockbox/") + theirs;
-            EXPECT_EQ(after.at(name), before.at(name)) << package.name;
-        }
+        const fs::path zip = archive(package.name.c_str());
+        EXPECT_EQ(messageOf([&] { Storage::inspectZip(zip); }), package.inspection) << package.name;
+        desk.install(zip);
+        desk.expectAllOrNothing(package.name);
+        const bool foretold
+            = package.installation == "*" ? !desk.failure.empty() : desk.failure == package.installation;
+        EXPECT_TRUE(foretold) << package.name << ": " << desk.failure;
+        EXPECT_EQ(fs::is_empty(desk.folder / "Backups"), !desk.failure.empty()) << package.name;
     }
-    EXPECT_GE(archives().size(), 100U);
 }
 
-TEST(ThemeInstall, returnsWhenAllOfItIsOnTheMedium)
+TEST(ThemeInstall, changesAllOrNothingWhicheverDiskCallFails)
 {
-    static int names = 0;
-    static int unflushed = 0;
-    const InstallDesk desk;
-    desk.fill();
-    {
-        const FailingDisk calls(0); // takes the changes below back
-        diskCalls().rename = [](const char *from, const char *to) {
-            ++names;
-            ++unflushed;
-            return ::rename(from, to);
-        };
-        diskCalls().renameExclusive = [](const char *from, const char *to) {
-            ++names;
-            ++unflushed;
-            return DiskCalls::system().renameExclusive(from, to);
-        };
-        diskCalls().syncfs = [](int descriptor) {
-            unflushed = 0;
-            return ::syncfs(descriptor);
-        };
-        ASSERT_EQ(desk.failure(archive("zip-9.zip").path), "");
-    }
-    EXPECT_GE(names, 3);
-    EXPECT_EQ(unflushed, 0);
-}
-
-TEST(ThemeInstall, keepsTheNamesAndCountsTheThemes)
-{
-    const InstallDesk desk;
-    desk.fill();
-    const FileMap before = desk.device();
-    ASSERT_EQ(desk.failure(archive("odd-names.zip").path), "");
+    InstallDesk desk;
+    installWithFaults(desk);
     FileMap after = desk.device();
     for (const auto &[name, bytes] : {std::pair("[a]*?.bmp", "1"), {"-o", "2"}, {"x;1", "3"}, {"x;2", "4"}}) {
-        EXPECT_EQ(after[std::string(".rockbox/wps/") + name], bytes);
+        EXPECT_EQ(after[std::string("wps/") + name], bytes);
     }
-    EXPECT_EQ(after.size(), before.size() + 5); // Dawn.wps is new too
-    EXPECT_EQ(Storage::installTheme(archive("letters.zip").path, desk.root, desk.folder / "Backups/2"), 1);
-    EXPECT_TRUE(desk.device().contains(".rockbox/wps/Żółw 😀.bmp"));
-    EXPECT_EQ(desk.failure(archive("plain.zip").path), "Folder kopii już istnieje.");
-    EXPECT_EQ(messageOf([&] {
-        (void)Storage::installTheme(archive("plain.zip").path, desk.folder.path(), desk.folder / "Backups/3");
-    }),
-        "Ten folder nie zawiera katalogu .rockbox.");
 }
 
-TEST(ThemeInstall, changesAllOrNothingWhateverHappensAtWhicheverCall)
+TEST(ThemeInstall, takesTheDisksOwnNamesWhereCaseDoesNotCount)
 {
-    using Fault = FailingDisk::Fault;
+    InstallDesk desk;
+    desk.settings = {{"themes/DAWN.cfg", "old"}, {"wps/dawn/Back.BMP", "old picture"}};
+    const ExfatVolume disk(desk.root);
+    if (!disk.available()) {
+        GTEST_SKIP() << disk.reason();
+    }
+    installWithFaults(desk);
+    EXPECT_EQ(desk.device()["wps/[a]__.bmp"], "1");
+}
+
+TEST(ThemeInstall, followsNoLinkAndReplacesNothingUnsavedThatAppearsMeanwhile)
+{
+    InstallDesk desk;
+    const fs::path target = desk.root / ".rockbox/wps/Dawn.wps";
+    const fs::path precious = desk.folder.write("precious", "precious");
+    const auto plantLink = [&] {
+        fs::remove(target);
+        fs::create_symlink(precious, target);
+    };
+    const auto plantFile = [&] { desk.folder.write(target, "appeared"); };
+    const auto takeAway = [&] { fs::rename(desk.root / ".rockbox", desk.root / "gone"); };
     std::map<std::string, int> seen;
-    for (const std::string what : {"refused", "late", "link", "file", "no device"}) {
-        const Fault fault = what == "refused" ? Fault::Refused : what == "late" ? Fault::Late : Fault::Event;
-        bool reached = true;
-        for (int call = 1; reached; ++call) {
-            const InstallDesk desk;
-            desk.fill();
-            desk.folder.write("precious", "precious");
-            const fs::path target = desk.root / ".rockbox/wps/Dawn.wps";
-            const FileMap before = desk.device();
-            const auto plant = [&] {
-                if (what == "link") {
-                    fs::remove(target);
-                    fs::create_symlink(desk.folder / "precious", target);
-                } else if (what == "file") {
-                    desk.folder.write(target, "appeared");
-                } else {
-                    fs::rename(desk.root / ".rockbox", desk.root / "gone");
-                }
-            };
-            std::string failure;
-            {
-                const FailingDisk disk(call, call % 2 == 0 ? ENOSPC : EIO, fault, plant);
-                failure = desk.failure(archive("zip-9.zip").path);
-                reached = FailingDisk::reached();
-            }
-            ++seen[failure];
-            const auto context = testing::Message() << what << call << ": " << failure;
-            EXPECT_EQ(fileBytes(desk.folder / "precious"), "precious") << context;
-            EXPECT_TRUE(desk.leavesNoScratch()) << context;
-            EXPECT_TRUE(fault == Fault::Event || desk.holdsWholeBackupOrNone()) << context;
-            ASSERT_TRUE(reached || failure.empty()) << context;
-            if (what == "no device") {
-                continue;
-            }
-            FileMap after = desk.device();
-            if (failure.empty()) {
-                EXPECT_EQ(after[".rockbox/themes/Dawn.cfg"], "wps: /.rockbox/wps/Dawn.wps\n") << context;
-            } else {
-                // What appeared stays, save where it did so between the last look at its name and the renaming.
-                if (fault == Fault::Event) {
-                    after.erase(".rockbox/wps/Dawn.wps");
-                }
-                EXPECT_TRUE(after == before) << context;
+    for (const std::function<void()> &event : std::vector<std::function<void()>> {plantLink, plantFile, takeAway}) {
+        for (int call = 1; desk.install(archive("zip-9.zip"), call, Fault::Event, event); ++call) {
+            ++seen[desk.failure];
+            EXPECT_EQ(fileBytes(precious), "precious");
+            fs::remove(target); // what was planted is there, or was replaced where it came behind the last look
+            if (fs::exists(desk.root / ".rockbox")) {
+                desk.expectAllOrNothing("call " + std::to_string(call));
             }
         }
     }
@@ -219,38 +163,18 @@ TEST(ThemeInstall, changesAllOrNothingWhateverHappensAtWhicheverCall)
     }
 }
 
-TEST(ThemeInstall, takesTheDisksOwnNamesWhereCaseDoesNotCount)
+TEST(ThemeInstall, returnsWhenAllOfItIsOnTheMedium)
 {
+    static int unflushed = 0;
+    static bool flushed = false;
     InstallDesk desk;
-    const ExfatVolume disk(desk.root);
-    if (!disk.available()) {
-        GTEST_SKIP() << disk.reason();
-    }
-    desk.settings = {{"themes/DAWN.cfg", "old"}, {"wps/dawn/Back.BMP", "old picture"}};
-    const FileMap before {{".rockbox/themes/DAWN.cfg", "old"}, {".rockbox/wps/dawn/Back.BMP", "old picture"}};
-    bool reached = true;
-    for (int call = 1; reached; ++call) {
-        fs::remove_all(desk.root / ".rockbox");
-        fs::remove_all(desk.backup);
-        for (const auto &[name, bytes] : before) {
-            desk.folder.write(desk.root / name, bytes);
-        }
-        std::string failure;
-        {
-            const FailingDisk failing(call);
-            failure = desk.failure(archive("odd-names.zip").path);
-            reached = FailingDisk::reached();
-        }
-        ASSERT_TRUE(reached || failure.empty()) << failure;
-        EXPECT_TRUE(desk.holdsWholeBackupOrNone()) << call;
-        FileMap after = desk.device();
-        if (!failure.empty()) {
-            EXPECT_TRUE(after == before) << call;
-            continue;
-        }
-        EXPECT_EQ(after[".rockbox/themes/DAWN.cfg"], "wps: /.rockbox/wps/Dawn.wps\n");
-        EXPECT_EQ(after[".rockbox/wps/dawn/Back.BMP"].size(), 9U * 256);
-        EXPECT_EQ(after[".rockbox/wps/[a]__.bmp"], "1");
-        EXPECT_EQ(after.size(), before.size() + 5);
-    }
+    desk.install(archive("zip-9.zip"), 1, Fault::Event, [] {
+        diskCalls().rename = [](const char *from, const char *to) { return ++unflushed, ::rename(from, to); };
+        diskCalls().syncfs = [](int descriptor) {
+            flushed = std::exchange(unflushed, 0) > 0;
+            return ::syncfs(descriptor);
+        };
+    });
+    EXPECT_EQ(desk.failure, "");
+    EXPECT_TRUE(flushed && unflushed == 0);
 }
