@@ -146,6 +146,7 @@ private Q_SLOTS:
         *desk.found = {device};
         const auto model = desk.start();
         QVERIFY(shows(*model, other));
+        desk.settings.flush(); // no thread writes while the calls are exchanged
         const FailingDisk disk(1, EIO, FailingDisk::Fault::Dead);
         choose(*model, front);
         desk.waitForJobs(*model);
