@@ -149,7 +149,7 @@ void MarluneModel::forgetThemePreviews()
         Q_EMIT themePreviewsChanged();
     }
     setThemePreviewStatus({});
-    ++m_previewGeneration;
+    m_previewRequest.reset();
 }
 
 void MarluneModel::setThemePreviewStatus(const QString &status)

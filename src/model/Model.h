@@ -342,7 +342,7 @@ private:
     QString m_themePreviewStatus;
     int m_previewChoices = 0;
     QHash<QString, int> m_newestPreviewChoice; ///< by the theme's key, of those that were pictures
-    int m_previewGeneration = 0; ///< another one once the previews of another device are wanted
+    std::unique_ptr<QObject> m_previewRequest; ///< owns the exchange with the catalogue; its end ends that
     QUuid m_contentGeneration; ///< of the reading that may land
     std::stop_source m_contentReading; ///< ends that reading early
     QString m_playlistName = QStringLiteral("Moja playlista");

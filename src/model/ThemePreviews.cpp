@@ -14,16 +14,17 @@ void MarluneModel::fetchThemePreviews()
 QCoro::Task<> MarluneModel::runPreviewFetch()
 {
     const QPointer<MarluneModel> self(this);
-    const int generation = m_previewGeneration;
+    m_previewRequest = std::make_unique<QObject>(); // the end of one before it
+    const QPointer<QObject> request(m_previewRequest.get());
     const QString target = m_content.deviceInfo.value(QStringLiteral("Target"), Catalogue::defaultTarget());
     std::optional<ThemePreview::ByTheme> found;
     try {
-        auto fetch = ThemePreview::catalog(m_content.themes, target, m_environment.themeSite, *this);
+        auto fetch = ThemePreview::catalog(m_content.themes, target, m_environment.themeSite, *request);
         found = co_await fetch;
     } catch (const std::exception &) {
         found.reset(); // the user need not know why
     }
-    if (!self || m_previewGeneration != generation) {
+    if (!self || !request) { // previews of another device are wanted by now, or the same once more
         co_return;
     }
     if (found) {
