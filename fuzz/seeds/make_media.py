@@ -7,11 +7,11 @@ MEDIA = os.path.join(HERE, "..", "..", "tests", "data", "media")
 EXTENSIONS = [".mp3", ".flac", ".m4a", ".aac", ".ogg", ".opus", ".wav", ".aiff", ".aif", ".alac", ".ape", ".wv", ".mpc", ""]
 LARGEST = 6500
 
-os.makedirs(os.path.join(HERE, "media"), exist_ok=True)
+os.makedirs(os.path.join(HERE, "media_items"), exist_ok=True)
 for name in sorted(os.listdir(MEDIA)):
     extension = os.path.splitext(name)[1]
     if extension in EXTENSIONS:
         with open(os.path.join(MEDIA, name), "rb") as file:
             seed = bytes([EXTENSIONS.index(extension)]) + file.read()[:LARGEST]
-        with open(os.path.join(HERE, "media", name.replace(".", "-")), "wb") as file:
+        with open(os.path.join(HERE, "media_items", name.replace(".", "-")), "wb") as file:
             file.write(seed)
