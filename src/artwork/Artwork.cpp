@@ -57,9 +57,14 @@ bool externalCoverExists(const Track &track)
     const auto besideTrack = [&track](const char *extension) {
         return Files::exists(std::filesystem::path(track.url).replace_extension(extension));
     };
-    const auto inFolder = [folder = track.url.parent_path()](const char *name) { return Files::exists(folder / name); };
     return std::any_of(sidecarExtensions.begin(), sidecarExtensions.end(), besideTrack)
-        || std::any_of(folderCoverNames.begin(), folderCoverNames.end(), inFolder);
+        || folderCoverExists(track.url.parent_path());
+}
+
+bool folderCoverExists(const std::filesystem::path &folder)
+{
+    return std::any_of(folderCoverNames.begin(), folderCoverNames.end(),
+        [&folder](const char *name) { return Files::exists(folder / name); });
 }
 
 QByteArray baselineJPEG(const QByteArray &data)

@@ -1,7 +1,8 @@
 // Covers: the private store of chosen images, and what Rockbox can show.
 //
 // Rockbox shows JPEG and BMP files of modest size, and cannot decode progressive JPEG. No state; blocking; any thread,
-// but baselineJPEG() is too heavy for the UI's. compatibilityIssue() and externalCoverExists() do not fail.
+// but baselineJPEG() is too heavy for the UI's. compatibilityIssue() and the two that ask
+// whether a cover exists do not fail.
 #pragma once
 
 #include "library/Track.h"
@@ -27,6 +28,8 @@ std::filesystem::path cache(const QByteArray &data, const QString &key, const st
 
 /// Whether a file that Rockbox takes for this track's cover stands beside it.
 [[nodiscard]] bool externalCoverExists(const Track &track);
+/// The half of that question which has one answer for all music in `folder`.
+[[nodiscard]] bool folderCoverExists(const std::filesystem::path &folder);
 
 /// The whole image on a white square of 500 pixels, as the one form that is always safe. Throws MarluneError.
 [[nodiscard]] QByteArray baselineJPEG(const QByteArray &data);

@@ -127,18 +127,36 @@ MarluneModel::Derived &MarluneModel::derived() const
     return m_derived;
 }
 
+const AlbumList &MarluneModel::everyAlbum() const
+{
+    Derived &kept = derived();
+    if (!kept.grouped) {
+        kept.grouped.emplace();
+        for (Album &album : AlbumGrouping::albums(activeTracks())) {
+            kept.grouped->push_back(std::make_shared<const Album>(std::move(album)));
+        }
+    }
+    return *kept.grouped;
+}
+
+std::shared_ptr<const Album> MarluneModel::albumWith(const QUuid &trackId) const
+{
+    const auto isTheTrack = [&](const Track &track) { return track.id == trackId; };
+    for (const std::shared_ptr<const Album> &album : everyAlbum()) {
+        if (std::any_of(album->tracks.begin(), album->tracks.end(), isTheTrack)) {
+            return album;
+        }
+    }
+    return nullptr;
+}
+
 std::shared_ptr<const AlbumList> MarluneModel::albums() const
 {
     Derived &kept = derived();
     if (!kept.albums) {
-        if (!kept.grouped) {
-            kept.grouped.emplace();
-            for (Album &album : AlbumGrouping::albums(activeTracks())) {
-                kept.grouped->push_back(std::make_shared<const Album>(std::move(album)));
-            }
-        }
+        const AlbumList &all = everyAlbum();
         AlbumList shown;
-        std::copy_if(kept.grouped->begin(), kept.grouped->end(), std::back_inserter(shown), [this](const auto &album) {
+        std::copy_if(all.begin(), all.end(), std::back_inserter(shown), [this](const auto &album) {
             return std::any_of(
                 album->tracks.begin(), album->tracks.end(), [this](const Track &track) { return matches(track); });
         });

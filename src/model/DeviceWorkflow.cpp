@@ -128,6 +128,9 @@ void MarluneModel::setTransferred(std::vector<std::filesystem::path> files)
 void MarluneModel::clearDeviceMusic()
 {
     setTransferred({});
+    if (m_libraryOnDevice) {
+        forgetDuplicates();
+    }
     m_deviceTracks.clear();
     m_selectedOnDevice.clear();
     tracksWereChanged();

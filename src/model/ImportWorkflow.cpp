@@ -157,6 +157,7 @@ void MarluneModel::scanDeviceMusic()
     m_deviceTracks.clear();
     m_selectedOnDevice.clear();
     setLibraryOnDevice(true);
+    forgetDuplicates();
     tracksWereChanged();
     Q_EMIT selectionChanged();
     beginImport([root = m_device->root] { return deviceMusicFolders(root); }, true, false);

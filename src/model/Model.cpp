@@ -9,7 +9,6 @@
 
 namespace {
 
-const QString duplicatesUnchecked = QStringLiteral("Duplikaty nie zostały jeszcze sprawdzone.");
 constexpr double defaultTileSize = 170;
 constexpr std::chrono::seconds drainPatience {3};
 
@@ -18,8 +17,8 @@ constexpr std::chrono::seconds drainPatience {3};
 MarluneModel::MarluneModel(ModelEnvironment environment, QObject *parent)
     : QObject(parent)
     , m_environment(std::move(environment))
-    , m_duplicateStatus(duplicatesUnchecked)
 {
+    forgetDuplicates();
     Settings &settings = m_environment.settings;
     m_viewMode = settings.text(QStringLiteral("viewMode")).value_or(QStringLiteral("Albumy"));
     m_sortMode = settings.text(QStringLiteral("sortMode")).value_or(QStringLiteral("Wykonawca"));
@@ -48,6 +47,7 @@ MarluneModel::~MarluneModel()
 {
     m_environment.settings.onWriteFailure({});
     m_contentReading.request_stop();
+    m_duplicateCheck.request_stop();
     (void)BackgroundJobs::drain(drainPatience);
 }
 
@@ -142,12 +142,4 @@ void MarluneModel::setChoice(const QString &prefix, const QString &id)
         m_environment.settings.setText(key, id);
     }
     Q_EMIT appearanceChanged();
-}
-
-void MarluneModel::forgetDuplicates()
-{
-    if (m_duplicateStatus != duplicatesUnchecked) {
-        m_duplicateStatus = duplicatesUnchecked;
-        Q_EMIT duplicateStatusChanged();
-    }
 }

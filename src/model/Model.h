@@ -10,6 +10,8 @@
 #include "model/DeviceContent.h"
 #include "model/Section.h"
 
+#include "quality/QualityIssue.h"
+
 #include "storage/Device.h"
 
 #include "platform/Background.h"
@@ -67,6 +69,7 @@ class MarluneModel : public QObject {
     Q_PROPERTY(QString viewMode READ viewMode WRITE setViewMode NOTIFY viewModeChanged)
     Q_PROPERTY(QString sortMode READ sortMode WRITE setSortMode NOTIFY sortModeChanged)
     Q_PROPERTY(double tileSize READ tileSize WRITE setTileSize NOTIFY tileSizeChanged)
+    Q_PROPERTY(QString duplicateStatus READ duplicateStatus NOTIFY duplicateStatusChanged)
     Q_PROPERTY(QString playlistName READ playlistName WRITE setPlaylistName NOTIFY playlistNameChanged)
 
 public:
@@ -133,12 +136,21 @@ public:
     void importURLs(const std::vector<std::filesystem::path> &urls, bool fromDevice, bool enqueue);
     /// Reads the music of the selected device.
     Q_INVOKABLE void scanDeviceMusic();
+
+    // Collection quality.
+    /// Files of the active tracks that are identical, as the last check found them.
+    [[nodiscard]] const std::vector<QualityIssue> &duplicateIssues() const { return m_duplicateIssues; }
     [[nodiscard]] QString duplicateStatus() const { return m_duplicateStatus; }
+    /// Compares the active tracks' files by their content, which takes minutes on a device. What a check finds about
+    /// tracks that are not shown any more by then is dropped.
+    Q_INVOKABLE void checkDuplicates();
 
     // Browsing. The derived lists are kept while nothing that they depend on changes.
     [[nodiscard]] const std::vector<Track> &activeTracks() const;
     [[nodiscard]] bool matches(const Track &track) const;
     [[nodiscard]] std::shared_ptr<const AlbumList> albums() const;
+    /// The album of the active tracks, filtered out or not, that holds a track of this id.
+    [[nodiscard]] std::shared_ptr<const Album> albumWith(const QUuid &trackId) const;
     [[nodiscard]] std::shared_ptr<const std::vector<Track>> filteredTracks() const;
     /// The number of filteredTracks(), without making the list.
     [[nodiscard]] std::size_t filteredTrackCount() const;
@@ -191,8 +203,8 @@ public:
 
     // Progress and messages.
     [[nodiscard]] bool busy() const { return m_busy; }
-    /// Whether something is being written that the end of the program would cut off.
-    [[nodiscard]] bool working() const { return m_busy || m_writingPlaylist; }
+    /// Whether something is under way that the end of the program would cut off; a check for duplicates only reads.
+    [[nodiscard]] bool working() const { return (m_busy && !m_checkingDuplicates) || m_writingPlaylist; }
     [[nodiscard]] double progress() const { return m_progress; }
     [[nodiscard]] QString status() const { return m_status; }
     [[nodiscard]] const std::optional<QString> &alert() const { return m_alert; }
@@ -230,6 +242,7 @@ Q_SIGNALS:
     void openAlbumChanged();
     /// The queue or the selection on the device changed.
     void selectionChanged();
+    void duplicateIssuesChanged();
     void duplicateStatusChanged();
     void busyChanged();
     void workingChanged();
@@ -266,6 +279,7 @@ private:
     void forgetThemePreviews();
     void abandonDeviceContent();
     void setChoice(const QString &prefix, const QString &id);
+    void setDuplicates(std::vector<QualityIssue> issues, const QString &status);
     void forgetDuplicates();
     void tracksWereChanged();
     void browsingWasChanged();
@@ -289,6 +303,7 @@ private:
     void beginImport(ImportSource source, bool fromDevice, bool enqueue);
     QCoro::Task<> runImport(ImportSource source, bool fromDevice, bool enqueue);
     QCoro::Task<> runCleanup(Device device);
+    QCoro::Task<> runDuplicateCheck(std::vector<Track> tracks);
     QCoro::Task<> runTransfer(std::shared_ptr<const TransferPlan> plan);
     QCoro::Task<> runPlaylist(std::filesystem::path root);
     QCoro::Task<> runBackup(std::filesystem::path root, std::filesystem::path destination);
@@ -320,6 +335,7 @@ private:
         int language = -1;
     };
     [[nodiscard]] Derived &derived() const;
+    [[nodiscard]] const AlbumList &everyAlbum() const;
 
     ModelEnvironment m_environment;
     Section m_section = Section::Music;
@@ -335,7 +351,10 @@ private:
     double m_progress = 0;
     QString m_status = QStringLiteral("Gotowy na Twoją muzykę");
     std::optional<QString> m_alert;
+    std::vector<QualityIssue> m_duplicateIssues;
     QString m_duplicateStatus;
+    std::stop_source m_duplicateCheck; ///< ends the present check early; its results are of no use then
+    bool m_checkingDuplicates = false;
     std::vector<std::filesystem::path> m_backups;
     std::vector<std::filesystem::path> m_transferred;
     DeviceContent m_content;

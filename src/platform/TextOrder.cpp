@@ -1,12 +1,16 @@
 #include "platform/TextOrder.h"
 
-#include <QLocale>
-
 #include <atomic>
 
 namespace {
 
 std::atomic<TextOrder::Language> currentLanguage = TextOrder::Language::Polish;
+
+QLocale localeOf(TextOrder::Language language)
+{
+    return language == TextOrder::Language::Polish ? QLocale(QLocale::Polish, QLocale::Poland)
+                                                   : QLocale(QLocale::English, QLocale::UnitedStates);
+}
 
 /// A collator is not shared between threads, so each thread keeps one for the language it last saw.
 const QCollator &collator()
@@ -17,9 +21,7 @@ const QCollator &collator()
     };
     const auto make = [](TextOrder::Language language) {
         // An explicit locale: the C locale's collation does not compare digits by value.
-        const bool polish = language == TextOrder::Language::Polish;
-        QCollator result(
-            polish ? QLocale(QLocale::Polish, QLocale::Poland) : QLocale(QLocale::English, QLocale::UnitedStates));
+        QCollator result(localeOf(language));
         result.setNumericMode(true);
         result.setCaseSensitivity(Qt::CaseInsensitive);
         return Local {language, std::move(result)};
@@ -53,6 +55,11 @@ void setLanguage(Language language)
 Language language()
 {
     return currentLanguage;
+}
+
+QLocale locale()
+{
+    return localeOf(currentLanguage);
 }
 
 int compare(const QString &a, const QString &b)

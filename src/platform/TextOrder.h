@@ -5,6 +5,7 @@
 #pragma once
 
 #include <QCollator>
+#include <QLocale>
 #include <QString>
 
 #include <algorithm>
@@ -17,6 +18,8 @@ enum class Language : std::uint8_t { Polish, English };
 
 void setLanguage(Language language);
 [[nodiscard]] Language language();
+/// How numbers and units are written in that language; needs none of the system's locales.
+[[nodiscard]] QLocale locale();
 
 /// Negative, zero or positive, as a stands before, with or behind b. "a" and "A" stand together.
 [[nodiscard]] int compare(const QString &a, const QString &b);

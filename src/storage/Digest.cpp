@@ -10,7 +10,11 @@ Sha256::Digest digest(const std::filesystem::path &file)
 {
     const Files::Descriptor source = Files::openForReading(file);
     Sha256 sha256;
-    forEachBlock(source.get(), [&](std::span<const char> block) { sha256.update(block); });
+    try {
+        forEachBlock(source.get(), [&](std::span<const char> block) { sha256.update(block); });
+    } catch (const std::system_error &failure) { // among thousands of files the user has to find it
+        throw std::filesystem::filesystem_error("read", file, failure.code());
+    }
     return sha256.finish();
 }
 

@@ -7,7 +7,7 @@
 
 namespace Storage {
 
-/// Reads the file in blocks of 1 MiB. Throws the system's failure.
+/// Reads the file in blocks of 1 MiB. Throws the system's failure, which names the file.
 [[nodiscard]] Sha256::Digest digest(const std::filesystem::path &file);
 
 } // namespace Storage

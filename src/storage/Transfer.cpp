@@ -60,16 +60,6 @@ struct Destination {
     bool identical = false; ///< the same content stands there already
 };
 
-/// A failure to read names the file: among thousands the user has to find it.
-Sha256::Digest digestOf(const std::filesystem::path &file)
-{
-    try {
-        return Storage::digest(file);
-    } catch (const std::system_error &failure) {
-        throw std::filesystem::filesystem_error("read", file, failure.code());
-    }
-}
-
 /// The first of the names for `source` in `folder` that is free or holds the same content.
 Destination findDestination(
     const std::filesystem::path &source, const std::filesystem::path &folder, const Names &names)
@@ -79,7 +69,7 @@ Destination findDestination(
         if (isSymbolicLink(candidate)) {
             throw MarluneError(QStringLiteral("Plik docelowy jest dowiązaniem symbolicznym."));
         }
-        if (digestOf(source) == digestOf(candidate)) {
+        if (Storage::digest(source) == Storage::digest(candidate)) {
             return {candidate, true};
         }
         candidate = folder / names.numbered(source, number);

@@ -2,8 +2,8 @@
 
 #include "ui/Localization.h"
 #include "ui/RowChanges.h"
-#include "ui/Wording.h"
 
+#include "platform/ByteCount.h"
 #include "platform/Desktop.h"
 
 #include <algorithm>
@@ -96,8 +96,7 @@ const AlbumListModel::Texts &AlbumListModel::texts(const Row &row) const
     if (!row.texts) {
         const Album &album = *row.album;
         Texts made;
-        made.countAndSize
-            = QString::number(album.tracks.size()) + QStringLiteral(" / ") + Wording::bytes(album.bytes());
+        made.countAndSize = QString::number(album.tracks.size()) + QStringLiteral(" / ") + byteCount(album.bytes());
         made.format = album.tracks.empty() ? QString() : album.tracks.front().info.codec;
         made.highResolution = std::any_of(
             album.tracks.begin(), album.tracks.end(), [](const Track &track) { return isHighResolution(track.info); });

@@ -3,6 +3,7 @@
 #include "ui/Localization.h"
 #include "ui/Wording.h"
 
+#include "platform/ByteCount.h"
 #include "platform/Desktop.h"
 
 #include <algorithm>
@@ -59,7 +60,7 @@ QString ShellPresenter::headline() const
 QString ShellPresenter::queueLine() const
 {
     return AppLocalizer::text(
-        QString::number(m_queuedTracks) + QStringLiteral(" utworów · ") + Wording::bytes(m_queuedBytes));
+        QString::number(m_queuedTracks) + QStringLiteral(" utworów · ") + byteCount(m_queuedBytes));
 }
 
 QString ShellPresenter::remaining() const
@@ -96,8 +97,8 @@ QString ShellPresenter::deviceSpace() const
     if (!device) {
         return {};
     }
-    return AppLocalizer::text(Wording::bytes(device->total) + QStringLiteral(" · ") + Wording::bytes(device->available)
-        + QStringLiteral(" wolne"));
+    return AppLocalizer::text(
+        byteCount(device->total) + QStringLiteral(" · ") + byteCount(device->available) + QStringLiteral(" wolne"));
 }
 
 double ShellPresenter::usedShare() const
@@ -125,7 +126,7 @@ QStringList ShellPresenter::offeredDevices() const
     QStringList names;
     if (!m_model.device()) {
         for (const Device &device : m_model.devices()) {
-            names.append(device.name + QStringLiteral(" · ") + Wording::bytes(device.total));
+            names.append(device.name + QStringLiteral(" · ") + byteCount(device.total));
         }
     }
     return names;

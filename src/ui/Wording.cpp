@@ -6,18 +6,6 @@
 
 namespace Wording {
 
-QString bytes(std::int64_t count)
-{
-    constexpr std::int64_t kilo = 1'000;
-    constexpr std::int64_t mega = 1'000'000;
-    constexpr std::int64_t giga = 1'000 * mega;
-    if (count < kilo) {
-        return QString::number(count) + QStringLiteral(" B");
-    }
-    const int decimals = count < mega ? 0 : count < giga ? 1 : 2;
-    return AppLocalizer::locale().formattedDataSize(count, decimals, QLocale::DataSizeSIFormat);
-}
-
 std::optional<std::chrono::seconds> remaining(std::chrono::milliseconds elapsed, double progress)
 {
     constexpr std::chrono::seconds enough {4};

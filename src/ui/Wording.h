@@ -4,13 +4,9 @@
 #include <QString>
 
 #include <chrono>
-#include <cstdint>
 #include <optional>
 
 namespace Wording {
-
-/// A size in decimal units: "512 B", "980 kB", "12,3 MB", "1,23 GB".
-[[nodiscard]] QString bytes(std::int64_t count);
 
 /// How long work at `progress` (0 to 1) that began `elapsed` ago may still take, at the pace so far. Absent as long as
 /// that pace says too little.

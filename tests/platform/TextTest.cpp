@@ -1,4 +1,5 @@
 // Names as text, and the order and search of texts.
+#include "platform/ByteCount.h"
 #include "platform/Files.h"
 #include "platform/TextOrder.h"
 
@@ -57,6 +58,15 @@ TEST(TextOrder, isThatOfAFileManager)
     // English takes the Polish letters for accented ones.
     TextOrder::setLanguage(TextOrder::Language::English);
     EXPECT_LT(TextOrder::compare(QStringLiteral("źdźbło"), QStringLiteral("zebra")), 0);
+    TextOrder::setLanguage(TextOrder::Language::Polish);
+}
+
+TEST(ByteCount, isShortAndInTheShownLanguage)
+{
+    EXPECT_EQ(byteCount(999'499).simplified(), QStringLiteral("999 kB")); // whichever blank stands there
+    EXPECT_EQ(byteCount(12'345'678).simplified(), QStringLiteral("12,3 MB"));
+    TextOrder::setLanguage(TextOrder::Language::English);
+    EXPECT_EQ(byteCount(1'234'567'890).simplified(), QStringLiteral("1.23 GB"));
     TextOrder::setLanguage(TextOrder::Language::Polish);
 }
 

@@ -1,0 +1,122 @@
+// The search for files that are identical byte for byte.
+#include "quality/CollectionQuality.h"
+
+#include "storage/Digest.h"
+
+#include "platform/ByteCount.h"
+#include "platform/Files.h"
+
+#include <sys/stat.h>
+
+#include <map>
+#include <set>
+#include <string>
+#include <utility>
+
+namespace {
+
+using Group = std::vector<const Track *>;
+
+/// Groups the tracks by a key, in the order in which keys first come, and keeps the groups of more than one.
+template <typename Key> class Groups {
+public:
+    void add(const Key &key, const Track &track)
+    {
+        const auto [place, isNew] = m_places.emplace(key, m_groups.size());
+        if (isNew) {
+            m_groups.emplace_back();
+        }
+        m_groups[place->second].push_back(&track);
+    }
+    [[nodiscard]] std::vector<Group> several() &&
+    {
+        std::erase_if(m_groups, [](const Group &group) { return group.size() < 2; });
+        return std::move(m_groups);
+    }
+
+private:
+    std::map<Key, std::size_t> m_places;
+    std::vector<Group> m_groups;
+};
+
+/// Only files of one size can be identical; none of the others is opened.
+Group candidates(const std::vector<Track> &tracks)
+{
+    Groups<std::int64_t> bySize;
+    for (const Track &track : tracks) {
+        if (track.bytes > 0) {
+            bySize.add(track.bytes, track);
+        }
+    }
+    Group result;
+    for (const Group &group : std::move(bySize).several()) {
+        result.insert(result.end(), group.begin(), group.end());
+    }
+    return result;
+}
+
+/// The files of one run, whatever names they have.
+class SeenFiles {
+public:
+    /// Whether the file that `path` leads to is new to this run.
+    [[nodiscard]] bool add(const std::filesystem::path &path)
+    {
+        if (!m_paths.insert(Files::standardised(path).native()).second) {
+            return false;
+        }
+        struct stat status {};
+        // Some drivers of foreign file systems give no inode numbers; there the path alone counts. A file that cannot
+        // be asked counts as new: whoever reads it learns why.
+        return ::stat(path.c_str(), &status) != 0 || status.st_ino == 0
+            || m_files.emplace(status.st_dev, status.st_ino).second;
+    }
+
+private:
+    std::set<std::string> m_paths;
+    std::set<std::pair<dev_t, ino_t>> m_files;
+};
+
+QualityIssue issueOf(const Group &identical)
+{
+    const Track &first = *identical.front();
+    const auto copies = std::int64_t(identical.size()) - 1;
+    QualityIssue issue {.kind = QualityKind::duplicates,
+        .title = QString::number(identical.size()) + QStringLiteral(" identyczne pliki · ") + first.title,
+        .detail = QStringLiteral("Zgodne bajt w bajt (SHA-256). Zajętość dodatkowych kopii: ")
+            + byteCount(first.bytes * copies) + u'.',
+        .tracks = {}};
+    for (const Track *track : identical) {
+        issue.tracks.push_back(*track);
+    }
+    return issue;
+}
+
+} // namespace
+
+namespace CollectionQuality {
+
+std::vector<QualityIssue> duplicates(
+    const std::vector<Track> &tracks, const DuplicateProgress &progress, const std::stop_token &stop)
+{
+    const Group files = candidates(tracks);
+    SeenFiles seen;
+    Groups<Sha256::Digest> byContent;
+    int done = 0;
+    for (const Track *track : files) {
+        if (stop.stop_requested()) {
+            return {};
+        }
+        if (seen.add(track->url)) {
+            byContent.add(Storage::digest(track->url), *track);
+        }
+        progress(++done, int(files.size()));
+    }
+    std::vector<QualityIssue> issues;
+    for (const Group &identical : std::move(byContent).several()) {
+        issues.push_back(issueOf(identical));
+    }
+    sortIssues(issues);
+    return issues;
+}
+
+} // namespace CollectionQuality

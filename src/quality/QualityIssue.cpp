@@ -1,0 +1,28 @@
+#include "quality/QualityIssue.h"
+
+#include "platform/Files.h"
+#include "platform/TextOrder.h"
+
+#include <algorithm>
+#include <string_view>
+
+QString QualityIssue::id() const
+{
+    std::vector<std::string_view> paths;
+    paths.reserve(tracks.size());
+    for (const Track &track : tracks) {
+        paths.push_back(track.url.native());
+    }
+    std::sort(paths.begin(), paths.end());
+    QString id = kind;
+    for (const std::string_view path : paths) {
+        id += QChar(u'\0') + Files::text(path);
+    }
+    return id;
+}
+
+void sortIssues(std::vector<QualityIssue> &issues)
+{
+    TextOrder::stableSort(
+        issues, [](const QualityIssue &issue) { return QString(issue.kind + issue.title + issue.id()); });
+}
