@@ -15,6 +15,9 @@
 
 namespace Artwork {
 
+/// Bytes of a picture that the user chooses. A photograph stays below it; a film chosen by mistake does not.
+inline constexpr std::int64_t largestFile = 64'000'000;
+
 /// The store's folder below the user's folder for application data.
 [[nodiscard]] std::filesystem::path cacheRoot(const std::filesystem::path &supportFolder);
 

@@ -7,6 +7,8 @@
 
 #include "library/Album.h"
 
+#include "artwork/CoverSearch.h"
+
 #include "model/DeviceContent.h"
 #include "model/Section.h"
 
@@ -40,6 +42,8 @@ struct ModelEnvironment {
     std::filesystem::path supportFolder;
     /// Where the themes' catalogue is; none: no server is asked.
     Catalogue::Site themeSite = {};
+    /// Finds covers on the network.
+    CoverSearch &covers = CoverSearch::shared();
     /// Whether the library of the last run comes back.
     bool restoreLibrary = true;
     /// After this long a discovery counts as hanging, and the user is told.
@@ -189,6 +193,21 @@ public:
     /// Removes the files that macOS left beside the music on the device; copies of them go to the computer.
     Q_INVOKABLE void cleanupMacFiles();
 
+    // Covers. Each goes to the side that is shown now, or to the one that `onDeviceOverride` names, and to the store on
+    // the computer; a call while a long job runs is dropped.
+    /// The album that a cover is being looked for by hand.
+    [[nodiscard]] const std::optional<Album> &coverLookup() const { return m_coverLookup; }
+    void setCoverLookup(const std::optional<Album> &album);
+    /// Makes a cover of the album's own picture (`current`), or of a file that the user is asked for.
+    void chooseArtwork(const Album &album, bool current, std::optional<bool> onDeviceOverride = std::nullopt);
+    /// Fetches the picture of a search's result.
+    void downloadCover(
+        const CoverCandidate &candidate, const Album &album, std::optional<bool> onDeviceOverride = std::nullopt);
+    /// Looks on the network for each album without a cover; only an unambiguous result is taken.
+    Q_INVOKABLE void findMissingCovers();
+    /// Makes the pictures that are there, but that the firmware cannot show, into covers that it can.
+    Q_INVOKABLE void repairAvailableCovers();
+
     // Playlists and backups.
     [[nodiscard]] QString playlistName() const { return m_playlistName; }
     void setPlaylistName(const QString &name);
@@ -240,6 +259,7 @@ Q_SIGNALS:
     void tileSizeChanged();
     void playlistNameChanged();
     void openAlbumChanged();
+    void coverLookupChanged();
     /// The queue or the selection on the device changed.
     void selectionChanged();
     void duplicateIssuesChanged();
@@ -255,6 +275,16 @@ Q_SIGNALS:
 private:
     struct PlannedCover;
     struct TransferPlan;
+    struct PreparedCover;
+    /// Where an album is, as it was when the user asked: what it gets goes there, or nowhere.
+    struct CoverPlace {
+        bool onDevice = false;
+        std::optional<std::filesystem::path> root; ///< of the device
+    };
+    /// What became of one album of a search for covers.
+    enum class CoverFinding : std::uint8_t { Added, Manual, Unavailable };
+    /// Gives a picture's bytes, or none if it cannot be read. Blocking.
+    using PictureSource = std::function<std::optional<QByteArray>()>;
     /// Reports from a job's thread how much of the work is done.
     using JobProgress = std::function<void(int done, int total)>;
 
@@ -307,6 +337,20 @@ private:
     QCoro::Task<> runTransfer(std::shared_ptr<const TransferPlan> plan);
     QCoro::Task<> runPlaylist(std::filesystem::path root);
     QCoro::Task<> runBackup(std::filesystem::path root, std::filesystem::path destination);
+    [[nodiscard]] CoverPlace coverPlace(std::optional<bool> onDeviceOverride = std::nullopt) const;
+    [[nodiscard]] bool isReachable(const CoverPlace &place) const;
+    void beginCoverWork(const QString &status);
+    [[nodiscard]] static PreparedCover prepareCover(const Album &album, const QByteArray &data, const CoverPlace &place,
+        const std::filesystem::path &supportFolder, const std::filesystem::path &backupRoot);
+    QCoro::Task<> applyArtwork(Album album, QByteArray data, CoverPlace place);
+    void noteArtwork(const Album &album, const PreparedCover &cover, bool onDevice);
+    void saveCoverSource(const CoverCandidate &candidate, const Album &album);
+    QCoro::Task<> runArtworkChoice(Album album, PictureSource source, CoverPlace place);
+    QCoro::Task<> fetchCover(CoverCandidate candidate, Album album, CoverPlace place);
+    QCoro::Task<> runCoverDownload(CoverCandidate candidate, Album album, CoverPlace place);
+    QCoro::Task<CoverFinding> findCover(Album album, CoverPlace place);
+    QCoro::Task<> runCoverSearch(std::vector<Album> albums, CoverPlace place);
+    QCoro::Task<> runRepair(CoverPlace place);
     [[nodiscard]] TransferPlan planTransfer(const std::vector<Track> &items) const;
     [[nodiscard]] static std::vector<PlannedCover> planCovers(const std::vector<Track> &items);
     [[nodiscard]] static QByteArray preparedCover(const PlannedCover &cover);
@@ -367,6 +411,7 @@ private:
     QString m_playlistName = QStringLiteral("Moja playlista");
     bool m_writingPlaylist = false;
     std::optional<Album> m_openAlbum;
+    std::optional<Album> m_coverLookup;
     QString m_formatFilter = QStringLiteral("Wszystko");
     bool m_hiResOnly = false;
     QString m_viewMode;

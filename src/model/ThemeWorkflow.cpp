@@ -13,14 +13,11 @@
 
 namespace {
 
-/// Bytes. A photograph stays below it; a film chosen by mistake does not.
-constexpr std::int64_t largestPicture = 64'000'000;
-
 /// Absent if the file is no picture or cannot be read.
 std::optional<QByteArray> readPicture(const std::filesystem::path &file)
 {
     constexpr int side = 64; // it need not be looked at, only be there
-    std::optional<QByteArray> bytes = Files::readBelow(file, largestPicture);
+    std::optional<QByteArray> bytes = Files::readBelow(file, Artwork::largestFile);
     if (bytes && decodeImage(*bytes, side).isNull()) {
         bytes.reset();
     }

@@ -56,6 +56,7 @@ struct ModelDesk {
     std::function<void(const std::filesystem::path &)> ejector = [](const std::filesystem::path &) { };
 
     Catalogue::Site themeSite; ///< none: no server is asked
+    std::unique_ptr<CoverSearch> covers = std::make_unique<CoverSearch>(CoverServices {}); ///< none either
 
     [[nodiscard]] ModelEnvironment environment()
     {
@@ -68,7 +69,8 @@ struct ModelDesk {
                 },
             .ejectVolume = [this](const std::filesystem::path &root) { ejector(root); },
             .supportFolder = folder / "data",
-            .themeSite = themeSite};
+            .themeSite = themeSite,
+            .covers = *covers};
     }
 
     [[nodiscard]] std::unique_ptr<MarluneModel> start()

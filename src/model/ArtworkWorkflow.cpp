@@ -1,0 +1,268 @@
+// Covers that the user gives to albums: a picture of theirs, or what is there made fit for the firmware.
+//
+// All end in applyArtwork(): the picture becomes the form that is always safe, goes beside the music where the album
+// is on the device, and then into the store on the computer. Only after that do the settings and the tracks name it.
+#include "model/Model.h"
+#include "model/TrackReader.h"
+
+#include "quality/CollectionQuality.h"
+
+#include "artwork/Artwork.h"
+#include "artwork/ArtworkInstall.h"
+
+#include "library/AlbumGrouping.h"
+
+#include "platform/Files.h"
+#include "platform/MarluneError.h"
+#include "platform/Sha256.h"
+
+#include <QPointer>
+
+#include <algorithm>
+
+/// A picture made ready, and its copy on the computer.
+struct MarluneModel::PreparedCover {
+    QByteArray image;
+    std::filesystem::path stored;
+};
+
+namespace {
+
+const QString overridesKey = QStringLiteral("artworkOverrides");
+
+/// The album's name in the store: the same for each picture that it ever gets.
+QString storeKey(const Album &album)
+{
+    const QByteArray id = album.id().toUtf8();
+    Sha256 hash;
+    hash.update(id);
+    const Sha256::Digest digest = hash.finish();
+    return QString::fromLatin1(
+        QByteArray(reinterpret_cast<const char *>(digest.data()), qsizetype(digest.size())).toHex());
+}
+
+std::vector<std::filesystem::path> filesOf(const Album &album)
+{
+    std::vector<std::filesystem::path> files;
+    files.reserve(album.tracks.size());
+    for (const Track &track : album.tracks) {
+        files.push_back(track.url);
+    }
+    return files;
+}
+
+/// Albums whose cover the firmware cannot show as it is, but that have a picture to make one of.
+std::vector<Album> repairableAlbums(
+    const std::vector<Track> &tracks, const std::optional<std::filesystem::path> &deviceRoot)
+{
+    QSet<QUuid> flawed;
+    for (const QualityIssue &issue : CollectionQuality::inspect(tracks, deviceRoot)) {
+        if (issue.kind == QualityKind::covers) {
+            for (const Track &track : issue.tracks) {
+                flawed.insert(track.id);
+            }
+        }
+    }
+    std::vector<Album> albums = AlbumGrouping::albums(tracks);
+    std::erase_if(albums, [&](const Album &album) {
+        const bool isFlawed = std::any_of(
+            album.tracks.begin(), album.tracks.end(), [&](const Track &track) { return flawed.contains(track.id); });
+        return !isFlawed || !album.artworkBytes();
+    });
+    return albums;
+}
+
+} // namespace
+
+MarluneModel::CoverPlace MarluneModel::coverPlace(std::optional<bool> onDeviceOverride) const
+{
+    return {.onDevice = onDeviceOverride.value_or(m_libraryOnDevice),
+        .root = m_device ? std::optional(m_device->root) : std::nullopt};
+}
+
+/// Whether what is to be put on a device still finds it.
+bool MarluneModel::isReachable(const CoverPlace &place) const
+{
+    return !place.onDevice || (m_device && place.root && m_device->root == *place.root);
+}
+
+void MarluneModel::setCoverLookup(const std::optional<Album> &album)
+{
+    if (m_coverLookup != album) {
+        m_coverLookup = album;
+        Q_EMIT coverLookupChanged();
+    }
+}
+
+void MarluneModel::beginCoverWork(const QString &status)
+{
+    setBusy(true);
+    setProgress(0);
+    setStatus(status);
+}
+
+/// Blocking.
+MarluneModel::PreparedCover MarluneModel::prepareCover(const Album &album, const QByteArray &data,
+    const CoverPlace &place, const std::filesystem::path &supportFolder, const std::filesystem::path &backupRoot)
+{
+    QByteArray image = Artwork::baselineJPEG(data);
+    if (place.onDevice) {
+        if (!place.root) {
+            throw MarluneError(QStringLiteral("Podłącz iPoda."));
+        }
+        Artwork::install(image, filesOf(album), *place.root, backupRoot);
+    }
+    std::filesystem::path stored = Artwork::cache(image, storeKey(album), supportFolder);
+    return {.image = std::move(image), .stored = std::move(stored)};
+}
+
+QCoro::Task<> MarluneModel::applyArtwork(Album album, QByteArray data, CoverPlace place)
+{
+    const QPointer<MarluneModel> self(this);
+    auto prepare = [album, data, place, support = m_environment.supportFolder, backups = backupRoot()] {
+        return prepareCover(album, data, place, support, backups);
+    };
+    const PreparedCover cover = co_await background(prepare);
+    if (self) {
+        noteArtwork(album, cover, place.onDevice);
+    }
+}
+
+void MarluneModel::noteArtwork(const Album &album, const PreparedCover &cover, bool onDevice)
+{
+    Settings &settings = m_environment.settings;
+    QMap<QString, QString> overrides = settings.textMap(overridesKey);
+    const QString stored = Files::text(cover.stored);
+    overrides.insert(album.id(), stored);
+    QSet<QUuid> ids;
+    for (const Track &track : album.tracks) {
+        overrides.insert(overrideKey(track.artist, track.album, track.url.parent_path()), stored);
+        ids.insert(track.id);
+    }
+    settings.setTextMap(overridesKey, overrides);
+
+    for (Track &track : onDevice ? m_deviceTracks : m_tracks) {
+        if (ids.contains(track.id)) {
+            track.artwork = cover.image;
+        }
+    }
+    tracksWereChanged();
+}
+
+void MarluneModel::chooseArtwork(const Album &album, bool current, std::optional<bool> onDeviceOverride)
+{
+    if (m_busy) {
+        return;
+    }
+    const CoverPlace place = coverPlace(onDeviceOverride);
+    if (current) {
+        if (const std::optional<QByteArray> own = album.artworkBytes()) {
+            runArtworkChoice(album, [own] { return own; }, place);
+        }
+        return;
+    }
+    const Panels::Request request {.files = true,
+        .folders = false,
+        .multiple = false,
+        .pictures = true,
+        .prompt = QStringLiteral("Dodaj okładkę"),
+        .message = {}};
+    m_environment.panels.open(
+        request, [self = QPointer(this), album, place](const std::vector<std::filesystem::path> &chosen) {
+            if (!self || self->m_busy || chosen.empty()) {
+                return;
+            }
+            CoverPlace present = place;
+            if (!self->isReachable(place)) {
+                present.root.reset(); // another device is not where the album is
+            }
+            self->runArtworkChoice(
+                album, [file = chosen.front()] { return Files::readBelow(file, Artwork::largestFile); }, present);
+        });
+}
+
+QCoro::Task<> MarluneModel::runArtworkChoice(Album album, PictureSource source, CoverPlace place)
+{
+    const QPointer<MarluneModel> self(this);
+    const QString statusBefore = m_status;
+    beginCoverWork(QStringLiteral("Przygotowuję okładkę…"));
+    std::optional<QByteArray> picture;
+    std::exception_ptr failure;
+    try {
+        picture = co_await background(source);
+        if (self && picture) {
+            auto applying = applyArtwork(album, *picture, place);
+            co_await applying;
+        }
+    } catch (const std::exception &) {
+        failure = std::current_exception();
+    }
+    if (!self) {
+        co_return;
+    }
+    if (failure) {
+        setAlert(describeFailure(failure));
+        setStatus(QStringLiteral("Nie udało się zapisać okładki"));
+    } else if (!picture) {
+        setStatus(statusBefore); // the file cannot be read: as if none had been chosen
+    } else {
+        setStatus(place.onDevice ? QStringLiteral("Okładka zapisana na iPodzie. Poprzednie obrazy mają kopię na Macu.")
+                                 : QStringLiteral("Okładka przygotowana; zostanie wgrana razem z albumem."));
+    }
+    setBusy(false);
+    refresh();
+}
+
+void MarluneModel::repairAvailableCovers()
+{
+    if (!m_busy) {
+        setBusy(true);
+        setProgress(0);
+        runRepair(coverPlace());
+    }
+}
+
+QCoro::Task<> MarluneModel::runRepair(CoverPlace place)
+{
+    const QPointer<MarluneModel> self(this);
+    // It asks the disk for each file.
+    auto choose = [tracks = activeTracks(), root = place.onDevice ? place.root : std::nullopt] {
+        return repairableAlbums(tracks, root);
+    };
+    const auto chosen = co_await attempt(choose);
+    if (!self) {
+        co_return;
+    }
+    if (chosen.failure || chosen.value->empty()) {
+        setBusy(false);
+        setAlert(chosen.failure ? describeFailure(chosen.failure)
+                                : QStringLiteral("Brak dostępnych obrazów do automatycznej naprawy. Przy brakującej "
+                                                 "okładce wybierz plik obrazu."));
+        co_return;
+    }
+    setStatus(QStringLiteral("Naprawiam dostępne okładki…"));
+    const std::vector<Album> albums = *chosen.value;
+    int repaired = 0;
+    int failed = 0;
+    for (const Album &album : albums) {
+        try {
+            auto applying = applyArtwork(album, album.artworkBytes().value(), place);
+            co_await applying;
+            ++repaired;
+        } catch (const std::exception &) {
+            ++failed; // the next album may fare better
+        }
+        if (!self) {
+            co_return;
+        }
+        setProgress(double(repaired + failed) / double(albums.size()));
+    }
+    setStatus(QStringLiteral("Naprawione albumy: ") + QString::number(repaired)
+        + QStringLiteral(". Nie udało się naprawić: ") + QString::number(failed) + u'.');
+    setAlert(m_status + u'\n'
+        + (place.onDevice ? QStringLiteral("Poprzednie obrazy z iPoda mają kopię na Macu.")
+                          : QStringLiteral("Okładki są gotowe do wgrania razem z albumami."))
+        + QStringLiteral("\nBrakujące lub nieczytelne obrazy wymagają wyboru nowej okładki."));
+    setBusy(false);
+    refresh();
+}

@@ -1,0 +1,157 @@
+// Covers from the network: the one that the user picks, or all that are missing.
+#include "model/Model.h"
+
+#include "library/AlbumGrouping.h"
+
+#include "platform/MarluneError.h"
+
+#include <QPointer>
+
+#include <map>
+
+namespace {
+
+const QString sourcesKey = QStringLiteral("coverSources");
+
+std::vector<Album> albumsWithoutCover(const std::vector<Track> &tracks)
+{
+    std::vector<Album> albums = AlbumGrouping::albums(tracks);
+    std::erase_if(albums, [](const Album &album) { return album.artworkBytes().has_value(); });
+    return albums;
+}
+
+/// The one candidate that is the album beyond doubt; absent if there is none or a second one.
+std::optional<CoverCandidate> onlyMatch(const std::vector<CoverCandidate> &candidates, const Album &album)
+{
+    std::optional<CoverCandidate> match;
+    for (const CoverCandidate &candidate : candidates) {
+        if (candidate.matches(album.artist, album.title)) {
+            if (match) {
+                return std::nullopt;
+            }
+            match = candidate;
+        }
+    }
+    return match;
+}
+
+} // namespace
+
+void MarluneModel::saveCoverSource(const CoverCandidate &candidate, const Album &album)
+{
+    QMap<QString, QString> sources = m_environment.settings.textMap(sourcesKey);
+    sources.insert(album.id(), candidate.pageURL(m_environment.covers.services()).toString());
+    m_environment.settings.setTextMap(sourcesKey, sources);
+}
+
+void MarluneModel::downloadCover(
+    const CoverCandidate &candidate, const Album &album, std::optional<bool> onDeviceOverride)
+{
+    if (m_busy) {
+        return;
+    }
+    beginCoverWork(QStringLiteral("Pobieram okładkę…"));
+    runCoverDownload(candidate, album, coverPlace(onDeviceOverride));
+}
+
+/// The candidate's picture becomes the album's cover, and the settings remember where it came from.
+QCoro::Task<> MarluneModel::fetchCover(CoverCandidate candidate, Album album, CoverPlace place)
+{
+    const QPointer<MarluneModel> self(this);
+    auto fetching = m_environment.covers.image(candidate, *this);
+    const QByteArray image = co_await fetching;
+    if (!self) {
+        co_return;
+    }
+    auto applying = applyArtwork(album, image, place);
+    co_await applying;
+    if (self) {
+        saveCoverSource(candidate, album);
+    }
+}
+
+QCoro::Task<> MarluneModel::runCoverDownload(CoverCandidate candidate, Album album, CoverPlace place)
+{
+    const QPointer<MarluneModel> self(this);
+    std::exception_ptr failure;
+    try {
+        auto fetching = fetchCover(candidate, album, place);
+        co_await fetching;
+    } catch (const std::exception &) {
+        failure = std::current_exception();
+    }
+    if (!self) {
+        co_return;
+    }
+    if (failure) {
+        setStatus(QStringLiteral("Nie udało się pobrać okładki: ") + describeFailure(failure));
+    } else {
+        setStatus(place.onDevice ? QStringLiteral("Pobrano i zapisano okładkę na iPodzie.")
+                                 : QStringLiteral("Pobrano okładkę; zostanie wgrana razem z albumem."));
+    }
+    setBusy(false);
+    refresh();
+}
+
+void MarluneModel::findMissingCovers()
+{
+    if (m_busy) {
+        return;
+    }
+    std::vector<Album> albums = albumsWithoutCover(activeTracks());
+    if (albums.empty()) {
+        return;
+    }
+    beginCoverWork(QStringLiteral("Szukam brakujących okładek…"));
+    runCoverSearch(std::move(albums), coverPlace());
+}
+
+QCoro::Task<MarluneModel::CoverFinding> MarluneModel::findCover(Album album, CoverPlace place)
+{
+    const QPointer<MarluneModel> self(this);
+    CoverFinding finding = CoverFinding::Unavailable;
+    try {
+        auto searching = m_environment.covers.search(album.artist, album.title, *this);
+        const std::vector<CoverCandidate> candidates = co_await searching;
+        const std::optional<CoverCandidate> match = onlyMatch(candidates, album);
+        if (!match) {
+            finding = CoverFinding::Manual;
+        } else if (self) {
+            auto fetching = fetchCover(*match, album, place);
+            co_await fetching;
+            finding = CoverFinding::Added;
+        }
+    } catch (const std::exception &) {
+        finding = CoverFinding::Unavailable; // the next album may fare better
+    }
+    co_return finding;
+}
+
+QCoro::Task<> MarluneModel::runCoverSearch(std::vector<Album> albums, CoverPlace place)
+{
+    const QPointer<MarluneModel> self(this);
+    std::map<CoverFinding, int> counts;
+    int done = 0;
+    for (const Album &album : albums) {
+        CoverFinding finding = CoverFinding::Unavailable;
+        if (isReachable(place)) { // else the network need not be asked
+            auto searching = findCover(album, place);
+            finding = co_await searching;
+            if (!self) {
+                co_return;
+            }
+        }
+        ++counts[finding];
+        ++done;
+        setProgress(double(done) / double(albums.size()));
+        setStatus(QStringLiteral("Sprawdzono albumy: ") + QString::number(done) + QStringLiteral(" / ")
+            + QString::number(albums.size()) + QStringLiteral(" · dodano: ")
+            + QString::number(counts[CoverFinding::Added]));
+    }
+    refresh();
+    setBusy(false);
+    setStatus(QStringLiteral("Dodano okładki: ") + QString::number(counts[CoverFinding::Added])
+        + QStringLiteral(". Do wyboru ręcznie: ") + QString::number(counts[CoverFinding::Manual])
+        + QStringLiteral(". Niedostępne: ") + QString::number(counts[CoverFinding::Unavailable]) + u'.');
+    setAlert(m_status + QStringLiteral("\nPrzy pozostałych albumach użyj „Znajdź w sieci…” lub wybierz własny obraz."));
+}

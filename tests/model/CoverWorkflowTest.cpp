@@ -1,0 +1,280 @@
+// Covers that albums get through the model: on the device, in the store, in the settings and on the tracks.
+#include "support/CannedServer.h"
+#include "support/FailingDisk.h"
+#include "support/ModelDesk.h"
+
+#include "platform/Files.h"
+#include "platform/Images.h"
+
+#include "artwork/Artwork.h"
+
+namespace {
+
+const QString overridesKey = QStringLiteral("artworkOverrides");
+const QString sourcesKey = QStringLiteral("coverSources");
+const QString tail = QStringLiteral("\nPrzy pozostałych albumach użyj „Znajdź w sieci…” lub wybierz własny obraz.");
+
+std::string picture(const char *name)
+{
+    return fileBytes(std::filesystem::path(MARLUNE_SOURCE_DIR) / "tests/data/images" / name);
+}
+
+/// The service's answer: albums of this name, each with an identity of its own.
+CannedServer::Answer found(const QByteArray &artist, const QByteArray &title, int count)
+{
+    QByteArrayList groups;
+    for (int i = 0; i < count; ++i) {
+        groups.append(R"({"id":"0cd1dd5b-3c5e-4d3a-9f0e-00000000000)" + QByteArray::number(i)
+            + R"(","score":100,"title":")" + title + R"(","artist-credit":[{"name":")" + artist + R"("}]})");
+    }
+    return CannedServer::answer("200 OK", R"({"release-groups":[)" + groups.join(',') + "]}");
+}
+
+CannedServer::Answer status(const QByteArray &line)
+{
+    return CannedServer::answer(line);
+}
+
+struct CoverDesk : ModelDesk {
+    Device device = makeDevice("IPOD", false);
+
+    /// A track without a cover, unless one is given.
+    void addTrack(const std::string &artist, const std::string &album, const std::string &cover = {}) const
+    {
+        folder.write("IPOD/Music/" + artist + '/' + album + "/1.flac",
+            flacWith({"TITLE=One", "ARTIST=" + artist, "ALBUM=" + album}, artist + album, 16, cover));
+    }
+
+    void askServer(const CannedServer &server)
+    {
+        covers = std::make_unique<CoverSearch>(CoverServices {.catalogue = server.root(),
+            .site = QUrl(QStringLiteral("https://site.test")),
+            .archive = server.root(),
+            .spacing = std::chrono::milliseconds(1),
+            .retryPause = std::chrono::milliseconds(1)});
+    }
+
+    /// With the music of the device, or of the same folder as the computer's, read.
+    [[nodiscard]] std::unique_ptr<MarluneModel> startWithMusic(bool onDevice)
+    {
+        auto model = start();
+        if (onDevice) {
+            model->select(device);
+            waitForJobs(*model);
+            model->scanDeviceMusic();
+        } else {
+            model->importURLs({device.root / "Music"}, false, false);
+        }
+        waitForJobs(*model);
+        return model;
+    }
+
+    /// Whether tracks, settings and store say the same of the only album, and what they say: has it a new cover?
+    [[nodiscard]] bool agreesOnCover(const MarluneModel &model) const
+    {
+        const Album album = *model.albums()->front();
+        const auto stored = settings.textMap(overridesKey);
+        const bool hasCover = imageFacts(album.artworkBytes().value()).value().type == ImageFacts::Type::Jpeg;
+        if (stored.contains(album.id()) != hasCover || stored.size() != (hasCover ? 2 : 0)) {
+            throw std::runtime_error("the settings disagree with the tracks");
+        }
+        for (const QString &file : stored) {
+            if (fileBytes(Files::fromText(file)) != album.artworkBytes()->toStdString()) {
+                throw std::runtime_error("the store disagrees with the tracks");
+            }
+        }
+        return hasCover;
+    }
+};
+
+} // namespace
+
+class CoverWorkflowTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void findsWhatIsMissingAndUnambiguous()
+    {
+        CannedServer server({found("A", "One", 1), CannedServer::answer("200 OK", picture("plain.png").c_str()),
+            found("B", "Two", 2), found("C", "Other", 1), status("503 Busy"), status("503 Busy"), found("E", "Five", 1),
+            status("404 Not Found")});
+        server.answers[1] = CannedServer::answer("200 OK", QByteArray::fromStdString(picture("plain.png")));
+        CoverDesk desk;
+        desk.askServer(server);
+        for (const auto &[artist, album] :
+            {std::pair("A", "One"), {"B", "Two"}, {"C", "Three"}, {"D", "Four"}, {"E", "Five"}}) {
+            desk.addTrack(artist, album);
+        }
+        desk.addTrack("F", "Six", picture("plain.jpg"));
+        const auto model = desk.startWithMusic(true);
+        QStringList told;
+        connect(model.get(), &MarluneModel::statusChanged, [&] { told.append(model->status()); });
+        model->findMissingCovers();
+        model->findMissingCovers();
+        desk.waitForJobs(*model);
+        QCOMPARE(server.asked.size(), 8U);
+        const QString result = QStringLiteral("Dodano okładki: 1. Do wyboru ręcznie: 2. Niedostępne: 2.");
+        QCOMPARE(model->status(), result);
+        QCOMPARE(model->alert(), std::optional(result + tail));
+        QVERIFY(told.contains(QStringLiteral("Sprawdzono albumy: 4 / 5 · dodano: 1")));
+
+        const QByteArray cover = QByteArray::fromStdString(fileBytes(desk.folder / "IPOD/Music/A/One/cover.jpeg"));
+        QVERIFY(!Artwork::compatibilityIssue(cover));
+        const Album album = *model->albums()->front();
+        QCOMPARE(album.artworkBytes(), std::optional(cover));
+        QCOMPARE(desk.settings.textMap(sourcesKey).values(),
+            QStringList {QStringLiteral("https://site.test/release-group/0cd1dd5b-3c5e-4d3a-9f0e-000000000000")});
+        const auto stored = desk.settings.textMap(overridesKey);
+        QCOMPARE(stored.size(), 2);
+        QCOMPARE(fileBytes(Files::fromText(stored.value(album.id()))), cover.toStdString());
+
+        model->scanDeviceMusic(); // the choice outlives the reading
+        desk.waitForJobs(*model);
+        QCOMPARE(model->albums()->front()->artworkBytes(), std::optional(cover));
+    }
+
+    void endsASearchForADeviceThatIsGone()
+    {
+        const CannedServer server({found("A", "x", 0)});
+        CoverDesk desk;
+        desk.device.isVolume = true;
+        *desk.found = {desk.device};
+        desk.askServer(server);
+        for (const char *artist : {"A", "B", "C"}) {
+            desk.addTrack(artist, "x");
+        }
+        const auto model = desk.startWithMusic(true);
+        connect(model.get(), &MarluneModel::progressChanged, [&] {
+            if (model->device() && model->progress() > 0.3) {
+                desk.found->clear();
+                model->volumeUnmounted(desk.device.root);
+            }
+        });
+        model->findMissingCovers();
+        desk.waitForJobs(*model);
+        QCOMPARE(server.asked.size(), 1U);
+        QCOMPARE(model->alert(),
+            std::optional(QStringLiteral("Dodano okładki: 0. Do wyboru ręcznie: 1. Niedostępne: 2.") + tail));
+    }
+
+    void fetchesTheCandidateThatTheUserChose()
+    {
+        CannedServer server({status("500 Trouble"), status("500 Trouble"),
+            CannedServer::answer("200 OK", QByteArray::fromStdString(picture("plain.png")))});
+        CoverDesk desk;
+        desk.askServer(server);
+        desk.addTrack("A", "One");
+        const auto model = desk.startWithMusic(false);
+        const CoverCandidate candidate {.id = QStringLiteral("0cd1dd5b-3c5e-4d3a-9f0e-000000000000"),
+            .title = QStringLiteral("Anything"),
+            .artistCredit = {},
+            .score = {},
+            .firstReleaseDate = {},
+            .primaryType = {}};
+        model->downloadCover(candidate, *model->albums()->front());
+        desk.waitForJobs(*model);
+        QVERIFY(model->status().startsWith(QStringLiteral("Nie udało się pobrać okładki: Archiwum")));
+        QVERIFY(!model->alert() && desk.settings.textMap(sourcesKey).isEmpty());
+        model->downloadCover(candidate, *model->albums()->front());
+        desk.waitForJobs(*model);
+        QCOMPARE(model->status(), QStringLiteral("Pobrano okładkę; zostanie wgrana razem z albumem."));
+        QVERIFY(desk.agreesOnCover(*model) && desk.settings.textMap(sourcesKey).size() == 1);
+    }
+
+    void makesACoverOfWhatTheUserChooses()
+    {
+        const QString ready = QStringLiteral("Okładka przygotowana; zostanie wgrana razem z albumem.");
+        const QString failed = QStringLiteral("Nie udało się zapisać okładki");
+        CoverDesk desk;
+        desk.addTrack("A", "One");
+        const auto model = desk.startWithMusic(false);
+        const Album album = *model->albums()->front();
+        const QString before = model->status();
+        const auto choose = [&](const std::filesystem::path &file) {
+            model->chooseArtwork(album, false);
+            desk.panels.answer({file});
+            desk.waitForJobs(*model);
+        };
+        model->chooseArtwork(album, true); // it has none
+        QVERIFY(!model->busy());
+        choose(desk.folder / "missing.png");
+        QVERIFY(model->status() == before && !model->alert());
+        choose(desk.folder.write("none.png", "no picture"));
+        QCOMPARE(model->status(), failed);
+        QCOMPARE(model->alert(), std::optional(QStringLiteral("Nie można odczytać obrazu.")));
+        QVERIFY(desk.settings.textMap(overridesKey).isEmpty());
+
+        choose(desk.folder.write("some.png", picture("plain.png")));
+        QCOMPARE(model->status(), ready);
+        QVERIFY(desk.agreesOnCover(*model));
+        const auto stored = desk.settings.textMap(overridesKey);
+        choose(desk.folder.write("other.png", picture("palette.png"))); // in the place of the first
+        QVERIFY(desk.agreesOnCover(*model) && desk.settings.textMap(overridesKey) == stored);
+
+        model->dismissAlert();
+        model->chooseArtwork(album, false, true); // on a device that is not there
+        desk.panels.answer({desk.folder / "some.png"});
+        desk.waitForJobs(*model);
+        QCOMPARE(model->alert(), std::optional(QStringLiteral("Podłącz iPoda.")));
+        QCOMPARE(model->status(), failed);
+    }
+
+    void leavesNoDisagreementWhereverTheDiskFails()
+    {
+        bool reached = true;
+        int installed = 0;
+        for (int call = 1; reached; ++call) {
+            CoverDesk desk;
+            desk.addTrack("A", "One", picture("plain.png"));
+            const auto model = desk.startWithMusic(true);
+            const auto device = filesBelow(desk.device.root);
+            desk.settings.flush();
+            {
+                const FailingDisk disk(call);
+                model->chooseArtwork(*model->albums()->front(), true);
+                desk.waitForJobs(*model);
+                desk.settings.flush();
+                reached = FailingDisk::reached();
+            }
+            QCoreApplication::processEvents();
+            const bool hasCover = desk.agreesOnCover(*model);
+            const bool isInstalled = filesBelow(desk.device.root) != device;
+            QVERIFY2(isInstalled || !hasCover, std::to_string(call).c_str());
+            QVERIFY(hasCover || model->status() == QStringLiteral("Nie udało się zapisać okładki"));
+            QVERIFY(!holdsPartialFile(desk.folder.path()));
+            installed += int(isInstalled);
+        }
+        QVERIFY(installed > 2); // the store's own failures come after the install
+    }
+
+    void repairsWhatIsThereAndGoesOnAfterAFailure()
+    {
+        CoverDesk desk;
+        desk.addTrack("A", "bare");
+        const auto bare = desk.startWithMusic(false);
+        bare->repairAvailableCovers();
+        desk.waitForJobs(*bare);
+        QVERIFY(bare->alert()->startsWith(QStringLiteral("Brak dostępnych obrazów do automatycznej naprawy.")));
+
+        desk.addTrack("B", "broken", "no picture at all");
+        desk.addTrack("C", "fine", picture("plain.jpg"));
+        desk.addTrack("D", "large", picture("progressive.jpg"));
+        desk.addTrack("E", "other", picture("plain.png"));
+        const auto model = desk.startWithMusic(true);
+        model->repairAvailableCovers();
+        model->findMissingCovers();
+        desk.waitForJobs(*model);
+        QCOMPARE(model->status(), QStringLiteral("Naprawione albumy: 3. Nie udało się naprawić: 1."));
+        QCOMPARE(model->alert(),
+            std::optional(model->status()
+                + QStringLiteral("\nPoprzednie obrazy z iPoda mają kopię na Macu.\nBrakujące lub nieczytelne obrazy "
+                                 "wymagają wyboru nowej okładki.")));
+        for (const char *place : {"C/fine", "D/large", "E/other"}) { // the fine one had no file beside the music
+            const std::string cover = fileBytes(desk.folder / "IPOD/Music" / place / "cover.jpeg");
+            QVERIFY(!Artwork::compatibilityIssue(QByteArray::fromStdString(cover)));
+        }
+    }
+};
+
+QTEST_GUILESS_MAIN(CoverWorkflowTest)
+#include "CoverWorkflowTest.moc"
