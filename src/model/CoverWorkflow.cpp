@@ -133,6 +133,9 @@ QCoro::Task<> MarluneModel::runCoverSearch(std::vector<Album> albums, CoverPlace
     std::map<CoverFinding, int> counts;
     int done = 0;
     for (const Album &album : albums) {
+        if (m_leaving) {
+            break;
+        }
         CoverFinding finding = CoverFinding::Unavailable;
         if (isReachable(place)) { // else the network need not be asked
             auto searching = findCover(album, place);

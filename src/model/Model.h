@@ -224,6 +224,8 @@ public:
     [[nodiscard]] bool busy() const { return m_busy; }
     /// Whether something is under way that the end of the program would cut off; a check for duplicates only reads.
     [[nodiscard]] bool working() const { return (m_busy && !m_checkingDuplicates) || m_writingPlaylist; }
+    /// The window waits to close: what only searches or checks ends early, what writes goes on to its end.
+    void setLeaving(bool leaving);
     [[nodiscard]] double progress() const { return m_progress; }
     [[nodiscard]] QString status() const { return m_status; }
     [[nodiscard]] const std::optional<QString> &alert() const { return m_alert; }
@@ -392,6 +394,7 @@ private:
     QSet<QUuid> m_queued;
     QString m_search;
     bool m_busy = false;
+    bool m_leaving = false;
     double m_progress = 0;
     QString m_status = QStringLiteral("Gotowy na Twoją muzykę");
     std::optional<QString> m_alert;

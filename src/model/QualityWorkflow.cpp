@@ -11,6 +11,7 @@
 
 namespace {
 
+const QString checking = QStringLiteral("Sprawdzam zawartość plików…");
 const QString comparing = QStringLiteral("Porównuję zawartość plików…");
 const QString interrupted = QStringLiteral("Sprawdzanie przerwane — wynik nie jest kompletny.");
 
@@ -21,7 +22,7 @@ void MarluneModel::checkDuplicates()
     if (m_busy || activeTracks().empty()) {
         return;
     }
-    setDuplicates({}, QStringLiteral("Sprawdzam zawartość plików…"));
+    setDuplicates({}, checking);
     m_checkingDuplicates = true;
     setBusy(true);
     setProgress(0);
@@ -41,7 +42,10 @@ QCoro::Task<> MarluneModel::runDuplicateCheck(std::vector<Track> tracks)
     if (!self) {
         co_return;
     }
-    if (stop.stop_requested()) { // other tracks are shown now, and nothing is known of those
+    if (stop.stop_requested()) { // other tracks are shown now, of which nothing is known, or the window closes
+        if (m_duplicateStatus == checking) {
+            setDuplicates({}, interrupted);
+        }
         if (m_status == comparing) {
             setStatus(interrupted);
         }

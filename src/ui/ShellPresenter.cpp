@@ -164,6 +164,7 @@ void ShellPresenter::setClosing(bool closing)
 {
     if (m_closing != closing) {
         m_closing = closing;
+        m_model.setLeaving(closing);
         Q_EMIT closingChanged();
     }
 }

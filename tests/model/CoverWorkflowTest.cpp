@@ -157,6 +157,21 @@ private Q_SLOTS:
             std::optional(QStringLiteral("Dodano okładki: 0. Do wyboru ręcznie: 1. Niedostępne: 2.") + tail));
     }
 
+    void endsASearchEarlyWhenTheWindowWaitsToClose()
+    {
+        const CannedServer server({found("A", "x", 0)});
+        CoverDesk desk;
+        desk.askServer(server);
+        desk.addTrack("A", "x");
+        desk.addTrack("B", "x");
+        const auto model = desk.startWithMusic(false);
+        model->findMissingCovers();
+        model->setLeaving(true);
+        desk.waitForJobs(*model);
+        QCOMPARE(server.asked.size(), 1U);
+        QVERIFY(model->status().endsWith(QStringLiteral("Do wyboru ręcznie: 1. Niedostępne: 0.")));
+    }
+
     void fetchesTheCandidateThatTheUserChose()
     {
         CannedServer server({status("500 Trouble"), status("500 Trouble"),

@@ -24,7 +24,7 @@ Rectangle {
             id: words
             objectName: "closingNotice"
             Layout.fillWidth: true
-            text: L10n.text("Okno zamknie się samo, gdy tylko praca dobiegnie końca. Nic nie zostanie przerwane.")
+            text: L10n.text("Okno zamknie się samo, gdy tylko praca dobiegnie końca. Żaden zapis nie zostanie przerwany.")
             textFormat: Text.PlainText
             font: Tokens.type.subheadline
             color: Tokens.color.text
