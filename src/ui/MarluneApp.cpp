@@ -110,7 +110,8 @@ Program::Parts::Parts(const Setup &setup)
           .deviceDiscovery = setup.deviceDiscovery,
           .ejectVolume = setup.ejectVolume,
           .supportFolder = setup.supportFolder,
-          .themeSite = setup.themeSite})
+          .themeSite = setup.themeSite,
+          .covers = setup.covers ? *setup.covers : CoverSearch::shared()})
     , shell(model)
     , library(model, covers)
 {
