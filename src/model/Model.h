@@ -24,6 +24,7 @@
 #include <QSet>
 
 #include <chrono>
+#include <deque>
 #include <functional>
 #include <stop_token>
 
@@ -324,7 +325,7 @@ private:
     QCoro::Task<> runChoice(std::filesystem::path folder);
     QCoro::Task<> runEject(Device device);
     QCoro::Task<> runContentLoad(std::filesystem::path root);
-    QCoro::Task<> runThemePreviewChoice(Theme theme, std::filesystem::path file);
+    QCoro::Task<> runThemePreviewChoices();
     QCoro::Task<> runPreviewFetch();
     void beginThemeInstall(const std::filesystem::path &zip);
     QCoro::Task<> runThemeInstall(
@@ -406,8 +407,7 @@ private:
     std::vector<std::filesystem::path> m_transferred;
     DeviceContent m_content;
     QString m_themePreviewStatus;
-    int m_previewChoices = 0;
-    QHash<QString, int> m_newestPreviewChoice; ///< by the theme's key, of those that were pictures
+    std::deque<std::pair<Theme, std::filesystem::path>> m_previewChoices; ///< the first is being stored
     std::unique_ptr<QObject> m_previewRequest; ///< owns the exchange with the catalogue; its end ends that
     QUuid m_contentGeneration; ///< of the reading that may land
     std::stop_source m_contentReading; ///< ends that reading early

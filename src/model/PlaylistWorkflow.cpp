@@ -33,7 +33,7 @@ std::vector<std::filesystem::path> MarluneModel::playlistTracks() const
 
 void MarluneModel::makePlaylist()
 {
-    if (m_device && !m_writingPlaylist) {
+    if (m_device && !m_writingPlaylist && !m_ejecting) {
         m_writingPlaylist = true;
         Q_EMIT workingChanged();
         runPlaylist(m_device->root);

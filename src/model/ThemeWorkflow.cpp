@@ -61,41 +61,39 @@ void MarluneModel::chooseThemePreview(const Theme &theme)
         .message = {}};
     m_environment.panels.open(
         request, [self = QPointer(this), theme](const std::vector<std::filesystem::path> &chosen) {
-            if (self && !chosen.empty()) {
-                self->runThemePreviewChoice(theme, chosen.front());
+            if (!self || chosen.empty()) {
+                return;
+            }
+            self->m_previewChoices.emplace_back(theme, chosen.front());
+            if (self->m_previewChoices.size() == 1) {
+                self->runThemePreviewChoices();
             }
         });
 }
 
-QCoro::Task<> MarluneModel::runThemePreviewChoice(Theme theme, std::filesystem::path file)
+/// One after the other: of two pictures for one theme the later choice stays.
+QCoro::Task<> MarluneModel::runThemePreviewChoices()
 {
     const QPointer<MarluneModel> self(this);
-    const int choice = ++m_previewChoices;
-    std::optional<QByteArray> picture;
-    try {
-        auto read = [file] { return readPicture(file); };
-        picture = co_await background(read);
-    } catch (const std::exception &) {
-        picture.reset(); // out of memory and the like: taken for no picture
-    }
-    const QString key = ThemePreview::key(theme);
-    if (!self || !picture || m_newestPreviewChoice.value(key) > choice) { // a later choice can be read sooner
-        co_return;
-    }
-    m_newestPreviewChoice.insert(key, choice);
-    auto store = [picture = *picture, name = QStringLiteral("theme-") + key, folder = m_environment.supportFolder] {
-        return Artwork::cache(picture, name, folder);
-    };
-    const auto stored = co_await attempt(store);
-    if (!self) {
-        co_return;
-    }
-    if (stored.failure) {
-        setAlert(describeFailure(stored.failure));
-    } else {
-        m_environment.settings.setText(ThemePreview::settingsPrefix() + key, Files::text(*stored.value));
-        m_content.themePreviews.insert(theme.id(), ThemePreview::chosen(*stored.value));
-        Q_EMIT themePreviewsChanged(); // also where the record stays: the file of that name is another one
+    for (; self && !m_previewChoices.empty(); m_previewChoices.pop_front()) {
+        const auto [theme, file] = m_previewChoices.front();
+        const QString key = ThemePreview::key(theme);
+        auto store = [file, name = QStringLiteral("theme-") + key,
+                         folder = m_environment.supportFolder]() -> std::optional<std::filesystem::path> {
+            const std::optional<QByteArray> picture = readPicture(file);
+            return picture ? std::optional(Artwork::cache(*picture, name, folder)) : std::nullopt;
+        };
+        const auto stored = co_await attempt(store);
+        if (!self) {
+            co_return;
+        }
+        if (stored.failure) {
+            setAlert(describeFailure(stored.failure));
+        } else if (const std::optional<std::filesystem::path> &picture = *stored.value) {
+            m_environment.settings.setText(ThemePreview::settingsPrefix() + key, Files::text(*picture));
+            m_content.themePreviews.insert(theme.id(), ThemePreview::chosen(*picture));
+            Q_EMIT themePreviewsChanged(); // also where the record stays: the file of that name is another one
+        }
     }
 }
 

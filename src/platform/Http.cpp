@@ -41,8 +41,7 @@ public:
             return {QNetworkProxy(QNetworkProxy::NoProxy)};
         }
         const auto known = m_known.constFind(origin(query.url()));
-        // Unknown is only a host that a redirect leads to.
-        return known == m_known.constEnd() ? systemProxyForQuery(query) : *known;
+        return known == m_known.constEnd() ? QList<QNetworkProxy> {QNetworkProxy(QNetworkProxy::NoProxy)} : *known;
     }
 
     void note(const QUrl &url, const QList<QNetworkProxy> &proxies) { m_known.insert(origin(url), proxies); }
@@ -84,13 +83,33 @@ struct Exchange {
     QPromise<void> finished;
 };
 
+/// Finds out how this place is reached, before anything is asked of it.
+QCoro::Task<> learnProxies(QUrl url)
+{
+    if (!isThisComputer(url)) {
+        auto ask = [url] { return QNetworkProxyFactory::systemProxyForQuery(QNetworkProxyQuery(url)); };
+        const QList<QNetworkProxy> proxies = co_await background(ask, JobPriority::Utility);
+        network().proxies->note(url, proxies);
+    }
+}
+
+/// To a place that it may lead to; returns at once.
+QCoro::Task<> follow(QUrl redirect, QPointer<QNetworkReply> reply)
+{
+    auto learning = learnProxies(redirect);
+    co_await learning;
+    if (reply) {
+        Q_EMIT reply->redirectAllowed();
+    }
+}
+
 QNetworkRequest networkRequest(const Http::Request &request)
 {
     QNetworkRequest result(request.url);
     result.setHeader(QNetworkRequest::UserAgentHeader, request.userAgent);
     result.setRawHeader("Accept-Language", "*"); // else the user's own
     result.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
-        request.redirects == Http::Redirects::AnyHost ? QNetworkRequest::NoLessSafeRedirectPolicy
+        request.redirects == Http::Redirects::AnyHost ? QNetworkRequest::UserVerifiedRedirectPolicy
                                                       : QNetworkRequest::SameOriginRedirectPolicy);
     result.setMaximumRedirectsAllowed(mostRedirects);
     for (const auto attribute : {QNetworkRequest::CookieLoadControlAttribute,
@@ -103,6 +122,8 @@ QNetworkRequest networkRequest(const Http::Request &request)
     result.setAttribute(QNetworkRequest::Http2AllowedAttribute, false);
     return result;
 }
+
+const QString forbiddenRedirect = QStringLiteral("Serwer odsyła pod niedozwolony adres.");
 
 QString failureText(const QNetworkReply &reply)
 {
@@ -119,7 +140,7 @@ QString failureText(const QNetworkReply &reply)
         return QStringLiteral("Nie można bezpiecznie połączyć się z serwerem.");
     case QNetworkReply::InsecureRedirectError:
     case QNetworkReply::TooManyRedirectsError:
-        return QStringLiteral("Serwer odsyła pod niedozwolony adres.");
+        return forbiddenRedirect;
     default:
         return QStringLiteral("Nie można pobrać danych z serwera: ") + reply.errorString();
     }
@@ -139,8 +160,11 @@ void receive(Exchange &exchange, QNetworkReply &reply)
 void conclude(Exchange &exchange, QNetworkReply &reply)
 {
     exchange.status = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
-    // A status that tells of a failure is an answer all the same.
-    const bool answered = reply.error() == QNetworkReply::NoError || exchange.status >= 400 || exchange.tooLarge;
+    // A status that tells of a failure is an answer all the same, where it came whole.
+    const auto error = reply.error();
+    const bool isStatus = (error >= QNetworkReply::ContentAccessDenied && error <= QNetworkReply::UnknownContentError)
+        || (error >= QNetworkReply::InternalServerError && error <= QNetworkReply::UnknownServerError);
+    const bool answered = error == QNetworkReply::NoError || isStatus || exchange.tooLarge;
     if (!exchange.failure && !answered) {
         exchange.failure = std::make_exception_ptr(MarluneError(failureText(reply)));
     }
@@ -176,7 +200,17 @@ void start(const std::shared_ptr<Exchange> &exchange, QObject &owner)
     QObject::connect(silence, &QTimer::timeout, reply, expire);
     QTimer::singleShot(exchange->request.patience, reply, expire);
     const auto heard = [silence] { silence->start(); };
-    QObject::connect(reply, &QNetworkReply::redirected, silence, heard);
+    QObject::connect(reply, &QNetworkReply::redirected, reply,
+        [reply, stop, heard, redirects = exchange->request.redirects, last = exchange->request.url](
+            const QUrl &place) mutable {
+            heard();
+            if (last.scheme() == QLatin1String("https") && place.scheme() != last.scheme()) {
+                stop(std::make_exception_ptr(MarluneError(forbiddenRedirect)));
+            } else if (redirects == Http::Redirects::AnyHost) {
+                last = place;
+                follow(place, reply);
+            }
+        });
     QObject::connect(reply, &QNetworkReply::metaDataChanged, silence, heard);
     QObject::connect(reply, &QNetworkReply::readyRead, reply, [exchange, reply, heard] {
         heard();
@@ -198,11 +232,8 @@ QCoro::Task<Http::Response> Http::get(Request &request, QObject &owner)
     if (!url.isValid() || !isWeb || url.host().isEmpty()) {
         throw MarluneError(QStringLiteral("Nieprawidłowy adres serwera."));
     }
-    if (!isThisComputer(url)) {
-        auto ask = [url] { return QNetworkProxyFactory::systemProxyForQuery(QNetworkProxyQuery(url)); };
-        const QList<QNetworkProxy> proxies = co_await background(ask, JobPriority::Utility);
-        network().proxies->note(url, proxies);
-    }
+    auto learning = learnProxies(url);
+    co_await learning;
     if (living) {
         start(exchange, *living);
         QFuture<void> finished = exchange->finished.future();

@@ -11,6 +11,7 @@
 #include "platform/Files.h"
 #include "platform/MarluneError.h"
 #include "platform/SettingsLock.h"
+#include "platform/TerminationRequests.h"
 #include "platform/Volumes.h"
 
 #include <QFontDatabase>
@@ -202,6 +203,8 @@ int run(int argc, char **argv)
             return 1;
         }
         QObject::connect(window, &QQuickWindow::sceneGraphError, window, reportGraphicsFailure);
+        const TerminationRequests requests;
+        QObject::connect(&requests, &TerminationRequests::requested, window, &QQuickWindow::close); // as the user does
         return QGuiApplication::exec();
     } catch (const MarluneError &refusal) {
         return refuse(refusal.message());

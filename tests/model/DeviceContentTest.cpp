@@ -137,7 +137,7 @@ private Q_SLOTS:
             }
             desk.waitForJobs(*model);
             QVERIFY(shows(*model, front));
-            choose(*model, large); // is read when the later choice has long been
+            choose(*model, large); // takes longer to read than the later choice
             choose(*model, other);
             choose(*model, theme.url); // a text
             desk.waitForJobs(*model);

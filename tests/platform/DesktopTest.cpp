@@ -1,5 +1,6 @@
 // Opening and revealing, with a file manager of the test's own on a private session bus.
 #include "platform/Desktop.h"
+#include "platform/TerminationRequests.h"
 #include "support/Eventually.h"
 #include "support/PrivateBus.h"
 
@@ -10,6 +11,8 @@
 #include <QDBusVirtualObject>
 #include <QDesktopServices>
 #include <QUrl>
+
+#include <csignal>
 
 namespace {
 
@@ -87,5 +90,15 @@ TEST_F(DesktopTest, RevealsInTheFileManagerAndElseOpensTheFolder)
 }
 
 } // namespace
+
+TEST(TerminationRequests, tellsTheFirstSignalAndLeavesTheSecondItsEffect)
+{
+    int told = 0;
+    const TerminationRequests requests;
+    QObject::connect(&requests, &TerminationRequests::requested, &requests, [&] { ++told; });
+    std::raise(SIGTERM);
+    ASSERT_TRUE(eventually([&] { return told == 1; }));
+    EXPECT_EXIT(std::raise(SIGTERM), testing::KilledBySignal(SIGTERM), "");
+}
 
 #include "DesktopTest.moc"

@@ -58,6 +58,7 @@ TEST(Http, bringsAnyAnswerOrSaysWhyThereIsNone)
         {{"HTTP/1.1 200 OK\r\nContent-Length: 50000000\r\n\r\n", 50'000'000}, 200, "too large"},
         {{"", 0, Then::Stay}, 0, silent},
         {{"HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nab", 0, Then::Stay}, 0, silent},
+        {{"HTTP/1.1 503 Busy\r\nContent-Length: 9\r\n\r\nab"}, 0, cut},
         {{"HTTP/1.1 200 OK\r\n\r\n", 0, Then::GoOn}, 0, silent},
         {{""}, 0, cut},
         {{"HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nab"}, 0, cut},

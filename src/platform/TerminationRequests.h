@@ -1,0 +1,18 @@
+// The system's wish that the program end: a logout, a shutdown, Ctrl+C in a terminal.
+//
+// Without it a signal cuts off whatever is being written, and nothing is undone. The first signal is told; after that
+// each has its usual effect again, so that a second one ends the program at once. One object at a time; UI thread.
+#pragma once
+
+#include <QObject>
+
+class TerminationRequests final : public QObject {
+    Q_OBJECT
+
+public:
+    explicit TerminationRequests(QObject *parent = nullptr);
+    ~TerminationRequests() override;
+
+Q_SIGNALS:
+    void requested();
+};
