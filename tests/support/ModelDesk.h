@@ -68,7 +68,8 @@ struct ModelDesk {
                 },
             .ejectVolume = [this](const std::filesystem::path &root) { ejector(root); },
             .supportFolder = folder / "data",
-            .themeSite = themeSite};
+            .themeSite = themeSite,
+            .audioOutput = "null"};
     }
 
     [[nodiscard]] std::unique_ptr<MarluneModel> start()
