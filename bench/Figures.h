@@ -61,6 +61,7 @@ void jpeg(const std::filesystem::path &library);
 void jpegProgressive(const std::filesystem::path &library);
 void check(const std::filesystem::path &library);
 void catalogue(const std::filesystem::path &library);
+void play(const std::filesystem::path &library);
 /// Both import the library into the real window; they share one run.
 void heartbeatAndMemory(const std::filesystem::path &library);
 /// Scrolls through the album grid.

@@ -205,11 +205,16 @@ QCoro::Task<> MarluneModel::runEject(Device device)
     // The disk may take its time to write out what it holds; nothing else may start on it meanwhile.
     m_ejecting = device.root;
     m_unmountedWhileEjecting = false;
-    abandonDeviceContent(); // an open file would hold the volume
+    // An open file would hold the volume.
+    abandonDeviceContent();
+    auto closeTrack = m_playback.release(device.root);
     setProgress(0);
     setBusy(true);
     setStatus(QStringLiteral("Wysuwam iPoda…"));
-    auto ejectVolume = [ejector = m_environment.ejectVolume, root = device.root] { ejector(root); };
+    auto ejectVolume = [ejector = m_environment.ejectVolume, root = device.root, closeTrack] {
+        closeTrack();
+        ejector(root);
+    };
     const auto outcome = co_await attempt(ejectVolume);
     if (!self) {
         co_return;

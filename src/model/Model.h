@@ -5,6 +5,8 @@
 // dropped without a word. A failure, or a notice that must be read, ends up in `alert`, a short result in `status`.
 #pragma once
 
+#include "playback/Playback.h"
+
 #include "library/Album.h"
 
 #include "artwork/CoverSearch.h"
@@ -45,6 +47,8 @@ struct ModelEnvironment {
     Catalogue::Site themeSite = {};
     /// Finds covers on the network.
     CoverSearch &covers = CoverSearch::shared();
+    /// Where listening on the computer is heard, as AudioOutput takes it.
+    QByteArray audioOutput = {};
     /// Whether the library of the last run comes back.
     bool restoreLibrary = true;
     /// After this long a discovery counts as hanging, and the user is told.
@@ -221,6 +225,10 @@ public:
     /// Copies the settings and themes of the selected device to the computer.
     Q_INVOKABLE void backup();
 
+    // Listening on the computer. It goes on whatever else is under way, save where its file lies on a device that is
+    // ejected.
+    [[nodiscard]] Playback &playback() { return m_playback; }
+
     // Progress and messages.
     [[nodiscard]] bool busy() const { return m_busy; }
     /// Whether something is under way that the end of the program would cut off; a check for duplicates only reads.
@@ -385,6 +393,7 @@ private:
     [[nodiscard]] const AlbumList &everyAlbum() const;
 
     ModelEnvironment m_environment;
+    Playback m_playback {m_environment.audioOutput};
     Section m_section = Section::Music;
     std::vector<Device> m_devices;
     std::optional<Device> m_device;

@@ -25,6 +25,7 @@
 
 #include <unistd.h>
 
+#include <clocale>
 #include <cstdio>
 
 // Written by Qt's build for the QML module, which no header declares.
@@ -176,6 +177,7 @@ Setup Setup::forUser()
 
 void prepareApplication()
 {
+    std::setlocale(LC_NUMERIC, "C"); // the application object has set the user's, under which libmpv does not start
     QCoreApplication::setApplicationName(QStringLiteral("Marlune"));
     QCoreApplication::setOrganizationName(QStringLiteral("Marlune"));
     QGuiApplication::setApplicationDisplayName(QStringLiteral("Marlune"));

@@ -2,7 +2,7 @@
 """Makes the small audio files in the folder "media" beside this script, the same bytes at every run.
 
 They are kept in the repository, so that tests need no encoders. To make them anew (Debian packages): ffmpeg, lame,
-opus-tools, vorbis-tools, wavpack, musepack-tools, python3-mutagen.
+flac, opus-tools, vorbis-tools, wavpack, musepack-tools, python3-mutagen.
 """
 import base64
 import math
@@ -194,6 +194,8 @@ def main():
     ogg = OggFLAC(out("flac.ogg"))
     comments(ogg)
     ogg.save(padding=lambda info: 0)
+
+    run("flac", "--silent", "--force", "--output-name", out("plain.flac"), low)
 
     ffmpeg(low, out("info.wav"), "-c:a", "pcm_s16le", "-metadata", "title=Gęślą jaźń", "-metadata", "artist=Zażółć",
            "-metadata", "album=Jesień", "-metadata", "date=2004", "-metadata", "track=7")

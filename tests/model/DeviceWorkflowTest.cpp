@@ -3,6 +3,8 @@
 
 #include "platform/MarluneError.h"
 
+#include <clocale>
+
 namespace {
 
 /// A model that has found one disk.
@@ -24,6 +26,8 @@ class DeviceWorkflowTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void initTestCase() { std::setlocale(LC_NUMERIC, "C"); } // for the player, as the program does
+
     void selectsASoleDeviceAndNeverOneOfTwo()
     {
         ModelDesk desk;
@@ -133,6 +137,40 @@ private Q_SLOTS:
         QTRY_COMPARE(model.tracks().size(), 1U);
         answer.set_value();
         QTRY_VERIFY(model.device());
+    }
+
+    void closesTheTrackOnADeviceBeforeEjecting()
+    {
+        Connected connected;
+        std::vector<Track> tracks(2);
+        const std::filesystem::path sound
+            = std::filesystem::path(MARLUNE_SOURCE_DIR) / "tests/data/media/variable-rate.mp3";
+        for (Track &track : tracks) {
+            track.id = QUuid::createUuid();
+            track.url = sound;
+        }
+        tracks[0].url = connected.device.root / "a.mp3";
+        std::filesystem::copy_file(sound, tracks[0].url);
+        Playback &playback = connected.model->playback();
+        const auto openOnDevice = [&] {
+            const auto files = std::filesystem::directory_iterator("/proc/self/fd");
+            return std::count_if(begin(files), end(files), [&](const std::filesystem::path &file) {
+                std::error_code gone;
+                return std::filesystem::read_symlink(file, gone) == tracks[0].url;
+            });
+        };
+        std::ptrdiff_t openAtEject = -1;
+        connected.desk.ejector = [&](const std::filesystem::path &) { openAtEject = openOnDevice(); };
+        for (const Track &track : tracks) {
+            connected.model->select(connected.device);
+            playback.play(track, tracks);
+            QTRY_VERIFY(playback.playing());
+            QCOMPARE(openOnDevice(), track == tracks[0] ? 1 : 0);
+            connected.model->eject();
+            ModelDesk::waitForJobs(*connected.model);
+            QCOMPARE(openAtEject, 0);
+            QCOMPARE(playback.current(), track == tracks[0] ? std::nullopt : std::optional(track));
+        }
     }
 
     void ejectsOnlyAnIdleVolumeAndDropsASecondLongJob()

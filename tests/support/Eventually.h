@@ -6,10 +6,10 @@
 
 #include <functional>
 
-/// Whether `condition` came true within ten seconds.
-inline bool eventually(const std::function<bool()> &condition)
+/// Whether `condition` came true within ten seconds, or as many milliseconds as given.
+inline bool eventually(const std::function<bool()> &condition, int patience = 10'000)
 {
-    for (QDeadlineTimer deadline(10'000); !deadline.hasExpired();) {
+    for (QDeadlineTimer deadline(patience); !deadline.hasExpired();) {
         if (condition()) {
             return true;
         }

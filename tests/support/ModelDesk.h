@@ -70,7 +70,8 @@ struct ModelDesk {
             .ejectVolume = [this](const std::filesystem::path &root) { ejector(root); },
             .supportFolder = folder / "data",
             .themeSite = themeSite,
-            .covers = *covers};
+            .covers = *covers,
+            .audioOutput = "null"};
     }
 
     [[nodiscard]] std::unique_ptr<MarluneModel> start()

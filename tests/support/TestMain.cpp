@@ -3,9 +3,12 @@
 
 #include <gtest/gtest.h>
 
+#include <clocale>
+
 int main(int argc, char **argv)
 {
     const QCoreApplication application(argc, argv);
+    std::setlocale(LC_NUMERIC, "C"); // as the program does, for libmpv
     testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();
 }
