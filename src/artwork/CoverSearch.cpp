@@ -163,7 +163,8 @@ QString withoutAccents(const QString &text)
 /// What is compared of a name. Letters that are no base with an accent stay as they are: "ł" is not "l".
 QString normalised(const QString &text)
 {
-    return lettersAndNumbers(withoutAccents(text).toCaseFolded());
+    QString folded = withoutAccents(text).toCaseFolded(); // one letter for each
+    return lettersAndNumbers(folded.replace(u'ß', QLatin1String("ss")));
 }
 
 } // namespace

@@ -6,6 +6,7 @@
 #include <QTimer>
 #include <QUrl>
 
+#include <chrono>
 #include <stdexcept>
 #include <vector>
 
@@ -26,6 +27,7 @@ public:
     struct Asked {
         QByteArray target; ///< of the request line: path and query
         QByteArray head; ///< the whole request
+        std::chrono::steady_clock::time_point when = std::chrono::steady_clock::now();
     };
 
     explicit CannedServer(std::vector<Answer> given)
