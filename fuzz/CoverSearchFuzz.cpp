@@ -18,7 +18,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
             require(!each.matches(each.artist(), QString()));
             require(!CoverSearch::query(each.artist(), each.title).isEmpty());
         }
-    } catch (const MarluneError &) { // for the user
+    } catch (const MarluneError &error) {
+        require(!error.message().isEmpty());
     }
     return 0;
 }

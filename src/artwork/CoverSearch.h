@@ -29,9 +29,9 @@ struct Response;
 
 /// Where the services are, and how they are treated. Without roots nothing is asked of any server, and calls fail.
 struct CoverServices {
-    QUrl catalogue = {}; ///< the web service
-    QUrl site = {}; ///< the catalogue as people read it
-    QUrl archive = {};
+    QUrl catalogue; ///< the web service
+    QUrl site; ///< the catalogue as people read it
+    QUrl archive;
     /// After so long without a sign of the server it counts as out of reach.
     std::chrono::milliseconds catalogueSilence = std::chrono::seconds(25);
     std::chrono::milliseconds archiveSilence = std::chrono::seconds(35);
@@ -50,12 +50,12 @@ struct CoverCandidate {
         bool operator==(const Credit &) const = default;
     };
 
-    QString id = {}; ///< as the service sent it; a UUID if all is well
-    QString title = {};
-    std::vector<Credit> artistCredit = {};
-    std::optional<std::int64_t> score = {}; ///< how well it fits the search, up to 100
-    std::optional<QString> firstReleaseDate = {}; ///< "1980-07-25" or only its beginning
-    std::optional<QString> primaryType = {}; ///< "Album", "EP", "Single", ...
+    QString id; ///< as the service sent it; a UUID if all is well
+    QString title;
+    std::vector<Credit> artistCredit;
+    std::optional<std::int64_t> score; ///< how well it fits the search, up to 100
+    std::optional<QString> firstReleaseDate; ///< "1980-07-25" or only its beginning
+    std::optional<QString> primaryType; ///< "Album", "EP", "Single", ...
 
     bool operator==(const CoverCandidate &) const = default;
 

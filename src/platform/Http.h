@@ -3,7 +3,8 @@
 //
 // All go through one connection manager, which lives as long as the program. UI thread; nothing blocks there. What a
 // server sends never holds more memory than was allowed for. Nothing of the user goes out but what the address says:
-// no cookies, no language, no credentials. The desktop's proxies are used, except to this computer itself.
+// no cookies, no language, no credentials; and nothing is cached. The desktop's proxies are used, except to this
+// computer itself.
 #pragma once
 
 #include <QByteArray>

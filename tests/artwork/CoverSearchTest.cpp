@@ -16,15 +16,20 @@ using Answers = std::vector<CannedServer::Answer>;
 const auto answer
     = [](const QByteArray &status, const QByteArray &body = {}) { return CannedServer::answer(status, body); };
 const QByteArray group = R"({"release-groups":[{"id":"i","title":"t","artist-credit":[{"name":"A"},{"name":"B"}]}]})";
-const CoverCandidate cover {.id = QStringLiteral("0da580f2-6768-498f-af9d-2becaddf15e0")};
+const QString uuid = QStringLiteral("0da580f2-6768-498f-af9d-2becaddf15e0");
 const QString a = QStringLiteral("a");
 
 /// Both services on one server, and calls to them that are followed to their ends.
 struct Desk {
+    explicit Desk(Answers answers, std::chrono::milliseconds wait = 20ms)
+        : server(std::move(answers))
+        , covers({server.root(), {}, server.root(), 300ms, 300ms, wait, wait})
+    {
+    }
+
     CannedServer server;
-    std::chrono::milliseconds wait = 20ms;
-    CoverSearch covers {{server.root(), {}, server.root(), 300ms, 300ms, wait, wait}};
-    std::string outcome = {}; ///< "N." candidates or bytes, or why there are none
+    CoverSearch covers;
+    std::string outcome; ///< "N." candidates or bytes, or why there are none
 
     template <typename Result> QCoro::Task<> follow(QCoro::Task<Result> call)
     {
@@ -45,7 +50,7 @@ struct Desk {
     std::string image(const QString &id)
     {
         QObject owner;
-        follow(covers.image({.id = id}, owner));
+        follow(covers.image({id, {}, {}, {}, {}, {}}, owner));
         EXPECT_TRUE(eventually([&] { return !outcome.empty(); }));
         return std::exchange(outcome, {});
     }
@@ -55,7 +60,7 @@ struct Desk {
 
 TEST(CoverSearch, sendsTheWholeQueryOnce)
 {
-    Desk desk {CannedServer({answer("404 x"), answer("200 OK", "{}"), answer("200 OK", group)})};
+    Desk desk({answer("404 x"), answer("200 OK", "{}"), answer("200 OK", group)});
     const std::tuple<const char *, const char *, const char *, std::size_t> rows[] = {{"Black", "404", "Black", 1},
         {R"( ż+&#%="\ )", "odczytać", R"( ż+&#%=\"\\ )", 2}, {R"( ż+&#%="\ )", "1.", R"( ż+&#%=\"\\ )", 3},
         {R"( ż+&#%="\ )", "1.", R"( ż+&#%=\"\\ )", 3}, {R"( Ż+&#%="\ )", "1.", R"( Ż+&#%=\"\\ )", 4},
@@ -133,10 +138,10 @@ TEST(CoverSearch, asksABusyServiceOnceMoreAndTellsOtherFailures)
             {{{"HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nab"}}, "przerwane", "przerwane", 1},
             {{to(other.root().toEncoded())}, "niedozwolony", "5.", 1}, {{to("/")}, "niedozwolony", "niedozwolony", 6}};
     for (const auto &[answers, search, image, requests] : rows) {
-        Desk catalogue {CannedServer(answers)};
+        Desk catalogue(answers);
         EXPECT_THAT(catalogue.search(a), HasSubstr(search));
-        Desk archive {CannedServer(answers)};
-        EXPECT_THAT(archive.image(cover.id), HasSubstr(image));
+        Desk archive(answers);
+        EXPECT_THAT(archive.image(uuid), HasSubstr(image));
         EXPECT_EQ(std::pair(catalogue.server.asked.size(), archive.server.asked.size()), std::pair(requests, requests));
         EXPECT_LT(archive.server.sent, 20'000'000) << "what the system buffers for both sides";
     }
@@ -144,12 +149,12 @@ TEST(CoverSearch, asksABusyServiceOnceMoreAndTellsOtherFailures)
 
 TEST(CoverSearch, keepsTheRhythmOfTheCatalogue)
 {
-    Desk catalogue {CannedServer({answer("503 x"), answer("200 OK", group)})};
-    Desk archive {CannedServer({answer("503 x"), answer("200 OK", "image")})};
-    CoverSearch covers({.catalogue = catalogue.server.root(), .archive = archive.server.root()});
+    Desk catalogue({answer("503 x"), answer("200 OK", group)});
+    Desk archive({answer("503 x"), answer("200 OK", "image")});
+    CoverSearch covers({.catalogue = catalogue.server.root(), .site = {}, .archive = archive.server.root()});
     QObject owner;
     const auto start = std::chrono::steady_clock::now();
-    archive.follow(covers.image(cover, owner));
+    archive.follow(covers.image({uuid, {}, {}, {}, {}, {}}, owner));
     for (const QString &title : {a, a, a}) {
         catalogue.follow(covers.search(a, title, owner));
     }
@@ -165,13 +170,13 @@ TEST(CoverSearch, keepsTheRhythmOfTheCatalogue)
 
 TEST(CoverSearch, endsWithItsOwner)
 {
-    Desk under {CannedServer({{"HTTP/1.1 200 OK\r\n\r\n", 0, CannedServer::Then::GoOn}}), 60s};
-    Desk before {CannedServer({})};
-    Desk between {CannedServer({answer("503 x")}), 60s};
+    Desk under({{"HTTP/1.1 200 OK\r\n\r\n", 0, CannedServer::Then::GoOn}}, 60s);
+    Desk before({});
+    Desk between({answer("503 x")}, 60s);
     auto owner = std::make_unique<QObject>();
     under.follow(under.covers.search(a, a, *owner));
     before.follow(under.covers.search(a, a, *owner));
-    between.follow(between.covers.image(cover, *owner));
+    between.follow(between.covers.image({uuid, {}, {}, {}, {}, {}}, *owner));
     EXPECT_TRUE(eventually([&] { return under.server.sent > 30 && between.server.sent > 0; }));
     EXPECT_EQ(under.outcome + before.outcome + between.outcome, "");
     owner.reset();
@@ -184,13 +189,13 @@ TEST(CoverSearch, endsWithItsOwner)
 
 TEST(CoverSearch, fetchesImagesOfUuidsOnly)
 {
-    Desk desk {CannedServer({answer("200 OK", "image")})};
-    const QString &id = cover.id;
-    for (const QString &wrong : {QString(), QString(u'{' + id + u'}'), QString(id + u'\n'), QString(id).remove(u'-'),
-             id.chopped(1), QString(id).replace(u'f', QChar(0xFF46)), QString(id).replace(8, 1, u'0')}) {
+    Desk desk({answer("200 OK", "image")});
+    for (const QString &wrong :
+        {QString(), QString(u'{' + uuid + u'}'), QString(uuid + u'\n'), QString(uuid).remove(u'-'), uuid.chopped(1),
+            QString(uuid).replace(u'f', QChar(0xFF46)), QString(uuid).replace(8, 1, u'0')}) {
         EXPECT_EQ(desk.image(wrong), "Nieprawidłowy identyfikator albumu.") << wrong;
     }
     EXPECT_EQ(desk.server.asked.size(), 0U);
-    EXPECT_EQ(desk.image(id.toUpper()), "5.");
-    EXPECT_EQ(desk.server.asked[0].target, "/release-group/" + id.toUpper().toLatin1() + "/front-500");
+    EXPECT_EQ(desk.image(uuid.toUpper()), "5.");
+    EXPECT_EQ(desk.server.asked[0].target, "/release-group/" + uuid.toUpper().toLatin1() + "/front-500");
 }
