@@ -21,7 +21,7 @@ void MarluneModel::checkDuplicates()
     if (m_busy || activeTracks().empty()) {
         return;
     }
-    setDuplicates({}, QStringLiteral("Sprawdzam zawartość plików…"));
+    setDuplicates(QStringLiteral("Sprawdzam zawartość plików…"));
     m_checkingDuplicates = true;
     setBusy(true);
     setProgress(0);
@@ -47,22 +47,24 @@ QCoro::Task<> MarluneModel::runDuplicateCheck(std::vector<Track> tracks)
         }
     } else if (found.failure) {
         setAlert(describeFailure(found.failure));
-        setDuplicates({}, interrupted);
+        setDuplicates(interrupted);
+        setStatus(interrupted);
     } else {
         const auto groups = QString::number(found.value->size());
-        setDuplicates(std::move(*found.value),
-            QStringLiteral("Znaleziono grup identycznych plików: ") + groups
-                + QStringLiteral(". Sprawdzone przez SHA-256."));
+        setDuplicates(QStringLiteral("Znaleziono grup identycznych plików: ") + groups
+                + QStringLiteral(". Sprawdzone przez SHA-256."),
+            std::move(found.value));
         setStatus(QStringLiteral("Sprawdzanie duplikatów zakończone"));
     }
     setBusy(false);
     m_checkingDuplicates = false;
 }
 
-void MarluneModel::setDuplicates(std::vector<QualityIssue> issues, const QString &status)
+void MarluneModel::setDuplicates(const QString &status, std::optional<std::vector<QualityIssue>> found)
 {
-    if (m_duplicateIssues != issues) {
-        m_duplicateIssues = std::move(issues);
+    if (m_duplicatesChecked || found) {
+        m_duplicatesChecked = found.has_value();
+        m_duplicateIssues = std::move(found).value_or(std::vector<QualityIssue> {});
         Q_EMIT duplicateIssuesChanged();
     }
     if (m_duplicateStatus != status) {
@@ -74,5 +76,5 @@ void MarluneModel::setDuplicates(std::vector<QualityIssue> issues, const QString
 void MarluneModel::forgetDuplicates()
 {
     m_duplicateCheck.request_stop();
-    setDuplicates({}, QStringLiteral("Duplikaty nie zostały jeszcze sprawdzone."));
+    setDuplicates(QStringLiteral("Duplikaty nie zostały jeszcze sprawdzone."));
 }
