@@ -13,12 +13,12 @@ struct Figure {
     void (*measure)(const std::filesystem::path &library);
 };
 
-constexpr Figure figures[]
-    = {{"import", Bench::import}, {"flac", Bench::flac}, {"digest", Bench::digest}, {"transfer", Bench::transfer},
-        {"cleanup", Bench::cleanup}, {"zip", Bench::zip}, {"install", Bench::install}, {"group", Bench::group},
-        {"browse", Bench::browse}, {"jpeg", Bench::jpeg}, {"jpeg-progressive", Bench::jpegProgressive},
-        {"check", Bench::check}, {"catalogue", Bench::catalogue}, {"play", Bench::play},
-        {"heartbeat", Bench::heartbeatAndMemory}, {"memory", Bench::heartbeatAndMemory}, {"tiles", Bench::tiles}};
+constexpr Figure figures[] = {{"import", Bench::import}, {"flac", Bench::flac}, {"digest", Bench::digest},
+    {"transfer", Bench::transfer}, {"cleanup", Bench::cleanup}, {"zip", Bench::zip}, {"install", Bench::install},
+    {"group", Bench::group}, {"browse", Bench::browse}, {"jpeg", Bench::jpeg},
+    {"jpeg-progressive", Bench::jpegProgressive}, {"check", Bench::check}, {"catalogue", Bench::catalogue},
+    {"inspect", Bench::inspect}, {"duplicates", Bench::duplicates}, {"play", Bench::play},
+    {"heartbeat", Bench::heartbeatAndMemory}, {"memory", Bench::heartbeatAndMemory}, {"tiles", Bench::tiles}};
 
 } // namespace
 

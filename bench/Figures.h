@@ -62,6 +62,10 @@ void jpegProgressive(const std::filesystem::path &library);
 void check(const std::filesystem::path &library);
 void catalogue(const std::filesystem::path &library);
 void play(const std::filesystem::path &library);
+/// Looks through a copy of the library, with a cover in each album's folder, as through a device's music.
+void inspect(const std::filesystem::path &library);
+/// Compares files of its own.
+void duplicates(const std::filesystem::path &library);
 /// Both import the library into the real window; they share one run.
 void heartbeatAndMemory(const std::filesystem::path &library);
 /// Scrolls through the album grid.

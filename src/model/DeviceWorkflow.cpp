@@ -192,7 +192,7 @@ QCoro::Task<> MarluneModel::runChoice(std::filesystem::path folder)
 
 void MarluneModel::eject()
 {
-    if (!m_device || working() || !m_device->isVolume) {
+    if (!m_device || m_busy || m_writingPlaylist || !m_device->isVolume) {
         return;
     }
     runEject(*m_device);

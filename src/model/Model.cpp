@@ -75,14 +75,6 @@ void MarluneModel::setBusy(bool busy)
     }
 }
 
-void MarluneModel::setLeaving(bool leaving)
-{
-    m_leaving = leaving;
-    if (leaving) {
-        m_duplicateCheck.request_stop();
-    }
-}
-
 void MarluneModel::setProgress(double progress)
 {
     if (m_progress != progress) {

@@ -150,6 +150,8 @@ public:
     /// Files of the active tracks that are identical, as the last check found them.
     [[nodiscard]] const std::vector<QualityIssue> &duplicateIssues() const { return m_duplicateIssues; }
     [[nodiscard]] QString duplicateStatus() const { return m_duplicateStatus; }
+    /// Whether those are all that there are: a check of the active tracks came to its end.
+    [[nodiscard]] bool duplicatesChecked() const { return m_duplicatesChecked; }
     /// Compares the active tracks' files by their content, which takes minutes on a device. What a check finds about
     /// tracks that are not shown any more by then is dropped.
     Q_INVOKABLE void checkDuplicates();
@@ -233,8 +235,8 @@ public:
     [[nodiscard]] bool busy() const { return m_busy; }
     /// Whether something is under way that the end of the program would cut off; a check for duplicates only reads.
     [[nodiscard]] bool working() const { return (m_busy && !m_checkingDuplicates) || m_writingPlaylist; }
-    /// The window waits to close: what only searches or checks ends early, what writes goes on to its end.
-    void setLeaving(bool leaving);
+    /// The window waits to close: a search for covers ends after the album that it is at.
+    void setLeaving(bool leaving) { m_leaving = leaving; }
     [[nodiscard]] double progress() const { return m_progress; }
     [[nodiscard]] QString status() const { return m_status; }
     [[nodiscard]] const std::optional<QString> &alert() const { return m_alert; }
@@ -320,7 +322,7 @@ private:
     void forgetThemePreviews();
     void abandonDeviceContent();
     void setChoice(const QString &prefix, const QString &id);
-    void setDuplicates(std::vector<QualityIssue> issues, const QString &status);
+    void setDuplicates(const QString &status, std::optional<std::vector<QualityIssue>> found = {});
     void forgetDuplicates();
     void tracksWereChanged();
     void browsingWasChanged();
@@ -412,6 +414,7 @@ private:
     QString m_duplicateStatus;
     std::stop_source m_duplicateCheck; ///< ends the present check early; its results are of no use then
     bool m_checkingDuplicates = false;
+    bool m_duplicatesChecked = false;
     std::vector<std::filesystem::path> m_backups;
     std::vector<std::filesystem::path> m_transferred;
     DeviceContent m_content;

@@ -11,7 +11,6 @@
 
 namespace {
 
-const QString checking = QStringLiteral("Sprawdzam zawartość plików…");
 const QString comparing = QStringLiteral("Porównuję zawartość plików…");
 const QString interrupted = QStringLiteral("Sprawdzanie przerwane — wynik nie jest kompletny.");
 
@@ -22,7 +21,7 @@ void MarluneModel::checkDuplicates()
     if (m_busy || activeTracks().empty()) {
         return;
     }
-    setDuplicates({}, checking);
+    setDuplicates(QStringLiteral("Sprawdzam zawartość plików…"));
     m_checkingDuplicates = true;
     setBusy(true);
     setProgress(0);
@@ -42,31 +41,30 @@ QCoro::Task<> MarluneModel::runDuplicateCheck(std::vector<Track> tracks)
     if (!self) {
         co_return;
     }
-    if (stop.stop_requested()) { // other tracks are shown now, of which nothing is known, or the window closes
-        if (m_duplicateStatus == checking) {
-            setDuplicates({}, interrupted);
-        }
+    if (stop.stop_requested()) { // other tracks are shown now, and nothing is known of those
         if (m_status == comparing) {
             setStatus(interrupted);
         }
     } else if (found.failure) {
         setAlert(describeFailure(found.failure));
-        setDuplicates({}, interrupted);
+        setDuplicates(interrupted);
+        setStatus(interrupted);
     } else {
         const auto groups = QString::number(found.value->size());
-        setDuplicates(std::move(*found.value),
-            QStringLiteral("Znaleziono grup identycznych plików: ") + groups
-                + QStringLiteral(". Sprawdzone przez SHA-256."));
+        setDuplicates(QStringLiteral("Znaleziono grup identycznych plików: ") + groups
+                + QStringLiteral(". Sprawdzone przez SHA-256."),
+            std::move(found.value));
         setStatus(QStringLiteral("Sprawdzanie duplikatów zakończone"));
     }
     setBusy(false);
     m_checkingDuplicates = false;
 }
 
-void MarluneModel::setDuplicates(std::vector<QualityIssue> issues, const QString &status)
+void MarluneModel::setDuplicates(const QString &status, std::optional<std::vector<QualityIssue>> found)
 {
-    if (m_duplicateIssues != issues) {
-        m_duplicateIssues = std::move(issues);
+    if (m_duplicatesChecked || found) {
+        m_duplicatesChecked = found.has_value();
+        m_duplicateIssues = std::move(found).value_or(std::vector<QualityIssue> {});
         Q_EMIT duplicateIssuesChanged();
     }
     if (m_duplicateStatus != status) {
@@ -78,5 +76,5 @@ void MarluneModel::setDuplicates(std::vector<QualityIssue> issues, const QString
 void MarluneModel::forgetDuplicates()
 {
     m_duplicateCheck.request_stop();
-    setDuplicates({}, QStringLiteral("Duplikaty nie zostały jeszcze sprawdzone."));
+    setDuplicates(QStringLiteral("Duplikaty nie zostały jeszcze sprawdzone."));
 }

@@ -10,6 +10,9 @@
 #include <QDesktopServices>
 #include <QUrl>
 
+#include <algorithm>
+#include <utility>
+
 namespace Desktop {
 
 namespace {
@@ -24,6 +27,30 @@ QByteArray fileUri(const std::filesystem::path &path)
     return "file://" + QByteArray(bytes.data(), qsizetype(bytes.size())).toPercentEncoding("/");
 }
 
+struct Selection {
+    std::vector<std::filesystem::path> items;
+    std::vector<std::filesystem::path> folders;
+};
+
+/// The items of the first few folders, in their order.
+Selection firstFolders(const std::vector<std::filesystem::path> &paths)
+{
+    constexpr std::size_t mostFolders = 5;
+    Selection chosen;
+    for (const std::filesystem::path &path : paths) {
+        std::filesystem::path item = Files::standardised(path);
+        const std::filesystem::path folder = item.parent_path();
+        const bool isKnown = std::find(chosen.folders.begin(), chosen.folders.end(), folder) != chosen.folders.end();
+        if (!isKnown && chosen.folders.size() < mostFolders) {
+            chosen.folders.push_back(folder);
+        } else if (!isKnown) {
+            continue;
+        }
+        chosen.items.push_back(std::move(item));
+    }
+    return chosen;
+}
+
 } // namespace
 
 bool open(const std::filesystem::path &path)
@@ -32,26 +59,31 @@ bool open(const std::filesystem::path &path)
     return QDesktopServices::openUrl(QUrl::fromEncoded(fileUri(Files::standardised(path)), QUrl::StrictMode));
 }
 
-void reveal(const std::filesystem::path &path)
+void reveal(const std::vector<std::filesystem::path> &paths)
 {
+    const auto [items, folders] = firstFolders(paths);
+    QStringList uris;
+    for (const std::filesystem::path &item : items) {
+        uris.append(QString::fromLatin1(fileUri(item)));
+    }
+    const auto openFolders = [folders = folders] { std::for_each(folders.begin(), folders.end(), open); };
     // freedesktop.org's File Manager D-Bus Interface: ShowItems(uris, startup id).
-    const std::filesystem::path item = Files::standardised(path);
     QDBusMessage request = QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.FileManager1"),
         QStringLiteral("/org/freedesktop/FileManager1"), QStringLiteral("org.freedesktop.FileManager1"),
         QStringLiteral("ShowItems"));
-    request << QStringList {QString::fromLatin1(fileUri(item))} << QString();
+    request << uris << QString();
     const QDBusConnection bus = QDBusConnection::sessionBus();
     if (!bus.isConnected()) {
-        open(item.parent_path()); // a call on no bus would never be answered
+        openFolders(); // a call on no bus would never be answered
         return;
     }
     const QDBusPendingCall call = bus.asyncCall(request, fileManagerPatienceMilliseconds);
 
     auto *watcher = new QDBusPendingCallWatcher(call, QCoreApplication::instance());
-    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, watcher, [watcher, item] {
+    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, watcher, [watcher, openFolders] {
         watcher->deleteLater();
         if (watcher->isError()) {
-            open(item.parent_path());
+            openFolders();
         }
     });
 }

@@ -2,12 +2,14 @@
 #pragma once
 
 #include <filesystem>
+#include <vector>
 
 namespace Desktop {
 
 /// Opens with the desktop's own program for it; a folder with the file manager. False if nothing takes it.
 bool open(const std::filesystem::path &path);
-/// Shows the item selected in its folder in the file manager; where no file manager answers, opens the folder.
-void reveal(const std::filesystem::path &path);
+/// Shows the items selected in their folders in the file manager; where no file manager answers, opens the folders.
+/// Items beyond the first five folders are left out, since each folder takes a window.
+void reveal(const std::vector<std::filesystem::path> &paths);
 
 } // namespace Desktop

@@ -1,7 +1,6 @@
 #include "ui/AlbumListModel.h"
 
 #include "ui/Localization.h"
-#include "ui/RowChanges.h"
 
 #include "platform/ByteCount.h"
 #include "platform/Desktop.h"
@@ -9,9 +8,6 @@
 #include <algorithm>
 
 namespace {
-
-/// Past this many steps a view is done sooner with all rows anew.
-constexpr std::size_t mostSteps = 48;
 
 /// Whether two albums of one identity would be shown alike: tracks are compared by their ids, since a track's record
 /// does not change but for its artwork.
@@ -30,7 +26,7 @@ bool looksTheSame(const Album &a, const Album &b)
 } // namespace
 
 AlbumListModel::AlbumListModel(MarluneModel &model, std::shared_ptr<CoverStore> covers, QObject *parent)
-    : QAbstractListModel(parent)
+    : RowListModel(parent)
     , m_model(model)
     , m_covers(std::move(covers))
 {
@@ -150,30 +146,9 @@ std::vector<AlbumListModel::Row> AlbumListModel::rowsFor(const AlbumList &albums
 
 void AlbumListModel::replaceRows(std::vector<Row> rows)
 {
-    const auto ids = [](const std::vector<Row> &of) {
-        std::vector<QString> result(of.size());
-        std::transform(of.begin(), of.end(), result.begin(), [](const Row &row) { return row.id; });
-        return result;
-    };
-    const std::optional<std::vector<RowChanges::Step>> steps = RowChanges::plan(ids(m_rows), ids(rows), mostSteps);
-    if (!steps) {
-        beginResetModel();
-        m_rows = std::move(rows);
-        endResetModel();
-        return;
+    if (changeRows(m_rows, rows, [](const Row &row) { return row.id; })) {
+        updateRows(std::move(rows));
     }
-    for (const auto &[kind, first, count] : *steps) {
-        if (kind == RowChanges::Step::Kind::Remove) {
-            beginRemoveRows({}, first, first + count - 1);
-            m_rows.erase(m_rows.begin() + first, m_rows.begin() + first + count);
-            endRemoveRows();
-        } else {
-            beginInsertRows({}, first, first + count - 1);
-            m_rows.insert(m_rows.begin() + first, rows.begin() + first, rows.begin() + first + count);
-            endInsertRows();
-        }
-    }
-    updateRows(std::move(rows));
 }
 
 void AlbumListModel::updateRows(std::vector<Row> rows)
@@ -221,6 +196,6 @@ void AlbumListModel::forget(int index)
 void AlbumListModel::reveal(int index) const
 {
     if (const Row *chosen = row(index); chosen && !chosen->album->tracks.empty()) {
-        Desktop::reveal(chosen->album->tracks.front().url);
+        Desktop::reveal({chosen->album->tracks.front().url});
     }
 }

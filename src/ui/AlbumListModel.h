@@ -8,8 +8,8 @@
 #include "model/Model.h"
 
 #include "ui/CoverStore.h"
+#include "ui/RowListModel.h"
 
-#include <QAbstractListModel>
 #include <QTimer>
 #include <QtQml/qqmlregistration.h>
 
@@ -17,7 +17,7 @@
 #include <optional>
 #include <vector>
 
-class AlbumListModel : public QAbstractListModel {
+class AlbumListModel : public RowListModel {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("The library presenter has one.")

@@ -4,6 +4,7 @@
 #include "ui/DesktopPanels.h"
 #include "ui/LibraryPresenter.h"
 #include "ui/Localization.h"
+#include "ui/QualityPresenter.h"
 #include "ui/ShadowProvider.h"
 #include "ui/ShellPresenter.h"
 #include "ui/Symbols.h"
@@ -101,6 +102,7 @@ struct Program::Parts {
     std::shared_ptr<CoverStore> covers = std::make_shared<CoverStore>();
     ShellPresenter shell;
     LibraryPresenter library;
+    QualityPresenter quality;
     QQmlApplicationEngine engine;
 };
 
@@ -116,6 +118,7 @@ Program::Parts::Parts(const Setup &setup)
           .covers = setup.covers ? *setup.covers : CoverSearch::shared()})
     , shell(model)
     , library(model, covers)
+    , quality(model)
 {
     QObject::connect(&watcher, &Volumes::Watcher::mounted, &model, &MarluneModel::volumeMounted);
     QObject::connect(&watcher, &Volumes::Watcher::unmounted, &model, &MarluneModel::volumeUnmounted);
@@ -124,6 +127,7 @@ Program::Parts::Parts(const Setup &setup)
     engine.setInitialProperties(
         {{QStringLiteral("model"), QVariant::fromValue(&model)}, {QStringLiteral("shell"), QVariant::fromValue(&shell)},
             {QStringLiteral("library"), QVariant::fromValue(&library)},
+            {QStringLiteral("quality"), QVariant::fromValue(&quality)},
             {QStringLiteral("panels"), QVariant::fromValue(&desktopPanels)}});
     engine.load(QUrl(QStringLiteral("qrc:/qml/Marlune/shell/Main.qml")));
 }

@@ -53,7 +53,7 @@ protected:
     bool revealingOpensTheFolder()
     {
         m_opened.clear();
-        Desktop::reveal(m_item);
+        Desktop::reveal({m_item});
         return eventually([this] { return m_opened == m_folderUri; });
     }
 
@@ -76,9 +76,10 @@ TEST_F(DesktopTest, RevealsInTheFileManagerAndElseOpensTheFolder)
     ASSERT_TRUE(connection.registerVirtualObject(QStringLiteral("/org/freedesktop/FileManager1"), &manager));
     ASSERT_TRUE(connection.registerService(QStringLiteral("org.freedesktop.FileManager1")));
     m_opened.clear();
-    Desktop::reveal(m_item);
+    Desktop::reveal({m_item, "/a/1", "/b/1", "/c/1", "/d/1", "/e/1", "/a/2"}); // a window for each of five folders
     EXPECT_TRUE(eventually([&] { return !manager.shown.isEmpty(); }));
-    EXPECT_EQ(manager.shown, QStringList {QString::fromStdString(m_itemUri)});
+    EXPECT_EQ(manager.shown.join(u' ').toStdString(),
+        m_itemUri + " file:///a/1 file:///b/1 file:///c/1 file:///d/1 file:///a/2");
     EXPECT_EQ(m_opened, "");
 
     manager.refuses = true;

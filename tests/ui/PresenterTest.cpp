@@ -3,8 +3,10 @@
 #include "support/ModelDesk.h"
 #include "ui/DesktopPanels.h"
 #include "ui/LibraryPresenter.h"
+#include "ui/QualityPresenter.h"
 #include "ui/ShellPresenter.h"
 
+#include <QAbstractItemModelTester>
 #include <QSignalSpy>
 
 namespace {
@@ -14,6 +16,7 @@ struct Pages {
     std::unique_ptr<MarluneModel> model = desk.start();
     ShellPresenter shell {*model};
     LibraryPresenter library {*model, std::make_shared<CoverStore>()};
+    QualityPresenter quality {*model};
 };
 
 } // namespace
@@ -82,6 +85,33 @@ private Q_SLOTS:
         pages.model->dismissAlert();
         QTRY_COMPARE(closes.count(), 1);
         QVERIFY(!pages.shell.closing());
+    }
+
+    void findingsAreOfTheSideAndTheFilesThatAreThereNow()
+    {
+        Pages pages;
+        IssueListModel &rows = *pages.quality.issues();
+        const QAbstractItemModelTester tester(&rows, QAbstractItemModelTester::FailureReportingMode::QtTest);
+        pages.model->setSection(Section::Quality);
+        const auto file = pages.desk.folder.write("music/a.flac", flacWith({"TITLE=t", "ARTIST=a", "ALBUM=b"}));
+        pages.model->importURLs({pages.desk.folder / "music"}, false, false);
+        QTRY_COMPARE(rows.rowCount(), 1); // it has no cover
+        pages.quality.openAlbum(0);
+        QVERIFY(pages.model->openAlbum() && pages.model->openAlbum()->title == QStringLiteral("b"));
+        std::filesystem::remove(file);
+        pages.model->checkDuplicates(); // a job's end is a reason to look again
+        QTRY_COMPARE(rows.rowCount(), 2);
+        QCOMPARE(rows.data(rows.index(1), IssueListModel::KindRole).toString(), QStringLiteral("Pliki"));
+        {
+            const HeldJobs held({JobPriority::Utility});
+            pages.model->setSection(Section::Music);
+            pages.model->setSection(Section::Quality);
+            QTest::qWait(20); // until the inspection waits for its turn
+            pages.model->setLibraryOnDevice(true);
+            QCOMPARE(rows.rowCount(), 0);
+        }
+        ModelDesk::waitForJobs(*pages.model);
+        QVERIFY(rows.rowCount() == 0 && pages.quality.withoutMusic() && !pages.quality.clean());
     }
 
     void aPanelIsAnsweredOnceAndCancelledOnesNever()

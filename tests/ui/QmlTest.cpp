@@ -3,6 +3,7 @@
 #include "ui/DesktopPanels.h"
 #include "ui/LibraryPresenter.h"
 #include "ui/MarluneApp.h"
+#include "ui/QualityPresenter.h"
 #include "ui/ShellPresenter.h"
 
 #include <QMimeData>
@@ -19,12 +20,14 @@ class Bench : public QObject {
     Q_PROPERTY(MarluneModel *model READ model CONSTANT)
     Q_PROPERTY(ShellPresenter *shell READ shell CONSTANT)
     Q_PROPERTY(LibraryPresenter *library READ library CONSTANT)
+    Q_PROPERTY(QualityPresenter *quality READ quality CONSTANT)
     Q_PROPERTY(DesktopPanels *panels READ panels CONSTANT)
 
 public:
     [[nodiscard]] MarluneModel *model() { return m_model.get(); }
     [[nodiscard]] ShellPresenter *shell() { return &m_shell; }
     [[nodiscard]] LibraryPresenter *library() { return &m_library; }
+    [[nodiscard]] QualityPresenter *quality() { return &m_quality; }
 
     [[nodiscard]] DesktopPanels *panels() { return &m_panels; }
 
@@ -96,6 +99,7 @@ private:
     std::unique_ptr<MarluneModel> m_model = m_desk.start();
     ShellPresenter m_shell {*m_model};
     LibraryPresenter m_library {*m_model, covers};
+    QualityPresenter m_quality {*m_model};
     DesktopPanels m_panels;
     int m_answers = 0;
     QMimeData m_dragged;

@@ -10,6 +10,7 @@ T.ApplicationWindow {
     required property MarluneModel model
     required property ShellPresenter shell
     required property LibraryPresenter library
+    required property QualityPresenter quality
     required property DesktopPanels panels
 
     width: Math.min(1260, Screen.desktopAvailableWidth)
@@ -64,10 +65,17 @@ T.ApplicationWindow {
                     model: root.model
                     library: root.library
                 }
+                QualityPage {
+                    Layout.fillWidth: true
+                    Layout.fillHeight: true
+                    visible: root.shell.qualityShown
+                    model: root.model
+                    quality: root.quality
+                }
                 EmptyState {
                     Layout.fillWidth: true
                     Layout.fillHeight: true
-                    visible: !root.shell.musicShown
+                    visible: !root.shell.musicShown && !root.shell.qualityShown
                     symbol: root.shell.sectionSymbol
                     title: L10n.text(root.model.section)
                     detail: L10n.text(root.shell.sectionPurpose)

@@ -1,0 +1,188 @@
+#include "ui/QualityPresenter.h"
+
+#include "quality/CollectionQuality.h"
+
+#include "ui/Localization.h"
+
+#include "platform/Desktop.h"
+
+#include <QGuiApplication>
+#include <QPointer>
+
+#include <algorithm>
+
+namespace {
+
+const QString everything = QStringLiteral("Wszystko");
+
+} // namespace
+
+QualityPresenter::QualityPresenter(MarluneModel &model, QObject *parent)
+    : QObject(parent)
+    , m_model(model)
+    , m_filter(everything)
+{
+    for (QTimer *timer : {&m_inspection, &m_change}) { // once for a burst of changes
+        timer->setSingleShot(true);
+        timer->setInterval(0);
+    }
+    connect(&m_inspection, &QTimer::timeout, this, &QualityPresenter::inspectIfShown);
+    connect(&m_change, &QTimer::timeout, this, &QualityPresenter::refresh);
+    connect(&m_model, &MarluneModel::libraryOnDeviceChanged, this, &QualityPresenter::forget);
+    const auto inspectAfter
+        = [this](auto signal) { connect(&m_model, signal, &m_inspection, qOverload<>(&QTimer::start)); };
+    inspectAfter(&MarluneModel::sectionChanged);
+    inspectAfter(&MarluneModel::libraryOnDeviceChanged);
+    inspectAfter(&MarluneModel::tracksChanged);
+    inspectAfter(&MarluneModel::busyChanged); // a job may have changed files
+    connect(qGuiApp, &QGuiApplication::applicationStateChanged, this, [this](Qt::ApplicationState state) {
+        if (state == Qt::ApplicationActive) { // and so may the user, in another program
+            m_inspection.start();
+        }
+    });
+    const auto refreshAfter
+        = [this](auto signal) { connect(&m_model, signal, &m_change, qOverload<>(&QTimer::start)); };
+    refreshAfter(&MarluneModel::tracksChanged);
+    refreshAfter(&MarluneModel::libraryOnDeviceChanged);
+    refreshAfter(&MarluneModel::deviceChanged);
+    refreshAfter(&MarluneModel::busyChanged);
+    refreshAfter(&MarluneModel::duplicateIssuesChanged);
+    refreshAfter(&MarluneModel::duplicateStatusChanged);
+}
+
+QStringList QualityPresenter::kinds() const
+{
+    return {QualityKind::covers, QualityKind::tags, QualityKind::files, QualityKind::duplicates};
+}
+
+QStringList QualityPresenter::filters() const
+{
+    return QStringList(everything) + kinds();
+}
+
+QStringList QualityPresenter::counts() const
+{
+    QStringList counts;
+    for (const QString &kind : kinds()) {
+        const bool isDuplicates = kind == QualityKind::duplicates;
+        const bool isKnown = isDuplicates ? m_model.duplicatesChecked() : m_inspected;
+        const auto found = isDuplicates
+            ? std::ptrdiff_t(m_model.duplicateIssues().size())
+            : std::count_if(m_found.begin(), m_found.end(), [&](const auto &issue) { return issue->kind == kind; });
+        counts.append(isKnown && !withoutMusic() ? QString::number(found) : QStringLiteral("—"));
+    }
+    return counts;
+}
+
+void QualityPresenter::setFilter(const QString &filter)
+{
+    if (m_filter != filter) {
+        m_filter = filter;
+        refresh();
+    }
+}
+
+bool QualityPresenter::lacksDuplicateCheck() const
+{
+    return m_filter == QualityKind::duplicates && !m_model.duplicatesChecked();
+}
+
+bool QualityPresenter::clean() const
+{
+    return !withoutMusic() && m_inspected && !lacksDuplicateCheck();
+}
+
+QString QualityPresenter::emptyTitle() const
+{
+    const QString title = withoutMusic() ? QStringLiteral("Najpierw odczytaj kolekcję")
+        : lacksDuplicateCheck()          ? m_model.duplicateStatus()
+        : !m_inspected                   ? QStringLiteral("Sprawdzam kolekcję…")
+                                         : QStringLiteral("Brak problemów w tej kategorii");
+    return AppLocalizer::text(title);
+}
+
+QString QualityPresenter::emptyDetail() const
+{
+    if (!clean()) {
+        return {};
+    }
+    if (m_filter == QualityKind::duplicates) {
+        return AppLocalizer::text(m_model.duplicateStatus());
+    }
+    return m_model.duplicatesChecked()
+        ? QString()
+        : AppLocalizer::text(QStringLiteral("Dokładne duplikaty wymagają osobnego sprawdzenia."));
+}
+
+void QualityPresenter::forget()
+{
+    ++m_generation;
+    m_inspected = false;
+    m_found.clear();
+    refresh();
+}
+
+void QualityPresenter::inspectIfShown()
+{
+    if (m_model.section() == Section::Quality) {
+        runInspection();
+    }
+}
+
+QCoro::Task<> QualityPresenter::runInspection()
+{
+    const QPointer<QualityPresenter> self(this);
+    const int generation = ++m_generation;
+    const std::optional<Device> &device = m_model.device();
+    const auto root = m_model.libraryOnDevice() && device ? std::optional(device->root) : std::nullopt;
+    auto work = [tracks = m_model.activeTracks(), root] {
+        IssueListModel::Issues issues;
+        for (QualityIssue &issue : CollectionQuality::inspect(tracks, root)) {
+            issues.push_back(std::make_shared<const QualityIssue>(std::move(issue)));
+        }
+        return issues;
+    };
+    auto found = co_await attempt(work, JobPriority::Utility);
+    if (self && m_generation == generation && found.value) {
+        m_found = std::move(*found.value);
+        m_inspected = true;
+        refresh();
+    }
+}
+
+void QualityPresenter::refresh()
+{
+    IssueListModel::Issues shown;
+    if (!withoutMusic()) {
+        const auto isShown = [this](const QString &kind) { return m_filter == everything || m_filter == kind; };
+        std::copy_if(m_found.begin(), m_found.end(), std::back_inserter(shown),
+            [&](const auto &issue) { return isShown(issue->kind); });
+        for (const QualityIssue &issue : m_model.duplicateIssues()) {
+            if (isShown(issue.kind)) {
+                shown.push_back(std::make_shared<const QualityIssue>(issue));
+            }
+        }
+    }
+    m_issues.show(std::move(shown));
+    Q_EMIT changed();
+}
+
+void QualityPresenter::openAlbum(int row)
+{
+    if (const auto issue = m_issues.issue(row)) {
+        if (const std::shared_ptr<const Album> album = m_model.albumWith(issue->tracks.front().id)) {
+            m_model.setOpenAlbum(*album);
+        }
+    }
+}
+
+void QualityPresenter::reveal(int row) const
+{
+    if (const auto issue = m_issues.issue(row)) {
+        std::vector<std::filesystem::path> files;
+        for (const Track &track : issue->tracks) {
+            files.push_back(track.url);
+        }
+        Desktop::reveal(files);
+    }
+}

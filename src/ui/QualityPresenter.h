@@ -1,0 +1,74 @@
+// What the quality page shows beyond the model's own fields: findings, their counts, and what can be done now.
+//
+// The inspection runs in the background, anew whenever what it looks at may have changed, and only while the page is
+// shown: to ask for thousands of files takes time, and a device's disk can hang. UI thread.
+#pragma once
+
+#include "model/Model.h"
+
+#include "ui/IssueListModel.h"
+
+#include <QObject>
+#include <QTimer>
+
+class QualityPresenter : public QObject {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("The program makes it for the model.")
+    Q_PROPERTY(IssueListModel *issues READ issues CONSTANT)
+    Q_PROPERTY(QStringList kinds READ kinds CONSTANT)
+    /// For each of the kinds; "—" for what has not been looked for yet.
+    Q_PROPERTY(QStringList counts READ counts NOTIFY changed)
+    Q_PROPERTY(QStringList filters READ filters CONSTANT)
+    Q_PROPERTY(QString filter READ filter WRITE setFilter NOTIFY changed)
+    /// There is no music at all on the side that is shown.
+    Q_PROPERTY(bool withoutMusic READ withoutMusic NOTIFY changed)
+    /// Why no finding is listed, where there is none.
+    Q_PROPERTY(QString emptyTitle READ emptyTitle NOTIFY changed)
+    Q_PROPERTY(QString emptyDetail READ emptyDetail NOTIFY changed)
+    /// What the filter lets through has been looked for, and there is none.
+    Q_PROPERTY(bool clean READ clean NOTIFY changed)
+    Q_PROPERTY(bool canUseDevice READ canUseDevice NOTIFY changed)
+    Q_PROPERTY(bool canCheck READ canCheck NOTIFY changed)
+
+public:
+    explicit QualityPresenter(MarluneModel &model, QObject *parent = nullptr);
+
+    [[nodiscard]] IssueListModel *issues() { return &m_issues; }
+    [[nodiscard]] QStringList kinds() const;
+    [[nodiscard]] QStringList counts() const;
+    [[nodiscard]] QStringList filters() const;
+    [[nodiscard]] QString filter() const { return m_filter; }
+    void setFilter(const QString &filter);
+    [[nodiscard]] bool withoutMusic() const { return m_model.activeTracks().empty(); }
+    [[nodiscard]] QString emptyTitle() const;
+    [[nodiscard]] QString emptyDetail() const;
+    [[nodiscard]] bool clean() const;
+    [[nodiscard]] bool canUseDevice() const { return m_model.device().has_value() && !m_model.busy(); }
+    [[nodiscard]] bool canCheck() const { return !withoutMusic() && !m_model.busy(); }
+
+    Q_INVOKABLE void openMusic() { m_model.setSection(Section::Music); }
+    /// Opens the album that a finding concerns.
+    Q_INVOKABLE void openAlbum(int row);
+    /// Shows a finding's files in the file manager.
+    Q_INVOKABLE void reveal(int row) const;
+
+Q_SIGNALS:
+    void changed();
+
+private:
+    [[nodiscard]] bool lacksDuplicateCheck() const;
+    void forget();
+    void inspectIfShown();
+    QCoro::Task<> runInspection();
+    void refresh();
+
+    MarluneModel &m_model;
+    IssueListModel m_issues;
+    QTimer m_inspection;
+    QTimer m_change;
+    QString m_filter;
+    IssueListModel::Issues m_found; ///< by the last inspection
+    bool m_inspected = false; ///< m_found is of the side that is shown
+    int m_generation = 0; ///< of the inspection that may land
+};

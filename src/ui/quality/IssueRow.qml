@@ -1,0 +1,95 @@
+// One finding with what can be done about it. Shows what it is given, reports clicks, decides nothing.
+//
+// The row is one stop for the Tab key while it is the current one, and so are its buttons.
+import QtQuick
+import QtQuick.Layouts
+import QtQuick.Templates as T
+import Marlune
+
+T.Control {
+    id: root
+
+    required property string kind
+    required property string title
+    required property string detail
+    required property string places
+    required property bool current
+
+    signal albumWanted
+    signal filesWanted
+
+    implicitHeight: implicitContentHeight + topPadding + bottomPadding
+    horizontalPadding: Tokens.space.wide
+    verticalPadding: Tokens.space.regular
+    focusPolicy: root.current || root.activeFocus ? Qt.StrongFocus : Qt.ClickFocus // what has the focus has to stay a stop
+    Accessible.role: Accessible.ListItem
+    Accessible.name: root.title + ". " + root.detail
+    Accessible.description: root.places
+
+    contentItem: RowLayout {
+        spacing: Tokens.space.regular
+
+        KindIcon {
+            Layout.alignment: Qt.AlignTop
+            kind: root.kind
+            side: Tokens.height.symbol + 4
+        }
+        ColumnLayout {
+            spacing: 3
+
+            TextLine {
+                Layout.fillWidth: true
+                text: root.title
+                font: Tokens.type.headline
+            }
+            Text {
+                Layout.fillWidth: true
+                text: root.detail
+                textFormat: Text.PlainText
+                font: Tokens.type.subheadline
+                color: Tokens.color.textMuted
+                wrapMode: Text.Wrap
+            }
+            Text {
+                Layout.fillWidth: true
+                visible: text !== ""
+                text: root.places
+                textFormat: Text.PlainText
+                font: Tokens.type.caption2
+                color: Tokens.color.textMuted
+                wrapMode: Text.WrapAtWordBoundaryOrAnywhere
+            }
+            Flow {
+                Layout.fillWidth: true
+                Layout.topMargin: Tokens.space.hair
+                visible: root.kind !== "Okładki"
+                spacing: Tokens.space.tight
+
+                Button {
+                    objectName: "openAlbumButton"
+                    measure: Button.Small
+                    focusPolicy: root.current || activeFocus ? Qt.StrongFocus : Qt.ClickFocus
+                    text: L10n.text("Otwórz album")
+                    onClicked: root.albumWanted()
+                }
+                Button {
+                    objectName: "revealButton"
+                    measure: Button.Small
+                    focusPolicy: root.current || activeFocus ? Qt.StrongFocus : Qt.ClickFocus
+                    text: L10n.text("Pokaż pliki")
+                    onClicked: root.filesWanted()
+                }
+            }
+        }
+    }
+    background: Rectangle {
+        radius: Tokens.radius.card
+        color: Tokens.color.card
+        border.color: Tokens.color.line
+
+        FocusRing {
+            shown: root.visualFocus
+            around: parent.radius
+        }
+    }
+}

@@ -1,0 +1,46 @@
+// One task of the quality page: what it is about, its controls, and a note below them.
+import QtQuick
+import QtQuick.Layouts
+import Marlune
+
+GridLayout {
+    id: root
+
+    required property string title
+    property string note
+    default property alias controls: flow.data
+
+    readonly property int labelWidth: Math.round(96 * Tokens.type.scale)
+
+    columns: root.width < 4 * root.labelWidth ? 1 : 2
+    columnSpacing: Tokens.space.wide
+    rowSpacing: Tokens.space.hair
+
+    TextLine {
+        Layout.preferredWidth: root.labelWidth
+        Layout.preferredHeight: Tokens.height.regular
+        Layout.alignment: Qt.AlignTop
+        verticalAlignment: Text.AlignVCenter
+        text: root.title
+        font: Tokens.type.subheadlineStrong
+    }
+    ColumnLayout {
+        Layout.fillWidth: true
+        spacing: Tokens.space.hair + 2
+
+        Flow {
+            id: flow
+            Layout.fillWidth: true
+            spacing: Tokens.space.tight
+        }
+        Text {
+            Layout.fillWidth: true
+            visible: text !== ""
+            text: root.note
+            textFormat: Text.PlainText
+            font: Tokens.type.caption
+            color: Tokens.color.textMuted
+            wrapMode: Text.Wrap
+        }
+    }
+}

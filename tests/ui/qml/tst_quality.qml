@@ -1,0 +1,107 @@
+// The quality page over a real model: its states, its filter, its keyboard, and large text.
+import QtQuick
+import QtTest
+import Marlune
+
+PageTest {
+    id: root
+    name: "Quality"
+    width: 800
+    height: 760
+
+    Component {
+        id: pageComponent
+        QualityPage {
+            width: 800
+            height: 760
+        }
+    }
+
+    property QualityPage page
+
+    function open() {
+        root.bench.model.section = "Porządek";
+        root.page = make(pageComponent, { model: root.bench.model, quality: root.bench.quality });
+    }
+    function part(name) {
+        return findChild(root.page, name);
+    }
+
+    function test_saysWhatIsKnownAndWhatIsNot() {
+        open();
+        const empty = part("noIssues");
+        const list = part("issueList");
+        compare(empty.title, "Najpierw odczytaj kolekcję");
+        mouseClick(part("openMusicButton"));
+        compare(root.bench.model.section, "Muzyka");
+        root.bench.addAlbum("Wykonawca", "Album"); // without a cover, and its two tracks without titles
+        wait(50);
+        compare(list.count, 0); // the page is not shown
+        root.bench.model.section = "Porządek";
+        tryCompare(list, "count", 3);
+        verify(!empty.visible);
+        const states = [["Tagi", 2, "", ""], ["Duplikaty", 0, "Duplikaty nie zostały jeszcze sprawdzone.", ""],
+            ["Pliki", 0, "Brak problemów w tej kategorii", "Dokładne duplikaty wymagają osobnego sprawdzenia."]];
+        for (const [filter, count, title, detail] of states) {
+            root.bench.quality.filter = filter;
+            compare(list.count, count);
+            tryCompare(empty, "visible", count === 0);
+            verify(count > 0 || (empty.title === title && empty.detail === detail), filter);
+        }
+        compare(root.bench.quality.counts, ["1", "2", "0", "—"]);
+        mouseClick(part("checkDuplicatesButton"));
+        tryCompare(root.bench.quality, "counts", ["1", "2", "0", "0"]);
+        root.bench.quality.filter = "Duplikaty";
+        compare(empty.title, "Brak problemów w tej kategorii");
+        verify(!part("cleanupButton").enabled && !part("qualityReadDevice").enabled);
+        root.bench.connectDevice("IPOD", false);
+        tryVerify(() => part("cleanupButton").enabled && part("qualityReadDevice").enabled);
+        root.bench.model.libraryOnDevice = true;
+        tryCompare(empty, "title", "Najpierw odczytaj kolekcję");
+    }
+
+    function test_rowsAreWalkedByKeyboard() {
+        root.bench.addAlbum("Wykonawca", "Album A");
+        root.bench.addAlbum("Wykonawca", "Album B");
+        open();
+        const list = part("issueList");
+        tryCompare(list, "count", 6);
+        const top = list.contentY;
+        part("issueFilter").forceActiveFocus(Qt.TabFocusReason);
+        keyClick(Qt.Key_Right); // the head keeps the keyboard while the rows change
+        keyClick(Qt.Key_Right);
+        tryCompare(list, "count", 4);
+        tryVerify(() => list.currentItem?.index === 0); // the rows of the filter before are gone
+        const stops = [];
+        for (let i = 0; i < 3; ++i) {
+            keyClick(Qt.Key_Tab);
+            stops.push(root.page.Window.activeFocusItem);
+        }
+        compare(stops, [list.currentItem, findChild(list.currentItem, "openAlbumButton"), findChild(list.currentItem, "revealButton")]);
+        keyClick(Qt.Key_Down); // from a button too
+        compare(list.currentIndex, 1);
+        verify(list.currentItem.visualFocus);
+        keyClick(Qt.Key_End);
+        compare(list.currentIndex, 3);
+        verify(list.currentItem.activeFocus);
+        tryVerify(() => list.contentY > top);
+        keyClick(Qt.Key_Down);
+        compare(list.currentIndex, 3);
+        part("checkDuplicatesButton").forceActiveFocus(Qt.TabFocusReason);
+        compare(list.contentY, top); // what has the focus is in sight
+    }
+
+    function test_largeTextIsNotCut_data() {
+        return [{ tag: "usual", scale: 1, wide: 800 }, { tag: "usual, narrow", scale: 1, wide: 558 },
+            { tag: "150 %", scale: 1.5, wide: 800 }, { tag: "150 %, narrow", scale: 1.5, wide: 516 }];
+    }
+    function test_largeTextIsNotCut(data) {
+        root.bench.addAlbum("Wykonawca", "Album");
+        DesktopScheme.textScale = data.scale;
+        open();
+        root.page.width = data.wide;
+        tryCompare(part("issueList"), "count", 3);
+        waitForRendering(root.page);
+        compare(root.bench.clippedTexts(root.page), []);
+    }
+}
