@@ -4,6 +4,7 @@
 
 #include "platform/Files.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace {
@@ -35,7 +36,8 @@ int IssueListModel::rowCount(const QModelIndex &parent) const
 
 QHash<int, QByteArray> IssueListModel::roleNames() const
 {
-    return {{KindRole, "kind"}, {TitleRole, "title"}, {DetailRole, "detail"}, {PlacesRole, "places"}};
+    return {{KindRole, "kind"}, {TitleRole, "title"}, {DetailRole, "detail"}, {HasPictureRole, "hasPicture"},
+        {PlacesRole, "places"}};
 }
 
 std::shared_ptr<const QualityIssue> IssueListModel::issue(int row) const
@@ -58,6 +60,9 @@ QVariant IssueListModel::data(const QModelIndex &index, int role) const
         return shown->kind == QualityKind::duplicates ? AppLocalizer::text(shown->title) : shown->title;
     case DetailRole:
         return AppLocalizer::text(shown->detail);
+    case HasPictureRole:
+        return std::any_of(
+            shown->tracks.begin(), shown->tracks.end(), [](const Track &track) { return track.artwork.has_value(); });
     case PlacesRole:
         return placesOf(*shown);
     default:

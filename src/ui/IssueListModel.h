@@ -20,6 +20,7 @@ public:
         KindRole = Qt::UserRole,
         TitleRole,
         DetailRole,
+        HasPictureRole, ///< whether there is one to make a cover of
         PlacesRole, ///< where the files are, a line each; empty for an album
     };
     /// Shared, because filtering is no reason to copy tracks.

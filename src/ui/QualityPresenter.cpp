@@ -167,12 +167,23 @@ void QualityPresenter::refresh()
     Q_EMIT changed();
 }
 
+std::shared_ptr<const Album> QualityPresenter::albumOf(int row) const
+{
+    const auto issue = m_issues.issue(row);
+    return issue ? m_model.albumWith(issue->tracks.front().id) : nullptr;
+}
+
 void QualityPresenter::openAlbum(int row)
 {
-    if (const auto issue = m_issues.issue(row)) {
-        if (const std::shared_ptr<const Album> album = m_model.albumWith(issue->tracks.front().id)) {
-            m_model.setOpenAlbum(*album);
-        }
+    if (const auto album = albumOf(row)) {
+        m_model.setOpenAlbum(*album);
+    }
+}
+
+void QualityPresenter::chooseCover(int row, bool current)
+{
+    if (const auto album = albumOf(row)) {
+        m_model.chooseArtwork(*album, current);
     }
 }
 

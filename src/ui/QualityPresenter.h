@@ -50,6 +50,8 @@ public:
     Q_INVOKABLE void openMusic() { m_model.setSection(Section::Music); }
     /// Opens the album that a finding concerns.
     Q_INVOKABLE void openAlbum(int row);
+    /// Makes a cover for the album that a finding concerns: of its own picture, or of a file that the user is asked for.
+    Q_INVOKABLE void chooseCover(int row, bool current);
     /// Shows a finding's files in the file manager.
     Q_INVOKABLE void reveal(int row) const;
 
@@ -58,6 +60,7 @@ Q_SIGNALS:
 
 private:
     [[nodiscard]] bool lacksDuplicateCheck() const;
+    [[nodiscard]] std::shared_ptr<const Album> albumOf(int row) const;
     void forget();
     void inspectIfShown();
     QCoro::Task<> runInspection();

@@ -1,10 +1,12 @@
 // A new user's road through the real window, by mouse and keyboard only: choose the device, add music, search, filter,
 // queue, transfer, transfer again, lose the device in the middle.
+#include "support/CannedServer.h"
 #include "support/ModelDesk.h"
 
 #include "artwork/Artwork.h"
 #include "platform/DiskCalls.h"
 #include "platform/MarluneError.h"
+#include "quality/CollectionQuality.h"
 #include "ui/MarluneApp.h"
 
 #include <QGuiApplication>
@@ -62,11 +64,13 @@ FileMap withoutCovers(const std::filesystem::path &music, std::initializer_list<
 struct NewUser {
     TemporaryFolder folder;
     KeptPanels panels;
+    CoverSearch covers;
     std::filesystem::path device = folder / "IPOD";
     MarluneApp::Program program;
 
-    NewUser()
-        : program(setup())
+    explicit NewUser(const CoverServices &services = {})
+        : covers(services)
+        , program(setup())
     {
         std::filesystem::copy(sample / "iPod", device, std::filesystem::copy_options::recursive);
         program.window()->setGeometry(0, 0, 1260, 820); // a screen without hardware can be smaller
@@ -79,6 +83,7 @@ struct NewUser {
             .deviceDiscovery = [] { return std::vector<Device> {}; },
             .ejectVolume = [](const std::filesystem::path &) {},
             .themeSite = {},
+            .covers = &covers,
             .panels = &panels};
     }
 
@@ -267,6 +272,51 @@ private Q_SLOTS:
             QVERIFY2(std::filesystem::is_regular_file(user.device / line.substr(1)), line.c_str());
         }
         QCOMPARE(tracks, 8);
+    }
+
+    void putsTheCollectionInOrder()
+    {
+        CannedServer server({{},
+            CannedServer::answer(
+                "200 OK", QByteArray::fromStdString(fileBytes(sample / "Music/Halcyon Ferry/Slow Water/cover.jpg")))});
+        NewUser user({.catalogue = server.root(), .site = server.root(), .archive = server.root()});
+        MarluneModel &model = user.program.model();
+        user.begin(sample / "Music");
+        const auto bare = [&model] {
+            const auto albums = model.albums();
+            return std::find_if(
+                albums->begin(), albums->end(), [](const auto &album) { return !album->artworkBytes(); });
+        };
+        const std::shared_ptr<const Album> album = *bare();
+        server.answers[0] = CannedServer::answer("200 OK",
+            QStringLiteral(
+                R"({"release-groups":[{"id":"0cd1dd5b-3c5e-4d3a-9f0e-000000000001","score":100,"title":"%1",)"
+                R"("artist-credit":[{"name":"%2"}]}]})")
+                .arg(album->title, album->artist)
+                .toUtf8());
+        model.setSection(Section::Quality);
+        QTRY_VERIFY(user.item("issueList") && user.item("issueList")->property("count").toInt() > 0);
+        const int before = user.item("issueList")->property("count").toInt();
+        user.clickNamed("findCoversButton");
+        QTRY_VERIFY_WITH_TIMEOUT(model.alert(), 30'000);
+        QVERIFY(model.alert()->startsWith(QStringLiteral("Dodano okładki: 1. Do wyboru ręcznie: 0. Niedostępne: 0.")));
+        user.clickNamed("alertOk");
+        QTRY_VERIFY(!user.item("alertOk") && !model.alert());
+        QVERIFY(bare() == model.albums()->end());
+        QTRY_COMPARE(user.item("issueList")->property("count").toInt(), before - 1);
+
+        user.clickNamed("repairCoversButton");
+        QTRY_VERIFY_WITH_TIMEOUT(model.alert(), 30'000);
+        QVERIFY2(model.alert()->contains(QStringLiteral("Nie udało się naprawić: 0.")), qPrintable(*model.alert()));
+        user.clickNamed("alertOk");
+        QTRY_VERIFY(!user.item("alertOk"));
+        user.clickNamed("checkDuplicatesButton");
+        QTRY_COMPARE_WITH_TIMEOUT(model.status(), QStringLiteral("Sprawdzanie duplikatów zakończone"), 30'000);
+        const std::vector<QualityIssue> left = CollectionQuality::inspect(model.tracks(), std::nullopt);
+        QVERIFY(std::none_of(
+            left.begin(), left.end(), [](const QualityIssue &issue) { return issue.kind == QualityKind::covers; }));
+        QTRY_COMPARE(
+            user.item("issueList")->property("count").toULongLong(), left.size() + model.duplicateIssues().size());
     }
 
     void goesOnWhenTheDeviceIsTakenAwayInTheMiddle()

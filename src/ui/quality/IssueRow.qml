@@ -13,10 +13,16 @@ T.Control {
     required property string title
     required property string detail
     required property string places
+    required property bool hasPicture
     required property bool current
+    required property bool canRepair // no other work is under way
 
+    signal repairWanted
+    signal coverWanted
     signal albumWanted
     signal filesWanted
+
+    readonly property bool isOfCovers: root.kind === "Okładki"
 
     implicitHeight: implicitContentHeight + topPadding + bottomPadding
     horizontalPadding: Tokens.space.wide
@@ -62,11 +68,29 @@ T.Control {
             Flow {
                 Layout.fillWidth: true
                 Layout.topMargin: Tokens.space.hair
-                visible: root.kind !== "Okładki"
                 spacing: Tokens.space.tight
 
                 Button {
+                    objectName: "repairButton"
+                    visible: root.isOfCovers && root.hasPicture
+                    enabled: root.canRepair
+                    measure: Button.Small
+                    focusPolicy: root.current || activeFocus ? Qt.StrongFocus : Qt.ClickFocus
+                    text: L10n.text("Napraw dla Rockbox")
+                    onClicked: root.repairWanted()
+                }
+                Button {
+                    objectName: "chooseCoverButton"
+                    visible: root.isOfCovers
+                    enabled: root.canRepair
+                    measure: Button.Small
+                    focusPolicy: root.current || activeFocus ? Qt.StrongFocus : Qt.ClickFocus
+                    text: L10n.text("Wybierz okładkę…")
+                    onClicked: root.coverWanted()
+                }
+                Button {
                     objectName: "openAlbumButton"
+                    visible: !root.isOfCovers
                     measure: Button.Small
                     focusPolicy: root.current || activeFocus ? Qt.StrongFocus : Qt.ClickFocus
                     text: L10n.text("Otwórz album")
@@ -74,6 +98,7 @@ T.Control {
                 }
                 Button {
                     objectName: "revealButton"
+                    visible: !root.isOfCovers
                     measure: Button.Small
                     focusPolicy: root.current || activeFocus ? Qt.StrongFocus : Qt.ClickFocus
                     text: L10n.text("Pokaż pliki")

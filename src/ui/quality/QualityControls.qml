@@ -47,6 +47,27 @@ Rectangle {
         }
         TaskRow {
             Layout.fillWidth: true
+            title: L10n.text("Okładki")
+            note: L10n.text("Tylko jednoznaczne dopasowania.")
+
+            Button {
+                objectName: "repairCoversButton"
+                text: L10n.text("Napraw dostępne okładki")
+                enabled: root.quality.canCheck
+                onClicked: root.model.repairAvailableCovers()
+            }
+            Button {
+                objectName: "findCoversButton"
+                text: L10n.text("Znajdź brakujące w sieci")
+                enabled: root.quality.canCheck
+                onClicked: root.model.findMissingCovers()
+            }
+        }
+        Divider {
+            Layout.fillWidth: true
+        }
+        TaskRow {
+            Layout.fillWidth: true
             title: L10n.text("Duplikaty")
             note: L10n.text(root.model.duplicateStatus)
 

@@ -64,6 +64,9 @@ Item {
 
             width: view.width
             current: ListView.isCurrentItem
+            canRepair: !root.model.busy
+            onRepairWanted: root.quality.chooseCover(index, true)
+            onCoverWanted: root.quality.chooseCover(index, false)
             onAlbumWanted: root.quality.openAlbum(index)
             onFilesWanted: root.quality.reveal(index)
             onActiveFocusChanged: if (activeFocus && index >= 0) view.currentIndex = index
