@@ -255,7 +255,7 @@ void sortTracks(const Catalogue &catalogue, Indices &group)
     }
 }
 
-Album makeAlbum(const Catalogue &catalogue, Indices group)
+AlbumGrouping::Group makeGroup(const Catalogue &catalogue, Indices group)
 {
     sortTracks(catalogue, group);
     const Catalogue::Entry &first = catalogue.entry(group.front());
@@ -268,15 +268,10 @@ Album makeAlbum(const Catalogue &catalogue, Indices group)
     const bool oneTitle = all([&](const Catalogue::Entry &entry) {
         return entry.description.title == first.description.title || canonical(entry.description.title) == title;
     });
-    Album album;
-    album.artist = oneArtist ? catalogue.track(group.front()).artist : QStringLiteral("Różni wykonawcy");
-    album.title = oneTitle ? first.description.title : first.folder->parentName;
-    album.groupID = first.description.key;
-    album.tracks.reserve(group.size());
-    for (const std::size_t index : group) {
-        album.tracks.push_back(catalogue.track(index));
-    }
-    return album;
+    return {.artist = oneArtist ? catalogue.track(group.front()).artist : QStringLiteral("Różni wykonawcy"),
+        .title = oneTitle ? first.description.title : first.folder->parentName,
+        .key = first.description.key,
+        .tracks = std::move(group)};
 }
 
 [[maybe_unused]] bool idsAreUnique(const std::vector<Track> &tracks)
@@ -293,15 +288,32 @@ Album makeAlbum(const Catalogue &catalogue, Indices group)
 
 namespace AlbumGrouping {
 
-std::vector<Album> albums(const std::vector<Track> &tracks)
+std::vector<Group> groups(const std::vector<Track> &tracks)
 {
     Q_ASSERT(idsAreUnique(tracks));
     Catalogue catalogue(tracks);
     joinTaggedDiscs(catalogue);
     const auto keyOf = [&](std::size_t index) { return std::optional(catalogue.entry(index).description.key); };
-    std::vector<Album> result;
+    std::vector<Group> result;
     for (Indices &group : groupsBy(catalogue, keyOf)) {
-        result.push_back(makeAlbum(catalogue, std::move(group)));
+        result.push_back(makeGroup(catalogue, std::move(group)));
+    }
+    return result;
+}
+
+std::vector<Album> albums(const std::vector<Track> &tracks)
+{
+    std::vector<Album> result;
+    for (Group &group : groups(tracks)) {
+        Album album {.artist = std::move(group.artist),
+            .title = std::move(group.title),
+            .tracks = {},
+            .groupID = std::move(group.key)};
+        album.tracks.reserve(group.tracks.size());
+        for (const std::size_t index : group.tracks) {
+            album.tracks.push_back(tracks[index]);
+        }
+        result.push_back(std::move(album));
     }
     return result;
 }

@@ -19,6 +19,17 @@ struct Description {
     bool operator==(const Description &) const = default;
 };
 
+/// One album as places in a list of tracks, for those who look at many tracks and keep few.
+struct Group {
+    QString artist;
+    QString title;
+    QString key;
+    std::vector<std::size_t> tracks; ///< in the album's order; at least one
+};
+
+/// The groups behind albums(), without a copy of any track.
+[[nodiscard]] std::vector<Group> groups(const std::vector<Track> &tracks);
+
 /// Albums in the order in which their first tracks come. Track ids must be unique.
 [[nodiscard]] std::vector<Album> albums(const std::vector<Track> &tracks);
 

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <array>
+#include <string_view>
 #include <utility>
 
 namespace {
@@ -31,31 +32,49 @@ private:
     QHash<std::pair<const char *, qsizetype>, std::optional<QString>> m_issues;
 };
 
+std::string_view folderOf(const std::filesystem::path &file)
+{
+    const std::string_view path = file.native();
+    return path.substr(0, path.find_last_of('/'));
+}
+
+/// The tracks of one album, in its order.
+using AlbumTracks = std::vector<const Track *>;
+
+AlbumTracks tracksOf(const AlbumGrouping::Group &album, const std::vector<Track> &all)
+{
+    AlbumTracks tracks(album.tracks.size());
+    std::transform(
+        album.tracks.begin(), album.tracks.end(), tracks.begin(), [&](std::size_t place) { return &all[place]; });
+    return tracks;
+}
+
 /// Whether Artwork::externalCoverExists() holds for all tracks; a folder is asked once for those of it that follow each
 /// other.
-bool allHaveExternalCovers(const std::vector<Track> &tracks)
+bool allHaveExternalCovers(const AlbumTracks &tracks)
 {
-    std::filesystem::path folder;
+    std::optional<std::string_view> folder;
     bool folderHasCover = false;
-    return std::all_of(tracks.begin(), tracks.end(), [&](const Track &track) {
-        if (std::filesystem::path parent = track.url.parent_path(); parent != folder) {
-            folder = std::move(parent);
-            folderHasCover = Artwork::folderCoverExists(folder);
+    return std::all_of(tracks.begin(), tracks.end(), [&](const Track *track) {
+        if (const std::string_view itsFolder = folderOf(track->url); itsFolder != folder) {
+            folder = itsFolder;
+            folderHasCover = Artwork::folderCoverExists(track->url.parent_path());
         }
-        return folderHasCover || Artwork::externalCoverExists(track);
+        return folderHasCover || Artwork::externalCoverExists(*track);
     });
 }
 
-std::optional<QString> coverFinding(const Album &album, bool onDevice, ImageChecks &images)
+std::optional<QString> coverFinding(const AlbumTracks &tracks, bool onDevice, ImageChecks &images)
 {
-    const std::optional<QByteArray> image = album.artworkBytes();
-    if (!image) {
+    const auto pictured
+        = std::find_if(tracks.begin(), tracks.end(), [](const Track *track) { return track->artwork.has_value(); });
+    if (pictured == tracks.end()) {
         return QStringLiteral("Brak odczytanej okładki. Wybierz obraz, aby naprawić album.");
     }
-    if (const std::optional<QString> &issue = images.issue(*image)) {
+    if (const std::optional<QString> &issue = images.issue(*(*pictured)->artwork)) {
         return issue;
     }
-    if (onDevice && !allHaveExternalCovers(album.tracks)) {
+    if (onDevice && !allHaveExternalCovers(tracks)) {
         return QStringLiteral("Okładka dostępna w bibliotece, ale brakuje pliku przy części utworów na iPodzie. Zapisz "
                               "wersję dla Rockbox.");
     }
@@ -70,7 +89,9 @@ std::optional<QString> tagFinding(const QMap<QString, QString> &tags)
         std::pair(QStringLiteral("ALBUM"), QStringLiteral("album"))};
     QStringList missing;
     for (const auto &[key, label] : required) {
-        if (tags.value(key).trimmed().isEmpty()) {
+        const auto tag = tags.constFind(key);
+        const auto isBlank = [](QChar c) { return c.isSpace(); };
+        if (tag == tags.constEnd() || std::all_of(tag->begin(), tag->end(), isBlank)) {
             missing.append(label);
         }
     }
@@ -85,17 +106,27 @@ std::optional<QString> tagFinding(const QMap<QString, QString> &tags)
 
 namespace CollectionQuality {
 
-std::vector<QualityIssue> inspect(
-    const std::vector<Track> &tracks, const std::optional<std::filesystem::path> &deviceRoot)
+std::vector<QualityIssue> inspect(const std::vector<Track> &tracks,
+    const std::optional<std::filesystem::path> &deviceRoot, const std::stop_token &stop)
 {
     std::vector<QualityIssue> issues;
     ImageChecks images;
-    for (Album &album : AlbumGrouping::albums(tracks)) {
-        if (const auto finding = coverFinding(album, deviceRoot.has_value(), images)) {
-            issues.push_back({QualityKind::covers, album.title, *finding, std::move(album.tracks)});
+    for (const AlbumGrouping::Group &album : AlbumGrouping::groups(tracks)) {
+        if (stop.stop_requested()) {
+            return {};
+        }
+        const AlbumTracks albumTracks = tracksOf(album, tracks);
+        if (const auto finding = coverFinding(albumTracks, deviceRoot.has_value(), images)) {
+            QualityIssue &issue = issues.emplace_back(QualityIssue {QualityKind::covers, album.title, *finding, {}});
+            for (const Track *track : albumTracks) {
+                issue.tracks.push_back(*track);
+            }
         }
     }
     for (const Track &track : tracks) {
+        if (stop.stop_requested()) {
+            return {};
+        }
         if (!Files::exists(track.url)) {
             const QString gone = QStringLiteral("Plik nie jest już dostępny w zapisanej lokalizacji.");
             issues.push_back({QualityKind::files, track.title, gone, {track}});

@@ -34,7 +34,13 @@ QualityPresenter::QualityPresenter(MarluneModel &model, QObject *parent)
     inspectAfter(&MarluneModel::sectionChanged);
     inspectAfter(&MarluneModel::libraryOnDeviceChanged);
     inspectAfter(&MarluneModel::tracksChanged);
-    inspectAfter(&MarluneModel::busyChanged); // a job may have changed files
+    connect(&m_model, &MarluneModel::busyChanged, this, [this] {
+        if (m_model.busy() && m_model.libraryOnDevice()) {
+            abandonInspection(); // an eject would find the device's files in use
+        } else if (!m_model.busy()) {
+            m_inspection.start(); // the job may have changed files
+        }
+    });
     connect(qGuiApp, &QGuiApplication::applicationStateChanged, this, [this](Qt::ApplicationState state) {
         if (state == Qt::ApplicationActive) { // and so may the user, in another program
             m_inspection.start();
@@ -114,9 +120,20 @@ QString QualityPresenter::emptyDetail() const
         : AppLocalizer::text(QStringLiteral("Dokładne duplikaty wymagają osobnego sprawdzenia."));
 }
 
+QualityPresenter::~QualityPresenter()
+{
+    abandonInspection();
+}
+
+void QualityPresenter::abandonInspection()
+{
+    m_inspecting.request_stop();
+    m_inspecting = std::stop_source();
+}
+
 void QualityPresenter::forget()
 {
-    ++m_generation;
+    abandonInspection();
     m_inspected = false;
     m_found.clear();
     refresh();
@@ -132,18 +149,19 @@ void QualityPresenter::inspectIfShown()
 QCoro::Task<> QualityPresenter::runInspection()
 {
     const QPointer<QualityPresenter> self(this);
-    const int generation = ++m_generation;
+    abandonInspection();
+    const std::stop_token stop = m_inspecting.get_token();
     const std::optional<Device> &device = m_model.device();
     const auto root = m_model.libraryOnDevice() && device ? std::optional(device->root) : std::nullopt;
-    auto work = [tracks = m_model.activeTracks(), root] {
+    auto work = [tracks = m_model.activeTracks(), root, stop] {
         IssueListModel::Issues issues;
-        for (QualityIssue &issue : CollectionQuality::inspect(tracks, root)) {
+        for (QualityIssue &issue : CollectionQuality::inspect(tracks, root, stop)) {
             issues.push_back(std::make_shared<const QualityIssue>(std::move(issue)));
         }
         return issues;
     };
     auto found = co_await attempt(work, JobPriority::Utility);
-    if (self && m_generation == generation && found.value) {
+    if (self && !stop.stop_requested() && found.value) {
         m_found = std::move(*found.value);
         m_inspected = true;
         refresh();

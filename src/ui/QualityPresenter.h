@@ -33,6 +33,7 @@ class QualityPresenter : public QObject {
 
 public:
     explicit QualityPresenter(MarluneModel &model, QObject *parent = nullptr);
+    ~QualityPresenter() override;
 
     [[nodiscard]] IssueListModel *issues() { return &m_issues; }
     [[nodiscard]] QStringList kinds() const;
@@ -61,6 +62,7 @@ Q_SIGNALS:
 private:
     [[nodiscard]] bool lacksDuplicateCheck() const;
     [[nodiscard]] std::shared_ptr<const Album> albumOf(int row) const;
+    void abandonInspection();
     void forget();
     void inspectIfShown();
     QCoro::Task<> runInspection();
@@ -73,5 +75,5 @@ private:
     QString m_filter;
     IssueListModel::Issues m_found; ///< by the last inspection
     bool m_inspected = false; ///< m_found is of the side that is shown
-    int m_generation = 0; ///< of the inspection that may land
+    std::stop_source m_inspecting; ///< of the inspection that may land
 };

@@ -103,6 +103,9 @@ TEST(Inspection, findsEachAlbumAndTrackOnceInTheOrderOfTheirTitles)
         QStringLiteral("Okładki") + QChar(u'\0') + QString::fromStdString((library.folder / "album 9/1.mp3").string())
             + QChar(u'\0') + QString::fromStdString((library.folder / "album 9/2.mp3").string()));
     EXPECT_TRUE(CollectionQuality::inspect({}, std::nullopt).empty());
+    std::stop_source stopped;
+    stopped.request_stop();
+    EXPECT_TRUE(CollectionQuality::inspect(library.tracks, std::nullopt, stopped.get_token()).empty());
 }
 
 TEST(Duplicates, areFilesOfTheSameBytesAndNotOtherNamesOfOne)
