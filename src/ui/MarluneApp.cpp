@@ -4,6 +4,7 @@
 #include "ui/DesktopPanels.h"
 #include "ui/LibraryPresenter.h"
 #include "ui/Localization.h"
+#include "ui/PlaybackPresenter.h"
 #include "ui/ShadowProvider.h"
 #include "ui/ShellPresenter.h"
 #include "ui/Symbols.h"
@@ -100,6 +101,7 @@ struct Program::Parts {
     std::shared_ptr<CoverStore> covers = std::make_shared<CoverStore>();
     ShellPresenter shell;
     LibraryPresenter library;
+    PlaybackPresenter playback;
     QQmlApplicationEngine engine;
 };
 
@@ -111,9 +113,11 @@ Program::Parts::Parts(const Setup &setup)
           .deviceDiscovery = setup.deviceDiscovery,
           .ejectVolume = setup.ejectVolume,
           .supportFolder = setup.supportFolder,
-          .themeSite = setup.themeSite})
+          .themeSite = setup.themeSite,
+          .audioOutput = setup.audioOutput})
     , shell(model)
     , library(model, covers)
+    , playback(model.playback())
 {
     QObject::connect(&watcher, &Volumes::Watcher::mounted, &model, &MarluneModel::volumeMounted);
     QObject::connect(&watcher, &Volumes::Watcher::unmounted, &model, &MarluneModel::volumeUnmounted);
@@ -122,6 +126,7 @@ Program::Parts::Parts(const Setup &setup)
     engine.setInitialProperties(
         {{QStringLiteral("model"), QVariant::fromValue(&model)}, {QStringLiteral("shell"), QVariant::fromValue(&shell)},
             {QStringLiteral("library"), QVariant::fromValue(&library)},
+            {QStringLiteral("playback"), QVariant::fromValue(&playback)},
             {QStringLiteral("panels"), QVariant::fromValue(&desktopPanels)}});
     engine.load(QUrl(QStringLiteral("qrc:/qml/Marlune/shell/Main.qml")));
 }
@@ -170,7 +175,8 @@ Setup Setup::forUser()
     return {.settingsFile = Settings::defaultFile(),
         .supportFolder = Files::fromText(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation)),
         .ejectVolume = [](const std::filesystem::path &volume) { Volumes::eject(volume); },
-        .themeSite = Catalogue::Site::ofThePublic()};
+        .themeSite = Catalogue::Site::ofThePublic(),
+        .audioOutput = qgetenv("MARLUNE_AUDIO_OUTPUT")};
 }
 
 void prepareApplication()

@@ -28,6 +28,7 @@ struct Setup {
     std::function<std::vector<Device>()> deviceDiscovery = discoverDevices;
     std::function<void(const std::filesystem::path &)> ejectVolume;
     Catalogue::Site themeSite = {}; ///< where the themes' catalogue is; none: no server is asked
+    QByteArray audioOutput = {}; ///< where listening is heard, as AudioOutput takes it
     Panels *panels = nullptr; ///< asked in place of the desktop's dialogs, where given
 
     /// The user's own settings, folders and disks.

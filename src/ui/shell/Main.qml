@@ -10,6 +10,7 @@ T.ApplicationWindow {
     required property MarluneModel model
     required property ShellPresenter shell
     required property LibraryPresenter library
+    required property PlaybackPresenter playback
     required property DesktopPanels panels
 
     width: Math.min(1260, Screen.desktopAvailableWidth)
@@ -74,6 +75,10 @@ T.ApplicationWindow {
                 }
                 Divider {
                     Layout.fillWidth: true
+                }
+                MiniPlayer {
+                    Layout.fillWidth: true
+                    playback: root.playback
                 }
                 ClosingNotice {
                     Layout.fillWidth: true

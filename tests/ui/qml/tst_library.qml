@@ -78,6 +78,23 @@ PageTest {
         compare(root.bench.queuedTracks(), 2);
     }
 
+    function test_anAlbumIsPlayedByKeyboardAndMouse() {
+        open(1);
+        root.bench.addSounds("Dźwięki");
+        tryCompare(part("albumGrid"), "count", 2);
+        const row = tile(0).albumTitle === "Dźwięki" ? 0 : 1;
+        const button = findChild(tile(row), "playButton");
+        verify(!button.visible);
+        mouseClick(tile(1 - row), 20, 20);
+        keyClick(row === 0 ? Qt.Key_Home : Qt.Key_End);
+        tryVerify(() => button.visible);
+        keyClick(Qt.Key_P);
+        tryCompare(tile(row), "playing", true);
+        verify(!tile(1 - row).playing && button.Accessible.name === "Pauza");
+        mouseClick(button);
+        tryCompare(tile(row), "playing", false);
+    }
+
     function test_selectingKeepsThePlace() {
         open(9);
         root.bench.model.tileSize = 240;
