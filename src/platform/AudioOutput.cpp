@@ -359,9 +359,8 @@ void AudioOutput::Parts::noteSeekDone()
         const QByteArray target = number(*next);
         m_seeking = true;
         command(Request::Seek, {"seek", target.constData(), "absolute+exact"});
-    } else if (m_stage == Stage::Running) {
-        ask(Request::Position, "time-pos", MPV_FORMAT_DOUBLE);
     }
+    // The place is not asked for: a paused player gives it too low by what its output holds.
 }
 
 AudioOutput::AudioOutput(Listener listener, QByteArray output)

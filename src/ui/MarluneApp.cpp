@@ -4,6 +4,7 @@
 #include "ui/DesktopPanels.h"
 #include "ui/LibraryPresenter.h"
 #include "ui/Localization.h"
+#include "ui/MediaControls.h"
 #include "ui/PlaybackPresenter.h"
 #include "ui/ShadowProvider.h"
 #include "ui/ShellPresenter.h"
@@ -92,6 +93,8 @@ struct Program::Parts {
     explicit Parts(const Setup &setup);
     ~Parts();
 
+    [[nodiscard]] QQuickWindow *window() const;
+
     // In the order of their making; they go the other way round.
     SettingsLock settingsLock;
     Settings settings;
@@ -102,6 +105,7 @@ struct Program::Parts {
     ShellPresenter shell;
     LibraryPresenter library;
     PlaybackPresenter playback;
+    MediaControls mediaControls;
     QQmlApplicationEngine engine;
 };
 
@@ -118,6 +122,7 @@ Program::Parts::Parts(const Setup &setup)
     , shell(model)
     , library(model, covers)
     , playback(model.playback())
+    , mediaControls(model.playback())
 {
     QObject::connect(&watcher, &Volumes::Watcher::mounted, &model, &MarluneModel::volumeMounted);
     QObject::connect(&watcher, &Volumes::Watcher::unmounted, &model, &MarluneModel::volumeUnmounted);
@@ -129,6 +134,14 @@ Program::Parts::Parts(const Setup &setup)
             {QStringLiteral("playback"), QVariant::fromValue(&playback)},
             {QStringLiteral("panels"), QVariant::fromValue(&desktopPanels)}});
     engine.load(QUrl(QStringLiteral("qrc:/qml/Marlune/shell/Main.qml")));
+    if (QQuickWindow *shown = window()) {
+        QObject::connect(&mediaControls, &MediaControls::quitWanted, shown, &QWindow::close);
+        QObject::connect(&mediaControls, &MediaControls::raiseWanted, shown, [shown] {
+            shown->show();
+            shown->raise();
+            shown->requestActivate();
+        });
+    }
 }
 
 Program::Parts::~Parts()
@@ -155,10 +168,15 @@ MarluneModel &Program::model()
     return m_parts->model;
 }
 
+QQuickWindow *Program::Parts::window() const
+{
+    const QList<QObject *> roots = engine.rootObjects();
+    return roots.isEmpty() ? nullptr : qobject_cast<QQuickWindow *>(roots.front());
+}
+
 QQuickWindow *Program::window() const
 {
-    const QList<QObject *> roots = m_parts->engine.rootObjects();
-    return roots.isEmpty() ? nullptr : qobject_cast<QQuickWindow *>(roots.front());
+    return m_parts->window();
 }
 
 void prepareEngine(QQmlEngine &engine, std::shared_ptr<const CoverStore> covers)

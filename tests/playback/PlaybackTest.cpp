@@ -3,8 +3,8 @@
 
 #include "support/Eventually.h"
 #include "support/ExfatVolume.h"
-#include "support/FlacBytes.h"
 #include "support/PrivateBus.h"
+#include "support/WaveFile.h"
 
 #include <QElapsedTimer>
 
@@ -35,16 +35,6 @@ Track trackAt(const std::filesystem::path &file)
     track.id = QUuid::createUuid();
     track.url = file;
     return track;
-}
-
-/// A wave file of silence, 8000 Hz, 8 bits.
-std::string wave(double seconds)
-{
-    const std::string samples(std::size_t(seconds * 8000), '\x80');
-    using FlacBytes::little;
-    return "RIFF" + little(std::uint32_t(36 + samples.size())) + "WAVEfmt " + little(16) + std::string("\1\0\1\0", 4)
-        + little(8000) + little(8000) + std::string("\1\0\10\0", 4) + "data" + little(std::uint32_t(samples.size()))
-        + samples;
 }
 
 /// The files below `folder` that this process holds open.

@@ -82,17 +82,17 @@ PageTest {
         open(1);
         root.bench.addSounds("Dźwięki");
         tryCompare(part("albumGrid"), "count", 2);
-        const row = tile(0).albumTitle === "Dźwięki" ? 0 : 1;
-        const button = findChild(tile(row), "playButton");
+        tryVerify(() => tile(0).albumTitle === "Dźwięki");
+        const button = findChild(tile(0), "playButton");
         verify(!button.visible);
-        mouseClick(tile(1 - row), 20, 20);
-        keyClick(row === 0 ? Qt.Key_Home : Qt.Key_End);
+        mouseClick(tile(1), 20, 20);
+        keyClick(Qt.Key_Home);
         tryVerify(() => button.visible);
         keyClick(Qt.Key_P);
-        tryCompare(tile(row), "playing", true);
-        verify(!tile(1 - row).playing && button.Accessible.name === "Pauza");
+        tryCompare(tile(0), "playing", true);
+        verify(!tile(1).playing && button.Accessible.name === "Pauza");
         mouseClick(button);
-        tryCompare(tile(row), "playing", false);
+        tryCompare(tile(0), "playing", false);
     }
 
     function test_selectingKeepsThePlace() {
