@@ -1,10 +1,8 @@
 #include "platform/AudioEngine.h"
 
 #include "platform/Files.h"
+#include "platform/Mpv.h"
 #include "platform/RegularFile.h"
-
-#include <mpv/client.h>
-#include <mpv/stream_cb.h>
 
 #include <string>
 #include <thread>
@@ -175,7 +173,8 @@ int AudioEngine::Outside::open(void *self, char *address, mpv_stream_cb_info *in
 std::unique_ptr<AudioEngine> AudioEngine::make(const QByteArray &output, std::function<void()> wake,
     std::shared_ptr<PendingEnds> openFiles, std::shared_ptr<PendingEnds> players)
 {
-    mpv_handle *handle = ::mpv_create();
+    const Mpv *library = Mpv::library();
+    mpv_handle *handle = library ? library->create() : nullptr;
     if (!handle) {
         return nullptr;
     }
@@ -184,34 +183,36 @@ std::unique_ptr<AudioEngine> AudioEngine::make(const QByteArray &output, std::fu
     outside->openFiles = std::move(openFiles);
     outside->players = std::move(players);
     outside->players->begin();
-    std::unique_ptr<AudioEngine> engine(new AudioEngine(handle, std::move(outside)));
+    std::unique_ptr<AudioEngine> engine(new AudioEngine(*library, handle, std::move(outside)));
     bool good = true;
     for (const auto &[name, value] : options) {
-        good = ::mpv_set_option_string(handle, name, value) >= 0 && good;
+        good = library->setOptionString(handle, name, value) >= 0 && good;
     }
     if (!output.isEmpty()) {
-        good = ::mpv_set_option_string(handle, "ao", output.constData()) >= 0 && good;
+        good = library->setOptionString(handle, "ao", output.constData()) >= 0 && good;
     }
     Outside *shared = engine->m_outside.get();
-    if (!good || ::mpv_initialize(handle) < 0 || ::mpv_stream_cb_add_ro(handle, protocol, shared, &Outside::open) < 0) {
+    if (!good || library->initialize(handle) < 0
+        || library->streamCallbackAdd(handle, protocol, shared, &Outside::open) < 0) {
         return nullptr;
     }
-    ::mpv_set_wakeup_callback(handle, [](void *self) { static_cast<Outside *>(self)->wake(); }, shared);
+    library->setWakeupCallback(handle, [](void *self) { static_cast<Outside *>(self)->wake(); }, shared);
     return engine;
 }
 
-AudioEngine::AudioEngine(mpv_handle *handle, std::unique_ptr<Outside> outside)
-    : m_handle(handle)
+AudioEngine::AudioEngine(const Mpv &library, mpv_handle *handle, std::unique_ptr<Outside> outside)
+    : m_library(library)
+    , m_handle(handle)
     , m_outside(std::move(outside))
 {
 }
 
 AudioEngine::~AudioEngine()
 {
-    ::mpv_set_wakeup_callback(m_handle, nullptr, nullptr);
+    m_library.setWakeupCallback(m_handle, nullptr, nullptr);
     withdraw();
-    auto end = [handle = m_handle, outside = m_outside.get()] {
-        ::mpv_terminate_destroy(handle);
+    auto end = [&library = m_library, handle = m_handle, outside = m_outside.get()] {
+        library.terminateDestroy(handle);
         const std::shared_ptr<PendingEnds> players = outside->players;
         delete outside;
         players->end();

@@ -2,7 +2,7 @@
 //
 // The player reads nothing but the one file that is offered to it, through calls of this class: no name is ever given
 // to libmpv, so that none can be taken for an option, an address or a playlist, and whatever a file's content names is
-// not opened. UI thread, save where a comment says otherwise; nothing throws.
+// not opened. Nothing throws; one thread at a time, save where a comment says otherwise.
 #pragma once
 
 #include <QByteArray>
@@ -15,6 +15,7 @@
 #include <memory>
 #include <mutex>
 
+struct Mpv;
 struct mpv_handle;
 
 /// Counts things that end on other threads. Any thread.
@@ -48,7 +49,8 @@ class AudioEngine {
 public:
     /// `output` is libmpv's name of an output, empty for the desktop's. `wake` is called on any thread when events
     /// wait; it is not called any more once the engine's destruction has begun. `openFiles` counts the files that
-    /// players hold open, `players` the players that have not ended yet. Null where libmpv does not start.
+    /// players hold open, `players` the players that have not ended yet. Null where libmpv does not start. Slow at its
+    /// first call: not for the UI thread.
     [[nodiscard]] static std::unique_ptr<AudioEngine> make(const QByteArray &output, std::function<void()> wake,
         std::shared_ptr<PendingEnds> openFiles, std::shared_ptr<PendingEnds> players);
     /// Returns at once; the player ends on a thread of its own, because a disk that hangs would hold it up.
@@ -56,6 +58,7 @@ public:
     AudioEngine(const AudioEngine &) = delete;
     AudioEngine &operator=(const AudioEngine &) = delete;
 
+    [[nodiscard]] const Mpv &library() const { return m_library; }
     [[nodiscard]] mpv_handle *handle() const { return m_handle; }
     /// Makes this the one file that the player can open; returns the address to load it by.
     [[nodiscard]] QByteArray offer(std::shared_ptr<OfferedFile> file);
@@ -64,8 +67,9 @@ public:
 
 private:
     struct Outside;
-    AudioEngine(mpv_handle *handle, std::unique_ptr<Outside> outside);
+    AudioEngine(const Mpv &library, mpv_handle *handle, std::unique_ptr<Outside> outside);
 
+    const Mpv &m_library;
     mpv_handle *m_handle;
     std::unique_ptr<Outside> m_outside; ///< what libmpv's threads call
 };

@@ -2,10 +2,9 @@
 
 #include "platform/AudioEngine.h"
 #include "platform/Background.h"
+#include "platform/Mpv.h"
 
 #include <QTimer>
-
-#include <mpv/client.h>
 
 #include <algorithm>
 #include <array>
@@ -13,6 +12,7 @@
 #include <cstring>
 #include <optional>
 #include <system_error>
+#include <thread>
 
 namespace {
 
@@ -42,7 +42,7 @@ QString reasonOf(int error)
     case MPV_ERROR_NOTHING_TO_PLAY:
         return QStringLiteral("Plik nie zawiera dźwięku");
     default:
-        return QString::fromUtf8(::mpv_error_string(error));
+        return QString::fromUtf8(Mpv::library()->errorString(error));
     }
 }
 
@@ -63,7 +63,8 @@ QByteArray playerVolume(double volume)
 struct AudioOutput::Parts : std::enable_shared_from_this<Parts> {
     enum class Stage : std::uint8_t { Idle, Opening, Running };
 
-    bool ensureEngine();
+    void makeEngine();
+    void landEngine(std::shared_ptr<AudioEngine> engine);
     void send();
     void command(Request request, std::initializer_list<const char *> words);
     void set(const char *property, const QByteArray &value);
@@ -85,7 +86,8 @@ struct AudioOutput::Parts : std::enable_shared_from_this<Parts> {
     QByteArray m_output;
     std::shared_ptr<PendingEnds> m_openFiles = std::make_shared<PendingEnds>();
     std::shared_ptr<PendingEnds> m_players = std::make_shared<PendingEnds>();
-    std::unique_ptr<AudioEngine> m_engine;
+    std::shared_ptr<AudioEngine> m_engine; ///< absent before the first load
+    bool m_making = false; ///< one is on its way
     double m_volume = 1;
 
     std::uint64_t m_load = 0; ///< counts loads and unloads: what another one brought is stale
@@ -101,33 +103,64 @@ struct AudioOutput::Parts : std::enable_shared_from_this<Parts> {
     Seen m_seen; ///< of this engine
 };
 
-/// False where libmpv does not start.
-bool AudioOutput::Parts::ensureEngine()
+/// On a thread of its own: for the first one the library is loaded.
+void AudioOutput::Parts::makeEngine()
 {
-    if (!m_engine) {
-        m_seen = {};
-        const auto wake = [parts = weak_from_this()] {
-            postToUi([parts] {
-                if (const auto self = parts.lock()) {
-                    self->drain();
-                }
-            });
-        };
-        m_engine = AudioEngine::make(m_output, wake, m_openFiles, m_players);
+    if (std::exchange(m_making, true)) {
+        return;
     }
-    return m_engine != nullptr;
+    auto wake = [parts = weak_from_this()] {
+        postToUi([parts] {
+            if (const auto self = parts.lock()) {
+                self->drain();
+            }
+        });
+    };
+    auto land = [parts = weak_from_this()](const std::shared_ptr<AudioEngine> &engine) {
+        postToUi([parts, engine] {
+            if (const auto self = parts.lock()) {
+                self->landEngine(engine);
+            }
+        });
+    };
+    auto make = [parts = weak_from_this(), wake, land, output = m_output, openFiles = m_openFiles,
+                    players = m_players]() mutable {
+        if (std::shared_ptr<AudioEngine> engine = AudioEngine::make(output, wake, openFiles, players);
+            !parts.expired()) { // else the program may be at its end
+            land(engine);
+        }
+        players->end();
+    };
+    m_players->begin();
+    try {
+        std::thread(make).detach();
+    } catch (const std::system_error &) { // no thread to be had
+        m_players->end();
+        land(nullptr);
+    }
+}
+
+/// Null where libmpv does not start.
+void AudioOutput::Parts::landEngine(std::shared_ptr<AudioEngine> engine)
+{
+    m_making = false;
+    m_engine = std::move(engine);
+    m_seen = {};
+    if (m_stage == Stage::Opening) {
+        if (m_engine) {
+            send();
+        } else {
+            fail(Failure::NoOutput, {});
+        }
+    }
+    drain(); // what it has told before it was here
 }
 
 /// Hands the wanted file to the player.
 void AudioOutput::Parts::send()
 {
-    if (!ensureEngine()) {
-        postToUi([parts = weak_from_this(), load = m_load] {
-            const auto self = parts.lock();
-            if (self && self->m_load == load) {
-                self->fail(Failure::NoOutput, {});
-            }
-        });
+    if (!m_engine) {
+        makeEngine();
         return;
     }
     const QByteArray address = m_engine->offer(m_file);
@@ -142,18 +175,19 @@ void AudioOutput::Parts::command(Request request, std::initializer_list<const ch
 {
     std::array<const char *, 5> list {};
     std::copy(words.begin(), words.end(), list.begin());
-    ::mpv_command_async(m_engine->handle(), userdata(request), list.data());
+    m_engine->library().commandAsync(m_engine->handle(), userdata(request), list.data());
 }
 
 void AudioOutput::Parts::set(const char *property, const QByteArray &value)
 {
     const char *bytes = value.constData();
-    ::mpv_set_property_async(m_engine->handle(), userdata(Request::Other), property, MPV_FORMAT_STRING, &bytes);
+    m_engine->library().setPropertyAsync(
+        m_engine->handle(), userdata(Request::Other), property, MPV_FORMAT_STRING, &bytes);
 }
 
 void AudioOutput::Parts::ask(Request request, const char *property, mpv_format format)
 {
-    ::mpv_get_property_async(m_engine->handle(), userdata(request), property, format);
+    m_engine->library().getPropertyAsync(m_engine->handle(), userdata(request), property, format);
 }
 
 /// A player that does not let go of its last file in time hangs on a disk; it is replaced.
@@ -178,7 +212,7 @@ void AudioOutput::Parts::drain()
 {
     const auto self = shared_from_this(); // a listener may destroy the output
     while (m_engine) {
-        const mpv_event &event = *::mpv_wait_event(m_engine->handle(), 0);
+        const mpv_event &event = *m_engine->library().waitEvent(m_engine->handle(), 0);
         if (event.event_id == MPV_EVENT_NONE) {
             return;
         }
@@ -325,9 +359,8 @@ void AudioOutput::Parts::noteSeekDone()
         const QByteArray target = number(*next);
         m_seeking = true;
         command(Request::Seek, {"seek", target.constData(), "absolute+exact"});
-    } else if (m_stage == Stage::Running) {
-        ask(Request::Position, "time-pos", MPV_FORMAT_DOUBLE);
     }
+    // The place is not asked for: a paused player gives it too low by what its output holds.
 }
 
 AudioOutput::AudioOutput(Listener listener, QByteArray output)
@@ -343,6 +376,7 @@ AudioOutput::~AudioOutput()
     ++m_parts->m_load;
     m_parts->m_stage = Parts::Stage::Idle;
     m_parts->m_engine.reset();
+    m_parts.reset();
     (void)players->waitForNone(endPatience);
 }
 

@@ -23,6 +23,12 @@ bool looksTheSame(const Album &a, const Album &b)
                 [&](const Track &x, const Track &y) { return x.id == y.id && sameArtwork(x, y); }));
 }
 
+bool holds(const Album &album, const QUuid &track)
+{
+    return std::any_of(
+        album.tracks.begin(), album.tracks.end(), [&track](const Track &other) { return other.id == track; });
+}
+
 } // namespace
 
 AlbumListModel::AlbumListModel(MarluneModel &model, std::shared_ptr<CoverStore> covers, QObject *parent)
@@ -38,6 +44,9 @@ AlbumListModel::AlbumListModel(MarluneModel &model, std::shared_ptr<CoverStore> 
     connect(&m_selectionChange, &QTimer::timeout, this, &AlbumListModel::refreshSelection);
     connect(&m_model, &MarluneModel::browsingChanged, &m_listChange, qOverload<>(&QTimer::start));
     connect(&m_model, &MarluneModel::selectionChanged, &m_selectionChange, qOverload<>(&QTimer::start));
+    for (const auto signal : {&Playback::currentChanged, &Playback::playingChanged}) {
+        connect(&m_model.playback(), signal, this, &AlbumListModel::refreshPlaying);
+    }
     refresh();
 }
 
@@ -50,7 +59,7 @@ QHash<int, QByteArray> AlbumListModel::roleNames() const
 {
     return {{TitleRole, "albumTitle"}, {ArtistRole, "artist"}, {CountAndSizeRole, "countAndSize"},
         {FormatRole, "format"}, {HighResolutionRole, "highResolution"}, {DiscsRole, "discs"},
-        {SelectedRole, "selected"}, {CoverRole, "cover"}};
+        {SelectedRole, "selected"}, {PlayingRole, "playing"}, {CoverRole, "cover"}};
 }
 
 const AlbumListModel::Row *AlbumListModel::row(int index) const
@@ -80,6 +89,8 @@ QVariant AlbumListModel::data(const QModelIndex &index, int role) const
         return texts(*shown).discs;
     case SelectedRole:
         return shown->selected;
+    case PlayingRole:
+        return shown->playing;
     case CoverRole:
         return texts(*shown).cover;
     default:
@@ -114,6 +125,12 @@ bool AlbumListModel::isSelected(const Album &album) const
         album.tracks.begin(), album.tracks.end(), [&](const Track &track) { return chosen.contains(track.id); });
 }
 
+bool AlbumListModel::isPlaying(const Album &album) const
+{
+    const Playback &playback = m_model.playback();
+    return playback.playing() && holds(album, playback.current()->id);
+}
+
 void AlbumListModel::refresh()
 {
     const std::shared_ptr<const AlbumList> albums = m_model.albums();
@@ -135,7 +152,11 @@ std::vector<AlbumListModel::Row> AlbumListModel::rowsFor(const AlbumList &albums
     std::vector<Row> rows;
     rows.reserve(albums.size());
     for (const std::shared_ptr<const Album> &album : albums) {
-        Row row {.id = album->id(), .album = album, .selected = isSelected(*album), .texts = {}};
+        Row row {.id = album->id(),
+            .album = album,
+            .selected = isSelected(*album),
+            .playing = isPlaying(*album),
+            .texts = {}};
         if (const Row *before = shown.value(row.id); before && looksTheSame(*album, *before->album)) {
             row.texts = before->texts;
         }
@@ -157,7 +178,7 @@ void AlbumListModel::updateRows(std::vector<Row> rows)
     for (int i = 0; i < int(m_rows.size()); ++i) {
         const Row &was = before[std::size_t(i)];
         const Row &is = m_rows[std::size_t(i)];
-        if (was.selected != is.selected || !looksTheSame(*was.album, *is.album)) {
+        if (was.selected != is.selected || was.playing != is.playing || !looksTheSame(*was.album, *is.album)) {
             Q_EMIT dataChanged(index(i), index(i));
         }
     }
@@ -165,17 +186,41 @@ void AlbumListModel::updateRows(std::vector<Row> rows)
 
 void AlbumListModel::refreshSelection()
 {
+    refreshRows(&Row::selected, &AlbumListModel::isSelected, SelectedRole);
+}
+
+void AlbumListModel::refreshPlaying()
+{
+    refreshRows(&Row::playing, &AlbumListModel::isPlaying, PlayingRole);
+}
+
+/// Brings one state of all rows up to date.
+void AlbumListModel::refreshRows(bool Row::*state, bool (AlbumListModel::*now)(const Album &) const, Role role)
+{
     int first = -1;
     for (int i = 0; i <= int(m_rows.size()); ++i) {
-        const bool changed
-            = i < int(m_rows.size()) && isSelected(*m_rows[std::size_t(i)].album) != m_rows[std::size_t(i)].selected;
-        if (changed) {
-            m_rows[std::size_t(i)].selected = !m_rows[std::size_t(i)].selected;
+        Row *row = i < int(m_rows.size()) ? &m_rows[std::size_t(i)] : nullptr;
+        if (row && (this->*now)(*row->album) != row->*state) {
+            row->*state = !(row->*state);
             first = first < 0 ? i : first;
         } else if (first >= 0) {
-            Q_EMIT dataChanged(index(first), index(i - 1), {SelectedRole});
+            Q_EMIT dataChanged(index(first), index(i - 1), {role});
             first = -1;
         }
+    }
+}
+
+void AlbumListModel::play(int index)
+{
+    const Row *chosen = row(index);
+    if (!chosen || chosen->album->tracks.empty()) {
+        return;
+    }
+    Playback &playback = m_model.playback();
+    if (playback.current() && holds(*chosen->album, playback.current()->id)) {
+        playback.toggle();
+    } else {
+        playback.play(chosen->album->tracks.front(), chosen->album->tracks);
     }
 }
 

@@ -31,6 +31,7 @@ public:
         HighResolutionRole, ///< some track of it is
         DiscsRole, ///< "2 CD · jeden album", empty for one disc
         SelectedRole, ///< all of it is queued, or on the device selected
+        PlayingRole, ///< a track of it is heard
         CoverRole, ///< name in the cover store, empty without artwork
     };
 
@@ -42,6 +43,8 @@ public:
 
     /// Queues or selects the album of a row, or takes it out again.
     Q_INVOKABLE void toggle(int index);
+    /// Plays the album from its first track; pauses or resumes where a track of it is loaded.
+    Q_INVOKABLE void play(int index);
     /// Drops the album from the library; its files stay.
     Q_INVOKABLE void forget(int index);
     /// Shows the album's first file in the file manager.
@@ -64,15 +67,19 @@ private:
         QString id;
         std::shared_ptr<const Album> album;
         bool selected = false;
+        bool playing = false;
         mutable std::optional<Texts> texts;
     };
 
     void refresh();
     void refreshSelection();
+    void refreshPlaying();
     [[nodiscard]] std::vector<Row> rowsFor(const AlbumList &albums) const;
     void replaceRows(std::vector<Row> rows);
     void updateRows(std::vector<Row> rows);
     [[nodiscard]] bool isSelected(const Album &album) const;
+    [[nodiscard]] bool isPlaying(const Album &album) const;
+    void refreshRows(bool Row::*state, bool (AlbumListModel::*now)(const Album &) const, Role role);
     [[nodiscard]] const Texts &texts(const Row &row) const;
     [[nodiscard]] const Row *row(int index) const;
 

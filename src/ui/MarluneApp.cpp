@@ -4,6 +4,8 @@
 #include "ui/DesktopPanels.h"
 #include "ui/LibraryPresenter.h"
 #include "ui/Localization.h"
+#include "ui/MediaControls.h"
+#include "ui/PlaybackPresenter.h"
 #include "ui/QualityPresenter.h"
 #include "ui/ShadowProvider.h"
 #include "ui/ShellPresenter.h"
@@ -93,6 +95,8 @@ struct Program::Parts {
     explicit Parts(const Setup &setup);
     ~Parts();
 
+    [[nodiscard]] QQuickWindow *window() const;
+
     // In the order of their making; they go the other way round.
     SettingsLock settingsLock;
     Settings settings;
@@ -103,6 +107,8 @@ struct Program::Parts {
     ShellPresenter shell;
     LibraryPresenter library;
     QualityPresenter quality;
+    PlaybackPresenter playback;
+    MediaControls mediaControls;
     QQmlApplicationEngine engine;
 };
 
@@ -115,10 +121,13 @@ Program::Parts::Parts(const Setup &setup)
           .ejectVolume = setup.ejectVolume,
           .supportFolder = setup.supportFolder,
           .themeSite = setup.themeSite,
-          .covers = setup.covers ? *setup.covers : CoverSearch::shared()})
+          .covers = setup.covers ? *setup.covers : CoverSearch::shared(),
+          .audioOutput = setup.audioOutput})
     , shell(model)
     , library(model, covers)
     , quality(model)
+    , playback(model.playback())
+    , mediaControls(model.playback())
 {
     QObject::connect(&watcher, &Volumes::Watcher::mounted, &model, &MarluneModel::volumeMounted);
     QObject::connect(&watcher, &Volumes::Watcher::unmounted, &model, &MarluneModel::volumeUnmounted);
@@ -128,8 +137,17 @@ Program::Parts::Parts(const Setup &setup)
         {{QStringLiteral("model"), QVariant::fromValue(&model)}, {QStringLiteral("shell"), QVariant::fromValue(&shell)},
             {QStringLiteral("library"), QVariant::fromValue(&library)},
             {QStringLiteral("quality"), QVariant::fromValue(&quality)},
+            {QStringLiteral("playback"), QVariant::fromValue(&playback)},
             {QStringLiteral("panels"), QVariant::fromValue(&desktopPanels)}});
     engine.load(QUrl(QStringLiteral("qrc:/qml/Marlune/shell/Main.qml")));
+    if (QQuickWindow *shown = window()) {
+        QObject::connect(&mediaControls, &MediaControls::quitWanted, shown, &QWindow::close);
+        QObject::connect(&mediaControls, &MediaControls::raiseWanted, shown, [shown] {
+            shown->show();
+            shown->raise();
+            shown->requestActivate();
+        });
+    }
 }
 
 Program::Parts::~Parts()
@@ -156,10 +174,15 @@ MarluneModel &Program::model()
     return m_parts->model;
 }
 
+QQuickWindow *Program::Parts::window() const
+{
+    const QList<QObject *> roots = engine.rootObjects();
+    return roots.isEmpty() ? nullptr : qobject_cast<QQuickWindow *>(roots.front());
+}
+
 QQuickWindow *Program::window() const
 {
-    const QList<QObject *> roots = m_parts->engine.rootObjects();
-    return roots.isEmpty() ? nullptr : qobject_cast<QQuickWindow *>(roots.front());
+    return m_parts->window();
 }
 
 void prepareEngine(QQmlEngine &engine, std::shared_ptr<const CoverStore> covers)
@@ -176,7 +199,8 @@ Setup Setup::forUser()
     return {.settingsFile = Settings::defaultFile(),
         .supportFolder = Files::fromText(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation)),
         .ejectVolume = [](const std::filesystem::path &volume) { Volumes::eject(volume); },
-        .themeSite = Catalogue::Site::ofThePublic()};
+        .themeSite = Catalogue::Site::ofThePublic(),
+        .audioOutput = qgetenv("MARLUNE_AUDIO_OUTPUT")};
 }
 
 void prepareApplication()

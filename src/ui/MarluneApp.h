@@ -29,6 +29,7 @@ struct Setup {
     std::function<void(const std::filesystem::path &)> ejectVolume;
     Catalogue::Site themeSite = {}; ///< where the themes' catalogue is; none: no server is asked
     CoverSearch *covers = nullptr; ///< asked in place of the shared one, where given
+    QByteArray audioOutput = {}; ///< where listening is heard, as AudioOutput takes it
     Panels *panels = nullptr; ///< asked in place of the desktop's dialogs, where given
 
     /// The user's own settings, folders and disks.

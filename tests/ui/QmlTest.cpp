@@ -3,6 +3,7 @@
 #include "ui/DesktopPanels.h"
 #include "ui/LibraryPresenter.h"
 #include "ui/MarluneApp.h"
+#include "ui/PlaybackPresenter.h"
 #include "ui/QualityPresenter.h"
 #include "ui/ShellPresenter.h"
 
@@ -21,6 +22,7 @@ class Bench : public QObject {
     Q_PROPERTY(ShellPresenter *shell READ shell CONSTANT)
     Q_PROPERTY(LibraryPresenter *library READ library CONSTANT)
     Q_PROPERTY(QualityPresenter *quality READ quality CONSTANT)
+    Q_PROPERTY(PlaybackPresenter *playback READ playback CONSTANT)
     Q_PROPERTY(DesktopPanels *panels READ panels CONSTANT)
 
 public:
@@ -29,6 +31,7 @@ public:
     [[nodiscard]] LibraryPresenter *library() { return &m_library; }
     [[nodiscard]] QualityPresenter *quality() { return &m_quality; }
 
+    [[nodiscard]] PlaybackPresenter *playback() { return &m_playback; }
     [[nodiscard]] DesktopPanels *panels() { return &m_panels; }
 
     /// Adds an album of two tracks to the library; returns when it is there.
@@ -42,6 +45,20 @@ public:
         m_model->importURLs({m_desk.folder / folder}, false, false);
         ModelDesk::waitForJobs(*m_model);
     }
+    /// The same, with tracks that can be heard, for nearly four seconds each.
+    Q_INVOKABLE void addSounds(const QString &album)
+    {
+        const std::filesystem::path folder = m_desk.folder / "music" / album.toStdString();
+        for (const char *name : {"Jeden.mp3", "Dwa.mp3"}) {
+            std::filesystem::create_directories(folder);
+            std::filesystem::copy_file(
+                std::filesystem::path(MARLUNE_SOURCE_DIR) / "tests/data/media/variable-rate.mp3", folder / name);
+        }
+        m_model->importURLs({folder}, false, false);
+        ModelDesk::waitForJobs(*m_model);
+    }
+    /// Takes the files away from under the library.
+    Q_INVOKABLE void loseMusic() { std::filesystem::remove_all(m_desk.folder / "music"); }
     /// Connects a device that is a test folder or a disk.
     Q_INVOKABLE void connectDevice(const QString &name, bool isVolume)
     {
@@ -100,6 +117,7 @@ private:
     ShellPresenter m_shell {*m_model};
     LibraryPresenter m_library {*m_model, covers};
     QualityPresenter m_quality {*m_model};
+    PlaybackPresenter m_playback {m_model->playback()};
     DesktopPanels m_panels;
     int m_answers = 0;
     QMimeData m_dragged;

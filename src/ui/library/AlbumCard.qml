@@ -12,12 +12,14 @@ Item {
     required property bool highResolution
     required property string discs
     required property bool selected
+    required property bool playing
     required property string cover
     required property bool deviceSide
     property int coverDecodeSide: Math.round(root.width)
     property bool ringShown: false
 
     signal toggled
+    signal played
     signal menuWanted
 
     implicitHeight: root.width + Tokens.space.regular + words.implicitHeight
@@ -50,6 +52,15 @@ Item {
         FocusRing {
             shown: root.ringShown
             around: Tokens.radius.cover
+        }
+        CoverPlayButton {
+            objectName: "playButton"
+            anchors.right: parent.right
+            anchors.bottom: parent.bottom
+            anchors.margins: Tokens.space.tight
+            shown: hover.hovered || root.ringShown || root.playing
+            playing: root.playing
+            onClicked: root.played()
         }
     }
     Column {

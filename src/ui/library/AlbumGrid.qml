@@ -1,5 +1,5 @@
 // The albums as tiles in as many columns as fit. One stop for the Tab key: the arrows move, Space and Return queue the
-// album, the menu key opens its menu.
+// album, P plays or pauses it, the menu key opens its menu.
 pragma ComponentBehavior: Bound
 
 import QtQuick
@@ -24,6 +24,7 @@ T.Control {
 
     function openMenuOfCurrent() {
         menu.row = view.currentIndex;
+        menu.playing = (view.currentItem as AlbumCard).playing;
         menu.popup(view.currentItem, Tokens.space.wide, Tokens.space.wide);
     }
 
@@ -42,6 +43,7 @@ T.Control {
             [Qt.Key_Space]: () => root.albums.toggle(view.currentIndex),
             [Qt.Key_Return]: () => root.albums.toggle(view.currentIndex),
             [Qt.Key_Enter]: () => root.albums.toggle(view.currentIndex),
+            [Qt.Key_P]: () => root.albums.play(view.currentIndex),
             [Qt.Key_Menu]: () => root.openMenuOfCurrent()
         }[event.key];
         if (moved) {
@@ -73,6 +75,7 @@ T.Control {
         highResolution: false
         discs: " "
         selected: false
+        playing: false
         cover: ""
         deviceSide: false
     }
@@ -111,8 +114,10 @@ T.Control {
                 coverDecodeSide: root.decodeSide
                 ringShown: root.visualFocus && GridView.isCurrentItem
                 onToggled: root.albums.toggle(index)
+                onPlayed: root.albums.play(index)
                 onMenuWanted: {
                     menu.row = index;
+                    menu.playing = card.playing;
                     menu.popup(); // at the pointer
                 }
 

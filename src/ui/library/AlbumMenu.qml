@@ -10,7 +10,12 @@ Menu {
     required property bool deviceSide
     required property bool busy
     property int row: -1
+    property bool playing: false ///< the album of that row
 
+    T.Action {
+        text: L10n.text(root.playing ? "Pauza" : "Odtwórz")
+        onTriggered: root.albums.play(root.row)
+    }
     T.Action {
         text: L10n.text("Pokaż pliki w Finderze")
         onTriggered: root.albums.reveal(root.row)

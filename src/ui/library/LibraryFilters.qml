@@ -96,7 +96,7 @@ ColumnLayout {
                 symbol: "square.grid.2x2"
                 color: Tokens.color.textMuted
             }
-            TileSlider {
+            Slider {
                 objectName: "tileSlider"
                 from: 140
                 to: 240

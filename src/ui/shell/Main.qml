@@ -11,6 +11,7 @@ T.ApplicationWindow {
     required property ShellPresenter shell
     required property LibraryPresenter library
     required property QualityPresenter quality
+    required property PlaybackPresenter playback
     required property DesktopPanels panels
 
     width: Math.min(1260, Screen.desktopAvailableWidth)
@@ -82,6 +83,10 @@ T.ApplicationWindow {
                 }
                 Divider {
                     Layout.fillWidth: true
+                }
+                MiniPlayer {
+                    Layout.fillWidth: true
+                    playback: root.playback
                 }
                 ClosingNotice {
                     Layout.fillWidth: true

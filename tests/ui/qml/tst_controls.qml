@@ -42,7 +42,7 @@ PageTest {
             width: 300
             placeholderText: "Szukaj"
         }
-        TileSlider {
+        Slider {
             id: slider
             from: 140
             to: 240

@@ -78,6 +78,23 @@ PageTest {
         compare(root.bench.queuedTracks(), 2);
     }
 
+    function test_anAlbumIsPlayedByKeyboardAndMouse() {
+        open(1);
+        root.bench.addSounds("Dźwięki");
+        tryCompare(part("albumGrid"), "count", 2);
+        tryVerify(() => tile(0).albumTitle === "Dźwięki");
+        const button = findChild(tile(0), "playButton");
+        verify(!button.visible);
+        mouseClick(tile(1), 20, 20);
+        keyClick(Qt.Key_Home);
+        tryVerify(() => button.visible);
+        keyClick(Qt.Key_P);
+        tryCompare(tile(0), "playing", true);
+        verify(!tile(1).playing && button.Accessible.name === "Pauza");
+        mouseClick(button);
+        tryCompare(tile(0), "playing", false);
+    }
+
     function test_selectingKeepsThePlace() {
         open(9);
         root.bench.model.tileSize = 240;

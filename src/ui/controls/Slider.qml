@@ -1,4 +1,4 @@
-// A slider for the size of tiles.
+// A slider: the size of tiles, a place in a track, a volume.
 import QtQuick
 import QtQuick.Templates as T
 import Marlune

@@ -1,0 +1,160 @@
+// What is listened to on the computer, and the means to steer it. Takes no room while nothing is loaded.
+import QtQuick
+import QtQuick.Layouts
+import Marlune
+
+Item {
+    id: root
+
+    required property PlaybackPresenter playback
+
+    readonly property bool shown: root.playback.shown
+    readonly property bool narrow: root.width < 500 * Tokens.type.scale
+
+    implicitHeight: root.shown ? bar.implicitHeight + 2 * Tokens.space.regular : 0
+    visible: root.implicitHeight > 0
+    clip: true
+    Accessible.role: Accessible.ToolBar
+    Accessible.name: root.playback.heading
+
+    Behavior on implicitHeight {
+        NumberAnimation { duration: Tokens.motion.appear; easing.type: Easing.OutCubic }
+    }
+    RowLayout {
+        id: bar
+        x: 26 - Tokens.space.tight
+        y: Tokens.space.regular
+        width: root.width - x - 26 + Tokens.space.tight
+        spacing: root.narrow ? Tokens.space.tight : Tokens.space.wide
+
+        RowLayout {
+            spacing: 0
+
+            Button {
+                objectName: "previousButton"
+                kind: Button.Borderless
+                tint: Tokens.color.text
+                symbol: "backward.end.fill"
+                toolTip: L10n.text("Poprzedni")
+                enabled: root.playback.hasPrevious
+                onClicked: root.playback.previous()
+            }
+            TrackPlayButton {
+                objectName: "playButton"
+                measure: Button.Large
+                tint: Tokens.color.text
+                playing: root.playback.playing
+                onClicked: root.playback.toggle()
+            }
+            Button {
+                objectName: "nextButton"
+                kind: Button.Borderless
+                tint: Tokens.color.text
+                symbol: "forward.end.fill"
+                toolTip: L10n.text("Następny")
+                enabled: root.playback.hasNext
+                onClicked: root.playback.next()
+            }
+        }
+        ColumnLayout {
+            Layout.fillWidth: true
+            spacing: 0
+
+            TextLine {
+                objectName: "heading"
+                Layout.fillWidth: true
+                text: root.playback.heading
+                font: Tokens.type.subheadlineStrong
+            }
+            TextLine {
+                objectName: "playbackError"
+                Layout.fillWidth: true
+                Layout.preferredHeight: Math.max(implicitHeight, place.implicitHeight)
+                verticalAlignment: Text.AlignVCenter
+                visible: root.playback.error !== ""
+                text: root.playback.error
+                font: Tokens.type.caption
+                color: Tokens.color.danger
+                Accessible.role: Accessible.AlertMessage
+                Accessible.name: text
+            }
+            RowLayout {
+                id: place
+                Layout.fillWidth: true
+                visible: root.playback.error === ""
+                spacing: Tokens.space.tight
+
+                Time {
+                    objectName: "positionText"
+                    text: root.playback.positionText
+                }
+                Slider {
+                    id: positionSlider
+                    objectName: "positionSlider"
+                    Layout.fillWidth: true
+                    implicitHeight: Tokens.height.small
+                    enabled: root.playback.duration > 0
+                    to: Math.max(1, root.playback.duration)
+                    stepSize: 5
+                    Accessible.name: L10n.text("Miejsce w utworze")
+                    onMoved: root.playback.seek(value)
+                }
+                Time {
+                    text: root.playback.durationText
+                    horizontalAlignment: Text.AlignRight
+                }
+            }
+        }
+        Icon {
+            visible: !root.narrow
+            symbol: "speaker.wave.2"
+            color: Tokens.color.textMuted
+        }
+        Slider {
+            id: volumeSlider
+            objectName: "volumeSlider"
+            Layout.leftMargin: root.narrow ? 0 : -Tokens.space.tight
+            implicitWidth: root.narrow ? 60 : 85
+            stepSize: 0.05
+            toolTip: L10n.text("Głośność odsłuchu")
+            onMoved: root.playback.volume = value
+        }
+        Button {
+            objectName: "stopButton"
+            Layout.leftMargin: -Tokens.space.tight
+            kind: Button.Borderless
+            tint: Tokens.color.textMuted
+            symbol: "xmark"
+            toolTip: L10n.text("Zakończ odsłuch")
+            onClicked: root.playback.stop()
+        }
+    }
+    Divider {
+        anchors.bottom: root.bottom
+        width: root.width
+    }
+    // A hand on a slider is not moved away by the sound.
+    Binding {
+        positionSlider.value: root.playback.position
+        when: !positionSlider.pressed
+        restoreMode: Binding.RestoreNone
+    }
+    Binding {
+        volumeSlider.value: root.playback.volume
+        when: !volumeSlider.pressed
+        restoreMode: Binding.RestoreNone
+    }
+
+    component Time: Text {
+        Layout.preferredWidth: Math.max(implicitWidth, widest.advanceWidth)
+        textFormat: Text.PlainText
+        font: Tokens.type.caption
+        color: Tokens.color.textMuted
+
+        TextMetrics {
+            id: widest
+            font: Tokens.type.caption
+            text: "00:00"
+        }
+    }
+}
