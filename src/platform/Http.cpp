@@ -4,6 +4,7 @@
 #include "platform/MarluneError.h"
 
 #include <QCoreApplication>
+#include <QDeadlineTimer>
 #include <QHash>
 #include <QHostAddress>
 #include <QNetworkAccessManager>
@@ -13,6 +14,7 @@
 #include <QTimer>
 
 #include <array>
+#include <functional>
 #include <system_error>
 
 namespace {
@@ -79,28 +81,64 @@ struct Exchange {
     int status = 0;
     QByteArray body;
     bool tooLarge = false;
+    std::optional<QUrl> redirect; ///< where the server says that the answer is
     std::exception_ptr failure;
     QPromise<void> finished;
 };
 
-/// Finds out how this place is reached, before anything is asked of it.
-QCoro::Task<> learnProxies(QUrl url)
+const QString forbiddenRedirect = QStringLiteral("Serwer odsyła pod niedozwolony adres.");
+
+std::exception_ptr silenceFailure()
 {
-    if (!isThisComputer(url)) {
-        auto ask = [url] { return QNetworkProxyFactory::systemProxyForQuery(QNetworkProxyQuery(url)); };
-        const QList<QNetworkProxy> proxies = co_await background(ask, JobPriority::Utility);
-        network().proxies->note(url, proxies);
-    }
+    return std::make_exception_ptr(MarluneError(QStringLiteral("Serwer nie odpowiada.")));
 }
 
-/// To a place that it may lead to; returns at once.
-QCoro::Task<> follow(QUrl redirect, QPointer<QNetworkReply> reply)
+std::exception_ptr cancellation()
 {
-    auto learning = learnProxies(redirect);
-    co_await learning;
-    if (reply) {
-        Q_EMIT reply->redirectAllowed();
+    return std::make_exception_ptr(std::system_error(std::make_error_code(std::errc::operation_canceled)));
+}
+
+bool isWeb(const QUrl &url)
+{
+    const bool isKnown = url.scheme() == QLatin1String("https") || url.scheme() == QLatin1String("http");
+    return url.isValid() && isKnown && !url.host().isEmpty();
+}
+
+bool mayLead(const QUrl &from, const QUrl &to, Http::Redirects redirects)
+{
+    const bool isLessSafe = from.scheme() == QLatin1String("https") && to.scheme() != from.scheme();
+    return isWeb(to) && !isLessSafe && (redirects == Http::Redirects::AnyHost || origin(from) == origin(to));
+}
+
+QCoro::Task<> noteProxies(QUrl url, std::function<void()> noted)
+{
+    auto ask = [url] { return QNetworkProxyFactory::systemProxyForQuery(QNetworkProxyQuery(url)); };
+    const auto proxies = co_await attempt(ask, JobPriority::Utility);
+    network().proxies->note(url, proxies.value.value_or(QList<QNetworkProxy> {}));
+    noted();
+}
+
+/// Finds out how this place is reached, before anything is asked of it. Returns once that is known, or the time is
+/// over, or the owner is gone.
+QCoro::Task<> learnProxies(QUrl url, QDeadlineTimer deadline, QPointer<QObject> owner)
+{
+    if (isThisComputer(url) || !owner) {
+        co_return;
     }
+    auto over = std::make_shared<QPromise<void>>();
+    over->start();
+    QFuture<void> waiting = over->future();
+    const auto end = [over] {
+        if (!over->future().isFinished()) {
+            over->finish();
+        }
+    };
+    const QPointer<QObject> wait(new QObject(owner));
+    QObject::connect(wait, &QObject::destroyed, end);
+    QTimer::singleShot(std::chrono::milliseconds(deadline.remainingTime()), wait, end);
+    noteProxies(url, end);
+    co_await waiting;
+    delete wait;
 }
 
 QNetworkRequest networkRequest(const Http::Request &request)
@@ -108,10 +146,8 @@ QNetworkRequest networkRequest(const Http::Request &request)
     QNetworkRequest result(request.url);
     result.setHeader(QNetworkRequest::UserAgentHeader, request.userAgent);
     result.setRawHeader("Accept-Language", "*"); // else the user's own
-    result.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
-        request.redirects == Http::Redirects::AnyHost ? QNetworkRequest::UserVerifiedRedirectPolicy
-                                                      : QNetworkRequest::SameOriginRedirectPolicy);
-    result.setMaximumRedirectsAllowed(mostRedirects);
+    // The proxies of each place are asked for first.
+    result.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
     for (const auto attribute : {QNetworkRequest::CookieLoadControlAttribute,
              QNetworkRequest::CookieSaveControlAttribute, QNetworkRequest::AuthenticationReuseAttribute}) {
         result.setAttribute(attribute, QNetworkRequest::Manual);
@@ -122,8 +158,6 @@ QNetworkRequest networkRequest(const Http::Request &request)
     result.setAttribute(QNetworkRequest::Http2AllowedAttribute, false);
     return result;
 }
-
-const QString forbiddenRedirect = QStringLiteral("Serwer odsyła pod niedozwolony adres.");
 
 QString failureText(const QNetworkReply &reply)
 {
@@ -138,11 +172,8 @@ QString failureText(const QNetworkReply &reply)
         return QStringLiteral("Połączenie z serwerem zostało przerwane.");
     case QNetworkReply::SslHandshakeFailedError:
         return QStringLiteral("Nie można bezpiecznie połączyć się z serwerem.");
-    case QNetworkReply::InsecureRedirectError:
-    case QNetworkReply::TooManyRedirectsError:
-        return forbiddenRedirect;
-    default:
-        return QStringLiteral("Nie można pobrać danych z serwera: ") + reply.errorString();
+    default: // Qt's own words are English and hold the whole address
+        return QStringLiteral("Nie można pobrać danych z serwera.");
     }
 }
 
@@ -164,7 +195,12 @@ void conclude(Exchange &exchange, QNetworkReply &reply)
     const auto error = reply.error();
     const bool isStatus = (error >= QNetworkReply::ContentAccessDenied && error <= QNetworkReply::UnknownContentError)
         || (error >= QNetworkReply::InternalServerError && error <= QNetworkReply::UnknownServerError);
-    const bool answered = error == QNetworkReply::NoError || isStatus || exchange.tooLarge;
+    const bool isOddStatus = error == QNetworkReply::ProtocolInvalidOperationError; // 400 and 418
+    const bool answered = error == QNetworkReply::NoError || isStatus || isOddStatus || exchange.tooLarge;
+    const QVariant target = reply.attribute(QNetworkRequest::RedirectionTargetAttribute);
+    if (answered && target.isValid()) {
+        exchange.redirect = exchange.request.url.resolved(target.toUrl());
+    }
     if (!exchange.failure && !answered) {
         exchange.failure = std::make_exception_ptr(MarluneError(failureText(reply)));
     }
@@ -188,29 +224,14 @@ void start(const std::shared_ptr<Exchange> &exchange, QObject &owner)
             reply->abort(); // emits finished
         }
     };
-    QObject::connect(&owner, &QObject::destroyed, reply, [stop] {
-        stop(std::make_exception_ptr(std::system_error(std::make_error_code(std::errc::operation_canceled))));
-    });
-
-    const auto expire
-        = [stop] { stop(std::make_exception_ptr(MarluneError(QStringLiteral("Serwer nie odpowiada.")))); };
+    QObject::connect(&owner, &QObject::destroyed, reply, [stop] { stop(cancellation()); });
+    const auto expire = [stop] { stop(silenceFailure()); };
     auto *silence = new QTimer(reply);
     silence->setSingleShot(true);
     silence->start(exchange->request.silence);
     QObject::connect(silence, &QTimer::timeout, reply, expire);
     QTimer::singleShot(exchange->request.patience, reply, expire);
     const auto heard = [silence] { silence->start(); };
-    QObject::connect(reply, &QNetworkReply::redirected, reply,
-        [reply, stop, heard, redirects = exchange->request.redirects, last = exchange->request.url](
-            const QUrl &place) mutable {
-            heard();
-            if (last.scheme() == QLatin1String("https") && place.scheme() != last.scheme()) {
-                stop(std::make_exception_ptr(MarluneError(forbiddenRedirect)));
-            } else if (redirects == Http::Redirects::AnyHost) {
-                last = place;
-                follow(place, reply);
-            }
-        });
     QObject::connect(reply, &QNetworkReply::metaDataChanged, silence, heard);
     QObject::connect(reply, &QNetworkReply::readyRead, reply, [exchange, reply, heard] {
         heard();
@@ -221,34 +242,51 @@ void start(const std::shared_ptr<Exchange> &exchange, QObject &owner)
     });
 }
 
+/// The answer of this one place, a redirect too.
+QCoro::Task<> runExchange(std::shared_ptr<Exchange> exchange, QDeadlineTimer deadline, QPointer<QObject> owner)
+{
+    auto learning = learnProxies(exchange->request.url, deadline, owner);
+    co_await learning;
+    if (!owner) {
+        exchange->failure = cancellation();
+    } else if (deadline.hasExpired()) {
+        exchange->failure = silenceFailure();
+    } else {
+        exchange->request.patience = std::chrono::milliseconds(deadline.remainingTime());
+        start(exchange, *owner);
+        QFuture<void> finished = exchange->finished.future();
+        co_await finished;
+    }
+    if (exchange->failure) {
+        std::rethrow_exception(exchange->failure);
+    }
+}
+
 } // namespace
 
 QCoro::Task<Http::Response> Http::get(Request &request, QObject &owner)
 {
     const QPointer<QObject> living(&owner);
-    const auto exchange = std::make_shared<Exchange>(request);
-    const QUrl url = request.url; // `request` itself may be gone after the first co_await
-    const bool isWeb = url.scheme() == QLatin1String("https") || url.scheme() == QLatin1String("http");
-    if (!url.isValid() || !isWeb || url.host().isEmpty()) {
+    Request asked = request; // `request` itself may be gone after the first co_await
+    if (!isWeb(asked.url)) {
         throw MarluneError(QStringLiteral("Nieprawidłowy adres serwera."));
     }
-    auto learning = learnProxies(url);
-    co_await learning;
-    if (living) {
-        start(exchange, *living);
-        QFuture<void> finished = exchange->finished.future();
-        co_await finished;
-    } else {
-        exchange->failure
-            = std::make_exception_ptr(std::system_error(std::make_error_code(std::errc::operation_canceled)));
+    const QDeadlineTimer deadline(asked.patience);
+    for (int redirects = 0;; ++redirects) {
+        const auto exchange = std::make_shared<Exchange>(asked);
+        auto running = runExchange(exchange, deadline, living);
+        co_await running;
+        if (!exchange->redirect) {
+            Response response;
+            response.status = exchange->status;
+            if (!exchange->tooLarge) {
+                response.body = std::move(exchange->body);
+            }
+            co_return response;
+        }
+        if (redirects == mostRedirects || !mayLead(asked.url, *exchange->redirect, asked.redirects)) {
+            throw MarluneError(forbiddenRedirect);
+        }
+        asked.url = *exchange->redirect;
     }
-    if (exchange->failure) {
-        std::rethrow_exception(exchange->failure);
-    }
-    Response response;
-    response.status = exchange->status;
-    if (!exchange->tooLarge) {
-        response.body = std::move(exchange->body);
-    }
-    co_return response;
 }
