@@ -77,13 +77,14 @@ std::vector<Album> repairableAlbums(
 MarluneModel::CoverPlace MarluneModel::coverPlace(std::optional<bool> onDeviceOverride) const
 {
     return {.onDevice = onDeviceOverride.value_or(m_libraryOnDevice),
-        .root = m_device ? std::optional(m_device->root) : std::nullopt};
+        .root = m_device ? std::optional(m_device->root) : std::nullopt,
+        .visit = m_visit};
 }
 
 /// Whether what is to be put on a device still finds it.
 bool MarluneModel::isReachable(const CoverPlace &place) const
 {
-    return !place.onDevice || (m_device && place.root && m_device->root == *place.root);
+    return !place.onDevice || (m_device && m_visit == place.visit);
 }
 
 void MarluneModel::setCoverLookup(const std::optional<Album> &album)
@@ -119,6 +120,9 @@ MarluneModel::PreparedCover MarluneModel::prepareCover(const Album &album, const
 QCoro::Task<> MarluneModel::applyArtwork(Album album, QByteArray data, CoverPlace place)
 {
     const QPointer<MarluneModel> self(this);
+    if (!isReachable(place)) {
+        place.root.reset(); // the device that is there now is not where the album is
+    }
     auto prepare = [album, data, place, support = m_environment.supportFolder, backups = backupRoot()] {
         return prepareCover(album, data, place, support, backups);
     };
@@ -172,12 +176,8 @@ void MarluneModel::chooseArtwork(const Album &album, bool current, std::optional
             if (!self || self->m_busy || chosen.empty()) {
                 return;
             }
-            CoverPlace present = place;
-            if (!self->isReachable(place)) {
-                present.root.reset(); // another device is not where the album is
-            }
             self->runArtworkChoice(
-                album, [file = chosen.front()] { return Files::readBelow(file, Artwork::largestFile); }, present);
+                album, [file = chosen.front()] { return Files::readBelow(file, Artwork::largestFile); }, place);
         });
 }
 

@@ -1,8 +1,6 @@
 // Covers from the network: the one that the user picks, or all that are missing.
 #include "model/Model.h"
 
-#include "library/AlbumGrouping.h"
-
 #include "platform/MarluneError.h"
 
 #include <QPointer>
@@ -12,13 +10,6 @@
 namespace {
 
 const QString sourcesKey = QStringLiteral("coverSources");
-
-std::vector<Album> albumsWithoutCover(const std::vector<Track> &tracks)
-{
-    std::vector<Album> albums = AlbumGrouping::albums(tracks);
-    std::erase_if(albums, [](const Album &album) { return album.artworkBytes().has_value(); });
-    return albums;
-}
 
 /// The one candidate that is the album beyond doubt; absent if there is none or a second one.
 std::optional<CoverCandidate> onlyMatch(const std::vector<CoverCandidate> &candidates, const Album &album)
@@ -51,6 +42,7 @@ void MarluneModel::downloadCover(
         return;
     }
     beginCoverWork(QStringLiteral("Pobieram okładkę…"));
+    m_coverRequest = std::make_unique<QObject>();
     runCoverDownload(candidate, album, coverPlace(onDeviceOverride));
 }
 
@@ -58,7 +50,7 @@ void MarluneModel::downloadCover(
 QCoro::Task<> MarluneModel::fetchCover(CoverCandidate candidate, Album album, CoverPlace place)
 {
     const QPointer<MarluneModel> self(this);
-    auto fetching = m_environment.covers.image(candidate, *this);
+    auto fetching = m_environment.covers.image(candidate, *m_coverRequest);
     const QByteArray image = co_await fetching;
     if (!self) {
         co_return;
@@ -98,11 +90,17 @@ void MarluneModel::findMissingCovers()
     if (m_busy) {
         return;
     }
-    std::vector<Album> albums = albumsWithoutCover(activeTracks());
+    std::vector<Album> albums;
+    for (const std::shared_ptr<const Album> &album : everyAlbum()) {
+        if (!album->artworkBytes()) {
+            albums.push_back(*album);
+        }
+    }
     if (albums.empty()) {
         return;
     }
     beginCoverWork(QStringLiteral("Szukam brakujących okładek…"));
+    m_coverRequest = std::make_unique<QObject>();
     runCoverSearch(std::move(albums), coverPlace());
 }
 
@@ -111,12 +109,12 @@ QCoro::Task<MarluneModel::CoverFinding> MarluneModel::findCover(Album album, Cov
     const QPointer<MarluneModel> self(this);
     CoverFinding finding = CoverFinding::Unavailable;
     try {
-        auto searching = m_environment.covers.search(album.artist, album.title, *this);
+        auto searching = m_environment.covers.search(album.artist, album.title, *m_coverRequest);
         const std::vector<CoverCandidate> candidates = co_await searching;
         const std::optional<CoverCandidate> match = onlyMatch(candidates, album);
         if (!match) {
             finding = CoverFinding::Manual;
-        } else if (self) {
+        } else if (self && m_coverRequest) {
             auto fetching = fetchCover(*match, album, place);
             co_await fetching;
             finding = CoverFinding::Added;
@@ -133,7 +131,7 @@ QCoro::Task<> MarluneModel::runCoverSearch(std::vector<Album> albums, CoverPlace
     std::map<CoverFinding, int> counts;
     int done = 0;
     for (const Album &album : albums) {
-        if (m_leaving) {
+        if (!m_coverRequest) { // the window waits to close
             break;
         }
         CoverFinding finding = CoverFinding::Unavailable;

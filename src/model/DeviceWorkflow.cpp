@@ -112,6 +112,9 @@ void MarluneModel::readBackups()
 void MarluneModel::setDevice(const std::optional<Device> &device)
 {
     if (m_device != device) {
+        if (!m_device || !device || m_device->root != device->root) {
+            ++m_visit;
+        }
         m_device = device;
         Q_EMIT deviceChanged();
     }
@@ -141,6 +144,7 @@ void MarluneModel::disconnect()
 {
     abandonDeviceContent();
     setDevice(std::nullopt);
+    m_playback.stop(); // an open file would keep a disk that is gone
     clearDeviceMusic();
     forgetDeviceContent();
     setStatus(QStringLiteral("iPod został odłączony"));
@@ -229,6 +233,7 @@ QCoro::Task<> MarluneModel::runEject(Device device)
         }
     } else {
         setDevice(std::nullopt);
+        m_playback.stop();
         clearDeviceMusic();
         setStatus(QStringLiteral("Możesz odłączyć iPoda"));
         m_leftMeanwhile.push_back(device.root);

@@ -85,6 +85,7 @@ QCoro::Task<> MarluneModel::runImport(ImportSource source, bool fromDevice, bool
 {
     const QPointer<MarluneModel> self(this);
     const QString statusBefore = m_status;
+    const int visit = m_visit;
     setStatus(QStringLiteral("Odczytuję albumy…"));
     std::optional<std::vector<Track>> read;
     std::exception_ptr failure;
@@ -120,6 +121,9 @@ QCoro::Task<> MarluneModel::runImport(ImportSource source, bool fromDevice, bool
     } else if (!read) {
         setBusy(false);
         setStatus(statusBefore);
+    } else if (fromDevice && visit != m_visit) { // its files are not there, whatever device has come meanwhile
+        setBusy(false);
+        setStatus(QStringLiteral("iPod został odłączony"));
     } else {
         landImport(std::move(*read), fromDevice, enqueue);
     }

@@ -235,8 +235,8 @@ public:
     [[nodiscard]] bool busy() const { return m_busy; }
     /// Whether something is under way that the end of the program would cut off; a check for duplicates only reads.
     [[nodiscard]] bool working() const { return (m_busy && !m_checkingDuplicates) || m_writingPlaylist; }
-    /// The window waits to close: a search for covers ends after the album that it is at.
-    void setLeaving(bool leaving) { m_leaving = leaving; }
+    /// The window waits to close: what is asked of the network ends, what is being written goes on to its end.
+    void setLeaving(bool leaving);
     [[nodiscard]] double progress() const { return m_progress; }
     [[nodiscard]] QString status() const { return m_status; }
     [[nodiscard]] const std::optional<QString> &alert() const { return m_alert; }
@@ -293,6 +293,7 @@ private:
     struct CoverPlace {
         bool onDevice = false;
         std::optional<std::filesystem::path> root; ///< of the device
+        int visit = 0;
     };
     /// What became of one album of a search for covers.
     enum class CoverFinding : std::uint8_t { Added, Manual, Unavailable };
@@ -406,7 +407,6 @@ private:
     QSet<QUuid> m_queued;
     QString m_search;
     bool m_busy = false;
-    bool m_leaving = false;
     double m_progress = 0;
     QString m_status = QStringLiteral("Gotowy na Twoją muzykę");
     std::optional<QString> m_alert;
@@ -427,12 +427,14 @@ private:
     bool m_writingPlaylist = false;
     std::optional<Album> m_openAlbum;
     std::optional<Album> m_coverLookup;
+    std::unique_ptr<QObject> m_coverRequest; ///< owns the exchange about covers; its end ends that
     QString m_formatFilter = QStringLiteral("Wszystko");
     bool m_hiResOnly = false;
     QString m_viewMode;
     QString m_sortMode;
     double m_tileSize = 0;
     int m_choices = 0; ///< of a device, so far
+    int m_visit = 0; ///< counts selected devices: another one may come to the same place
     bool m_refreshing = false;
     int m_discoveries = 0; ///< begun so far
     bool m_refreshAgain = false; ///< a disk came or went while a discovery was under way

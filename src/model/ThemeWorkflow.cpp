@@ -109,8 +109,8 @@ void MarluneModel::installTheme()
         .prompt = QStringLiteral("Zainstaluj motyw"),
         .message = {}};
     m_environment.panels.open(
-        request, [self = QPointer(this), root = m_device->root](const std::vector<std::filesystem::path> &chosen) {
-            const bool asBefore = self && !self->m_busy && self->m_device && self->m_device->root == root;
+        request, [self = QPointer(this), visit = m_visit](const std::vector<std::filesystem::path> &chosen) {
+            const bool asBefore = self && !self->m_busy && self->m_device && self->m_visit == visit;
             if (asBefore && !chosen.empty()) {
                 self->beginThemeInstall(chosen.front());
             }

@@ -1,8 +1,37 @@
 #include "platform/Background.h"
 
 #include <QCoreApplication>
+#include <QEvent>
 
 namespace {
+
+/// An action on its way to the UI thread.
+class Post final : public QEvent {
+public:
+    explicit Post(std::function<void()> what)
+        : QEvent(QEvent::User)
+        , action(std::move(what))
+    {
+    }
+
+    std::function<void()> action;
+};
+
+/// Where they arrive. A receiver of our own, because the hand-over must be ordered before the action is touched.
+class Postbox final : public QObject {
+public:
+    Postbox() { moveToThread(QCoreApplication::instance()->thread()); }
+
+    bool event(QEvent *event) override
+    {
+        BackgroundJobs::orderHandover();
+        if (event->type() != QEvent::User) {
+            return QObject::event(event);
+        }
+        static_cast<Post *>(event)->action();
+        return true;
+    }
+};
 
 QThreadPool *makePool(int threads, QThread::Priority priority)
 {
@@ -39,5 +68,8 @@ bool drain(std::chrono::milliseconds limit)
 
 void postToUi(std::function<void()> action)
 {
-    QMetaObject::invokeMethod(QCoreApplication::instance(), std::move(action), Qt::QueuedConnection);
+    static auto *const postbox = new Postbox; // lives as long as the process: a job can end later than all else
+    auto *post = new Post(std::move(action));
+    BackgroundJobs::orderHandover();
+    QCoreApplication::postEvent(postbox, post);
 }

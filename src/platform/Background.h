@@ -39,8 +39,8 @@ namespace BackgroundJobs {
 /// Waits until no job runs; false if some still did after `limit`.
 [[nodiscard]] bool drain(std::chrono::milliseconds limit);
 
-/// Orders what a thread hands to a pool before what the pool's thread makes of it. The pool does so too; this is for
-/// race detectors, which do not see into Qt's libraries.
+/// Orders what a thread hands to a pool or to the UI thread before what that one makes of it. Qt does so too; this is
+/// for race detectors, which do not see into its libraries.
 inline void orderHandover()
 {
     static std::atomic<unsigned> handovers = 0;

@@ -1,11 +1,13 @@
 #include "platform/TerminationRequests.h"
 
 #include <QSocketNotifier>
+#include <QTimer>
 
 #include <sys/eventfd.h>
 #include <unistd.h>
 
 #include <array>
+#include <chrono>
 #include <csignal>
 #include <cstdint>
 
@@ -24,13 +26,21 @@ void wake(int)
     errno = savedErrno;
 }
 
-void handleBy(void (*handler)(int))
+void handle(int signal, void (*handler)(int))
 {
-    for (const int signal : endingSignals) {
-        struct sigaction action = {};
+    struct sigaction action = {};
+    ::sigaction(signal, nullptr, &action);
+    if (action.sa_handler != SIG_IGN) { // as nohup has it
         action.sa_handler = handler;
         action.sa_flags = SA_RESTART;
         ::sigaction(signal, &action, nullptr);
+    }
+}
+
+void handleAll(void (*handler)(int))
+{
+    for (const int signal : endingSignals) {
+        handle(signal, handler);
     }
 }
 
@@ -46,16 +56,16 @@ TerminationRequests::TerminationRequests(QObject *parent)
     auto *notifier = new QSocketNotifier(wakeDescriptor, QSocketNotifier::Read, this);
     connect(notifier, &QSocketNotifier::activated, this, [this, notifier] {
         notifier->setEnabled(false);
-        handleBy(SIG_DFL);
+        QTimer::singleShot(std::chrono::seconds(1), this, [] { handle(SIGINT, SIG_DFL); });
         Q_EMIT requested();
     });
-    handleBy(wake);
+    handleAll(wake);
 }
 
 TerminationRequests::~TerminationRequests()
 {
     if (wakeDescriptor >= 0) {
-        handleBy(SIG_DFL);
+        handleAll(SIG_DFL);
         ::close(wakeDescriptor);
         wakeDescriptor = -1;
     }

@@ -205,7 +205,7 @@ void Playback::notePosition(double seconds)
 
 void Playback::noteEnd()
 {
-    const bool wasPlaying = m_playing; // else it was moved to its end while it was paused
+    const bool wasPlaying = m_playing; // else it was paused in its last moment
     m_timer.stop();
     m_audio = Audio::Ended;
     setPlaying(false);

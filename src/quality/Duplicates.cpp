@@ -76,6 +76,14 @@ private:
     std::set<std::pair<dev_t, ino_t>> m_files;
 };
 
+/// Bytes; the file can have changed since it was listed.
+std::int64_t presentSize(const Track &track)
+{
+    std::error_code failure;
+    const std::uintmax_t size = std::filesystem::file_size(track.url, failure);
+    return failure ? track.bytes : std::int64_t(size);
+}
+
 QualityIssue issueOf(const Group &identical)
 {
     const Track &first = *identical.front();
@@ -83,7 +91,7 @@ QualityIssue issueOf(const Group &identical)
     QualityIssue issue {.kind = QualityKind::duplicates,
         .title = QString::number(identical.size()) + QStringLiteral(" identyczne pliki · ") + first.title,
         .detail = QStringLiteral("Zgodne bajt w bajt (SHA-256). Zajętość dodatkowych kopii: ")
-            + byteCount(first.bytes * copies) + u'.',
+            + byteCount(presentSize(first) * copies) + u'.',
         .tracks = {}};
     for (const Track *track : identical) {
         issue.tracks.push_back(*track);
@@ -113,7 +121,9 @@ std::vector<QualityIssue> duplicates(
     }
     std::vector<QualityIssue> issues;
     for (const Group &identical : std::move(byContent).several()) {
-        issues.push_back(issueOf(identical));
+        if (presentSize(*identical.front()) > 0) {
+            issues.push_back(issueOf(identical));
+        }
     }
     sortIssues(issues);
     return issues;

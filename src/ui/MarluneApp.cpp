@@ -180,6 +180,14 @@ QQuickWindow *Program::Parts::window() const
     return roots.isEmpty() ? nullptr : qobject_cast<QQuickWindow *>(roots.front());
 }
 
+void Program::endSoon()
+{
+    m_parts->shell.endSoon();
+    if (QQuickWindow *shown = window()) {
+        shown->close();
+    }
+}
+
 QQuickWindow *Program::window() const
 {
     return m_parts->window();
@@ -234,7 +242,7 @@ int run(int argc, char **argv)
         }
         QObject::connect(window, &QQuickWindow::sceneGraphError, window, reportGraphicsFailure);
         const TerminationRequests requests;
-        QObject::connect(&requests, &TerminationRequests::requested, window, &QQuickWindow::close); // as the user does
+        QObject::connect(&requests, &TerminationRequests::requested, window, [&program] { program.endSoon(); });
         return QGuiApplication::exec();
     } catch (const MarluneError &refusal) {
         return refuse(refusal.message());

@@ -46,6 +46,8 @@ public:
     Program &operator=(const Program &) = delete;
 
     [[nodiscard]] MarluneModel &model();
+    /// Closes the window as soon as nothing is being written.
+    void endSoon();
     /// Null if the window could not be made.
     [[nodiscard]] QQuickWindow *window() const;
 

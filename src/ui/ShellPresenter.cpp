@@ -172,7 +172,7 @@ void ShellPresenter::setClosing(bool closing)
 void ShellPresenter::closeWhenDone()
 {
     // A job's last word is read before the window goes; its end fills in more than one field, so this comes later.
-    if (m_closing && !m_model.working() && !m_model.alert()) {
+    if (m_closing && !m_model.working() && (m_ending || !m_model.alert())) {
         setClosing(false);
         Q_EMIT mayCloseNow();
     }

@@ -76,6 +76,8 @@ public:
     [[nodiscard]] bool closing() const { return m_closing; }
     /// Whether the window may close now. If not, because work goes on, mayCloseNow() comes when it may.
     Q_INVOKABLE bool requestClose();
+    /// The system wants the program to end: the window goes with the work, whether or not its last word is read.
+    void endSoon() { m_ending = true; }
     /// Lets the window stay after all.
     Q_INVOKABLE void stayOpen();
 
@@ -98,4 +100,5 @@ private:
     std::int64_t m_queuedBytes = 0;
     QElapsedTimer m_workTime;
     bool m_closing = false;
+    bool m_ending = false;
 };
