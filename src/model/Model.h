@@ -227,8 +227,7 @@ public:
     /// Copies the settings and themes of the selected device to the computer.
     Q_INVOKABLE void backup();
 
-    // Listening on the computer. It goes on whatever else is under way, save where its file lies on a device that is
-    // ejected.
+    // Listening on the computer. It goes on whatever else is under way, and ends when the device is ejected or lost.
     [[nodiscard]] Playback &playback() { return m_playback; }
 
     // Progress and messages.

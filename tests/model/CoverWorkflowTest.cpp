@@ -30,9 +30,9 @@ CannedServer::Answer found(const QByteArray &artist, const QByteArray &title, in
     return CannedServer::answer("200 OK", R"({"release-groups":[)" + groups.join(',') + "]}");
 }
 
-CannedServer::Answer status(const QByteArray &line)
+CannedServer::Answer image()
 {
-    return CannedServer::answer(line);
+    return CannedServer::answer("200 OK", QByteArray::fromStdString(picture("plain.png")));
 }
 
 struct CoverDesk : ModelDesk {
@@ -95,10 +95,9 @@ class CoverWorkflowTest : public QObject {
 private Q_SLOTS:
     void findsWhatIsMissingAndUnambiguous()
     {
-        CannedServer server({found("A", "One", 1), CannedServer::answer("200 OK", picture("plain.png").c_str()),
-            found("B", "Two", 2), found("C", "Other", 1), status("503 Busy"), status("503 Busy"), found("E", "Five", 1),
-            status("404 Not Found")});
-        server.answers[1] = CannedServer::answer("200 OK", QByteArray::fromStdString(picture("plain.png")));
+        const auto busy = CannedServer::answer("503 Busy");
+        const CannedServer server({found("A", "One", 1), image(), found("B", "Two", 2), found("C", "Other", 1), busy,
+            busy, found("E", "Five", 1), CannedServer::answer("404 Not Found")});
         CoverDesk desk;
         desk.askServer(server);
         for (const auto &[artist, album] :
@@ -133,62 +132,58 @@ private Q_SLOTS:
         QCOMPARE(model->albums()->front()->artworkBytes(), std::optional(cover));
     }
 
-    void endsASearchForADeviceThatIsGone()
+    void endsASearchThatHasLostItsDeviceOrItsWindow()
     {
-        const CannedServer server({found("A", "x", 0)});
-        CoverDesk desk;
-        desk.device.isVolume = true;
-        *desk.found = {desk.device};
-        desk.askServer(server);
-        for (const char *artist : {"A", "B", "C"}) {
-            desk.addTrack(artist, "x");
-        }
-        const auto model = desk.startWithMusic(true);
-        connect(model.get(), &MarluneModel::progressChanged, [&] {
-            if (model->device() && model->progress() > 0.3) {
-                desk.found->clear();
-                model->volumeUnmounted(desk.device.root);
+        const auto lose = [](CoverDesk &desk, MarluneModel &model) {
+            desk.found->clear();
+            model.volumeUnmounted(desk.device.root);
+        };
+        const auto exchange = [](CoverDesk &desk, MarluneModel &model) { model.volumeUnmounted(desk.device.root); };
+        const auto leave = [](CoverDesk &, MarluneModel &model) { model.setLeaving(true); };
+        // What happens at which request, and what is told.
+        const std::tuple<std::function<void(CoverDesk &, MarluneModel &)>, std::size_t, const char *> rows[] = {
+            {lose, 1, "Do wyboru ręcznie: 0. Niedostępne: 3."}, {exchange, 2, "Do wyboru ręcznie: 0. Niedostępne: 3."},
+            {leave, 1, "Do wyboru ręcznie: 0. Niedostępne: 1."}};
+        for (const auto &[happens, request, told] : rows) {
+            const CannedServer server({found("A", "x", 1), image()});
+            CoverDesk desk;
+            desk.device.isVolume = true;
+            *desk.found = {desk.device};
+            desk.askServer(server);
+            for (const char *artist : {"A", "B", "C"}) {
+                desk.addTrack(artist, "x");
             }
-        });
-        model->findMissingCovers();
-        desk.waitForJobs(*model);
-        QCOMPARE(server.asked.size(), 1U);
-        QCOMPARE(model->alert(),
-            std::optional(QStringLiteral("Dodano okładki: 0. Do wyboru ręcznie: 1. Niedostępne: 2.") + tail));
-    }
-
-    void endsASearchEarlyWhenTheWindowWaitsToClose()
-    {
-        const CannedServer server({found("A", "x", 0)});
-        CoverDesk desk;
-        desk.askServer(server);
-        desk.addTrack("A", "x");
-        desk.addTrack("B", "x");
-        const auto model = desk.startWithMusic(false);
-        model->findMissingCovers();
-        model->setLeaving(true);
-        desk.waitForJobs(*model);
-        QCOMPARE(server.asked.size(), 1U);
-        QVERIFY(model->status().endsWith(QStringLiteral("Do wyboru ręcznie: 1. Niedostępne: 0.")));
+            const auto model = desk.startWithMusic(true);
+            const auto before = filesBelow(desk.device.root);
+            QTimer atOnce;
+            connect(&atOnce, &QTimer::timeout, [&, &happens = happens, &request = request] {
+                if (server.asked.size() == request) {
+                    atOnce.stop();
+                    happens(desk, *model);
+                }
+            });
+            atOnce.start(0);
+            model->findMissingCovers();
+            desk.waitForJobs(*model);
+            QVERIFY(!atOnce.isActive() && server.asked.size() <= 2);
+            const QString all = QStringLiteral("Dodano okładki: 0. ") + QString::fromUtf8(told);
+            QCOMPARE(model->alert(), std::optional(all + tail));
+            QVERIFY(filesBelow(desk.device.root) == before);
+        }
     }
 
     void fetchesTheCandidateThatTheUserChose()
     {
-        CannedServer server({status("500 Trouble"), status("500 Trouble"),
-            CannedServer::answer("200 OK", QByteArray::fromStdString(picture("plain.png")))});
+        const CannedServer server({CannedServer::answer("404 Not Found"), image()});
         CoverDesk desk;
         desk.askServer(server);
         desk.addTrack("A", "One");
         const auto model = desk.startWithMusic(false);
-        const CoverCandidate candidate {.id = QStringLiteral("0cd1dd5b-3c5e-4d3a-9f0e-000000000000"),
-            .title = QStringLiteral("Anything"),
-            .artistCredit = {},
-            .score = {},
-            .firstReleaseDate = {},
-            .primaryType = {}};
+        CoverCandidate candidate;
+        candidate.id = QStringLiteral("0cd1dd5b-3c5e-4d3a-9f0e-000000000000");
         model->downloadCover(candidate, *model->albums()->front());
         desk.waitForJobs(*model);
-        QVERIFY(model->status().startsWith(QStringLiteral("Nie udało się pobrać okładki: Archiwum")));
+        QVERIFY(model->status().startsWith(QStringLiteral("Nie udało się pobrać okładki: To wydanie nie ma")));
         QVERIFY(!model->alert() && desk.settings.textMap(sourcesKey).isEmpty());
         model->downloadCover(candidate, *model->albums()->front());
         desk.waitForJobs(*model);
@@ -266,16 +261,17 @@ private Q_SLOTS:
     {
         CoverDesk desk;
         desk.addTrack("A", "bare");
-        const auto bare = desk.startWithMusic(false);
-        bare->repairAvailableCovers();
-        desk.waitForJobs(*bare);
-        QVERIFY(bare->alert()->startsWith(QStringLiteral("Brak dostępnych obrazów do automatycznej naprawy.")));
+        const auto model = desk.startWithMusic(true);
+        model->repairAvailableCovers();
+        desk.waitForJobs(*model);
+        QVERIFY(model->alert()->startsWith(QStringLiteral("Brak dostępnych obrazów do automatycznej naprawy.")));
 
         desk.addTrack("B", "broken", "no picture at all");
         desk.addTrack("C", "fine", picture("plain.jpg"));
         desk.addTrack("D", "large", picture("progressive.jpg"));
         desk.addTrack("E", "other", picture("plain.png"));
-        const auto model = desk.startWithMusic(true);
+        model->scanDeviceMusic();
+        desk.waitForJobs(*model);
         model->repairAvailableCovers();
         model->findMissingCovers();
         desk.waitForJobs(*model);
