@@ -33,7 +33,8 @@ double untilHeard(Playback &playback, const std::filesystem::path &file)
 
 namespace Bench {
 
-// Into nothing, a file of each format in turn, with a player that is there already; beside it the first track of all.
+// Into nothing: a file of each format in turn, with a player that is there already; beside it the first track of each
+// player.
 void play(const std::filesystem::path &library)
 {
     std::setlocale(LC_NUMERIC, "C");

@@ -380,6 +380,13 @@ AudioOutput::~AudioOutput()
     (void)players->waitForNone(endPatience);
 }
 
+void AudioOutput::prepare()
+{
+    if (!m_parts->m_engine) {
+        m_parts->makeEngine();
+    }
+}
+
 void AudioOutput::load(const std::filesystem::path &file, double startSeconds)
 {
     Parts &parts = *m_parts;

@@ -33,13 +33,17 @@ public:
     };
 
     /// `output` is libmpv's name of a way to put out sound: "null" plays into nothing, in real time; empty takes what
-    /// the desktop has. Nothing is opened before the first load().
+    /// the desktop has. Nothing is opened before the first load() or
+    /// prepare().
     explicit AudioOutput(Listener listener, QByteArray output = {});
     /// Waits a moment for the player's end.
     ~AudioOutput();
     AudioOutput(const AudioOutput &) = delete;
     AudioOutput &operator=(const AudioOutput &) = delete;
 
+    /// Gets the player ready in the background, so that the first file sounds as soon as later ones (0.02 s, not 0.2
+    /// s).
+    void prepare();
     /// Plays the file from `startSeconds`, in place of the one before.
     void load(const std::filesystem::path &file, double startSeconds);
     void setPaused(bool paused);

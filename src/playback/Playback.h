@@ -41,6 +41,8 @@ public:
     /// Whether previous() leads anywhere: to another track, or back to this one's start.
     [[nodiscard]] bool hasPrevious() const { return m_index > 0 || m_position > restartAfterSeconds; }
 
+    /// For those who see a play() coming; see AudioOutput.
+    void prepare() { m_output.prepare(); }
     /// Plays `track`, with `queue` as the list for next and previous. Pauses or resumes if it is the loaded one.
     void play(const Track &track, std::vector<Track> queue);
     Q_INVOKABLE void toggle();

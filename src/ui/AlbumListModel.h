@@ -45,6 +45,8 @@ public:
     Q_INVOKABLE void toggle(int index);
     /// Plays the album from its first track; pauses or resumes where a track of it is loaded.
     Q_INVOKABLE void play(int index);
+    /// The pointer nears a play button.
+    Q_INVOKABLE void preparePlay() { m_model.playback().prepare(); }
     /// Drops the album from the library; its files stay.
     Q_INVOKABLE void forget(int index);
     /// Shows the album's first file in the file manager.

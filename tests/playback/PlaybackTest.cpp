@@ -293,6 +293,7 @@ TEST_F(PlaybackTest, aDiskThatHangsHoldsUpNothingElse)
     }
     const std::filesystem::path stuck = folder.write("disk/stuck.wav", wave(5));
     const Track good = tracks(1, 5).front();
+    playback.prepare();
     ASSERT_EQ(::kill(driver, SIGSTOP), 0);
     QElapsedTimer time;
     time.start();

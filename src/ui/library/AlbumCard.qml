@@ -20,6 +20,7 @@ Item {
 
     signal toggled
     signal played
+    signal playNeared
     signal menuWanted
 
     implicitHeight: root.width + Tokens.space.regular + words.implicitHeight
@@ -60,6 +61,7 @@ Item {
             anchors.margins: Tokens.space.tight
             shown: hover.hovered || root.ringShown || root.playing
             playing: root.playing
+            onNeared: root.playNeared()
             onClicked: root.played()
         }
     }

@@ -114,6 +114,7 @@ T.Control {
                 coverDecodeSide: root.decodeSide
                 ringShown: root.visualFocus && GridView.isCurrentItem
                 onToggled: root.albums.toggle(index)
+                onPlayNeared: root.albums.preparePlay()
                 onPlayed: root.albums.play(index)
                 onMenuWanted: {
                     menu.row = index;

@@ -9,6 +9,8 @@ T.AbstractButton {
     required property bool playing
     required property bool shown
 
+    signal neared ///< a press may follow
+
     implicitWidth: Tokens.height.large
     implicitHeight: Tokens.height.large
     focusPolicy: Qt.NoFocus
@@ -16,7 +18,14 @@ T.AbstractButton {
     visible: root.opacity > 0
     Accessible.name: L10n.text(root.playing ? "Pauza" : "Odtwórz")
     onPlayingChanged: Hints.hide(root) // it said what has been done
-    onHoveredChanged: root.hovered ? Hints.show(root, Accessible.name) : Hints.hide(root)
+    onHoveredChanged: {
+        if (root.hovered) {
+            Hints.show(root, Accessible.name);
+            root.neared();
+        } else {
+            Hints.hide(root);
+        }
+    }
 
     Behavior on opacity {
         NumberAnimation { duration: Tokens.motion.state }
