@@ -161,6 +161,38 @@ bool isDirectory(const std::filesystem::path &path)
     return ::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
+Kind kindOf(const std::filesystem::path &path, int from)
+{
+    // The name of a link that ends in a separator would mean the link's target.
+    const std::filesystem::path item = path.has_filename() ? path : path.parent_path();
+    struct stat status {};
+    if (::fstatat(from, item.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
+        if (errno != ENOENT && errno != ENOTDIR) {
+            throwFailure(errno, path);
+        }
+        return Kind::None;
+    }
+    switch (status.st_mode & S_IFMT) {
+    case S_IFREG:
+        return Kind::File;
+    case S_IFDIR:
+        return Kind::Folder;
+    case S_IFLNK:
+        return Kind::Link;
+    default:
+        return Kind::Other;
+    }
+}
+
+Kind kindOrNone(const std::filesystem::path &path)
+{
+    try {
+        return kindOf(path);
+    } catch (const std::system_error &) {
+        return Kind::None;
+    }
+}
+
 std::optional<std::int64_t> size(const std::filesystem::path &path)
 {
     struct stat status {};

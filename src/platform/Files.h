@@ -7,6 +7,8 @@
 #include <QByteArray>
 #include <QString>
 
+#include <fcntl.h>
+
 #include <cstdint>
 #include <filesystem>
 #include <functional>
@@ -33,6 +35,13 @@ namespace Files {
 /// Links are followed; any failure of the query counts as "no".
 [[nodiscard]] bool exists(const std::filesystem::path &path);
 [[nodiscard]] bool isDirectory(const std::filesystem::path &path);
+/// What stands at a path itself: a link is not followed.
+enum class Kind : std::uint8_t { None, File, Folder, Link, Other };
+/// None where nothing stands; throws where the disk does not tell. A relative path is counted from the open folder
+/// `from`.
+[[nodiscard]] Kind kindOf(const std::filesystem::path &path, int from = AT_FDCWD);
+/// None also where the disk does not tell.
+[[nodiscard]] Kind kindOrNone(const std::filesystem::path &path);
 /// Size in bytes of what stands at `path` (links followed), absent if it cannot be had.
 [[nodiscard]] std::optional<std::int64_t> size(const std::filesystem::path &path);
 

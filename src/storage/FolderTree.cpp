@@ -32,16 +32,23 @@ Files::Descriptor openAt(int folder, const char *name, int flags = 0)
 
 struct TreeEntry {
     std::string name;
-    unsigned char type; ///< DT_REG, DT_DIR, ...
+    Files::Kind kind;
 };
 
-unsigned char typeOf(int folder, const char *name)
+Files::Kind kindOf(int folder, const dirent &entry)
 {
-    struct stat status {};
-    if (::fstatat(folder, name, &status, AT_SYMLINK_NOFOLLOW) != 0) {
-        refuseItem(errno, name);
+    switch (entry.d_type) {
+    case DT_REG:
+        return Files::Kind::File;
+    case DT_DIR:
+        return Files::Kind::Folder;
+    case DT_LNK:
+        return Files::Kind::Link;
+    case DT_UNKNOWN: // not every file system says what an item is
+        return Files::kindOf(entry.d_name, folder);
+    default:
+        return Files::Kind::Other;
     }
-    return static_cast<unsigned char>(IFTODT(status.st_mode));
 }
 
 /// All that the folder holds, hidden items included. Listed before any of it is worked on, because a folder that
@@ -60,9 +67,7 @@ std::vector<TreeEntry> entriesOf(int folder, const char *folderName)
     while (const dirent *const found = ::readdir(stream.get())) {
         const std::string name = found->d_name;
         if (name != "." && name != "..") {
-            // Not every file system says what an item is.
-            const bool told = found->d_type != DT_UNKNOWN;
-            entries.push_back({name, told ? found->d_type : typeOf(folder, name.c_str())});
+            entries.push_back({name, kindOf(folder, *found)});
         }
         errno = 0;
     }
@@ -72,18 +77,38 @@ std::vector<TreeEntry> entriesOf(int folder, const char *folderName)
     return entries;
 }
 
+std::vector<TreeEntry> entriesOf(const std::filesystem::path &folder)
+{
+    return entriesOf(openAt(AT_FDCWD, folder.c_str(), O_DIRECTORY).get(), folder.c_str());
+}
+
+std::vector<TreeEntry> entriesOrNone(const std::filesystem::path &folder, Storage::Unreadable unreadable)
+{
+    try {
+        return entriesOf(folder);
+    } catch (const std::system_error &failure) {
+        if (unreadable == Storage::Unreadable::Throw && failure.code() != std::errc::no_such_file_or_directory) {
+            throw;
+        }
+        return {};
+    }
+}
+
 class TreeCopy {
 public:
     void item(int from, const TreeEntry &entry, int to) const
     {
         const char *const name = entry.name.c_str();
-        if (entry.type == DT_DIR) {
-            folder(from, name, to);
-        } else if (entry.type == DT_REG) {
-            file(from, name, to);
-        } else if (entry.type == DT_LNK) {
+        switch (entry.kind) {
+        case Files::Kind::Folder:
+            return folder(from, name, to);
+        case Files::Kind::File:
+            return file(from, name, to);
+        case Files::Kind::Link:
             throw MarluneError(QStringLiteral("Paczka zawiera dowiązanie symboliczne."));
-        } else {
+        case Files::Kind::None:
+            refuseItem(ENOENT, name);
+        case Files::Kind::Other:
             refuseItem(EINVAL, name); // to open a pipe or a device can already do something to it
         }
     }
@@ -128,20 +153,81 @@ private:
     std::unique_ptr<char[]> m_block = std::make_unique_for_overwrite<char[]>(copyBlockBytes);
 };
 
-void removeAt(int parent, const char *name)
-{
-    try {
-        const Files::Descriptor folder = openAt(parent, name, O_DIRECTORY);
-        for (const TreeEntry &entry : entriesOf(folder.get(), name)) {
-            if (entry.type == DT_DIR) {
-                removeAt(folder.get(), entry.name.c_str());
-            } else {
-                diskCalls().unlinkat(folder.get(), entry.name.c_str(), 0);
+class TreeRemoval {
+public:
+    explicit TreeRemoval(const std::filesystem::path &folder)
+        : m_top(openAt(AT_FDCWD, folder.c_str(), O_DIRECTORY))
+    {
+    }
+
+    void run()
+    {
+        empty(m_top.get(), ".", 1);
+        while (!m_deep.empty()) {
+            const std::filesystem::path name = std::move(m_deep.back());
+            m_deep.pop_back();
+            remove(m_top.get(), name.c_str(), 1);
+        }
+    }
+
+private:
+    /// Folders open at a time; a program may have 1024 descriptors.
+    static constexpr int deepest = 100;
+
+    void empty(int folder, const char *name, int depth)
+    {
+        for (const TreeEntry &entry : entriesOf(folder, name)) {
+            const char *const item = entry.name.c_str();
+            if (entry.kind != Files::Kind::Folder) {
+                diskCalls().unlinkat(folder, item, 0);
+            } else if (depth < deepest || !moveUp(folder, item)) {
+                remove(folder, item, depth + 1);
             }
         }
-    } catch (const std::system_error &) { // NOLINT(bugprone-empty-catch): what holds something still cannot go below
     }
-    diskCalls().unlinkat(parent, name, AT_REMOVEDIR);
+
+    void remove(int parent, const char *name, int depth)
+    {
+        try {
+            const Files::Descriptor folder = openAt(parent, name, O_DIRECTORY);
+            empty(folder.get(), name, depth);
+        } catch (
+            const std::system_error &) { // NOLINT(bugprone-empty-catch): what holds something still cannot go below
+        }
+        diskCalls().unlinkat(parent, name, AT_REMOVEDIR);
+    }
+
+    /// For the time when nothing else is open.
+    bool moveUp(int folder, const char *name)
+    {
+        const auto path = [](int descriptor, const std::filesystem::path &item) {
+            return "/proc/self/fd" / std::filesystem::path(std::to_string(descriptor)) / item;
+        };
+        const std::filesystem::path moved = Files::temporaryName();
+        if (diskCalls().rename(path(folder, name).c_str(), path(m_top.get(), moved).c_str()) != 0) {
+            return false;
+        }
+        m_deep.push_back(moved);
+        return true;
+    }
+
+    Files::Descriptor m_top;
+    std::vector<std::filesystem::path> m_deep;
+};
+
+void walk(const std::filesystem::path &folder, const std::vector<TreeEntry> &entries, Storage::Unreadable unreadable,
+    const Storage::UseItem &use)
+{
+    for (const TreeEntry &entry : entries) {
+        const std::filesystem::path item = folder / entry.name;
+        if (entry.kind == Files::Kind::None) {
+            continue;
+        }
+        use(item, entry.kind);
+        if (entry.kind == Files::Kind::Folder) {
+            walk(item, entriesOrNone(item, unreadable), unreadable, use);
+        }
+    }
 }
 
 } // namespace
@@ -157,12 +243,23 @@ Files::Descriptor openFolder(const std::filesystem::path &path, int from)
 
 void copyTree(int from, const std::filesystem::path &name, int to)
 {
-    TreeCopy().item(from, {name.native(), typeOf(from, name.c_str())}, to);
+    TreeCopy().item(from, {name.native(), Files::kindOf(name, from)}, to);
+}
+
+void forEachBelow(const std::filesystem::path &folder, Unreadable unreadable, const UseItem &use)
+{
+    // The folder itself must be there.
+    walk(folder, unreadable == Unreadable::Throw ? entriesOf(folder) : entriesOrNone(folder, unreadable), unreadable,
+        use);
 }
 
 void removeTree(const std::filesystem::path &folder)
 {
-    removeAt(AT_FDCWD, folder.c_str());
+    try {
+        TreeRemoval(folder).run();
+    } catch (const std::system_error &) { // NOLINT(bugprone-empty-catch): what can be removed is
+    }
+    diskCalls().unlinkat(AT_FDCWD, folder.c_str(), AT_REMOVEDIR);
 }
 
 } // namespace Storage
