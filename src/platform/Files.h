@@ -17,6 +17,9 @@
 
 namespace Files {
 
+/// Throws the system's failure with this number and the path that it concerns.
+[[noreturn]] void throwFailure(int error, const std::filesystem::path &path);
+
 /// A path as text, for display and storage. Lossless: a byte that is not valid UTF-8 becomes the lone surrogate
 /// U+DC00 + byte, from which fromText() makes the same byte again.
 [[nodiscard]] QString text(const std::filesystem::path &path);
@@ -67,8 +70,11 @@ private:
     int m_descriptor = -1;
 };
 
-/// Opens a regular file; anything else, a pipe or a folder, is refused and never waited for.
-[[nodiscard]] Descriptor openForReading(const std::filesystem::path &path);
+enum class Links : std::uint8_t { Follow, Refuse };
+/// Opens a regular file; anything else, a pipe or a folder, is refused, never opened and never waited for. A relative
+/// path is counted from the open folder `from`.
+[[nodiscard]] Descriptor openForReading(
+    const std::filesystem::path &path, Links links = Links::Follow, int from = AT_FDCWD);
 /// Reads until `buffer` is full or the file ends; returns the bytes read.
 [[nodiscard]] std::size_t readFully(int descriptor, std::span<char> buffer);
 /// The whole file if it is a regular one and smaller than `limit` bytes, else absent. Never throws.
@@ -86,6 +92,8 @@ void makeFolders(const std::filesystem::path &folder);
 /// Returns when the names in `folder` are on the medium, where the file system can do that.
 void synchroniseFolder(const std::filesystem::path &folder);
 
+/// A new UUID's text, in capitals.
+[[nodiscard]] std::string newIdentifier();
 /// A hidden name, new at each call, for a file or a folder on its way to its final name in the same folder.
 [[nodiscard]] std::filesystem::path temporaryName(const QByteArray &purpose = {});
 /// Whether a writer returns when the medium has the bytes, or leaves that to synchroniseVolume().

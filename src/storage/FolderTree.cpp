@@ -15,17 +15,12 @@ namespace {
 
 constexpr std::size_t copyBlockBytes = 0x40000;
 
-[[noreturn]] void refuseItem(int error, const char *name)
+/// Opens the folder itself, never the target of a link.
+Files::Descriptor openFolderAt(int folder, const char *name)
 {
-    throw std::filesystem::filesystem_error("tree", name, std::error_code(error, std::generic_category()));
-}
-
-/// Reads the item itself, never the target of a link; what is no regular file or folder does not make it wait.
-Files::Descriptor openAt(int folder, const char *name, int flags = 0)
-{
-    const int descriptor = ::openat(folder, name, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC | flags);
+    const int descriptor = ::openat(folder, name, O_RDONLY | O_NOFOLLOW | O_DIRECTORY | O_CLOEXEC);
     if (descriptor < 0) {
-        refuseItem(errno, name);
+        Files::throwFailure(errno, name);
     }
     return Files::Descriptor(descriptor);
 }
@@ -56,10 +51,10 @@ Files::Kind kindOf(int folder, const dirent &entry)
 std::vector<TreeEntry> entriesOf(int folder, const char *folderName)
 {
     // The stream closes its own descriptor.
-    Files::Descriptor own = openAt(folder, ".", O_DIRECTORY);
+    Files::Descriptor own = openFolderAt(folder, ".");
     const std::unique_ptr<DIR, int (*)(DIR *)> stream(::fdopendir(own.get()), ::closedir);
     if (!stream) {
-        refuseItem(errno, folderName);
+        Files::throwFailure(errno, folderName);
     }
     (void)own.release();
     std::vector<TreeEntry> entries;
@@ -72,14 +67,14 @@ std::vector<TreeEntry> entriesOf(int folder, const char *folderName)
         errno = 0;
     }
     if (errno != 0) {
-        refuseItem(errno, folderName);
+        Files::throwFailure(errno, folderName);
     }
     return entries;
 }
 
 std::vector<TreeEntry> entriesOf(const std::filesystem::path &folder)
 {
-    return entriesOf(openAt(AT_FDCWD, folder.c_str(), O_DIRECTORY).get(), folder.c_str());
+    return entriesOf(openFolderAt(AT_FDCWD, folder.c_str()).get(), folder.c_str());
 }
 
 std::vector<TreeEntry> entriesOrNone(const std::filesystem::path &folder, Storage::Unreadable unreadable)
@@ -107,20 +102,20 @@ public:
         case Files::Kind::Link:
             throw MarluneError(QStringLiteral("Paczka zawiera dowiązanie symboliczne."));
         case Files::Kind::None:
-            refuseItem(ENOENT, name);
+            Files::throwFailure(ENOENT, name);
         case Files::Kind::Other:
-            refuseItem(EINVAL, name); // to open a pipe or a device can already do something to it
+            Files::throwFailure(EINVAL, name); // to open a pipe or a device can already do something to it
         }
     }
 
 private:
     void folder(int from, const char *name, int to) const
     {
-        const Files::Descriptor source = openAt(from, name, O_DIRECTORY);
+        const Files::Descriptor source = openFolderAt(from, name);
         if (diskCalls().mkdirat(to, name, 0777) != 0) {
-            refuseItem(errno, name);
+            Files::throwFailure(errno, name);
         }
-        const Files::Descriptor destination = openAt(to, name, O_DIRECTORY);
+        const Files::Descriptor destination = openFolderAt(to, name);
         for (const TreeEntry &entry : entriesOf(source.get(), name)) {
             item(source.get(), entry, destination.get());
         }
@@ -128,25 +123,33 @@ private:
 
     void file(int from, const char *name, int to) const
     {
-        const Files::Descriptor source = openAt(from, name);
+        const Files::Descriptor source = Files::openForReading(name, Files::Links::Refuse, from);
         struct stat status {};
-        if (::fstat(source.get(), &status) != 0 || !S_ISREG(status.st_mode)) {
-            refuseItem(EINVAL, name); // another item by now
+        if (::fstat(source.get(), &status) != 0) {
+            Files::throwFailure(errno, name);
         }
         Files::Descriptor destination(
             diskCalls().openat(to, name, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0644));
         if (destination.get() < 0) {
-            refuseItem(errno, name);
+            Files::throwFailure(errno, name);
         }
-        std::size_t count = copyBlockBytes;
-        while (count == copyBlockBytes) {
-            count = Files::readFully(source.get(), {m_block.get(), copyBlockBytes});
-            Files::writeFully(destination.get(), {m_block.get(), count});
-        }
+        copyBytes(source.get(), destination.get(), name);
         const timespec times[] = {{.tv_sec = 0, .tv_nsec = UTIME_OMIT}, status.st_mtim};
         (void)diskCalls().futimens(destination.get(), times); // a copy with another time is a good copy
         if (diskCalls().close(destination.release()) != 0) {
-            refuseItem(errno, name);
+            Files::throwFailure(errno, name);
+        }
+    }
+
+    void copyBytes(int source, int destination, const char *name) const
+    {
+        try {
+            for (std::size_t count = copyBlockBytes; count == copyBlockBytes;) {
+                count = Files::readFully(source, {m_block.get(), copyBlockBytes});
+                Files::writeFully(destination, {m_block.get(), count});
+            }
+        } catch (const std::system_error &failure) {
+            Files::throwFailure(failure.code().value(), name);
         }
     }
 
@@ -156,7 +159,7 @@ private:
 class TreeRemoval {
 public:
     explicit TreeRemoval(const std::filesystem::path &folder)
-        : m_top(openAt(AT_FDCWD, folder.c_str(), O_DIRECTORY))
+        : m_top(openFolderAt(AT_FDCWD, folder.c_str()))
     {
     }
 
@@ -189,7 +192,7 @@ private:
     void remove(int parent, const char *name, int depth)
     {
         try {
-            const Files::Descriptor folder = openAt(parent, name, O_DIRECTORY);
+            const Files::Descriptor folder = openFolderAt(parent, name);
             empty(folder.get(), name, depth);
         } catch (
             const std::system_error &) { // NOLINT(bugprone-empty-catch): what holds something still cannot go below
@@ -238,7 +241,7 @@ Files::Descriptor openFolder(const std::filesystem::path &path, int from)
 {
     // With a separator at its end the name of a link would mean its target.
     const std::filesystem::path item = path.has_filename() ? path : path.parent_path();
-    return openAt(from, item.c_str(), O_DIRECTORY);
+    return openFolderAt(from, item.c_str());
 }
 
 void copyTree(int from, const std::filesystem::path &name, int to)

@@ -1,5 +1,6 @@
 #include "storage/ZipUnpacking.h"
 
+#include "storage/ComputerDisk.h"
 #include "storage/FolderTree.h"
 #include "storage/PathSafety.h"
 #include "storage/SystemTool.h"
@@ -185,6 +186,12 @@ void unpack(const std::filesystem::path &scratch, const std::filesystem::path &u
         QStringLiteral("-qq"), QStringLiteral("-o"), QStringLiteral("-^"), QStringLiteral("-V"), QStringLiteral("-DD")};
     try {
         (void)Storage::run(tool, options + QStringList {packageName, QStringLiteral("-d"), unpackedName}, bounds);
+    } catch (const MarluneError &failure) {
+        takeOver(unpacked);
+        if (failure.message().contains(QStringLiteral("disk full"))) {
+            throw std::system_error(ENOSPC, std::generic_category());
+        }
+        throw;
     } catch (...) {
         takeOver(unpacked);
         throw;
@@ -200,7 +207,7 @@ std::filesystem::path unpackZip(const std::filesystem::path &zip, const std::fil
 {
     const ZipContents contents = inspectZip(zip);
     const std::filesystem::path copy = scratch / Files::fromText(packageName);
-    copyPackage(zip, contents, copy);
+    onComputersDisk(copy, [&] { copyPackage(zip, contents, copy); });
     if (inspectZip(copy) != contents) {
         refusePackage(); // another program has written to it meanwhile
     }
@@ -208,7 +215,7 @@ std::filesystem::path unpackZip(const std::filesystem::path &zip, const std::fil
 
     requireListing(run(tool, {QStringLiteral("-Z1"), packageName}, {.folder = scratch, .merged = false}), contents);
     const std::filesystem::path unpacked = scratch / Files::fromText(unpackedName);
-    unpack(scratch, unpacked);
+    onComputersDisk(unpacked, [&] { unpack(scratch, unpacked); });
     requireRoom(unpacked);
     requireInspected(unpacked, contents);
     rejectLinks(unpacked);

@@ -222,9 +222,13 @@ int installTheme(
     const auto copyOf
         = [&](const std::filesystem::path &file) { return saved.copyOf(file.lexically_relative(root / ".rockbox")); };
     FileChanges changes(root, copyOf, Files::Durability::Later);
-    writeFiles(files, root, saved, changes);
-    scratch.remove(); // what is removed need not be brought to the medium
-    changes.keep();
+    try {
+        writeFiles(files, root, saved, changes);
+        scratch.remove(); // what is removed need not be brought to the medium
+        changes.keep();
+    } catch (...) {
+        changes.undoAndRethrow(backupFolder);
+    }
     return count;
 }
 

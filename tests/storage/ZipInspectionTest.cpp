@@ -4,6 +4,7 @@
 #include "storage/ZipUnpacking.h"
 
 #include "support/Archives.h"
+#include "support/ExfatVolume.h"
 #include "support/Messages.h"
 
 #include <gtest/gtest.h>
@@ -94,4 +95,15 @@ TEST(ZipUnpacking, trustsTheToolInNothing)
         EXPECT_FALSE(std::filesystem::exists(folder / "scratch"));
     }
     ::setenv("PATH", path.c_str(), 1);
+}
+
+TEST(ZipUnpacking, namesTheComputersDiskWhereItIsFull)
+{
+    const TemporaryFolder folder;
+    const ExfatVolume disk(folder / "scratch", 8 << 20);
+    if (!disk.available()) {
+        GTEST_SKIP() << disk.reason();
+    }
+    EXPECT_EQ(messageOf([&] { (void)Storage::unpackZip(archive("100-MiB.zip"), disk.mountPoint()); }),
+        "Na dysku komputera zabrakło miejsca.");
 }

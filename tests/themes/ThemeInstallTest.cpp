@@ -81,6 +81,12 @@ struct InstallDesk {
         }
         return files;
     }
+    [[nodiscard]] FileMap deviceWithoutPartials() const
+    {
+        FileMap files = device();
+        std::erase_if(files, [](const auto &file) { return file.first.ends_with(".partial"); });
+        return files;
+    }
     /// The package's files are there, the others and a whole backup of the old ones too; or nothing has changed.
     void expectAllOrNothing(const std::string &what) const
     {
@@ -111,16 +117,26 @@ struct InstallDesk {
 /// With the n-th disk call at fault, for each n.
 void installWithFaults(InstallDesk &desk)
 {
-    for (const Fault fault : {Fault::Refused, Fault::Late}) {
+    std::map<std::string, int> seen;
+    for (const Fault fault : {Fault::Refused, Fault::Late, Fault::Dead}) {
         int call = 1;
         while (desk.install(named("odd-names.zip"), call, fault)) {
-            desk.expectAllOrNothing("call " + std::to_string(call));
+            ++seen[desk.failure];
+            if (fault != Fault::Dead) {
+                desk.expectAllOrNothing("call " + std::to_string(call));
+            } else if (!desk.failure.empty()
+                && desk.deviceWithoutPartials() != desk.before) { // nothing can be put back any more
+                EXPECT_TRUE(desk.failure.ends_with("\n\nKopia: " + (desk.folder / "Backups/new").string()))
+                    << call << desk.failure;
+            }
             ++call;
         }
         EXPECT_EQ(desk.failure, "");
         EXPECT_GT(call, 50);
         desk.expectAllOrNothing("no call");
     }
+    EXPECT_GT(seen["Na dysku komputera zabrakło miejsca."], 20);
+    EXPECT_EQ(seen.count("No space left on device"), 0U);
 }
 
 } // namespace
