@@ -62,7 +62,7 @@ void writeReadMe(const std::filesystem::path &folder, const std::filesystem::pat
         + QStringLiteral("\nNie zawiera muzyki ani firmware.\n"))
                                 .toUtf8();
     const Files::Descriptor file = Files::createExclusively(folder / "README.txt");
-    Files::writeFully(file.get(), {text.constData(), std::size_t(text.size())});
+    Files::writeFully(file.get(), text);
 }
 
 /// Makes the folder. Returns when all of it is on the medium.

@@ -80,7 +80,7 @@ void FileChanges::write(const QByteArray &bytes, const std::filesystem::path &fi
 void FileChanges::create(const QByteArray &bytes, const std::filesystem::path &file)
 {
     try {
-        Files::createAtomically(file, {bytes.constData(), std::size_t(bytes.size())}, m_durability);
+        Files::createAtomically(file, bytes, m_durability);
     } catch (const std::system_error &failure) {
         if (failure.code() != std::errc::file_exists && Files::readBelow(file, bytes.size() + 1) == bytes) {
             m_tried.push_back(file); // the last call failed after its work was done

@@ -146,8 +146,7 @@ std::filesystem::path directory(const std::filesystem::path &relative, const std
         switch (Files::kindOf(current)) {
         case Files::Kind::None:
             if (diskCalls().mkdir(current.c_str(), 0777) != 0) {
-                const std::error_code failure(errno, std::generic_category());
-                throw std::filesystem::filesystem_error("mkdir", current, failure);
+                Files::throwFailure(errno, current);
             }
             break;
         case Files::Kind::Folder:

@@ -43,7 +43,7 @@ SavedFiles saveFiles(
             manifest.insert(QString::fromStdString(name), Files::text(file));
         }
         const QByteArray json = QJsonDocument(manifest).toJson(QJsonDocument::Compact);
-        Files::writeAtomically(saved.folder / "manifest.json", {json.constData(), std::size_t(json.size())});
+        Files::writeAtomically(saved.folder / "manifest.json", json);
         Files::synchroniseFolder(saved.folder);
     });
     return saved;

@@ -173,8 +173,7 @@ void requireInspected(const std::filesystem::path &unpacked, const Storage::ZipC
 void unpack(const std::filesystem::path &scratch, const std::filesystem::path &unpacked)
 {
     if (diskCalls().mkdir(unpacked.c_str(), 0700) != 0) {
-        const std::error_code failure(errno, std::generic_category());
-        throw std::filesystem::filesystem_error("mkdir", unpacked, failure);
+        Files::throwFailure(errno, unpacked);
     }
     Storage::ToolBounds bounds {.folder = scratch};
     bounds.largestFile

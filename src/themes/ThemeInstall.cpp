@@ -162,9 +162,7 @@ QByteArray contentOf(const std::filesystem::path &file)
     QByteArray bytes(source.size(), Qt::Uninitialized);
     const std::size_t count = source.readAt(0, {bytes.data(), std::size_t(bytes.size())});
     if (std::int64_t(count) < source.size()) {
-        const std::error_code failure = source.failure();
-        throw std::filesystem::filesystem_error(
-            "read", file, failure ? failure : std::error_code(EIO, std::generic_category()));
+        Files::throwFailure(source.failure() ? source.failure().value() : EIO, file);
     }
     return bytes;
 }
