@@ -176,10 +176,19 @@ void unpack(const std::filesystem::path &scratch, const std::filesystem::path &u
         Files::throwFailure(errno, unpacked);
     }
     Storage::ToolBounds bounds {.folder = scratch};
-    bounds.largestFile
-        = Storage::largestPackage + 1; // one byte too many, so that it is told from a file that just fits
+    // One byte too many, so that it is told from a file that just fits.
+    bounds.largestFile = Storage::largestPackage + 1;
     bounds.mostOutput = 0x10000; // it says nothing as long as all is well
-    bounds.watch = [&unpacked] { requireRoom(unpacked); };
+    bounds.watch = [&unpacked] {
+        try {
+            requireRoom(unpacked);
+        } catch (const std::system_error &failure) {
+            // The tool gives folders their modes at its end. They are counted when they have been taken over.
+            if (failure.code() != std::errc::permission_denied) {
+                throw;
+            }
+        }
+    };
     // Never asks (-o), takes no control character and no version number out of a name (-^, -V), sets no times (-DD).
     const QStringList options {
         QStringLiteral("-qq"), QStringLiteral("-o"), QStringLiteral("-^"), QStringLiteral("-V"), QStringLiteral("-DD")};
