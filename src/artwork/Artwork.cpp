@@ -30,7 +30,7 @@ std::filesystem::path cache(const QByteArray &data, const QString &key, const st
     const std::filesystem::path root = cacheRoot(supportFolder);
     Files::makeFolders(root);
     const std::filesystem::path file = root / Files::fromText(key + QStringLiteral(".jpg")).relative_path();
-    Files::writeAtomically(file, {data.constData(), std::size_t(data.size())});
+    Files::writeAtomically(file, data);
     return file;
 }
 

@@ -103,15 +103,7 @@ bool mayBeChanged(const std::filesystem::path &file, const std::filesystem::path
 /// Throws if that cannot be told: what might be there must not be overwritten unsaved.
 bool stands(const std::filesystem::path &file)
 {
-    struct stat status {};
-    if (::lstat(file.c_str(), &status) == 0) {
-        return true;
-    }
-    const std::error_code failure(errno, std::generic_category());
-    if (failure == std::errc::no_such_file_or_directory) {
-        return false;
-    }
-    throw std::filesystem::filesystem_error("lstat", file, failure);
+    return Files::kindOf(file) != Files::Kind::None;
 }
 
 } // namespace
@@ -168,14 +160,18 @@ void install(const QByteArray &data, std::span<const std::filesystem::path> trac
         = Storage::saveFiles(standing, backupRoot, {QStringLiteral("Covers-"), QStringLiteral(".jpg")});
 
     Storage::FileChanges changes(root, [&saved](const std::filesystem::path &file) { return saved.copyOf(file); });
-    for (const std::filesystem::path &target : plan.targets) {
-        changes.write(data, target);
+    try {
+        for (const std::filesystem::path &target : plan.targets) {
+            changes.write(data, target);
+        }
+        for (const std::filesystem::path &sidecar : plan.stale) {
+            changes.remove(sidecar);
+        }
+        Storage::cleanupMacMetadata(root, backupRoot, plan.targets);
+        changes.keep();
+    } catch (...) {
+        changes.undoAndRethrow(saved.folder);
     }
-    for (const std::filesystem::path &sidecar : plan.stale) {
-        changes.remove(sidecar);
-    }
-    Storage::cleanupMacMetadata(root, backupRoot, plan.targets);
-    changes.keep();
 }
 
 } // namespace Artwork

@@ -8,7 +8,6 @@
 
 #include <QDateTime>
 #include <QPointer>
-#include <QUuid>
 
 std::filesystem::path MarluneModel::newBackupURL() const
 {
@@ -16,8 +15,7 @@ std::filesystem::path MarluneModel::newBackupURL() const
     Files::makeFolders(location);
     const QString moment = QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd_HH-mm-ss"));
     // The last part keeps two backups of one second apart.
-    const QString identifier = QUuid::createUuid().toString(QUuid::WithoutBraces).first(6).toUpper();
-    return location / Files::fromText(moment + u'_' + identifier);
+    return location / (moment.toStdString() + '_' + Files::newIdentifier().substr(0, 6));
 }
 
 void MarluneModel::backup()

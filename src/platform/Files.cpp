@@ -17,12 +17,7 @@ namespace {
 
 constexpr char16_t escapedByteBase = 0xDC00;
 
-[[noreturn]] void throwFailure(int error, const std::filesystem::path &path)
-{
-    throw std::filesystem::filesystem_error("disk", path, std::error_code(error, std::generic_category()));
-}
-
-[[noreturn]] void throwFailure(int error)
+[[noreturn]] void throwNumber(int error)
 {
     throw std::system_error(error, std::generic_category());
 }
@@ -40,7 +35,7 @@ void writeNew(const std::filesystem::path &file, std::span<const char> bytes, Fi
         Files::synchronise(descriptor.get());
     }
     if (diskCalls().close(descriptor.release()) != 0) {
-        throwFailure(errno, file);
+        Files::throwFailure(errno, file);
     }
 }
 
@@ -82,6 +77,11 @@ std::size_t sequenceLength(std::string_view bytes)
 } // namespace
 
 namespace Files {
+
+void throwFailure(int error, const std::filesystem::path &path)
+{
+    throw std::filesystem::filesystem_error("disk", path, std::error_code(error, std::generic_category()));
+}
 
 QString text(const std::filesystem::path &path)
 {
@@ -161,6 +161,38 @@ bool isDirectory(const std::filesystem::path &path)
     return ::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
+Kind kindOf(const std::filesystem::path &path, int from)
+{
+    // The name of a link that ends in a separator would mean the link's target.
+    const std::filesystem::path item = path.has_filename() ? path : path.parent_path();
+    struct stat status {};
+    if (::fstatat(from, item.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
+        if (errno != ENOENT && errno != ENOTDIR) {
+            throwFailure(errno, path);
+        }
+        return Kind::None;
+    }
+    switch (status.st_mode & S_IFMT) {
+    case S_IFREG:
+        return Kind::File;
+    case S_IFDIR:
+        return Kind::Folder;
+    case S_IFLNK:
+        return Kind::Link;
+    default:
+        return Kind::Other;
+    }
+}
+
+Kind kindOrNone(const std::filesystem::path &path)
+{
+    try {
+        return kindOf(path);
+    } catch (const std::system_error &) {
+        return Kind::None;
+    }
+}
+
 std::optional<std::int64_t> size(const std::filesystem::path &path)
 {
     struct stat status {};
@@ -193,17 +225,27 @@ int Descriptor::release()
     return std::exchange(m_descriptor, -1);
 }
 
-Descriptor openForReading(const std::filesystem::path &path)
+Descriptor openForReading(const std::filesystem::path &path, Links links, int from)
 {
-    // Non-blocking, so that a pipe or a device under a file's name is refused and not waited for.
-    Descriptor descriptor(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
     struct stat status {};
+    const auto requireRegular = [&] {
+        if (!S_ISREG(status.st_mode)) {
+            throwFailure(S_ISDIR(status.st_mode) ? EISDIR : EINVAL, path);
+        }
+    };
+    const bool follows = links == Links::Follow;
+    // Asked before the opening, because to open a device can already do something to it, and once more after it,
+    // because the name may mean another file by then: a pipe must not be waited for.
+    if (::fstatat(from, path.c_str(), &status, follows ? 0 : AT_SYMLINK_NOFOLLOW) != 0) {
+        throwFailure(errno, path);
+    }
+    requireRegular();
+    const int flags = O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY | (follows ? 0 : O_NOFOLLOW);
+    Descriptor descriptor(::openat(from, path.c_str(), flags));
     if (descriptor.get() < 0 || ::fstat(descriptor.get(), &status) != 0) {
         throwFailure(errno, path);
     }
-    if (!S_ISREG(status.st_mode)) {
-        throwFailure(S_ISDIR(status.st_mode) ? EISDIR : EINVAL, path);
-    }
+    requireRegular();
     return descriptor;
 }
 
@@ -216,7 +258,7 @@ std::size_t readFully(int descriptor, std::span<char> buffer)
             continue;
         }
         if (count < 0) {
-            throwFailure(errno);
+            throwNumber(errno);
         }
         if (count == 0) {
             break;
@@ -228,12 +270,12 @@ std::size_t readFully(int descriptor, std::span<char> buffer)
 
 std::optional<QByteArray> readBelow(const std::filesystem::path &path, std::int64_t limit)
 {
-    const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)); // as in openForReading()
-    struct stat status {};
-    if (file.get() < 0 || ::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode) || status.st_size >= limit) {
-        return std::nullopt;
-    }
     try {
+        const Descriptor file = openForReading(path);
+        struct stat status {};
+        if (::fstat(file.get(), &status) != 0 || status.st_size >= limit) {
+            return std::nullopt;
+        }
         QByteArray bytes(status.st_size, Qt::Uninitialized);
         const std::size_t count = readFully(file.get(), {bytes.data(), std::size_t(bytes.size())});
         bytes.truncate(qsizetype(count));
@@ -260,7 +302,7 @@ void writeFully(int descriptor, std::span<const char> bytes)
             continue;
         }
         if (count <= 0) {
-            throwFailure(count == 0 ? EIO : errno);
+            throwNumber(count == 0 ? EIO : errno);
         }
         bytes = bytes.subspan(std::size_t(count));
     }
@@ -269,7 +311,7 @@ void writeFully(int descriptor, std::span<const char> bytes)
 void synchronise(int descriptor)
 {
     if (diskCalls().fsync(descriptor) != 0) {
-        throwFailure(errno);
+        throwNumber(errno);
     }
 }
 
@@ -294,10 +336,14 @@ void synchroniseFolder(const std::filesystem::path &folder)
     }
 }
 
+std::string newIdentifier()
+{
+    return QUuid::createUuid().toByteArray(QUuid::WithoutBraces).toUpper().toStdString();
+}
+
 std::filesystem::path temporaryName(const QByteArray &purpose)
 {
-    const QByteArray id = QUuid::createUuid().toByteArray(QUuid::WithoutBraces).toUpper();
-    return (".marlune-" + purpose + id + ".partial").toStdString();
+    return ".marlune-" + purpose.toStdString() + newIdentifier() + ".partial";
 }
 
 void place(const std::filesystem::path &path, Placing placing, const FileMaker &make)

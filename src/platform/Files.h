@@ -7,6 +7,8 @@
 #include <QByteArray>
 #include <QString>
 
+#include <fcntl.h>
+
 #include <cstdint>
 #include <filesystem>
 #include <functional>
@@ -14,6 +16,9 @@
 #include <span>
 
 namespace Files {
+
+/// Throws the system's failure with this number and the path that it concerns.
+[[noreturn]] void throwFailure(int error, const std::filesystem::path &path);
 
 /// A path as text, for display and storage. Lossless: a byte that is not valid UTF-8 becomes the lone surrogate
 /// U+DC00 + byte, from which fromText() makes the same byte again.
@@ -33,6 +38,13 @@ namespace Files {
 /// Links are followed; any failure of the query counts as "no".
 [[nodiscard]] bool exists(const std::filesystem::path &path);
 [[nodiscard]] bool isDirectory(const std::filesystem::path &path);
+/// What stands at a path itself: a link is not followed.
+enum class Kind : std::uint8_t { None, File, Folder, Link, Other };
+/// None where nothing stands; throws where the disk does not tell. A relative path is counted from the open folder
+/// `from`.
+[[nodiscard]] Kind kindOf(const std::filesystem::path &path, int from = AT_FDCWD);
+/// None also where the disk does not tell.
+[[nodiscard]] Kind kindOrNone(const std::filesystem::path &path);
 /// Size in bytes of what stands at `path` (links followed), absent if it cannot be had.
 [[nodiscard]] std::optional<std::int64_t> size(const std::filesystem::path &path);
 
@@ -58,8 +70,11 @@ private:
     int m_descriptor = -1;
 };
 
-/// Opens a regular file; anything else, a pipe or a folder, is refused and never waited for.
-[[nodiscard]] Descriptor openForReading(const std::filesystem::path &path);
+enum class Links : std::uint8_t { Follow, Refuse };
+/// Opens a regular file; anything else, a pipe or a folder, is refused, never opened and never waited for. A relative
+/// path is counted from the open folder `from`.
+[[nodiscard]] Descriptor openForReading(
+    const std::filesystem::path &path, Links links = Links::Follow, int from = AT_FDCWD);
 /// Reads until `buffer` is full or the file ends; returns the bytes read.
 [[nodiscard]] std::size_t readFully(int descriptor, std::span<char> buffer);
 /// The whole file if it is a regular one and smaller than `limit` bytes, else absent. Never throws.
@@ -77,6 +92,8 @@ void makeFolders(const std::filesystem::path &folder);
 /// Returns when the names in `folder` are on the medium, where the file system can do that.
 void synchroniseFolder(const std::filesystem::path &folder);
 
+/// A new UUID's text, in capitals.
+[[nodiscard]] std::string newIdentifier();
 /// A hidden name, new at each call, for a file or a folder on its way to its final name in the same folder.
 [[nodiscard]] std::filesystem::path temporaryName(const QByteArray &purpose = {});
 /// Whether a writer returns when the medium has the bytes, or leaves that to synchroniseVolume().

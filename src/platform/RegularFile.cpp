@@ -1,6 +1,5 @@
 #include "platform/RegularFile.h"
 
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -10,26 +9,11 @@
 
 RegularFile RegularFile::openOrThrow(const std::filesystem::path &path)
 {
-    const auto refuse = [&path](int error) {
-        throw std::filesystem::filesystem_error("open", path, std::error_code(error, std::generic_category()));
-    };
+    Files::Descriptor descriptor = Files::openForReading(path);
     struct stat status {};
-    const auto requireRegular = [&status, &refuse] {
-        if (!S_ISREG(status.st_mode)) {
-            refuse(S_ISDIR(status.st_mode) ? EISDIR : EINVAL);
-        }
-    };
-    // Asked before the opening, because to open a device can already do something to it, and once more after it,
-    // because the name may mean another file by then.
-    if (::stat(path.c_str(), &status) != 0) {
-        refuse(errno);
+    if (::fstat(descriptor.get(), &status) != 0) {
+        Files::throwFailure(errno, path);
     }
-    requireRegular();
-    Files::Descriptor descriptor(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
-    if (descriptor.get() < 0 || ::fstat(descriptor.get(), &status) != 0) {
-        refuse(errno);
-    }
-    requireRegular();
     return {std::move(descriptor), status.st_size};
 }
 

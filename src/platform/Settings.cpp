@@ -158,7 +158,7 @@ private:
             }
             Files::makeFolders(m_file.parent_path());
             const QByteArray bytes = QJsonDocument(values).toJson();
-            Files::writeAtomically(m_file, {bytes.constData(), std::size_t(bytes.size())});
+            Files::writeAtomically(m_file, bytes);
             return {};
         } catch (const std::exception &) {
             return std::current_exception();

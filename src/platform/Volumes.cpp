@@ -127,7 +127,7 @@ Capacity capacity(const std::filesystem::path &path)
 {
     struct statvfs room {};
     if (::statvfs(path.c_str(), &room) != 0) {
-        throw std::filesystem::filesystem_error("disk", path, std::error_code(errno, std::generic_category()));
+        Files::throwFailure(errno, path);
     }
     const auto unit = std::int64_t(room.f_frsize);
     return {std::int64_t(room.f_bavail) * unit, std::int64_t(room.f_blocks) * unit};

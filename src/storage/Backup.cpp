@@ -1,5 +1,6 @@
 #include "storage/Backup.h"
 
+#include "storage/ComputerDisk.h"
 #include "storage/Device.h"
 #include "storage/FolderTree.h"
 #include "storage/PathSafety.h"
@@ -20,11 +21,6 @@ namespace {
 /// They stand directly in a backup, which a roll-back relies on.
 constexpr const char *savedItems[]
     = {"config.cfg", "themes", "wps", "sbs", "fonts", "icons", "backdrops", "eqs", "fmpresets"};
-
-[[noreturn]] void failWith(const char *what, const std::filesystem::path &path, int error)
-{
-    throw std::filesystem::filesystem_error(what, path, std::error_code(error, std::generic_category()));
-}
 
 /// Both by its name and by where it really is: a link to the device leads onto it, and so does its name in other
 /// letters where case does not count.
@@ -53,7 +49,7 @@ bool holdsItem(int folder, const char *name)
         return true;
     }
     if (errno != ENOENT && errno != ELOOP) {
-        failWith("stat", name, errno);
+        Files::throwFailure(errno, name);
     }
     return false;
 }
@@ -66,12 +62,15 @@ void writeReadMe(const std::filesystem::path &folder, const std::filesystem::pat
         + QStringLiteral("\nNie zawiera muzyki ani firmware.\n"))
                                 .toUtf8();
     const Files::Descriptor file = Files::createExclusively(folder / "README.txt");
-    Files::writeFully(file.get(), {text.constData(), std::size_t(text.size())});
+    Files::writeFully(file.get(), text);
 }
 
-/// Returns when all of it is on the medium.
+/// Makes the folder. Returns when all of it is on the medium.
 void fillBackup(const std::filesystem::path &folder, const std::filesystem::path &root)
 {
+    if (diskCalls().mkdir(folder.c_str(), 0777) != 0) {
+        Files::throwFailure(errno, folder);
+    }
     const Files::Descriptor to = Storage::openFolder(folder);
     const Files::Descriptor device = Storage::openFolder(root);
     const Files::Descriptor from = Storage::openFolder(".rockbox", device.get());
@@ -85,7 +84,22 @@ void fillBackup(const std::filesystem::path &folder, const std::filesystem::path
     // Thousands of small files: one call for all that the disk has not yet got takes a fraction of the time of one
     // for each file. It also tells of writes that failed since the folder was opened.
     if (diskCalls().syncfs(to.get()) != 0) {
-        failWith("syncfs", folder, errno);
+        Files::throwFailure(errno, folder);
+    }
+}
+
+[[noreturn]] void refuseTakenName()
+{
+    throw MarluneError(QStringLiteral("Folder kopii już istnieje."));
+}
+
+void nameBackup(const std::filesystem::path &temporary, const std::filesystem::path &target)
+{
+    if (diskCalls().renameExclusive(temporary.c_str(), target.c_str()) != 0) {
+        if (errno == EEXIST) { // by a dangling link, or since it was looked at
+            refuseTakenName();
+        }
+        Files::throwFailure(errno, target);
     }
 }
 
@@ -111,18 +125,15 @@ void backup(const std::filesystem::path &root, const std::filesystem::path &dest
         throw MarluneError(QStringLiteral("Zapisz kopię poza iPodem."));
     }
     if (Files::exists(target)) {
-        throw MarluneError(QStringLiteral("Folder kopii już istnieje."));
+        refuseTakenName();
     }
     const std::filesystem::path temporary = target.parent_path() / Files::temporaryName("backup-");
-    if (diskCalls().mkdir(temporary.c_str(), 0777) != 0) {
-        failWith("mkdir", temporary, errno);
-    }
     try {
-        fillBackup(temporary, root);
-        (void)Device::inspect(root); // a disk pulled out meanwhile looks like one without themes
-        if (diskCalls().renameExclusive(temporary.c_str(), target.c_str()) != 0) {
-            failWith("rename", target, errno);
-        }
+        onComputersDisk(target, [&] {
+            fillBackup(temporary, root);
+            (void)Device::inspect(root); // a disk pulled out meanwhile looks like one without themes
+            nameBackup(temporary, target);
+        });
     } catch (...) {
         removeTree(temporary);
         throw;

@@ -1,8 +1,7 @@
 // Copies the settings and themes of a device to the computer: what a failed theme install or a reset would cost.
 //
 // A backup folder gets its final name in one step when it is complete and on the medium; a crash leaves at most a
-// hidden
-// ".partial" folder beside it. The device is only read. Blocking; no state; any thread but the UI's.
+// hidden ".partial" folder beside it. The device is only read. Blocking; no state; any thread but the UI's.
 #pragma once
 
 #include <filesystem>

@@ -4,10 +4,22 @@
 #include "storage/Writers.h"
 
 #include "platform/DiskCalls.h"
+#include "platform/MarluneError.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <utility>
+
+namespace {
+
+void removeIfThere(const std::filesystem::path &file)
+{
+    if (diskCalls().unlink(file.c_str()) != 0 && errno != ENOENT) {
+        Files::throwFailure(errno, file);
+    }
+}
+
+} // namespace
 
 namespace Storage {
 
@@ -20,17 +32,35 @@ FileChanges::FileChanges(std::filesystem::path root, CopyOf copyOf, Files::Durab
 
 FileChanges::~FileChanges()
 {
-    // Exactly in reverse: then each old file finds the room on a full disk that its successor was given.
-    std::for_each(m_tried.rbegin(), m_tried.rend(), [this](const std::filesystem::path &file) {
-        try {
-            putBack(file);
-        } catch (const std::exception &) { // NOLINT(bugprone-empty-catch): the first failure is the one to report
-        }
-    });
-    try {
-        synchronise();
-    } catch (const std::exception &) { // NOLINT(bugprone-empty-catch): as above
+    (void)undo();
+}
+
+void FileChanges::undoAndRethrow(const std::filesystem::path &copies)
+{
+    const std::exception_ptr failure = std::current_exception();
+    if (undo()) {
+        std::rethrow_exception(failure);
     }
+    throw MarluneError(describeFailure(failure) + QStringLiteral("\n\nKopia: ") + Files::text(copies));
+}
+
+/// False if that failed for a file, or if the medium may not have all of it.
+bool FileChanges::undo() noexcept
+{
+    bool complete = true;
+    const auto attempt = [&complete](const auto &work) {
+        try {
+            work();
+        } catch (const std::exception &) { // the failure that led here is the one to report
+            complete = false;
+        }
+    };
+    // Exactly in reverse: then each old file finds the room on a full disk that its successor was given.
+    std::for_each(
+        m_tried.rbegin(), m_tried.rend(), [&](const std::filesystem::path &file) { attempt([&] { putBack(file); }); });
+    attempt([this] { synchronise(); });
+    m_tried.clear();
+    return complete;
 }
 
 // The change of a file that was there is noted before it is tried: a call can fail after the disk has done its work.
@@ -50,7 +80,7 @@ void FileChanges::write(const QByteArray &bytes, const std::filesystem::path &fi
 void FileChanges::create(const QByteArray &bytes, const std::filesystem::path &file)
 {
     try {
-        Files::createAtomically(file, {bytes.constData(), std::size_t(bytes.size())}, m_durability);
+        Files::createAtomically(file, bytes, m_durability);
     } catch (const std::system_error &failure) {
         if (failure.code() != std::errc::file_exists && Files::readBelow(file, bytes.size() + 1) == bytes) {
             m_tried.push_back(file); // the last call failed after its work was done
@@ -65,8 +95,7 @@ void FileChanges::remove(const std::filesystem::path &file)
     (void)Device::inspect(m_root);
     m_tried.push_back(file);
     if (diskCalls().unlink(file.c_str()) != 0) {
-        const std::error_code failure(errno, std::generic_category());
-        throw std::filesystem::filesystem_error("unlink", file, failure);
+        Files::throwFailure(errno, file);
     }
 }
 
@@ -88,7 +117,7 @@ void FileChanges::putBack(const std::filesystem::path &file) const
     if (const std::optional<std::filesystem::path> copy = m_copyOf(file)) {
         copyOver(*copy, file, m_durability);
     } else {
-        diskCalls().unlink(file.c_str());
+        removeIfThere(file);
     }
 }
 

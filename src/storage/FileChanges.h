@@ -33,12 +33,17 @@ public:
     void write(const QByteArray &bytes, const std::filesystem::path &file);
     void remove(const std::filesystem::path &file);
 
+    /// For a failure that is being handled: undoes now what was not kept, and throws the failure on. Where not all
+    /// could be undone it is a MarluneError whose text goes on with the folder `copies`, in which the old files are.
+    [[noreturn]] void undoAndRethrow(const std::filesystem::path &copies);
+
     /// From here on the changes stay. Returns when all of them are on the medium; throws the system's failure where
     /// that cannot be had.
     void keep();
 
 private:
     void create(const QByteArray &bytes, const std::filesystem::path &file);
+    [[nodiscard]] bool undo() noexcept;
     void putBack(const std::filesystem::path &file) const;
     void synchronise() const;
 

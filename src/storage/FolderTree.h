@@ -9,6 +9,7 @@
 #include <fcntl.h>
 
 #include <filesystem>
+#include <functional>
 
 namespace Storage {
 
@@ -22,6 +23,13 @@ namespace Storage {
 /// Throws MarluneError at a link, else std::system_error, also for what is neither file nor folder; what was copied by
 /// then stays.
 void copyTree(int from, const std::filesystem::path &name, int to);
+
+/// What a walk does about a folder that cannot be read.
+enum class Unreadable : std::uint8_t { Throw, PassOver };
+using UseItem = std::function<void(const std::filesystem::path &item, Files::Kind kind)>;
+/// Calls `use` with each item below `folder`, hidden ones too, a folder before what it holds. One folder is open at a
+/// time, so that no depth uses up the descriptors. What goes meanwhile is passed over.
+void forEachBelow(const std::filesystem::path &folder, Unreadable unreadable, const UseItem &use);
 
 /// Removes a folder with all it holds. What cannot be removed stays: this is for the way out of a failure.
 void removeTree(const std::filesystem::path &folder);

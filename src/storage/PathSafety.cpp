@@ -1,13 +1,12 @@
 #include "storage/PathSafety.h"
 
 #include "storage/Device.h"
+#include "storage/FolderTree.h"
 
 #include "platform/Characters.h"
 #include "platform/DiskCalls.h"
 #include "platform/Files.h"
 #include "platform/MarluneError.h"
-
-#include <sys/stat.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -71,10 +70,7 @@ QString cut(const QString &name, qsizetype units)
 
 bool isSymbolicLink(const std::filesystem::path &path)
 {
-    // lstat() of a name that ends in a separator would follow the link.
-    const std::filesystem::path item = path.has_filename() ? path : path.parent_path();
-    struct stat status {};
-    return ::lstat(item.c_str(), &status) == 0 && S_ISLNK(status.st_mode);
+    return Files::kindOrNone(path) == Files::Kind::Link;
 }
 
 QString safeName(const QString &name)
@@ -128,14 +124,11 @@ void rejectLinks(const std::filesystem::path &path)
     if (isSymbolicLink(path)) {
         refuse();
     }
-    std::error_code failure;
-    std::filesystem::recursive_directory_iterator item(
-        path, std::filesystem::directory_options::skip_permission_denied, failure);
-    for (; !failure && item != std::filesystem::recursive_directory_iterator(); item.increment(failure)) {
-        if (isSymbolicLink(item->path())) {
+    forEachBelow(path, Unreadable::PassOver, [&](const std::filesystem::path &, Files::Kind kind) {
+        if (kind == Files::Kind::Link) {
             refuse();
         }
-    }
+    });
 }
 
 std::filesystem::path directory(const std::filesystem::path &relative, const std::filesystem::path &root)
@@ -150,15 +143,17 @@ std::filesystem::path directory(const std::filesystem::path &relative, const std
             throw MarluneError(QStringLiteral("Nieprawidłowa ścieżka."));
         }
         current /= piece;
-        struct stat status {};
-        if (::lstat(current.c_str(), &status) != 0) {
+        switch (Files::kindOf(current)) {
+        case Files::Kind::None:
             if (diskCalls().mkdir(current.c_str(), 0777) != 0) {
-                const std::error_code failure(errno, std::generic_category());
-                throw std::filesystem::filesystem_error("mkdir", current, failure);
+                Files::throwFailure(errno, current);
             }
-        } else if (S_ISLNK(status.st_mode)) {
+            break;
+        case Files::Kind::Folder:
+            break;
+        case Files::Kind::Link:
             throw MarluneError(QStringLiteral("Ścieżka zawiera dowiązanie: ") + Files::name(current));
-        } else if (!S_ISDIR(status.st_mode)) {
+        default:
             throw MarluneError(QStringLiteral("Folder jest zajęty przez plik: ") + Files::name(current));
         }
     }

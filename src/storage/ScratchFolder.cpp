@@ -1,10 +1,9 @@
 #include "storage/ScratchFolder.h"
 
+#include "storage/ComputerDisk.h"
 #include "storage/FolderTree.h"
 
 #include "platform/DiskCalls.h"
-
-#include <QUuid>
 
 #include <cerrno>
 
@@ -12,13 +11,14 @@ namespace Storage {
 
 ScratchFolder::ScratchFolder()
 {
-    const QByteArray id = QUuid::createUuid().toByteArray(QUuid::WithoutBraces).toUpper();
-    m_path = std::filesystem::canonical(std::filesystem::temp_directory_path()) / ("Marlune-" + id).toStdString();
-    if (diskCalls().mkdir(m_path.c_str(), 0700) != 0) {
-        const std::error_code failure(errno, std::generic_category());
-        remove(); // a call can fail after the disk has done its work
-        throw std::filesystem::filesystem_error("mkdir", m_path, failure);
-    }
+    m_path = std::filesystem::canonical(std::filesystem::temp_directory_path()) / ("Marlune-" + Files::newIdentifier());
+    onComputersDisk(m_path, [this] {
+        if (diskCalls().mkdir(m_path.c_str(), 0700) != 0) {
+            const int error = errno;
+            remove(); // a call can fail after the disk has done its work
+            Files::throwFailure(error, m_path);
+        }
+    });
 }
 
 ScratchFolder::~ScratchFolder()

@@ -9,7 +9,8 @@ namespace Storage {
 
 class ScratchFolder {
 public:
-    /// Makes it, empty, for this user alone. Throws std::system_error.
+    /// Makes it, empty, for this user alone. Throws MarluneError where the computer's disk is full, or
+    /// std::system_error.
     ScratchFolder();
     ~ScratchFolder();
     ScratchFolder(const ScratchFolder &) = delete;

@@ -12,6 +12,7 @@
 namespace {
 
 constexpr int watchInterval = 100; // milliseconds
+constexpr qsizetype mostWords = 1'000; // UTF-16 units
 constexpr int longestDeath = 5'000; // milliseconds; a program can be stuck in a disk that does not answer
 
 QProcessEnvironment cleanEnvironment()
@@ -25,7 +26,7 @@ QProcessEnvironment cleanEnvironment()
 
 void start(QProcess &process, const Storage::ToolBounds &bounds)
 {
-    process.setProcessChannelMode(QProcess::MergedChannels);
+    process.setProcessChannelMode(bounds.merged ? QProcess::MergedChannels : QProcess::SeparateChannels);
     process.setStandardInputFile(QProcess::nullDevice());
     process.setProcessEnvironment(cleanEnvironment());
     // Runs in the child, between fork() and exec(), where nothing may be allocated.
@@ -47,17 +48,26 @@ void start(QProcess &process, const Storage::ToolBounds &bounds)
     }
 }
 
-QByteArray outputOf(QProcess &process, const Storage::ToolBounds &bounds)
+struct ToolOutput {
+    QByteArray result;
+    QByteArray words; ///< where they stand apart
+};
+
+ToolOutput outputOf(QProcess &process, const Storage::ToolBounds &bounds)
 {
     const auto refuse = [&process](const QString &reason) { throw MarluneError(reason.arg(process.program())); };
-    QByteArray output;
+    ToolOutput output;
+    const auto read = [&] {
+        output.result += process.readAllStandardOutput();
+        output.words += bounds.merged ? QByteArray() : process.readAllStandardError();
+    };
     QElapsedTimer time;
     time.start();
     qint64 watched = 0;
     while (process.state() != QProcess::NotRunning) {
         process.waitForReadyRead(watchInterval);
-        output += process.readAll();
-        if (output.size() > bounds.mostOutput) {
+        read();
+        if (output.result.size() + output.words.size() > bounds.mostOutput) {
             refuse(QStringLiteral("Program „%1” wypisał za dużo."));
         }
         if (time.elapsed() > bounds.patience.count()) {
@@ -69,7 +79,20 @@ QByteArray outputOf(QProcess &process, const Storage::ToolBounds &bounds)
         }
     }
     bounds.watch();
-    return output + process.readAll();
+    read();
+    return output;
+}
+
+QString decoded(const QByteArray &bytes)
+{
+    const QUtf8StringView utf8(bytes);
+    return utf8.isValidUtf8() ? utf8.toString() : QString();
+}
+
+/// An alert has room for the end of it, where the reason is.
+QString shortened(const QString &words)
+{
+    return words.size() > mostWords ? u'…' + words.last(mostWords) : words;
 }
 
 } // namespace
@@ -82,7 +105,7 @@ QString run(const QString &tool, const QStringList &arguments, const ToolBounds 
     process.setProgram(tool);
     process.setArguments(arguments);
     start(process, bounds);
-    QByteArray output;
+    ToolOutput output;
     try {
         output = outputOf(process, bounds);
     } catch (...) {
@@ -90,12 +113,11 @@ QString run(const QString &tool, const QStringList &arguments, const ToolBounds 
         process.waitForFinished(longestDeath);
         throw;
     }
-    const QUtf8StringView utf8(output);
-    const QString text = utf8.isValidUtf8() ? utf8.toString() : QString();
     if (process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0) {
-        return text;
+        return decoded(output.result);
     }
-    throw MarluneError(text.isEmpty() ? QStringLiteral("Błąd narzędzia systemowego.") : text);
+    const QString words = decoded(bounds.merged ? output.result : output.words);
+    throw MarluneError(words.isEmpty() ? QStringLiteral("Błąd narzędzia systemowego.") : shortened(words));
 }
 
 } // namespace Storage

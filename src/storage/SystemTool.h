@@ -20,6 +20,7 @@ struct ToolBounds {
     std::filesystem::path folder = "."; ///< it runs in this folder
     std::int64_t largestFile = -1; ///< no file that it writes grows beyond these bytes; -1: no limit
     std::int64_t mostOutput = 32 << 20; ///< bytes
+    bool merged = true; ///< both outputs are the result and a failure's words; else each is one of them, in this order
     std::chrono::milliseconds patience = std::chrono::minutes(10);
     /// Called again and again while the program runs, and once after that. By throwing it ends the program.
     std::function<void()> watch = [] { };
@@ -27,7 +28,7 @@ struct ToolBounds {
 
 /// What the program `tool` writes to its standard output and standard error, in the order in which it does; empty where
 /// that is no UTF-8. Throws MarluneError where it cannot be started, goes beyond its bounds, or ends with another
-/// status than 0: then with all that it wrote as the message.
+/// status than 0: then with what it wrote, the last thousand characters of it, as the message.
 [[nodiscard]] QString run(const QString &tool, const QStringList &arguments, const ToolBounds &bounds = {});
 
 } // namespace Storage

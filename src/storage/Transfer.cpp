@@ -94,12 +94,10 @@ std::int64_t totalSize(std::span<const TransferFile> files)
     for (const TransferFile &file : files) {
         struct stat status {};
         if (::lstat(file.source.c_str(), &status) != 0) {
-            const std::error_code failure(errno, std::generic_category());
-            throw std::filesystem::filesystem_error("size", file.source, failure);
+            Files::throwFailure(errno, file.source);
         }
         if (!S_ISREG(status.st_mode) && !S_ISLNK(status.st_mode)) { // a pipe would be waited for without end
-            const std::error_code failure(S_ISDIR(status.st_mode) ? EISDIR : EINVAL, std::generic_category());
-            throw std::filesystem::filesystem_error("size", file.source, failure);
+            Files::throwFailure(S_ISDIR(status.st_mode) ? EISDIR : EINVAL, file.source);
         }
         total += status.st_size;
     }

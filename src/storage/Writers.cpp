@@ -30,7 +30,7 @@ namespace Storage {
 
 void writeBytes(const QByteArray &bytes, const std::filesystem::path &destination, Files::Durability durability)
 {
-    Files::writeAtomically(destination, {bytes.constData(), std::size_t(bytes.size())}, durability);
+    Files::writeAtomically(destination, bytes, durability);
 }
 
 void copyAudioBytes(const std::filesystem::path &source, const std::filesystem::path &destination)

@@ -22,6 +22,7 @@ constexpr RecordKind localHeader {0x04034B50, 30}; // APPNOTE.TXT, section 4.3.7
 constexpr RecordKind centralHeader {0x02014B50, 46}; // section 4.3.12
 constexpr RecordKind endRecord {0x06054B50, 22}; // section 4.3.16
 constexpr std::int64_t longestComment = 0xFFFF;
+constexpr qsizetype deepestName = 64; // no theme has so many folders in one another
 
 constexpr std::uint32_t encrypted = 1; // section 4.4.4
 constexpr std::uint32_t firstTypedMode = 010000; // below it a mode names no type of file: archives of DOS and Windows
@@ -130,8 +131,8 @@ bool hasParentPart(QByteArrayView name)
 
 void requireSafe(QByteArrayView name)
 {
-    if (name.startsWith('/') || name.contains('\\') || hasParentPart(name) || name.contains('\r')
-        || name.contains('\0')) {
+    if (std::count(name.begin(), name.end(), '/') > deepestName || name.startsWith('/') || name.contains('\\')
+        || hasParentPart(name) || name.contains('\r') || name.contains('\0')) {
         throw MarluneError(QStringLiteral("Paczka ZIP zawiera niebezpieczną ścieżkę."));
     }
 }
@@ -142,19 +143,21 @@ public:
     Inspection(const RegularFile &file, const Directory &directory)
         : m_file(file)
         , m_records(file, directory.begin, file.size() - directory.begin)
+        , m_begin(directory.begin)
         , m_end(directory.end - directory.begin)
     {
     }
 
-    void run(int entries)
+    [[nodiscard]] Storage::ZipContents run(int entries)
     {
-        m_names.reserve(entries);
+        m_contents.directoryEnd = m_begin + m_end;
         for (int entry = 0; entry < entries; ++entry) {
             inspectEntry();
         }
         if (m_at != m_end) {
             refuse();
         }
+        return std::move(m_contents);
     }
 
 private:
@@ -180,6 +183,7 @@ private:
         if (mode >= firstTypedMode && !S_ISREG(mode) && !S_ISDIR(mode)) {
             throw MarluneError(QStringLiteral("Paczka zawiera dowiązanie lub plik specjalny."));
         }
+        m_contents.entries.push_back({name.toByteArray(), m_begin + m_at});
         m_at = next;
     }
 
@@ -208,24 +212,26 @@ private:
 
     const RegularFile &m_file;
     Bytes m_records; ///< from the directory's begin to the file's end
-    std::int64_t m_end; ///< of the directory
+    std::int64_t m_begin; ///< of the directory, in the file
+    std::int64_t m_end; ///< of the directory, in m_records
     std::int64_t m_at = 0;
     std::int64_t m_unpacked = 0; ///< bytes, by what the entries say
-    QSet<QByteArray> m_names;
+    QSet<QByteArray> m_names; ///< caseless
+    Storage::ZipContents m_contents;
 };
 
 } // namespace
 
 namespace Storage {
 
-void inspectZip(const std::filesystem::path &url)
+ZipContents inspectZip(const std::filesystem::path &url)
 {
     const RegularFile file = RegularFile::openOrThrow(url);
     if (file.size() < endRecord.bytes || file.size() >= largestPackage) {
         refuse();
     }
     const Directory directory = findDirectory(file);
-    Inspection(file, directory).run(directory.entries);
+    return Inspection(file, directory).run(directory.entries);
 }
 
 void validateZipListing(const QString &listing)

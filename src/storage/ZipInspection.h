@@ -4,9 +4,12 @@
 // than its directory takes; nothing is unpacked. Blocking; no state; any thread but the UI's.
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 
+#include <cstdint>
 #include <filesystem>
+#include <vector>
 
 namespace Storage {
 
@@ -15,11 +18,25 @@ inline constexpr std::int64_t largestPackage = 104'857'600;
 /// Files and folders together.
 inline constexpr int mostPackageEntries = 5'000;
 
+/// What was read of an archive that was accepted.
+struct ZipContents {
+    struct Entry {
+        QByteArray name; ///< UTF-8; a folder's ends in "/"
+        std::int64_t header = 0; ///< the place in the file of its header in the central directory
+
+        bool operator==(const Entry &) const = default;
+    };
+    std::vector<Entry> entries; ///< in the directory's order
+    std::int64_t directoryEnd = 0; ///< the place in the file of the end record
+
+    bool operator==(const ZipContents &) const = default;
+};
+
 /// Accepts an archive of 1 to 5000 plain files and folders, whole, in one part, not encrypted, without ZIP64, whose
-/// sizes add up to 100 MiB or less, and whose names are safe, the same in both places where they stand, and different
-/// on a disk that takes capital and small letters for the same.
-/// Throws MarluneError with the reason, or the system's failure where the file cannot be read.
-void inspectZip(const std::filesystem::path &url);
+/// sizes add up to 100 MiB or less, and whose names are safe, of 64 folders at most, the same in both places where they
+/// stand, and different on a disk that takes capital and small letters for the same. Throws MarluneError with the
+/// reason, or the system's failure where the file cannot be read.
+ZipContents inspectZip(const std::filesystem::path &url);
 
 /// Accepts 1 to 5000 names, one a line, none of which leads out of the folder into which it is unpacked. Throws
 /// MarluneError.

@@ -1,5 +1,7 @@
 #include "storage/ZipUnpacking.h"
 
+#include "storage/ComputerDisk.h"
+#include "storage/FolderTree.h"
 #include "storage/PathSafety.h"
 #include "storage/SystemTool.h"
 #include "storage/ZipInspection.h"
@@ -11,6 +13,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <set>
 #include <vector>
 
 namespace {
@@ -18,47 +21,88 @@ namespace {
 // Plain names, seen from the scratch folder: the tool would take some characters of a path for a pattern or an option.
 const QString packageName = QStringLiteral("package.zip");
 const QString unpackedName = QStringLiteral("unpacked");
+const QString tool = QStringLiteral("unzip");
 
-using TreeIterator = std::filesystem::recursive_directory_iterator;
+constexpr std::int64_t commentLength
+    = 20; // offset in the end record, the last of its fields (APPNOTE.TXT, section 4.3.16)
+constexpr std::int64_t madeBySystem = 5; // offset in a central header (section 4.4.2)
+constexpr char unixSystem = 3;
 
-/// Calls `use` with each item below `folder`, a folder before what it holds. What goes meanwhile, or cannot be read, is
-/// passed over.
-template <typename Use> void forEachItem(const std::filesystem::path &folder, const Use &use)
+[[noreturn]] void refusePackage()
 {
-    std::error_code failure;
-    for (TreeIterator item(folder, failure); !failure && item != TreeIterator(); item.increment(failure)) {
-        use(*item);
-    }
+    throw MarluneError(QStringLiteral("Nieprawidłowa lub niebezpieczna paczka ZIP."));
 }
 
-/// Stops where the file has become too large; the inspection refuses such a copy.
-void copyPackage(const std::filesystem::path &zip, const std::filesystem::path &copy)
+/// The archive as it was inspected, so that the tool reads the same. Without the comment: the tool takes the last end
+/// record that it finds there. And as if made on Unix: the tool reads names, and kinds of files, by the rules of the
+/// system that made them, and would turn names that came from Windows, which are UTF-8, into others.
+void copyPackage(
+    const std::filesystem::path &zip, const Storage::ZipContents &contents, const std::filesystem::path &copy)
 {
-    constexpr std::size_t blockBytes = 0x100000;
+    constexpr std::int64_t blockBytes = 0x100000;
     const RegularFile source = RegularFile::openOrThrow(zip);
     const Files::Descriptor destination = Files::createExclusively(copy);
     std::vector<char> block(blockBytes);
-    std::size_t count = blockBytes;
-    for (std::int64_t at = 0; count == blockBytes && at < Storage::largestPackage; at += blockBytes) {
-        count = source.readAt(at, block);
+    auto entry = contents.entries.begin();
+    const std::int64_t end = contents.directoryEnd + commentLength;
+    for (std::int64_t at = 0; at < end; at += blockBytes) {
+        const std::size_t count = source.readAt(at, {block.data(), std::size_t(std::min(blockBytes, end - at))});
         if (source.failure()) {
-            throw std::system_error(source.failure());
+            throw std::filesystem::filesystem_error("read", zip, source.failure());
+        }
+        for (; entry != contents.entries.end() && entry->header + madeBySystem < at + blockBytes; ++entry) {
+            block[std::size_t(entry->header + madeBySystem - at)] = unixSystem;
         }
         Files::writeFully(destination.get(), {block.data(), count});
     }
+    constexpr char noComment[] = {0, 0};
+    Files::writeFully(destination.get(), noComment);
 }
 
-/// Each name of the list can need more folders than a disk has room for. In order, each of them brings those that it
-/// does not share with the one before it.
-void requireFewFolders(const QString &listing)
+/// As the tool shows names: a control character as "^" and a letter.
+QByteArray listed(const Storage::ZipContents &contents)
 {
-    QList<QStringView> names = QStringView(listing).split(u'\n', Qt::SkipEmptyParts);
+    QByteArray listing;
+    for (const Storage::ZipContents::Entry &entry : contents.entries) {
+        for (const char c : entry.name) {
+            if (static_cast<unsigned char>(c) < 0x20) {
+                listing += '^';
+                listing += char(c + '@');
+            } else {
+                listing += c;
+            }
+        }
+        listing += '\n';
+    }
+    return listing;
+}
+
+/// Refuses an archive of which the tool does not read the same names.
+void requireListing(const QString &listing, const Storage::ZipContents &contents)
+{
+    if (listing.isEmpty()) {
+        throw MarluneError(QStringLiteral("Nie można odczytać nazw plików w paczce."));
+    }
+    Storage::validateZipListing(listing);
+    if (listing.toUtf8() != listed(contents)) {
+        refusePackage();
+    }
+}
+
+/// Each name can need more folders than a disk has room for. In order, each of them brings those that it does not
+/// share with the one before it.
+void requireFewFolders(const Storage::ZipContents &contents)
+{
+    std::vector<QByteArray> names;
+    for (const Storage::ZipContents::Entry &entry : contents.entries) {
+        names.push_back(entry.name);
+    }
     std::sort(names.begin(), names.end());
-    QStringView before;
+    QByteArrayView before;
     std::int64_t folders = 0;
-    for (const QStringView name : names) {
+    for (const QByteArray &name : names) {
         const auto own = std::mismatch(name.begin(), name.end(), before.begin(), before.end()).first;
-        folders += std::count(own, name.end(), QChar(u'/'));
+        folders += std::count(own, name.end(), '/');
         before = name;
     }
     if (folders > Storage::mostPackageEntries) {
@@ -70,12 +114,15 @@ void requireFewFolders(const QString &listing)
 void requireRoom(const std::filesystem::path &unpacked)
 {
     std::int64_t bytes = 0;
-    forEachItem(unpacked, [&bytes](const std::filesystem::directory_entry &item) {
-        std::error_code failure;
-        const std::uintmax_t size
-            = item.is_regular_file(failure) && !item.is_symlink(failure) ? item.file_size(failure) : 0;
-        bytes += failure ? 0 : std::int64_t(size);
-    });
+    Storage::forEachBelow(
+        unpacked, Storage::Unreadable::Throw, [&bytes](const std::filesystem::path &item, Files::Kind kind) {
+            std::error_code failure;
+            const std::uintmax_t size = kind == Files::Kind::File ? std::filesystem::file_size(item, failure) : 0;
+            if (failure && failure != std::errc::no_such_file_or_directory) {
+                throw std::filesystem::filesystem_error("stat", item, failure);
+            }
+            bytes += failure ? 0 : std::int64_t(size);
+        });
     if (bytes > Storage::largestPackage) {
         throw MarluneError(QStringLiteral("Rozpakowany motyw przekracza 100 MB."));
     }
@@ -84,15 +131,80 @@ void requireRoom(const std::filesystem::path &unpacked)
 /// An archive can say of its files and folders that nobody may read them, or remove what is in them.
 void takeOver(const std::filesystem::path &unpacked)
 {
-    forEachItem(unpacked, [](const std::filesystem::directory_entry &item) {
-        using std::filesystem::perms;
-        std::error_code ignored;
-        const std::filesystem::file_status status = item.symlink_status(ignored);
-        const perms needed = is_directory(status) ? perms::owner_all : perms::owner_read | perms::owner_write;
-        if (!is_symlink(status) && (status.permissions() & needed) != needed) {
-            std::filesystem::permissions(item, needed, ignored);
+    using std::filesystem::perms;
+    Storage::forEachBelow(
+        unpacked, Storage::Unreadable::PassOver, [](const std::filesystem::path &item, Files::Kind kind) {
+            std::error_code ignored; // what cannot be read is refused later
+            if (kind == Files::Kind::Folder) {
+                std::filesystem::permissions(item, perms::owner_all, ignored);
+            } else if (kind == Files::Kind::File) {
+                std::filesystem::permissions(item, perms::owner_read | perms::owner_write, ignored);
+            }
+        });
+}
+
+/// Whatever was read before: nothing but plain files and folders has come out, and the files are those inspected.
+void requireInspected(const std::filesystem::path &unpacked, const Storage::ZipContents &contents)
+{
+    std::set<std::filesystem::path> missing;
+    for (const Storage::ZipContents::Entry &entry : contents.entries) {
+        const std::filesystem::path file = (unpacked / entry.name.toStdString()).lexically_normal();
+        if (!entry.name.endsWith('/') && !missing.insert(file).second) {
+            refusePackage(); // one has overwritten the other
         }
-    });
+    }
+    Storage::forEachBelow(
+        unpacked, Storage::Unreadable::Throw, [&missing](const std::filesystem::path &item, Files::Kind kind) {
+            if (kind == Files::Kind::Link) {
+                throw MarluneError(QStringLiteral("Paczka zawiera dowiązanie symboliczne."));
+            }
+            if (kind == Files::Kind::Other) {
+                throw MarluneError(QStringLiteral("Paczka zawiera dowiązanie lub plik specjalny."));
+            }
+            if (kind == Files::Kind::File && missing.erase(item) == 0) {
+                refusePackage();
+            }
+        });
+    if (!missing.empty()) {
+        refusePackage();
+    }
+}
+
+void unpack(const std::filesystem::path &scratch, const std::filesystem::path &unpacked)
+{
+    if (diskCalls().mkdir(unpacked.c_str(), 0700) != 0) {
+        Files::throwFailure(errno, unpacked);
+    }
+    Storage::ToolBounds bounds {.folder = scratch};
+    // One byte too many, so that it is told from a file that just fits.
+    bounds.largestFile = Storage::largestPackage + 1;
+    bounds.mostOutput = 0x10000; // it says nothing as long as all is well
+    bounds.watch = [&unpacked] {
+        try {
+            requireRoom(unpacked);
+        } catch (const std::system_error &failure) {
+            // The tool gives folders their modes at its end. They are counted when they have been taken over.
+            if (failure.code() != std::errc::permission_denied) {
+                throw;
+            }
+        }
+    };
+    // Never asks (-o), takes no control character and no version number out of a name (-^, -V), sets no times (-DD).
+    const QStringList options {
+        QStringLiteral("-qq"), QStringLiteral("-o"), QStringLiteral("-^"), QStringLiteral("-V"), QStringLiteral("-DD")};
+    try {
+        (void)Storage::run(tool, options + QStringList {packageName, QStringLiteral("-d"), unpackedName}, bounds);
+    } catch (const MarluneError &failure) {
+        takeOver(unpacked);
+        if (failure.message().contains(QStringLiteral("disk full"))) {
+            throw std::system_error(ENOSPC, std::generic_category());
+        }
+        throw;
+    } catch (...) {
+        takeOver(unpacked);
+        throw;
+    }
+    takeOver(unpacked);
 }
 
 } // namespace
@@ -101,34 +213,19 @@ namespace Storage {
 
 std::filesystem::path unpackZip(const std::filesystem::path &zip, const std::filesystem::path &scratch)
 {
-    const QString tool = QStringLiteral("unzip");
+    const ZipContents contents = inspectZip(zip);
     const std::filesystem::path copy = scratch / Files::fromText(packageName);
-    copyPackage(zip, copy);
-    inspectZip(copy);
+    onComputersDisk(copy, [&] { copyPackage(zip, contents, copy); });
+    if (inspectZip(copy) != contents) {
+        refusePackage(); // another program has written to it meanwhile
+    }
+    requireFewFolders(contents);
 
-    ToolBounds bounds;
-    bounds.folder = scratch;
-    const QString listing = run(tool, {QStringLiteral("-Z1"), packageName}, bounds);
-    validateZipListing(listing);
-    requireFewFolders(listing);
-
+    requireListing(run(tool, {QStringLiteral("-Z1"), packageName}, {.folder = scratch, .merged = false}), contents);
     const std::filesystem::path unpacked = scratch / Files::fromText(unpackedName);
-    if (diskCalls().mkdir(unpacked.c_str(), 0700) != 0) {
-        const std::error_code failure(errno, std::generic_category());
-        throw std::filesystem::filesystem_error("mkdir", unpacked, failure);
-    }
-    bounds.largestFile = largestPackage + 1; // one byte too many, so that it is told from a file that just fits
-    bounds.watch = [&unpacked] { requireRoom(unpacked); };
-    // Never asks (-o), takes no control character and no version number out of a name (-^, -V), sets no times (-DD).
-    const QStringList options {
-        QStringLiteral("-qq"), QStringLiteral("-o"), QStringLiteral("-^"), QStringLiteral("-V"), QStringLiteral("-DD")};
-    try {
-        (void)run(tool, options + QStringList {packageName, QStringLiteral("-d"), unpackedName}, bounds);
-    } catch (...) {
-        takeOver(unpacked);
-        throw;
-    }
-    takeOver(unpacked);
+    onComputersDisk(unpacked, [&] { unpack(scratch, unpacked); });
+    requireRoom(unpacked);
+    requireInspected(unpacked, contents);
     rejectLinks(unpacked);
     return unpacked;
 }

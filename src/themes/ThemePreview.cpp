@@ -4,24 +4,14 @@
 #include "platform/PlainText.h"
 #include "platform/Sha256.h"
 
-#include <sys/stat.h>
-
 namespace {
 
 /// The firmware writes some ten thousand bytes at most. A larger file is not its own.
 constexpr std::int64_t largestConfiguration = 64'000;
 
-/// A regular file, no link to one.
 bool isPlainFile(const std::filesystem::path &path)
 {
-    struct stat status {};
-    return ::lstat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
-}
-
-bool isPlainFolder(const std::filesystem::path &path)
-{
-    struct stat status {};
-    return ::lstat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+    return Files::kindOrNone(path) == Files::Kind::File;
 }
 
 /// Whether all folders of `relative` below `root` are folders and no links.
@@ -30,7 +20,7 @@ bool arePlainFolders(const std::filesystem::path &root, const std::filesystem::p
     std::filesystem::path folder = root;
     for (const std::filesystem::path &piece : relative) {
         folder /= piece;
-        if (!isPlainFolder(folder)) {
+        if (Files::kindOrNone(folder) != Files::Kind::Folder) {
             return false;
         }
     }

@@ -135,6 +135,8 @@ TEST(ArtworkInstall, isDoneOrUndoneWhateverHappensAtWhicheverCall)
             if (fault != Fault::Dead || !reached) { // a dead disk takes nothing back
                 EXPECT_EQ(files, failure.empty() ? desk.after : old) << context;
             } else if (files != old) {
+                EXPECT_NE(failure.find("\n\nKopia: " + (desk.folder / "Backups/Covers-").string()), std::string::npos)
+                    << context;
                 EXPECT_EQ(saved[desk.music / "CD1/cover.jpeg"] + saved[desk.music / "CD1/1.jpeg"], "oldold") << context;
             }
             for (const auto &[name, bytes] : files) {

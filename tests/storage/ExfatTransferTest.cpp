@@ -1,9 +1,11 @@
-// A whole transfer onto a real case-insensitive disk that refuses what FAT refuses.
+// A whole transfer, and a playlist of it, onto a real case-insensitive disk that refuses what FAT refuses.
+#include "storage/Playlist.h"
 #include "storage/Transfer.h"
 
 #include "platform/Volumes.h"
 
 #include "support/ExfatVolume.h"
+#include "support/Messages.h"
 #include "support/SampleDevice.h"
 
 #include <gtest/gtest.h>
@@ -57,4 +59,9 @@ TEST(ExfatTransfer, givesEveryFileANameThatTheDiskTakes)
         EXPECT_EQ(result.skipped, 8 - copied);
         EXPECT_EQ(filesBelow(root / "Music"), expected);
     }
+    const std::filesystem::path track[] = {root / "Music/case/x/noextension"};
+    (void)Storage::playlist(QStringLiteral("Kto? \"x\""), track, root);
+    EXPECT_EQ(failureOf([&] { (void)Storage::playlist(QStringLiteral("KTO_ 'X'"), track, root); }),
+        "Playlista o tej nazwie już istnieje. Wybierz inną nazwę.");
+    EXPECT_EQ(fileBytes(root / "Playlists/Kto_ 'x'.m3u8"), "#EXTM3U\n/Music/case/x/noextension\n");
 }

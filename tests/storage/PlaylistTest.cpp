@@ -1,6 +1,5 @@
 #include "storage/Playlist.h"
 
-#include "support/ExfatVolume.h"
 #include "support/FailingDisk.h"
 #include "support/Messages.h"
 #include "support/SampleDevice.h"
@@ -54,17 +53,4 @@ TEST(Playlist, isWholeOrNotThereWhicheverCallFails)
         }
         EXPECT_EQ(filesBelow(desk.root), expected);
     }
-}
-
-TEST(Playlist, getsANameThatAFatDiskTakesAndReplacesNoneInOtherLetters)
-{
-    PlaylistDesk desk;
-    const ExfatVolume disk(desk.root = desk.folder / "DISK");
-    if (!disk.available()) {
-        GTEST_SKIP() << disk.reason();
-    }
-    std::filesystem::create_directories(desk.root / ".rockbox");
-    EXPECT_EQ(desk.failure("Kto? \"x\"", {desk.root / "a.mp3"}), "");
-    EXPECT_EQ(desk.failure("KTO_ 'X'", {desk.root / "b.mp3"}), nameTaken);
-    EXPECT_EQ(fileBytes(desk.root / "Playlists/Kto_ 'x'.m3u8"), "#EXTM3U\n/a.mp3\n");
 }

@@ -21,6 +21,8 @@ TEST(SystemTool, givesWhatTheProgramSaysAndFailsWhereItFails)
     EXPECT_EQ(runShell("echo Żółw; echo błąd >&2; echo dalej"), "Żółw\nbłąd\ndalej\n");
     EXPECT_EQ(runShell("printf '\\377'"), "");
     EXPECT_EQ(messageOf([] { runShell("echo pada; echo deszcz >&2; exit 3"); }), "pada\ndeszcz\n");
+    const std::string cut = messageOf([] { runShell("seq 100000; echo koniec; exit 1"); });
+    EXPECT_TRUE(cut.starts_with("…") && cut.ends_with("\nkoniec\n") && cut.size() < 1100) << cut;
     for (const char *mute : {"exit 1", "printf '\\377'; exit 1", "kill -KILL $$"}) {
         EXPECT_EQ(messageOf([&] { runShell(mute); }), "Błąd narzędzia systemowego.") << mute;
     }

@@ -1,13 +1,16 @@
 // What the archives made for the tests are held to is with the install of themes.
 #include "storage/ZipInspection.h"
+#include "storage/FolderTree.h"
 #include "storage/ZipUnpacking.h"
 
 #include "support/Archives.h"
+#include "support/ExfatVolume.h"
 #include "support/Messages.h"
 
 #include <gtest/gtest.h>
 
-#include <sys/stat.h>
+#include <sys/resource.h>
+#include <unistd.h>
 
 TEST(ZipInspection, refusesEveryTruncationAndSurvivesEveryChangedByte)
 {
@@ -27,15 +30,6 @@ TEST(ZipInspection, refusesEveryTruncationAndSurvivesEveryChangedByte)
     EXPECT_GT(refused, 300); // signatures, names and lengths; times, checksums and content are not looked at
 }
 
-TEST(ZipInspection, waitsForNoPipeAndReportsWhatCannotBeRead)
-{
-    const TemporaryFolder folder;
-    ASSERT_EQ(::mkfifo((folder / "pipe").c_str(), 0600), 0);
-    for (const char *name : {"pipe", "", "missing", "/dev/zero"}) {
-        EXPECT_THROW(Storage::inspectZip(folder / name), std::system_error) << name;
-    }
-}
-
 TEST(ZipListing, isHeldAgainstItsRulesInTheirOrder)
 {
     const std::string crowded = "Paczka jest pusta lub zawiera zbyt wiele plików.";
@@ -51,11 +45,37 @@ TEST(ZipListing, isHeldAgainstItsRulesInTheirOrder)
     }
 }
 
+namespace {
+
+/// To root no mode is an obstacle: while it lives, the test is another user, whom `folder` belongs to.
+class PlainUser {
+public:
+    explicit PlainUser(const std::filesystem::path &folder)
+    {
+        constexpr uid_t nobody = 65534;
+        if (m_root) {
+            EXPECT_EQ(::chown(folder.c_str(), nobody, nobody) | ::seteuid(nobody), 0);
+        }
+    }
+    ~PlainUser() { EXPECT_EQ(m_root ? ::seteuid(0) : 0, 0); }
+    PlainUser(const PlainUser &) = delete;
+    PlainUser &operator=(const PlainUser &) = delete;
+
+private:
+    const bool m_root = ::geteuid() == 0;
+};
+
+} // namespace
+
 TEST(ZipUnpacking, givesWhatItsOwnerAloneCanReadAndRemove)
 {
     for (const char *name : {"no-permissions.zip", "setuid.zip"}) {
         const TemporaryFolder folder;
-        const std::filesystem::path unpacked = Storage::unpackZip(archive(name), folder.path());
+        const auto zip = folder.write("zip", fileBytes(archive(name)));
+        const TemporaryFolder scratch;
+        std::filesystem::permissions(folder.path(), std::filesystem::perms(0755));
+        const PlainUser user(scratch.path());
+        const std::filesystem::path unpacked = Storage::unpackZip(zip, scratch.path());
         ASSERT_TRUE(std::filesystem::exists(unpacked / ".rockbox/wps/Dawn/back.bmp"));
         for (const auto &item : std::filesystem::recursive_directory_iterator(unpacked)) {
             const unsigned mode = unsigned(item.status().permissions());
@@ -63,4 +83,54 @@ TEST(ZipUnpacking, givesWhatItsOwnerAloneCanReadAndRemove)
             EXPECT_TRUE(!item.is_directory() || (mode & 0100) != 0) << item.path();
         }
     }
+}
+
+TEST(ZipUnpacking, trustsTheToolInNothing)
+{
+    const rlimit few {.rlim_cur = 1024, .rlim_max = 1024};
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &few), 0);
+    const std::string bad = "Nieprawidłowa lub niebezpieczna paczka ZIP.";
+    const std::string link = "Paczka zawiera dowiązanie symboliczne.";
+    const std::string nextLevel = "mkdir d && cd d && ";
+    std::string deep;
+    for (int level = 0; level < 1100; ++level) {
+        deep += nextLevel;
+    }
+    struct Row {
+        std::string listed; ///< what the tool does behind its list
+        std::string unpacked; ///< and behind what it unpacks
+        std::string message;
+    };
+    const Row rows[]
+        = {{"", "", ""}, {"echo more", "", bad}, {"printf '\\377'", "", "Nie można odczytać nazw plików w paczce."},
+            {"seq 1000; echo reason >&2; exit 1", "", "reason\n"}, {"", "echo >more", bad},
+            {"", "rm .rockbox/themes/Dawn.cfg", bad}, {"", "ln -s / .rockbox/wps/x", link},
+            {"", deep + "ln -s / x", link}, {"", "mv .rockbox .r && ln -s .r .rockbox", link},
+            {"", "mkfifo x", "Paczka zawiera dowiązanie lub plik specjalny."}};
+    const std::string path = ::getenv("PATH");
+    for (const Row &row : rows) {
+        const TemporaryFolder folder;
+        std::filesystem::create_directory(folder / "scratch");
+        const auto tool = folder.write("tools/unzip",
+            "#!/bin/sh\nPATH=${PATH#*:}\nunzip \"$@\" || exit\nif [ $1 = -Z1 ]\nthen :\n" + row.listed
+                + "\nelse :\ncd unpacked && " + (row.unpacked.empty() ? ":" : row.unpacked) + "\nfi\n");
+        std::filesystem::permissions(tool, std::filesystem::perms::owner_all);
+        ::setenv("PATH", ((folder / "tools").string() + ":" + path).c_str(), 1);
+        EXPECT_EQ(messageOf([&] { (void)Storage::unpackZip(archive("plain.zip"), folder / "scratch"); }), row.message)
+            << row.listed << row.unpacked.substr(0, 40);
+        Storage::removeTree(folder / "scratch");
+        EXPECT_FALSE(std::filesystem::exists(folder / "scratch"));
+    }
+    ::setenv("PATH", path.c_str(), 1);
+}
+
+TEST(ZipUnpacking, namesTheComputersDiskWhereItIsFull)
+{
+    const TemporaryFolder folder;
+    const ExfatVolume disk(folder / "scratch", 8 << 20);
+    if (!disk.available()) {
+        GTEST_SKIP() << disk.reason();
+    }
+    EXPECT_EQ(messageOf([&] { (void)Storage::unpackZip(archive("100-MiB.zip"), disk.mountPoint()); }),
+        "Na dysku komputera zabrakło miejsca.");
 }

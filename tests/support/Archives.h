@@ -7,12 +7,14 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include <map>
 #include <vector>
 
 struct Archive {
     std::string name;
     std::string inspection; ///< what the inspection says; "" of a good archive
     std::string installation; ///< what the installation says, "*" where the words are a tool's own
+    std::map<std::string, std::string> files; ///< what a good one brings, below `.rockbox`, with the SHA-256 of each
 };
 
 [[nodiscard]] inline std::filesystem::path archive(const char *name)
@@ -28,8 +30,12 @@ inline std::vector<Archive> archives()
     std::vector<Archive> result;
     for (auto entry = entries.begin(); entry != entries.end(); ++entry) {
         const QJsonArray expected = entry.value().toArray();
-        result.push_back(
-            {entry.key().toStdString(), expected[0].toString().toStdString(), expected[1].toString().toStdString()});
+        result.push_back({entry.key().toStdString(), expected[0].toString().toStdString(),
+            expected[1].toString().toStdString(), {}});
+        const QJsonObject files = expected[2].toObject();
+        for (auto file = files.begin(); file != files.end(); ++file) {
+            result.back().files[file.key().toStdString()] = file.value().toString().toStdString();
+        }
     }
     return result;
 }
