@@ -194,8 +194,7 @@ private:
         try {
             const Files::Descriptor folder = openFolderAt(parent, name);
             empty(folder.get(), name, depth);
-        } catch (
-            const std::system_error &) { // NOLINT(bugprone-empty-catch): what holds something still cannot go below
+        } catch (const std::system_error &) { // NOLINT(bugprone-empty-catch): a folder that still holds something stays
         }
         diskCalls().unlinkat(parent, name, AT_REMOVEDIR);
     }

@@ -94,6 +94,7 @@ void requireListing(const QString &listing, const Storage::ZipContents &contents
 void requireFewFolders(const Storage::ZipContents &contents)
 {
     std::vector<QByteArray> names;
+    names.reserve(contents.entries.size());
     for (const Storage::ZipContents::Entry &entry : contents.entries) {
         names.push_back(entry.name);
     }
