@@ -336,6 +336,14 @@ void synchroniseFolder(const std::filesystem::path &folder)
     }
 }
 
+void synchroniseName(const std::filesystem::path &file)
+{
+    try {
+        synchroniseFolder(file.parent_path());
+    } catch (const std::system_error &) { // NOLINT(bugprone-empty-catch): as promised
+    }
+}
+
 std::string newIdentifier()
 {
     return QUuid::createUuid().toByteArray(QUuid::WithoutBraces).toUpper().toStdString();

@@ -91,6 +91,9 @@ void synchronise(int descriptor);
 void makeFolders(const std::filesystem::path &folder);
 /// Returns when the names in `folder` are on the medium, where the file system can do that.
 void synchroniseFolder(const std::filesystem::path &folder);
+/// Brings a file's new name to the medium, where the file system can do that. By itself it gets there in some seconds,
+/// and the file is whole without it, so a failure is none of the caller's.
+void synchroniseName(const std::filesystem::path &file);
 
 /// A new UUID's text, in capitals.
 [[nodiscard]] std::string newIdentifier();

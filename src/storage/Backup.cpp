@@ -103,16 +103,6 @@ void nameBackup(const std::filesystem::path &temporary, const std::filesystem::p
     }
 }
 
-/// Brings the new name to the medium at once; by itself it gets there in some seconds, and the backup is complete
-/// without it.
-void synchroniseName(const std::filesystem::path &folder)
-{
-    try {
-        Files::synchroniseFolder(folder);
-    } catch (const std::system_error &) { // NOLINT(bugprone-empty-catch): as above
-    }
-}
-
 } // namespace
 
 namespace Storage {
@@ -138,7 +128,7 @@ void backup(const std::filesystem::path &root, const std::filesystem::path &dest
         removeTree(temporary);
         throw;
     }
-    synchroniseName(target.parent_path());
+    Files::synchroniseName(target);
 }
 
 } // namespace Storage

@@ -6,6 +6,9 @@
 #include "platform/DiskCalls.h"
 #include "platform/MarluneError.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <cerrno>
 #include <utility>
@@ -25,6 +28,7 @@ namespace Storage {
 
 FileChanges::FileChanges(std::filesystem::path root, CopyOf copyOf, Files::Durability durability)
     : m_root(std::move(root))
+    , m_disk(::open(m_root.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC))
     , m_copyOf(std::move(copyOf))
     , m_durability(durability)
 {
@@ -63,11 +67,21 @@ bool FileChanges::undo() noexcept
     return complete;
 }
 
+void FileChanges::requireSameDisk() const
+{
+    struct stat held {};
+    struct stat present {};
+    if (::fstat(m_disk.get(), &held) != 0 || ::stat(m_root.c_str(), &present) != 0 || held.st_dev != present.st_dev) {
+        Files::throwFailure(ENODEV, m_root);
+    }
+}
+
 // The change of a file that was there is noted before it is tried: a call can fail after the disk has done its work.
 
 void FileChanges::write(const QByteArray &bytes, const std::filesystem::path &file)
 {
     (void)Device::inspect(m_root);
+    requireSameDisk();
     if (m_copyOf(file)) {
         m_tried.push_back(file);
         writeBytes(bytes, file, m_durability);
@@ -93,6 +107,7 @@ void FileChanges::create(const QByteArray &bytes, const std::filesystem::path &f
 void FileChanges::remove(const std::filesystem::path &file)
 {
     (void)Device::inspect(m_root);
+    requireSameDisk();
     m_tried.push_back(file);
     if (diskCalls().unlink(file.c_str()) != 0) {
         Files::throwFailure(errno, file);
@@ -107,13 +122,14 @@ void FileChanges::keep()
 
 void FileChanges::synchronise() const
 {
-    if (m_durability == Files::Durability::Later && !m_tried.empty()) {
+    if (!m_tried.empty()) { // the names, even where each file is there already
         Files::synchroniseVolume(Files::exists(m_tried.back()) ? m_tried.back() : m_root);
     }
 }
 
 void FileChanges::putBack(const std::filesystem::path &file) const
 {
+    requireSameDisk();
     if (const std::optional<std::filesystem::path> copy = m_copyOf(file)) {
         copyOver(*copy, file, m_durability);
     } else {

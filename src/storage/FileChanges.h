@@ -28,8 +28,8 @@ public:
     FileChanges(const FileChanges &) = delete;
     FileChanges &operator=(const FileChanges &) = delete;
 
-    /// Both look at the device again first. They throw its MarluneError or the system's failure. A file without a copy
-    /// must not be there: the write fails with EEXIST where one has appeared.
+    /// Both look at the device again first, and refuse another one at its place. They throw its MarluneError or the
+    /// system's failure. A file without a copy must not be there: the write fails with EEXIST where one has appeared.
     void write(const QByteArray &bytes, const std::filesystem::path &file);
     void remove(const std::filesystem::path &file);
 
@@ -42,12 +42,14 @@ public:
     void keep();
 
 private:
+    void requireSameDisk() const;
     void create(const QByteArray &bytes, const std::filesystem::path &file);
     [[nodiscard]] bool undo() noexcept;
     void putBack(const std::filesystem::path &file) const;
     void synchronise() const;
 
     std::filesystem::path m_root;
+    Files::Descriptor m_disk; ///< keeps its number from going to another disk at the same place
     CopyOf m_copyOf;
     Files::Durability m_durability;
     std::vector<std::filesystem::path> m_tried;

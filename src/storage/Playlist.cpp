@@ -67,6 +67,7 @@ std::filesystem::path playlist(
         }
         throw;
     }
+    Files::synchroniseName(file);
     return file;
 }
 

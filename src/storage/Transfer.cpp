@@ -136,6 +136,9 @@ TransferResult transfer(
         result.destinations.push_back(std::move(destination.path));
         progress(int(result.destinations.size()), int(files.size()));
     }
+    if (result.copied > 0) {
+        Files::synchroniseVolume(root); // each file is there by now, its name perhaps not
+    }
     return result;
 }
 

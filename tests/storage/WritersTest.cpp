@@ -1,3 +1,4 @@
+#include "storage/FileChanges.h"
 #include "storage/Writers.h"
 #include "storage/Digest.h"
 
@@ -87,4 +88,25 @@ TEST(Digest, isTheStandards)
     }
     EXPECT_NE(failureOf([&] { (void)Storage::digest(folder / "missing"); }), "");
     EXPECT_NE(failureOf([&] { (void)Storage::digest(folder.path()); }), "");
+}
+
+TEST(FileChanges, leaveAnotherDiskAtTheSamePlaceAlone)
+{
+    const TemporaryFolder folder;
+    const TemporaryFolder memory("/dev/shm");
+    for (const TemporaryFolder *disk : {&folder, &memory}) {
+        makeDevice(*disk, "IPOD");
+    }
+    memory.write("IPOD/new", "theirs");
+    const std::filesystem::path place = folder / "place";
+    create_directory_symlink(folder.path(), place);
+    {
+        Storage::FileChanges changes(place / "IPOD", [](const auto &) { return std::nullopt; });
+        changes.write("ours", place / "IPOD/new");
+        std::filesystem::remove(place);
+        create_directory_symlink(memory.path(), place);
+        EXPECT_THROW(changes.write("more", place / "IPOD/other"), std::system_error);
+    } // undoes
+    EXPECT_EQ(fileBytes(memory / "IPOD/new"), "theirs");
+    EXPECT_FALSE(exists(memory / "IPOD/other"));
 }
