@@ -1,11 +1,11 @@
 #include "platform/AudioEngine.h"
 
+#include "platform/Background.h"
 #include "platform/Files.h"
 #include "platform/Mpv.h"
 #include "platform/RegularFile.h"
 
 #include <string>
-#include <thread>
 #include <utility>
 
 namespace {
@@ -218,7 +218,7 @@ AudioEngine::~AudioEngine()
         players->end();
     };
     try {
-        std::thread(end).detach();
+        BackgroundJobs::startDetached(end);
     } catch (const std::system_error &) { // no thread to be had
         end();
     }

@@ -12,7 +12,6 @@
 #include <cstring>
 #include <optional>
 #include <system_error>
-#include <thread>
 
 namespace {
 
@@ -133,7 +132,7 @@ void AudioOutput::Parts::makeEngine()
     };
     m_players->begin();
     try {
-        std::thread(make).detach();
+        BackgroundJobs::startDetached(make);
     } catch (const std::system_error &) { // no thread to be had
         m_players->end();
         land(nullptr);

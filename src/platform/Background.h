@@ -21,6 +21,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <thread>
 #include <type_traits>
 #include <variant>
 
@@ -56,6 +57,16 @@ template <std::invocable Work> void startOn(QThreadPool &pool, Work work)
     };
     orderHandover();
     pool.start(std::move(task));
+}
+
+/// Runs `work` on a thread of its own, which nobody waits for. Throws std::system_error where there is none to be had.
+template <std::invocable Work> void startDetached(Work work)
+{
+    orderHandover();
+    std::thread([work = std::move(work)]() mutable {
+        orderHandover();
+        work();
+    }).detach();
 }
 
 /// A job and its outcome, shared by the two threads.
