@@ -84,6 +84,7 @@ struct NewUser {
             .ejectVolume = [](const std::filesystem::path &) {},
             .themeSite = {},
             .covers = &covers,
+            .audioOutput = "null",
             .panels = &panels};
     }
 
@@ -317,6 +318,26 @@ private Q_SLOTS:
             left.begin(), left.end(), [](const QualityIssue &issue) { return issue.kind == QualityKind::covers; }));
         QTRY_COMPARE(
             user.item("issueList")->property("count").toULongLong(), left.size() + model.duplicateIssues().size());
+    }
+
+    void playsAnAlbumAndSkips()
+    {
+        NewUser user;
+        Playback &playback = user.program.model().playback();
+        user.begin(sample / "Music/Low Tide Almanac");
+        QTRY_VERIFY(user.tile("Soundings"));
+        QQuickItem *const tile = user.tile("Soundings");
+        QTest::mouseMove(user.program.window(), tile->mapToScene({20, 20}).toPoint());
+        QTRY_VERIFY(user.item("playButton", tile));
+        user.click(user.item("playButton", tile));
+        QTRY_VERIFY(playback.playing());
+        const std::vector<Track> tracks = user.program.model().albums()->front()->tracks;
+        user.clickNamed("nextButton");
+        QTRY_VERIFY(playback.playing() && playback.current()->id != tracks[0].id);
+        QCOMPARE(user.shownText("heading"),
+            QStringLiteral("Odsłuch na Macu · %1 · %2").arg(playback.current()->title, tracks[0].artist).toStdString());
+        user.clickNamed("stopButton");
+        QTRY_VERIFY(!playback.current() && !user.item("stopButton"));
     }
 
     void goesOnWhenTheDeviceIsTakenAwayInTheMiddle()
