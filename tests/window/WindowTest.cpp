@@ -10,6 +10,7 @@
 #include "ui/MarluneApp.h"
 
 #include <QGuiApplication>
+#include <QProcess>
 #include <QQuickItem>
 #include <QQuickWindow>
 #include <QScopeGuard>
@@ -253,9 +254,16 @@ private Q_SLOTS:
         QTRY_VERIFY_WITH_TIMEOUT(model.alert(), 30'000);
         user.clickNamed("alertOk");
         const FileMap before = filesBelow(user.device / ".rockbox");
+        const std::filesystem::path package = packedTheme(user, QStringLiteral("Glacier"));
+        QTRY_COMPARE(user.shownText("themeCount"), std::string("1 zainstalowanych motywów"));
         model.installTheme();
-        user.panels.answer({std::filesystem::path(MARLUNE_ARCHIVES) / "plain.zip"});
-        QTRY_COMPARE(user.shownText("themeCount"), std::string("3 zainstalowanych motywów"));
+        user.panels.answer({package});
+        QTRY_COMPARE(user.shownText("themeCount"), std::string("2 zainstalowanych motywów"));
+        QVERIFY(filesBelow(user.device / ".rockbox") == before);
+        const auto picture = model.themePreviews().value(model.themes().at(1).id()).playing;
+        QVERIFY(picture);
+        const QString file = QString::fromStdString(std::get<std::filesystem::path>(*picture).string());
+        QCOMPARE(QImage(file).size(), QSize(320, 240));
         QTRY_COMPARE(model.backups().size(), 3U); // of the settings; two of covers were made by the transfer
         const std::filesystem::path backup = model.backups().at(2);
         QCOMPARE(fileBytes(backup / "config.cfg"), before.at("config.cfg"));
@@ -366,6 +374,27 @@ private Q_SLOTS:
     }
 
 private:
+    /// The theme in a package of its own, and no longer on the device.
+    static std::filesystem::path packedTheme(NewUser &user, const QString &name)
+    {
+        const std::filesystem::path package = user.folder / "theme.zip";
+        QProcess zip;
+        zip.setWorkingDirectory(QString::fromStdString(user.device.string()));
+        zip.start(QStringLiteral("zip"),
+            {QStringLiteral("-qr"), QString::fromStdString(package.string()), QStringLiteral(".rockbox"),
+                QStringLiteral("-i"), u'*' + name + u'*'});
+        if (!zip.waitForFinished() || zip.exitCode() != 0) {
+            throw std::runtime_error("no package");
+        }
+        for (const auto &[file, bytes] : filesBelow(user.device / ".rockbox")) {
+            if (file.find(name.toStdString()) != std::string::npos) {
+                std::filesystem::remove(user.device / ".rockbox" / file);
+            }
+        }
+        user.program.model().refresh();
+        return package;
+    }
+
     static void queueTwoAlbums(NewUser &user)
     {
         for (const auto &[text, title] : {std::pair("soundings", "Soundings"), std::pair("what now", "What Now?")}) {
