@@ -134,8 +134,7 @@ QCoro::Task<> MarluneModel::applyArtwork(Album album, QByteArray data, CoverPlac
 
 void MarluneModel::noteArtwork(const Album &album, const PreparedCover &cover, bool onDevice)
 {
-    Settings &settings = m_environment.settings;
-    QMap<QString, QString> overrides = settings.textMap(overridesKey);
+    QMap<QString, QString> overrides;
     const QString stored = Files::text(cover.stored);
     overrides.insert(album.id(), stored);
     QSet<QUuid> ids;
@@ -143,7 +142,7 @@ void MarluneModel::noteArtwork(const Album &album, const PreparedCover &cover, b
         overrides.insert(overrideKey(track.artist, track.album, track.url.parent_path()), stored);
         ids.insert(track.id);
     }
-    settings.setTextMap(overridesKey, overrides);
+    m_environment.settings.insertTexts(overridesKey, overrides);
 
     for (Track &track : onDevice ? m_deviceTracks : m_tracks) {
         if (ids.contains(track.id)) {

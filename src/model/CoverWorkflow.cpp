@@ -30,9 +30,8 @@ std::optional<CoverCandidate> onlyMatch(const std::vector<CoverCandidate> &candi
 
 void MarluneModel::saveCoverSource(const CoverCandidate &candidate, const Album &album)
 {
-    QMap<QString, QString> sources = m_environment.settings.textMap(sourcesKey);
-    sources.insert(album.id(), candidate.pageURL(m_environment.covers.services()).toString());
-    m_environment.settings.setTextMap(sourcesKey, sources);
+    m_environment.settings.insertTexts(
+        sourcesKey, {{album.id(), candidate.pageURL(m_environment.covers.services()).toString()}});
 }
 
 void MarluneModel::downloadCover(

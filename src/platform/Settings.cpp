@@ -244,13 +244,13 @@ void Settings::setTexts(const QString &key, const QStringList &value)
     set(key, QJsonArray::fromStringList(value));
 }
 
-void Settings::setTextMap(const QString &key, const QMap<QString, QString> &value)
+void Settings::insertTexts(const QString &key, const QMap<QString, QString> &entries)
 {
-    QJsonObject object;
-    for (auto entry = value.begin(); entry != value.end(); ++entry) {
-        object.insert(entry.key(), entry.value());
+    QJsonObject map = m_values.value(key).toObject();
+    for (auto entry = entries.begin(); entry != entries.end(); ++entry) {
+        map.insert(entry.key(), *entry);
     }
-    set(key, object);
+    set(key, map);
 }
 
 void Settings::remove(const QString &key)

@@ -39,7 +39,8 @@ public:
     void setText(const QString &key, const QString &value);
     void setNumber(const QString &key, double value);
     void setTexts(const QString &key, const QStringList &value);
-    void setTextMap(const QString &key, const QMap<QString, QString> &value);
+    /// Adds to the map of this key, or replaces there; quick for a large map too.
+    void insertTexts(const QString &key, const QMap<QString, QString> &entries);
     void remove(const QString &key);
 
     /// What the user should know of the file as it was found; empty if all is well.

@@ -19,7 +19,8 @@ TEST(Settings, comeBackAtTheNextStart)
         settings.setText(oddKey, QStringLiteral("czarny"));
         settings.setNumber(plain, 181.5);
         settings.setTexts(QStringLiteral("list"), texts);
-        settings.setTextMap(QStringLiteral("map"), {{oddKey, QStringLiteral("/x")}});
+        settings.insertTexts(QStringLiteral("map"), {{oddKey, QStringLiteral("/w")}, {plain, QStringLiteral("/y")}});
+        settings.insertTexts(QStringLiteral("map"), {{oddKey, QStringLiteral("/x")}});
         settings.setText(QStringLiteral("gone"), QStringLiteral("x"));
         settings.remove(QStringLiteral("gone"));
     }
@@ -27,7 +28,8 @@ TEST(Settings, comeBackAtTheNextStart)
     EXPECT_EQ(settings.text(oddKey), QStringLiteral("czarny"));
     EXPECT_EQ(settings.number(plain), 181.5);
     EXPECT_EQ(settings.texts(QStringLiteral("list")), texts);
-    EXPECT_EQ(settings.textMap(QStringLiteral("map")).value(oddKey), QStringLiteral("/x"));
+    EXPECT_EQ(settings.textMap(QStringLiteral("map")),
+        (QMap<QString, QString> {{oddKey, QStringLiteral("/x")}, {plain, QStringLiteral("/y")}}));
     EXPECT_FALSE(settings.text(QStringLiteral("gone")));
     EXPECT_FALSE(settings.text(plain)); // another type
     EXPECT_FALSE(holdsPartialFile(folder.path()));
