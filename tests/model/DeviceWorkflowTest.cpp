@@ -1,5 +1,6 @@
 // Devices found, chosen, lost and ejected.
 #include "support/ModelDesk.h"
+#include "support/OpenFiles.h"
 
 #include "platform/MarluneError.h"
 
@@ -148,21 +149,15 @@ private Q_SLOTS:
         std::filesystem::copy_file(
             std::filesystem::path(MARLUNE_SOURCE_DIR) / "tests/data/media/variable-rate.mp3", track.url);
         Playback &playback = connected.model->playback();
-        const auto openOnDevice = [&] {
-            const auto files = std::filesystem::directory_iterator("/proc/self/fd");
-            return std::count_if(begin(files), end(files), [&](const std::filesystem::path &file) {
-                std::error_code gone;
-                return std::filesystem::read_symlink(file, gone) == track.url;
-            });
-        };
-        std::ptrdiff_t openAtEject = -1;
+        const auto openOnDevice = [&] { return openFilesBelow(connected.device.root).size(); };
+        std::size_t openAtEject = 1;
         connected.desk.ejector = [&](const std::filesystem::path &) { openAtEject = openOnDevice(); };
         playback.play(track, {});
         QTRY_VERIFY(playback.playing());
-        QCOMPARE(openOnDevice(), 1);
+        QCOMPARE(openOnDevice(), 1U);
         connected.model->eject();
         ModelDesk::waitForJobs(*connected.model);
-        QCOMPARE(openAtEject, 0);
+        QCOMPARE(openAtEject, 0U);
         QVERIFY(!playback.current());
     }
 
