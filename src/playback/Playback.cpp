@@ -1,6 +1,7 @@
 #include "playback/Playback.h"
 
 #include <algorithm>
+#include <limits>
 #include <utility>
 
 namespace {
@@ -106,13 +107,10 @@ void Playback::toggle()
     case Audio::Opening:
         break;
     case Audio::Ended:
-        setPosition(m_position < m_duration ? m_position : 0);
+        setPosition(isEnd(m_position) ? 0 : m_position);
         open(m_current->url, m_position);
         break;
     case Audio::Open:
-        if (!m_playing && m_position >= m_duration) {
-            seek(0);
-        }
         setPaused(m_playing);
         break;
     }
@@ -154,8 +152,12 @@ void Playback::seek(double seconds)
     if (m_audio != Audio::Open && m_audio != Audio::Ended) {
         return;
     }
-    setPosition(within(seconds, m_duration));
-    m_output.seek(m_position);
+    setPosition(within(seconds, m_duration > 0 ? m_duration : std::numeric_limits<double>::max()));
+    if (m_audio == Audio::Open && !m_playing && isEnd(m_position)) {
+        m_audio = Audio::Ended; // without the player, which would close the file there
+    } else {
+        m_output.seek(m_position);
+    }
     Q_EMIT sought();
 }
 
@@ -179,9 +181,10 @@ void Playback::previous()
 
 std::function<void()> Playback::release(const std::filesystem::path &root)
 {
-    if (!m_current || !namesBelow(m_current->url, root)) {
+    if (m_current && !namesBelow(m_current->url, root)) {
         return [] { };
     }
+    // Without a track too: the one stopped last may not be closed yet.
     std::function<void()> closed = m_output.release();
     clear();
     return closed;
@@ -197,6 +200,9 @@ void Playback::noteStart(double duration)
 
 void Playback::notePosition(double seconds)
 {
+    if (m_audio != Audio::Open) { // moved to its end since it was asked
+        return;
+    }
     if (m_timer.isActive() && seconds > 0) {
         m_timer.start(positionInterval);
     }
@@ -220,6 +226,7 @@ void Playback::noteFailure(AudioOutput::Failure failure, const QString &reason)
     m_timer.stop();
     m_audio = Audio::Absent;
     setPlaying(false);
+    setPosition(0);
     setError(describe(failure, reason));
 }
 

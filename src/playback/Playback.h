@@ -50,8 +50,8 @@ public:
     Q_INVOKABLE void seek(double seconds);
     Q_INVOKABLE void next();
     Q_INVOKABLE void previous();
-    /// Stops if the loaded track lies below `root`. Returns a function that waits a few seconds at most until its file
-    /// is closed, for a background job that is to unmount the disk.
+    /// Stops if the loaded track lies below `root`. Returns a function that waits a few seconds at most until its file,
+    /// or that of the track stopped last, is closed, for a background job that is to unmount the disk.
     [[nodiscard]] std::function<void()> release(const std::filesystem::path &root);
 
 Q_SIGNALS:
@@ -72,9 +72,11 @@ private:
         Absent, ///< nothing is loaded, or it has failed
         Opening,
         Open,
-        Ended, ///< played to its end; to play it again is to open it again
+        Ended, ///< played, or moved while paused, to its end; to play it again is to open it again
     };
 
+    /// False for any place of a track of unknown length.
+    [[nodiscard]] bool isEnd(double position) const { return m_duration > 0 && position >= m_duration; }
     [[nodiscard]] QString errorText() const { return m_error.value_or(QString()); }
     void start(Track track);
     void open(const std::filesystem::path &file, double fromSeconds);

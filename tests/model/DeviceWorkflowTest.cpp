@@ -142,23 +142,28 @@ private Q_SLOTS:
 
     void closesTheTrackOnADeviceBeforeEjecting()
     {
-        Connected connected;
-        Track track;
-        track.id = QUuid::createUuid();
-        track.url = connected.device.root / "a.mp3";
-        std::filesystem::copy_file(
-            std::filesystem::path(MARLUNE_SOURCE_DIR) / "tests/data/media/variable-rate.mp3", track.url);
-        Playback &playback = connected.model->playback();
-        const auto openOnDevice = [&] { return openFilesBelow(connected.device.root).size(); };
-        std::size_t openAtEject = 1;
-        connected.desk.ejector = [&](const std::filesystem::path &) { openAtEject = openOnDevice(); };
-        playback.play(track, {});
-        QTRY_VERIFY(playback.playing());
-        QCOMPARE(openOnDevice(), 1U);
-        connected.model->eject();
-        ModelDesk::waitForJobs(*connected.model);
-        QCOMPARE(openAtEject, 0U);
-        QVERIFY(!playback.current());
+        for (const bool stopped : {false, true}) {
+            Connected connected;
+            Track track;
+            track.id = QUuid::createUuid();
+            track.url = connected.device.root / "a.mp3";
+            std::filesystem::copy_file(
+                std::filesystem::path(MARLUNE_SOURCE_DIR) / "tests/data/media/variable-rate.mp3", track.url);
+            Playback &playback = connected.model->playback();
+            const auto openOnDevice = [&] { return openFilesBelow(connected.device.root).size(); };
+            std::size_t openAtEject = 1;
+            connected.desk.ejector = [&](const std::filesystem::path &) { openAtEject = openOnDevice(); };
+            playback.play(track, {});
+            QTRY_VERIFY(playback.playing());
+            QCOMPARE(openOnDevice(), 1U);
+            if (stopped) {
+                playback.stop(); // the player has not closed it yet
+            }
+            connected.model->eject();
+            ModelDesk::waitForJobs(*connected.model);
+            QCOMPARE(openAtEject, 0U);
+            QVERIFY(!playback.current());
+        }
     }
 
     void ejectsOnlyAnIdleVolumeAndDropsASecondLongJob()

@@ -197,8 +197,29 @@ TEST_F(PlaybackTest, aFileThatVanishesEndsTheQueueWithoutLosingIt)
     folder.write("1.wav", wave(5));
     playback.toggle();
     EXPECT_TRUE(sounds());
-    playback.next();
-    EXPECT_EQ(playback.current(), list[2]);
+    // From its middle, which is no place to go back to once it has failed.
+    playback.toggle();
+    playback.seek(5);
+    playback.seek(4);
+    std::filesystem::remove(list[1].url);
+    playback.toggle();
+    ASSERT_TRUE(eventually([this] { return playback.error().has_value(); }));
+    EXPECT_TRUE(playback.current() == list[1] && playback.hasPrevious());
+    playback.previous();
+    EXPECT_EQ(playback.current(), list[0]);
+    EXPECT_TRUE(sounds() && playback.hasNext() && !playback.hasPrevious());
+}
+
+TEST_F(PlaybackTest, aTrackOfUnknownLengthGoesOnWhereItWasPaused)
+{
+    ASSERT_EQ(errorOf(media / "musepack.mpc"), QString()); // the player knows no length of that
+    if (playback.playing()) { // else it has ended by now
+        playback.toggle();
+    }
+    playback.seek(0.3);
+    EXPECT_EQ(playback.position(), 0.3);
+    playback.toggle();
+    EXPECT_EQ(playback.position(), 0.3);
 }
 
 TEST_F(PlaybackTest, manyTracksInARushLeaveOneFileOpen)
@@ -251,7 +272,8 @@ TEST_F(PlaybackTest, aDiskThatHangsHoldsUpNothingElse)
     }
     const std::filesystem::path stuck = folder.write("disk/stuck.wav", wave(5));
     const Track good = tracks(1, 5).front();
-    playback.prepare();
+    playback.play(good, {});
+    ASSERT_TRUE(sounds()); // the player is there before the disk stops
     ASSERT_EQ(::kill(driver, SIGSTOP), 0);
     playback.play(trackAt(stuck), {});
     EXPECT_FALSE(eventually([this] { return playback.playing() || playback.error(); }, 200));
