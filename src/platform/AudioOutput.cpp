@@ -27,6 +27,7 @@ constexpr std::uint64_t requestKinds = 8;
 struct Seen {
     std::int64_t started = 0; ///< the entry begun last
     bool loaded = false; ///< and has sound, as its head tells
+    bool played = false; ///< and was heard, or soon will be
     bool running = false; ///< and plays: now, or again after a seek
     std::int64_t ended = 0; ///< the entry ended last
     mpv_event_end_file end {};
@@ -68,12 +69,15 @@ struct AudioOutput::Parts : std::enable_shared_from_this<Parts> {
     void command(Request request, std::initializer_list<const char *> words);
     void set(const char *property, const QByteArray &value);
     void ask(Request request, const char *property, mpv_format format);
-    void watch();
+    void after(std::chrono::milliseconds patience, void (Parts::*judge)());
+    void judgePlayer();
+    void judgeOpening();
     void drain();
     void note(const mpv_event &event);
     void noteReply(const mpv_event &event);
     void evaluate();
     void evaluateEnd();
+    void noteSound();
     void noteSeekDone();
     void fail(Failure failure, const QString &reason);
     [[nodiscard]] std::uint64_t userdata(Request request) const
@@ -83,6 +87,7 @@ struct AudioOutput::Parts : std::enable_shared_from_this<Parts> {
 
     Listener m_listener;
     QByteArray m_output;
+    std::chrono::milliseconds m_patience {};
     std::shared_ptr<PendingEnds> m_openFiles = std::make_shared<PendingEnds>();
     std::shared_ptr<PendingEnds> m_players = std::make_shared<PendingEnds>();
     std::shared_ptr<AudioEngine> m_engine; ///< absent before the first load
@@ -167,7 +172,7 @@ void AudioOutput::Parts::send()
     set("start", m_start > 0 ? number(m_start) : "none"); // a start at 0 would be a seek
     command(Request::Load, {"loadfile", address.constData(), "replace"});
     set("pause", "no"); // after the load, else a paused file could be heard again
-    watch();
+    after(enginePatience, &Parts::judgePlayer);
 }
 
 void AudioOutput::Parts::command(Request request, std::initializer_list<const char *> words)
@@ -189,22 +194,39 @@ void AudioOutput::Parts::ask(Request request, const char *property, mpv_format f
     m_engine->library().getPropertyAsync(m_engine->handle(), userdata(request), property, format);
 }
 
-/// A player that does not let go of its last file in time hangs on a disk; it is replaced.
-void AudioOutput::Parts::watch()
+/// Unless another load or unload has come by then.
+void AudioOutput::Parts::after(std::chrono::milliseconds patience, void (Parts::*judge)())
 {
-    QTimer::singleShot(enginePatience, [parts = weak_from_this(), load = m_load] {
-        const auto self = parts.lock();
-        if (!self || self->m_load != load || !self->m_engine) {
-            return;
-        }
-        const bool begun = self->m_entry != 0 && self->m_seen.started >= self->m_entry;
-        if (self->m_stage == Stage::Opening && !begun) {
-            self->m_engine.reset();
-            self->send();
-        } else if (self->m_stage == Stage::Idle && !self->m_openFiles->none()) {
-            self->m_engine.reset();
+    QTimer::singleShot(patience, [parts = weak_from_this(), load = m_load, judge] {
+        if (const auto self = parts.lock()) {
+            self->drain(); // this thread may be the one that was late
+            if (self->m_load == load) {
+                ((*self).*judge)();
+            }
         }
     });
+}
+
+/// A player that does not let go of its last file in time hangs on a disk; it is replaced.
+void AudioOutput::Parts::judgePlayer()
+{
+    const bool begun = m_entry != 0 && m_seen.started >= m_entry;
+    if (m_engine && m_stage == Stage::Opening && !begun) {
+        m_engine.reset();
+        send();
+    } else if (m_stage == Stage::Idle && !m_openFiles->none()) {
+        m_engine.reset();
+    }
+}
+
+/// A disk may never answer, nor may a sound server.
+void AudioOutput::Parts::judgeOpening()
+{
+    if (m_stage == Stage::Opening && !m_outputAsked) {
+        const bool loaded = m_entry != 0 && m_seen.started == m_entry && m_seen.loaded;
+        m_engine.reset();
+        fail(loaded ? Failure::NoOutput : Failure::NotThere, {});
+    }
 }
 
 void AudioOutput::Parts::drain()
@@ -226,12 +248,14 @@ void AudioOutput::Parts::note(const mpv_event &event)
     case MPV_EVENT_START_FILE:
         m_seen.started = static_cast<mpv_event_start_file *>(event.data)->playlist_entry_id;
         m_seen.loaded = false;
+        m_seen.played = false;
         m_seen.running = false;
         break;
     case MPV_EVENT_FILE_LOADED:
         m_seen.loaded = true;
         break;
     case MPV_EVENT_PLAYBACK_RESTART:
+        m_seen.played = true;
         m_seen.running = true;
         break;
     case MPV_EVENT_END_FILE:
@@ -280,9 +304,8 @@ void AudioOutput::Parts::noteReply(const mpv_event &event)
         m_duration = value();
         break;
     case Request::Output: // without one the end follows, and says why
-        if (good && m_stage == Stage::Opening) {
-            m_stage = Stage::Running;
-            m_listener.started(std::isfinite(m_duration) ? std::max(0.0, m_duration) : 0);
+        if (good) {
+            noteSound();
         }
         break;
     case Request::Position:
@@ -323,7 +346,7 @@ void AudioOutput::Parts::evaluate()
 
 void AudioOutput::Parts::evaluateEnd()
 {
-    const bool wasRunning = m_stage == Stage::Running;
+    const std::uint64_t load = m_load;
     const int diskError = m_file->error;
     const int error = m_seen.end.reason == MPV_END_FILE_REASON_ERROR ? m_seen.end.error : 0;
     const QString diskReason
@@ -332,9 +355,12 @@ void AudioOutput::Parts::evaluateEnd()
         fail(Failure::NotThere, diskReason);
     } else if (error == MPV_ERROR_AO_INIT_FAILED) {
         fail(Failure::NoOutput, {});
-    } else if (wasRunning && !error && !diskError) {
-        m_stage = Stage::Idle;
-        m_listener.ended();
+    } else if (m_seen.played && !error && !diskError) {
+        noteSound(); // this thread may have been away for longer than a short file lasts
+        if (m_load == load) {
+            m_stage = Stage::Idle;
+            m_listener.ended();
+        }
     } else if (!m_seen.loaded) {
         fail(Failure::Refused, diskError ? diskReason : reasonOf(error));
     } else {
@@ -347,6 +373,14 @@ void AudioOutput::Parts::fail(Failure failure, const QString &reason)
 {
     m_stage = Stage::Idle;
     m_listener.failed(failure, reason);
+}
+
+void AudioOutput::Parts::noteSound()
+{
+    if (m_stage == Stage::Opening) {
+        m_stage = Stage::Running;
+        m_listener.started(std::isfinite(m_duration) ? std::max(0.0, m_duration) : 0);
+    }
 }
 
 void AudioOutput::Parts::noteSeekDone()
@@ -362,11 +396,12 @@ void AudioOutput::Parts::noteSeekDone()
     // The place is not asked for: a paused player gives it too low by what its output holds.
 }
 
-AudioOutput::AudioOutput(Listener listener, QByteArray output)
+AudioOutput::AudioOutput(Listener listener, QByteArray output, std::chrono::milliseconds patience)
     : m_parts(std::make_shared<Parts>())
 {
     m_parts->m_listener = std::move(listener);
     m_parts->m_output = std::move(output);
+    m_parts->m_patience = patience;
 }
 
 AudioOutput::~AudioOutput()
@@ -400,6 +435,7 @@ void AudioOutput::load(const std::filesystem::path &file, double startSeconds)
     parts.m_seekTaken = false;
     parts.m_nextSeek.reset();
     parts.send();
+    parts.after(parts.m_patience, &Parts::judgeOpening);
 }
 
 void AudioOutput::setPaused(bool paused)
@@ -443,7 +479,7 @@ void AudioOutput::unload()
     if (parts.m_engine) {
         parts.m_engine->withdraw();
         parts.command(Request::Other, {"stop"});
-        parts.watch();
+        parts.after(enginePatience, &Parts::judgePlayer);
     }
 }
 

@@ -210,6 +210,17 @@ TEST_F(PlaybackTest, aFileThatVanishesEndsTheQueueWithoutLosingIt)
     EXPECT_TRUE(sounds() && playback.hasNext() && !playback.hasPrevious());
 }
 
+TEST_F(PlaybackTest, aTrackIsHeardThoughTheUserInterfaceStallsForLongerThanItLasts)
+{
+    const std::vector<Track> list = tracks(2, 0.3);
+    playback.play(list[1], {});
+    ASSERT_TRUE(eventually([this] { return playback.playing(); }));
+    playback.play(list[0], list);
+    std::this_thread::sleep_for(std::chrono::milliseconds(900));
+    EXPECT_TRUE(eventually([&] { return playback.current() == list[1] || playback.error(); }));
+    EXPECT_EQ(playback.error(), std::nullopt);
+}
+
 TEST_F(PlaybackTest, aTrackOfUnknownLengthGoesOnWhereItWasPaused)
 {
     ASSERT_EQ(errorOf(media / "musepack.mpc"), QString()); // the player knows no length of that
@@ -280,6 +291,12 @@ TEST_F(PlaybackTest, aDiskThatHangsHoldsUpNothingElse)
     playback.play(good, {});
     EXPECT_TRUE(sounds());
     EXPECT_EQ(playback.current(), good);
+    std::optional<AudioOutput::Failure> failure;
+    AudioOutput impatient(
+        {.started = {}, .moved = {}, .ended = {}, .failed = [&](auto kind, const QString &) { failure = kind; }},
+        "null", std::chrono::milliseconds(300));
+    impatient.load(stuck, 0);
+    EXPECT_TRUE(eventually([&] { return failure == AudioOutput::Failure::NotThere; }));
     ASSERT_EQ(::kill(driver, SIGCONT), 0);
     EXPECT_TRUE(eventually([this] { return openFilesBelow(folder / "disk").empty(); }));
 }
