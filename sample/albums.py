@@ -214,7 +214,7 @@ MUSIC = [
         2016,
         "Rock",
         ["wv"],
-        one("Who Goes There?", "Plug It In", "Amp on Fire (Slowly)", "Why Not: Part 2", "Encore?"),
+        one("Who Goes There?", "Plug It In", "Amp on Fire (Slowly)", "Why Not: Again", "Encore?"),
         "question",
         seed=11,
         folder="AC-DC Revival/What Now?",

@@ -1,5 +1,5 @@
-// The two interfaces of the Media Player Remote Interfacing Specification 2.2, as D-Bus sees MediaControls. Names of
-// methods, parameters and properties are the specification's; times are microseconds. UI thread.
+// The two interfaces of MPRIS 2.2 (freedesktop.org's remote control of players), as D-Bus sees MediaControls. Names of
+// methods, parameters and properties are MPRIS's; times are microseconds. UI thread.
 #pragma once
 
 #include "ui/MediaControls.h"
@@ -90,7 +90,7 @@ public:
     [[nodiscard]] double rate() const { return 1; }
     void setRate(double rate)
     {
-        if (rate == 0) { // the specification's other way to pause
+        if (rate == 0) { // MPRIS's other way to pause
             Pause();
         }
     }

@@ -1,7 +1,7 @@
 // Lets the desktop see and steer what is listened to: media keys, the panel's player, a headset's buttons.
 //
-// The Media Player Remote Interfacing Specification 2.2 on the session bus, under "org.mpris.MediaPlayer2.marlune", as
-// long as a track is loaded. Without a bus nothing happens. UI thread; nothing waits for the bus.
+// MPRIS 2.2 (freedesktop.org's remote control of players) on the session bus, under "org.mpris.MediaPlayer2.marlune",
+// as long as a track is loaded. Without a bus nothing happens. UI thread; nothing waits for the bus.
 #pragma once
 
 #include "playback/Playback.h"
@@ -22,7 +22,7 @@ public:
     MediaControls &operator=(const MediaControls &) = delete;
 
     [[nodiscard]] Playback &playback() { return m_playback; }
-    /// The player's properties under the specification's names, without "Position" and those that never change.
+    /// The player's properties under MPRIS's names, without "Position" and those that never change.
     [[nodiscard]] QVariantMap properties() const;
 
 Q_SIGNALS:
