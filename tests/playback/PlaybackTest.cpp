@@ -12,7 +12,6 @@
 #include <sys/stat.h>
 
 #include <cmath>
-#include <random>
 #include <set>
 
 void PrintTo(const QString &text, std::ostream *stream)
@@ -36,10 +35,11 @@ Track trackAt(const std::filesystem::path &file)
     return track;
 }
 
-std::string withNoise(std::string bytes, std::mt19937 &random)
+/// Every 37th byte is another one.
+std::string withNoise(std::string bytes)
 {
-    for (std::size_t i = random() % 40; i < bytes.size(); i += 1 + random() % 80) {
-        bytes[i] = char(random());
+    for (std::size_t i = 5; i < bytes.size(); i += 37) {
+        bytes[i] = char(bytes[i] ^ 0x55);
     }
     return bytes;
 }
@@ -78,32 +78,34 @@ protected:
 
 } // namespace
 
-TEST_F(PlaybackTest, playsEachFormatAndSaysWhatIsWrongWithADamagedFile)
+TEST_F(PlaybackTest, playsEachFormatFromAnyPlaceAndSaysWhatIsWrongWithADamagedFile)
 {
     std::set<std::string> extensions;
-    std::mt19937 random(5);
     for (const auto &entry : std::filesystem::directory_iterator(media)) {
-        const std::filesystem::path &file = entry.path();
-        const std::string name = file.filename();
-        const std::string bytes = fileBytes(file);
+        const std::string name = entry.path().filename();
+        const std::string bytes = fileBytes(entry.path());
         EXPECT_TRUE(refuses(folder.write("empty-" + name, {}))) << name;
-        for (const std::string &damaged : {bytes.substr(0, bytes.size() / 2), withNoise(bytes, random)}) {
+        for (const std::string &damaged : {bytes.substr(0, bytes.size() / 2), withNoise(bytes)}) {
             const QString error = errorOf(folder.write("damaged-" + name, damaged));
-            EXPECT_TRUE(error.isEmpty() || error.startsWith(refused) || error == undecodable)
-                << name << ' ' << error.toStdString();
+            EXPECT_TRUE(error.isEmpty() || error.startsWith(refused) || error == undecodable) << name;
         }
-        if (file.extension() == ".png") {
-            EXPECT_TRUE(refuses(file));
+        if (name.ends_with(".png")) {
+            EXPECT_TRUE(refuses(entry.path()));
             continue;
         }
-        extensions.insert(file.extension());
-        EXPECT_EQ(errorOf(file), name == "monkeys.ape" ? undecodable : QString()) << name; // that is no sound
-        if (!playback.error() && name != "musepack.mpc") { // libavformat knows no length of that
-            EXPECT_GT(playback.duration(), 0.04) << name;
-            const double middle = playback.duration() / 2;
+        extensions.insert(entry.path().extension());
+        EXPECT_EQ(errorOf(entry.path()), name == "monkeys.ape" ? undecodable : QString()) << name; // that is no sound
+        if (!playback.error()) {
+            const bool unknown = name == "musepack.mpc"; // libavformat knows no length of that
+            const double middle = unknown ? 0.2 : playback.duration() / 2;
+            EXPECT_GT(middle, 0.02) << name;
             playback.seek(middle);
-            EXPECT_TRUE(eventually([&] { return playback.position() > middle; })) << name;
+            EXPECT_TRUE(eventually([&] { return playback.position() > middle || !playback.playing(); })) << name;
             EXPECT_FALSE(playback.error()) << name;
+            playback.seek(middle);
+            playback.toggle();
+            playback.toggle();
+            EXPECT_EQ(playback.position(), middle) << name;
         }
     }
     EXPECT_EQ(extensions.size(), 13U);
@@ -136,13 +138,12 @@ TEST_F(PlaybackTest, playPausesAndResumesAndPreviousGoesByThePosition)
 {
     const std::vector<Track> list = tracks(2, 5);
     playback.play(list[1], list);
-    EXPECT_EQ(playback.position(), 0);
     ASSERT_TRUE(sounds());
     EXPECT_DOUBLE_EQ(playback.duration(), 5);
-    playback.play(list[1], {});
-    EXPECT_FALSE(playback.playing());
-    playback.play(list[1], {});
-    EXPECT_TRUE(playback.playing());
+    for (const bool playing : {false, true}) {
+        playback.play(list[1], {});
+        EXPECT_EQ(playback.playing(), playing);
+    }
     playback.toggle();
     const std::pair<double, double> seeks[] = {{-5, 0}, {NAN, 0}, {9, 5}, {2, 2}};
     for (const auto &[wanted, reached] : seeks) {
@@ -151,8 +152,7 @@ TEST_F(PlaybackTest, playPausesAndResumesAndPreviousGoesByThePosition)
     }
     playback.seek(3.1);
     playback.previous();
-    EXPECT_EQ(playback.position(), 0);
-    EXPECT_EQ(playback.current(), list[1]);
+    EXPECT_TRUE(playback.current() == list[1] && playback.position() == 0);
     playback.seek(3);
     playback.previous();
     EXPECT_EQ(playback.current(), list[0]);
@@ -188,12 +188,15 @@ TEST_F(PlaybackTest, afterTheLastTrackTogglePlaysItAgain)
 
 TEST_F(PlaybackTest, aFileThatVanishesEndsTheQueueWithoutLosingIt)
 {
-    const std::vector<Track> list = tracks(3, 1);
-    std::filesystem::remove(list[1].url);
-    playback.play(list[0], list);
-    ASSERT_TRUE(eventually([this] { return playback.error().has_value(); }));
-    EXPECT_EQ(playback.error(), missing);
-    EXPECT_TRUE(playback.current() == list[1] && !playback.playing());
+    const std::vector<Track> list = tracks(3, 5);
+    const auto removeIt = [&] { return std::filesystem::remove(list[1].url); };
+    const auto isMissed = [&] {
+        return eventually([this] { return playback.error() == missing; }) && playback.current() == list[1]
+            && !playback.playing();
+    };
+    removeIt();
+    playback.play(list[1], list);
+    EXPECT_TRUE(isMissed());
     folder.write("1.wav", wave(5));
     playback.toggle();
     EXPECT_TRUE(sounds());
@@ -201,10 +204,9 @@ TEST_F(PlaybackTest, aFileThatVanishesEndsTheQueueWithoutLosingIt)
     playback.toggle();
     playback.seek(5);
     playback.seek(4);
-    std::filesystem::remove(list[1].url);
+    removeIt();
     playback.toggle();
-    ASSERT_TRUE(eventually([this] { return playback.error().has_value(); }));
-    EXPECT_TRUE(playback.current() == list[1] && playback.hasPrevious());
+    EXPECT_TRUE(isMissed());
     playback.previous();
     EXPECT_EQ(playback.current(), list[0]);
     EXPECT_TRUE(sounds() && playback.hasNext() && !playback.hasPrevious());
@@ -221,26 +223,10 @@ TEST_F(PlaybackTest, aTrackIsHeardThoughTheUserInterfaceStallsForLongerThanItLas
     EXPECT_EQ(playback.error(), std::nullopt);
 }
 
-TEST_F(PlaybackTest, aTrackOfUnknownLengthGoesOnWhereItWasPaused)
-{
-    ASSERT_EQ(errorOf(media / "musepack.mpc"), QString()); // the player knows no length of that
-    if (playback.playing()) { // else it has ended by now
-        playback.toggle();
-    }
-    playback.seek(0.3);
-    EXPECT_EQ(playback.position(), 0.3);
-    playback.toggle();
-    EXPECT_EQ(playback.position(), 0.3);
-}
-
 TEST_F(PlaybackTest, manyTracksInARushLeaveOneFileOpen)
 {
-    const std::vector<Track> files = tracks(40, 20);
-    std::vector<Track> list;
-    for (int i = 0; i < 10'000; ++i) {
-        list.push_back(trackAt(files[std::size_t(i) % files.size()].url));
-    }
-    playback.play(list[5'000], list);
+    const std::vector<Track> list = tracks(120, 5);
+    playback.play(list[0], list);
     for (int i = 0; i < 100; ++i) {
         playback.next();
         if (i % 3 == 0) {
@@ -251,33 +237,27 @@ TEST_F(PlaybackTest, manyTracksInARushLeaveOneFileOpen)
         playback.previous();
     }
     ASSERT_TRUE(sounds());
-    EXPECT_EQ(playback.current(), list[5'040]);
-    EXPECT_EQ(openFilesBelow(folder.path()), std::vector {list[5'040].url});
+    EXPECT_EQ(playback.current(), list[40]);
+    EXPECT_EQ(openFilesBelow(folder.path()), std::vector {list[40].url});
     playback.release(folder.path())();
     EXPECT_TRUE(openFilesBelow(folder.path()).empty() && !playback.current());
 }
 
 TEST_F(PlaybackTest, saysSoWhereThereIsNoSoundOutput)
 {
-    const Track track = tracks(1, 1).front();
     ::setenv("ALSA_CONFIG_PATH", "/dev/null", 1);
-    for (const char *output : {"alsa", "no such output"}) {
-        Playback mute(output);
-        mute.play(track, {});
-        EXPECT_TRUE(eventually([&] { return mute.error().has_value(); }));
-        EXPECT_EQ(mute.error(), silent);
-        EXPECT_FALSE(mute.playing());
-    }
+    Playback mute("alsa");
+    mute.play(tracks(1, 1).front(), {});
+    EXPECT_TRUE(eventually([&] { return mute.error() == silent; }));
+    EXPECT_FALSE(mute.playing());
 }
 
 TEST_F(PlaybackTest, aDiskThatHangsHoldsUpNothingElse)
 {
     ExfatVolume disk(folder / "disk");
     QProcess search; // for its driver in user space; the kernel's own cannot be stopped
-    search.start(QStringLiteral("pgrep"),
-        {QStringLiteral("-f"), QString::fromStdString("exfat.*" + disk.mountPoint().string())});
-    search.waitForFinished();
-    const pid_t driver = search.readAll().toInt();
+    search.startCommand(QStringLiteral("pgrep -f exfat.*") + QString::fromStdString(disk.mountPoint().string()));
+    const pid_t driver = search.waitForFinished() ? search.readAll().toInt() : 0;
     if (!disk.available() || driver == 0) {
         GTEST_SKIP() << "no disk with a driver in user space: " << disk.reason();
     }
@@ -290,7 +270,6 @@ TEST_F(PlaybackTest, aDiskThatHangsHoldsUpNothingElse)
     EXPECT_FALSE(eventually([this] { return playback.playing() || playback.error(); }, 200));
     playback.play(good, {});
     EXPECT_TRUE(sounds());
-    EXPECT_EQ(playback.current(), good);
     std::optional<AudioOutput::Failure> failure;
     AudioOutput impatient(
         {.started = {}, .moved = {}, .ended = {}, .failed = [&](auto kind, const QString &) { failure = kind; }},
@@ -319,8 +298,7 @@ TEST_F(PlaybackTest, isHeardThroughARealSoundServer)
     real.play(trackAt(media / "variable-rate.mp3"), {});
     recorder.startCommand(QStringLiteral("parec --raw --latency=2000"));
     QByteArray heard;
-    EXPECT_TRUE(eventually([&] { return heard.append(recorder.readAll()).size() - heard.count('\0') > 1000; }))
-        << real.error().value_or(QString()).toStdString();
+    EXPECT_TRUE(eventually([&] { return heard.append(recorder.readAll()).size() - heard.count('\0') > 1000; }));
     for (QProcess *process : {&recorder, &server}) {
         process->kill();
         process->waitForFinished();
