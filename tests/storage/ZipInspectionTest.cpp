@@ -70,9 +70,9 @@ private:
 TEST(ZipUnpacking, givesWhatItsOwnerAloneCanReadAndRemove)
 {
     for (const char *name : {"no-permissions.zip", "setuid.zip"}) {
-        const TemporaryFolder folder;
+        const TemporaryFolder folder("/tmp"); // the folder of the run may be for one user alone
         const auto zip = folder.write("zip", fileBytes(archive(name)));
-        const TemporaryFolder scratch;
+        const TemporaryFolder scratch("/tmp");
         std::filesystem::permissions(folder.path(), std::filesystem::perms(0755));
         const PlainUser user(scratch.path());
         const std::filesystem::path unpacked = Storage::unpackZip(zip, scratch.path());
