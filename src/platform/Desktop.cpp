@@ -66,7 +66,7 @@ void reveal(const std::vector<std::filesystem::path> &paths)
     for (const std::filesystem::path &item : items) {
         uris.append(QString::fromLatin1(fileUri(item)));
     }
-    const auto openFolders = [folders = folders] { std::for_each(folders.begin(), folders.end(), open); };
+    const auto openFolders = [places = folders] { std::for_each(places.begin(), places.end(), open); };
     // freedesktop.org's File Manager D-Bus Interface: ShowItems(uris, startup id).
     QDBusMessage request = QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.FileManager1"),
         QStringLiteral("/org/freedesktop/FileManager1"), QStringLiteral("org.freedesktop.FileManager1"),

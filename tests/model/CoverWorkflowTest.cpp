@@ -144,7 +144,7 @@ private Q_SLOTS:
         const std::tuple<std::function<void(CoverDesk &, MarluneModel &)>, std::size_t, const char *> rows[] = {
             {lose, 1, "Do wyboru ręcznie: 0. Niedostępne: 3."}, {exchange, 2, "Do wyboru ręcznie: 0. Niedostępne: 3."},
             {leave, 1, "Do wyboru ręcznie: 0. Niedostępne: 1."}};
-        for (const auto &[happens, request, told] : rows) {
+        for (const auto &row : rows) {
             const CannedServer server({found("A", "x", 1), image()});
             CoverDesk desk;
             desk.device.isVolume = true;
@@ -156,17 +156,17 @@ private Q_SLOTS:
             const auto model = desk.startWithMusic(true);
             const auto before = filesBelow(desk.device.root);
             QTimer atOnce;
-            connect(&atOnce, &QTimer::timeout, [&, &happens = happens, &request = request] {
-                if (server.asked.size() == request) {
+            connect(&atOnce, &QTimer::timeout, [&] {
+                if (server.asked.size() == std::get<1>(row)) {
                     atOnce.stop();
-                    happens(desk, *model);
+                    std::get<0>(row)(desk, *model);
                 }
             });
             atOnce.start(0);
             model->findMissingCovers();
             desk.waitForJobs(*model);
             QVERIFY(!atOnce.isActive() && server.asked.size() <= 2);
-            const QString all = QStringLiteral("Dodano okładki: 0. ") + QString::fromUtf8(told);
+            const QString all = QStringLiteral("Dodano okładki: 0. ") + QString::fromUtf8(std::get<2>(row));
             QCOMPARE(model->alert(), std::optional(all + tail));
             QVERIFY(filesBelow(desk.device.root) == before);
         }
