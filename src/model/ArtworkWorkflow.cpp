@@ -34,11 +34,7 @@ const QString overridesKey = QStringLiteral("artworkOverrides");
 QString storeKey(const Album &album)
 {
     const QByteArray id = album.id().toUtf8();
-    Sha256 hash;
-    hash.update(id);
-    const Sha256::Digest digest = hash.finish();
-    return QString::fromLatin1(
-        QByteArray(reinterpret_cast<const char *>(digest.data()), qsizetype(digest.size())).toHex());
+    return sha256Text(id);
 }
 
 std::vector<std::filesystem::path> filesOf(const Album &album)
@@ -164,14 +160,8 @@ void MarluneModel::chooseArtwork(const Album &album, bool current, std::optional
         }
         return;
     }
-    const Panels::Request request {.files = true,
-        .folders = false,
-        .multiple = false,
-        .pictures = true,
-        .prompt = QStringLiteral("Dodaj okładkę"),
-        .message = {}};
-    m_environment.panels.open(
-        request, [self = QPointer(this), album, place](const std::vector<std::filesystem::path> &chosen) {
+    m_environment.panels.open(Panels::Request::onePicture(QStringLiteral("Dodaj okładkę")),
+        [self = QPointer(this), album, place](const std::vector<std::filesystem::path> &chosen) {
             if (!self || self->m_busy || chosen.empty()) {
                 return;
             }

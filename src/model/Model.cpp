@@ -75,13 +75,6 @@ void MarluneModel::setBusy(bool busy)
     }
 }
 
-void MarluneModel::setLeaving(bool leaving)
-{
-    if (leaving) {
-        m_coverRequest.reset();
-    }
-}
-
 void MarluneModel::setProgress(double progress)
 {
     if (m_progress != progress) {

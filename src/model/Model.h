@@ -234,8 +234,8 @@ public:
     [[nodiscard]] bool busy() const { return m_busy; }
     /// Whether something is under way that the end of the program would cut off; a check for duplicates only reads.
     [[nodiscard]] bool working() const { return (m_busy && !m_checkingDuplicates) || m_writingPlaylist; }
-    /// The window waits to close: what is asked of the network ends, what is being written goes on to its end.
-    void setLeaving(bool leaving);
+    /// Ends the work that waits for the network; what is being written goes on to its end. For a window that closes.
+    void endCoverRequests() { m_coverRequest.reset(); }
     [[nodiscard]] double progress() const { return m_progress; }
     [[nodiscard]] QString status() const { return m_status; }
     [[nodiscard]] const std::optional<QString> &alert() const { return m_alert; }

@@ -53,14 +53,8 @@ std::optional<Theme> MarluneModel::configuredTheme() const
 
 void MarluneModel::chooseThemePreview(const Theme &theme)
 {
-    const Panels::Request request {.files = true,
-        .folders = false,
-        .multiple = false,
-        .pictures = true,
-        .prompt = QStringLiteral("Dodaj zrzut motywu"),
-        .message = {}};
-    m_environment.panels.open(
-        request, [self = QPointer(this), theme](const std::vector<std::filesystem::path> &chosen) {
+    m_environment.panels.open(Panels::Request::onePicture(QStringLiteral("Dodaj zrzut motywu")),
+        [self = QPointer(this), theme](const std::vector<std::filesystem::path> &chosen) {
             if (!self || chosen.empty()) {
                 return;
             }

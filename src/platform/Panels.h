@@ -18,6 +18,15 @@ public:
         bool archives = false; ///< of the files only ZIP archives are offered
         QString prompt; ///< text of the confirming button
         QString message; ///< what is to be chosen, may be empty
+
+        [[nodiscard]] static Request onePicture(const QString &prompt)
+        {
+            Request request;
+            request.files = true;
+            request.pictures = true;
+            request.prompt = prompt;
+            return request;
+        }
     };
     using Answer = std::function<void(std::vector<std::filesystem::path> chosen)>;
 

@@ -44,3 +44,12 @@ Sha256::Digest Sha256::finish()
     require(EVP_DigestFinal_ex(m_context->evp, digest.data(), &length) == 1 && length == digest.size());
     return digest;
 }
+
+QString sha256Text(std::span<const char> bytes)
+{
+    Sha256 hash;
+    hash.update(bytes);
+    const Sha256::Digest digest = hash.finish();
+    const auto raw = QByteArray::fromRawData(reinterpret_cast<const char *>(digest.data()), qsizetype(digest.size()));
+    return QString::fromLatin1(raw.toHex());
+}

@@ -1,6 +1,9 @@
 // SHA-256 of bytes that come in pieces (FIPS 180-4). Not shared between threads.
 #pragma once
 
+#include <QByteArray>
+#include <QString>
+
 #include <array>
 #include <cstdint>
 #include <memory>
@@ -23,3 +26,6 @@ private:
     struct Context;
     std::unique_ptr<Context> m_context;
 };
+
+/// The digest of these bytes in 64 lower-case hexadecimal digits.
+[[nodiscard]] QString sha256Text(std::span<const char> bytes);

@@ -23,9 +23,9 @@ const QString packageName = QStringLiteral("package.zip");
 const QString unpackedName = QStringLiteral("unpacked");
 const QString tool = QStringLiteral("unzip");
 
-constexpr std::int64_t commentLength
-    = 20; // offset in the end record, the last of its fields (APPNOTE.TXT, section 4.3.16)
-constexpr std::int64_t madeBySystem = 5; // offset in a central header (section 4.4.2)
+// Offsets in the end record, of which it is the last field, and in a central header (APPNOTE.TXT, 4.3.16 and 4.4.2).
+constexpr std::int64_t commentLength = 20;
+constexpr std::int64_t madeBySystem = 5;
 constexpr char unixSystem = 3;
 
 [[noreturn]] void refusePackage()

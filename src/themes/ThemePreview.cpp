@@ -95,11 +95,7 @@ ThemePreview::Configuration ThemePreview::configurationFrom(const QByteArray &by
 
 QString ThemePreview::key(const Theme &theme)
 {
-    Sha256 sha256;
-    sha256.update(theme.url.native());
-    const Sha256::Digest digest = sha256.finish();
-    const auto bytes = QByteArray::fromRawData(reinterpret_cast<const char *>(digest.data()), digest.size());
-    return QString::fromLatin1(bytes.toHex());
+    return sha256Text(theme.url.native());
 }
 
 QString ThemePreview::settingsPrefix()

@@ -164,7 +164,9 @@ void ShellPresenter::setClosing(bool closing)
 {
     if (m_closing != closing) {
         m_closing = closing;
-        m_model.setLeaving(closing);
+        if (closing) {
+            m_model.endCoverRequests();
+        }
         Q_EMIT closingChanged();
     }
 }

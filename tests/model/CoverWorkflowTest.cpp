@@ -139,7 +139,7 @@ private Q_SLOTS:
             model.volumeUnmounted(desk.device.root);
         };
         const auto exchange = [](CoverDesk &desk, MarluneModel &model) { model.volumeUnmounted(desk.device.root); };
-        const auto leave = [](CoverDesk &, MarluneModel &model) { model.setLeaving(true); };
+        const auto leave = [](CoverDesk &, MarluneModel &model) { model.endCoverRequests(); };
         // What happens at which request, and what is told.
         const std::tuple<std::function<void(CoverDesk &, MarluneModel &)>, std::size_t, const char *> rows[] = {
             {lose, 1, "Do wyboru ręcznie: 0. Niedostępne: 3."}, {exchange, 2, "Do wyboru ręcznie: 0. Niedostępne: 3."},
