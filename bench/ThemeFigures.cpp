@@ -4,6 +4,7 @@
 #include "support/CataloguePage.h"
 
 #include "storage/ZipInspection.h"
+#include "themes/Catalogue.h"
 #include "themes/ThemeInstall.h"
 #include "themes/ThemePreview.h"
 
@@ -48,8 +49,8 @@ void catalogue(const std::filesystem::path &)
     const QString page = cataloguePage(entries);
     std::vector<Theme> themes;
     for (int i = 0; i < installed; ++i) {
-        const QString title = ThemePreview::decoded(entries[std::size_t(i) * onThePage / installed].title);
-        themes.push_back({"/IPOD/.rockbox/themes/" + ThemePreview::normalize(title).toStdString() + ".cfg"});
+        const QString title = Catalogue::decoded(entries[std::size_t(i) * onThePage / installed].title);
+        themes.push_back({"/IPOD/.rockbox/themes/" + Catalogue::normalize(title).toStdString() + ".cfg"});
     }
     const QUrl root(QStringLiteral("https://example.test"));
     const QRegularExpression patterns[] = {
@@ -59,7 +60,7 @@ void catalogue(const std::filesystem::path &)
             QRegularExpression::UseUnicodePropertiesOption),
     };
     print("catalogue",
-        inTurn([&] { return seconds([&] { (void)ThemePreview::parseCatalog(page, themes, root); }); },
+        inTurn([&] { return seconds([&] { (void)Catalogue::parseCatalog(page, themes, root); }); },
             [&] {
                 return seconds([&] {
                     for (const QRegularExpression &pattern : patterns) {

@@ -6,7 +6,7 @@
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     const QByteArray bytes(reinterpret_cast<const char *>(data), qsizetype(size));
-    const ThemePreview::Configuration settings = ThemePreview::configurationFrom(bytes);
+    const Configuration settings = configurationFrom(bytes);
     require(settings.size() <= bytes.count(':'));
     for (auto setting = settings.begin(); setting != settings.end(); ++setting) {
         require(!setting.key().contains(u':') && !setting.key().startsWith(u'#'));

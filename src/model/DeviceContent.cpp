@@ -42,9 +42,9 @@ DeviceContent readDeviceContent(
         if (stop.stop_requested()) {
             return content;
         }
-        ThemePreview::Configuration settings;
+        Configuration settings;
         if (settingsLeft > 0) {
-            settings = ThemePreview::configuration(theme.url);
+            settings = configuration(theme.url);
             settingsLeft -= settings.isEmpty() ? 0 : Files::size(theme.url).value_or(0);
         }
         const QString id = theme.id();
@@ -54,8 +54,8 @@ DeviceContent readDeviceContent(
         content.themeSettings.insert(id, settings);
     }
     const std::filesystem::path firmware = root / ".rockbox";
-    content.deviceInfo = ThemePreview::configuration(firmware / "rockbox-info.txt");
-    content.deviceConfig = ThemePreview::configuration(firmware / "config.cfg");
+    content.deviceInfo = configuration(firmware / "rockbox-info.txt");
+    content.deviceConfig = configuration(firmware / "config.cfg");
     content.playlists = playlistsBelow(root);
     return content;
 }
@@ -108,7 +108,7 @@ QCoro::Task<> MarluneModel::runContentLoad(std::filesystem::path root)
 void MarluneModel::landContent(DeviceContent read)
 {
     // Previews that came from elsewhere stay.
-    QMap<QString, ThemePreview> previews = m_content.themePreviews;
+    ThemePreviews previews = m_content.themePreviews;
     previews.insert(read.themePreviews);
     read.themePreviews = std::move(previews);
     setDeviceContent(std::move(read));

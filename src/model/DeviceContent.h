@@ -7,10 +7,10 @@
 
 struct DeviceContent {
     std::vector<Theme> themes; ///< in the order shown
-    QMap<QString, ThemePreview> themePreviews; ///< by theme id
-    ThemePreview::Configuration deviceInfo; ///< of `.rockbox/rockbox-info.txt`
-    ThemePreview::Configuration deviceConfig; ///< of `.rockbox/config.cfg`
-    QMap<QString, ThemePreview::Configuration> themeSettings; ///< by theme id
+    ThemePreviews themePreviews; ///< by theme id
+    Configuration deviceInfo; ///< of `.rockbox/rockbox-info.txt`
+    Configuration deviceConfig; ///< of `.rockbox/config.cfg`
+    QMap<QString, Configuration> themeSettings; ///< by theme id
     std::vector<std::filesystem::path> playlists; ///< by name
 };
 

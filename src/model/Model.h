@@ -16,6 +16,8 @@
 
 #include "quality/QualityIssue.h"
 
+#include "themes/Catalogue.h"
+
 #include "storage/Device.h"
 
 #include "platform/Background.h"
@@ -110,15 +112,12 @@ public:
     // What the selected device holds, as its last reading saw it.
     [[nodiscard]] const std::vector<Theme> &themes() const { return m_content.themes; }
     /// By theme id; of themes that were seen before too.
-    [[nodiscard]] const QMap<QString, ThemePreview> &themePreviews() const { return m_content.themePreviews; }
+    [[nodiscard]] const ThemePreviews &themePreviews() const { return m_content.themePreviews; }
     /// By theme id.
-    [[nodiscard]] const QMap<QString, ThemePreview::Configuration> &themeSettings() const
-    {
-        return m_content.themeSettings;
-    }
+    [[nodiscard]] const QMap<QString, Configuration> &themeSettings() const { return m_content.themeSettings; }
     /// What the firmware says of itself, and how it is set up.
-    [[nodiscard]] const ThemePreview::Configuration &deviceInfo() const { return m_content.deviceInfo; }
-    [[nodiscard]] const ThemePreview::Configuration &deviceConfig() const { return m_content.deviceConfig; }
+    [[nodiscard]] const Configuration &deviceInfo() const { return m_content.deviceInfo; }
+    [[nodiscard]] const Configuration &deviceConfig() const { return m_content.deviceConfig; }
     [[nodiscard]] const std::vector<std::filesystem::path> &playlists() const { return m_content.playlists; }
     /// How the catalogue's previews came; empty before.
     [[nodiscard]] QString themePreviewStatus() const { return m_themePreviewStatus; }
@@ -378,7 +377,7 @@ private:
     void noteTransferred(const Device &device, std::vector<std::filesystem::path> files);
     void landDevices(std::vector<Device> found);
     void landContent(DeviceContent read);
-    void landPreviews(const ThemePreview::ByTheme &found);
+    void landPreviews(const ThemePreviews &found);
     void rediscover();
     [[nodiscard]] TrackImport prepareImport(bool fromDevice) const;
     void restoreLibrary();

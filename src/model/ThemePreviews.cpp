@@ -17,9 +17,9 @@ QCoro::Task<> MarluneModel::runPreviewFetch()
     m_previewRequest = std::make_unique<QObject>(); // the end of one before it
     const QPointer<QObject> request(m_previewRequest.get());
     const QString target = m_content.deviceInfo.value(QStringLiteral("Target"), Catalogue::defaultTarget());
-    std::optional<ThemePreview::ByTheme> found;
+    std::optional<ThemePreviews> found;
     try {
-        auto fetch = ThemePreview::catalog(m_content.themes, target, m_environment.themeSite, *request);
+        auto fetch = Catalogue::catalog(m_content.themes, target, m_environment.themeSite, *request);
         found = co_await fetch;
     } catch (const std::exception &) {
         found.reset(); // the user need not know why
@@ -36,10 +36,10 @@ QCoro::Task<> MarluneModel::runPreviewFetch()
     }
 }
 
-void MarluneModel::landPreviews(const ThemePreview::ByTheme &found)
+void MarluneModel::landPreviews(const ThemePreviews &found)
 {
     const QString chosen = ThemePreview::chosen({}).source;
-    ThemePreview::ByTheme previews = m_content.themePreviews;
+    ThemePreviews previews = m_content.themePreviews;
     for (auto preview = found.begin(); preview != found.end(); ++preview) {
         if (previews.value(preview.key()).source != chosen) {
             previews.insert(preview.key(), *preview);

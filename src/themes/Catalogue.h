@@ -1,9 +1,9 @@
-// The web site that shows how the themes look. It offers no interface for programs: its pages are the format, and
-// ThemePreview::parseCatalog() holds it. Here is where it is. No state; any thread.
+// The web site that shows how the themes look. It offers no interface for programs: its pages are the format.
 #pragma once
 
-#include <QString>
-#include <QUrl>
+#include "themes/ThemePreview.h"
+
+#include <QCoro/QCoroTask>
 
 #include <chrono>
 
@@ -22,5 +22,21 @@ struct Site {
 
 /// The kind taken where the device does not tell its own.
 [[nodiscard]] QString defaultTarget();
+
+/// The previews that the catalogue at `site` has for these themes, on its page for this kind of device. UI thread;
+/// fails as Http::get() does, and with MarluneError where the answer is no page.
+[[nodiscard]] QCoro::Task<ThemePreviews> catalog(std::vector<Theme> themes, QString target, Site site, QObject &owner);
+
+// The page's reader (CataloguePage.cpp). No state; any thread.
+
+/// The previews in such a page of a site at `root`. Its themes are known by normalize()d names, and are often of
+/// other versions. Never fails; takes time in proportion to the page, whatever it holds.
+[[nodiscard]] ThemePreviews parseCatalog(const QString &html, const std::vector<Theme> &themes, const QUrl &root);
+/// With the page's entities replaced: the five with names, and decimal ones.
+[[nodiscard]] QString decoded(const QString &text);
+/// A name's lower-case letters and numbers, for comparisons.
+[[nodiscard]] QString normalize(const QString &text);
+/// An address of the site. `encoded` is a path, without a solidus in front, and perhaps a query.
+[[nodiscard]] QUrl address(const QUrl &root, const QByteArray &encoded);
 
 } // namespace Catalogue

@@ -1,13 +1,9 @@
 #include "themes/ThemePreview.h"
 
 #include "platform/Files.h"
-#include "platform/PlainText.h"
 #include "platform/Sha256.h"
 
 namespace {
-
-/// The firmware writes some ten thousand bytes at most. A larger file is not its own.
-constexpr std::int64_t largestConfiguration = 64'000;
 
 bool isPlainFile(const std::filesystem::path &path)
 {
@@ -28,7 +24,7 @@ bool arePlainFolders(const std::filesystem::path &root, const std::filesystem::p
 }
 
 /// The path below the device's root that a setting names. Absent where it leads, or might lead, out of `.rockbox`.
-std::optional<std::filesystem::path> firmwarePath(const ThemePreview::Configuration &configuration, const QString &key)
+std::optional<std::filesystem::path> firmwarePath(const Configuration &configuration, const QString &key)
 {
     const QString value = configuration.value(key);
     const bool inside = value.startsWith(QLatin1String("/.rockbox/")) && !value.contains(QLatin1String(".."));
@@ -48,8 +44,7 @@ std::optional<std::filesystem::path> packageScreenshot(const Theme &theme)
     return std::nullopt;
 }
 
-std::optional<ThemePreview> background(
-    const std::filesystem::path &root, const ThemePreview::Configuration &configuration)
+std::optional<ThemePreview> background(const std::filesystem::path &root, const Configuration &configuration)
 {
     const QString source = QStringLiteral("Tło motywu — bez elementów interfejsu");
     if (const auto wps = firmwarePath(configuration, QStringLiteral("wps"))) {
@@ -73,25 +68,6 @@ std::optional<ThemePreview> background(
 }
 
 } // namespace
-
-ThemePreview::Configuration ThemePreview::configuration(const std::filesystem::path &file)
-{
-    return configurationFrom(Files::readBelow(file, largestConfiguration).value_or(QByteArray()));
-}
-
-ThemePreview::Configuration ThemePreview::configurationFrom(const QByteArray &bytes)
-{
-    const QString text = decodeText(bytes);
-    Configuration settings;
-    for (QStringView rest(text); !rest.isEmpty();) {
-        const QStringView line = takeLine(rest).trimmed();
-        const qsizetype colon = line.indexOf(u':');
-        if (colon >= 0 && !line.startsWith(u'#')) {
-            settings.insert(line.first(colon).trimmed().toString(), line.sliced(colon + 1).trimmed().toString());
-        }
-    }
-    return settings;
-}
 
 QString ThemePreview::key(const Theme &theme)
 {

@@ -1,16 +1,14 @@
 // What a theme looks like. None of its own files shows that, so a picture is looked for in an order of decreasing
 // worth: the user's choice, a screenshot in the theme's package, the bare background. The catalogue on the network has
-// one of most themes.
+// one of most themes (Catalogue.h).
 //
-// Blocking; no state; any thread but the UI's, except catalog(). Nothing else fails here: what is missing or cannot be
-// read gives less.
+// Blocking; no state; any thread but the UI's. Nothing fails here: what is missing or cannot be read gives less.
 #pragma once
 
-#include "themes/Catalogue.h"
+#include "themes/Configuration.h"
 #include "themes/Themes.h"
 
-#include <QCoro/QCoroTask>
-#include <QMap>
+#include <QUrl>
 
 #include <optional>
 #include <variant>
@@ -28,13 +26,6 @@ struct ThemePreview {
 
     bool operator==(const ThemePreview &) const = default;
 
-    /// The settings of a `.cfg` file, of `config.cfg` or of `rockbox-info.txt`, as they stand there.
-    using Configuration = QMap<QString, QString>;
-    /// Empty where the file cannot be read, is no regular one, or is far larger than the firmware's own.
-    [[nodiscard]] static Configuration configuration(const std::filesystem::path &file);
-    /// Lines of `key: value`; "#" begins a comment line, a later line replaces an earlier one with the same key.
-    [[nodiscard]] static Configuration configurationFrom(const QByteArray &bytes);
-
     /// The SHA-256 of the theme's path, in 64 lower-case hexadecimal digits.
     [[nodiscard]] static QString key(const Theme &theme);
     /// In the settings, the path of a picture that the user chose has this and the theme's key() for its key.
@@ -48,19 +39,7 @@ struct ThemePreview {
     /// Nothing but the user's choice is looked for outside the device's `.rockbox`, and no link is followed there.
     [[nodiscard]] static std::optional<ThemePreview> local(const Theme &theme, const std::filesystem::path &root,
         const Configuration &configuration, const ChosenPictures &chosenPictures);
-
-    // The catalogue's previews (Catalogue.cpp).
-
-    using ByTheme = QMap<QString, ThemePreview>; ///< by theme id
-    /// The previews that the catalogue at `site` has for these themes, on its page for this kind of device. UI thread;
-    /// fails as Http::get() does, and with MarluneError where the answer is no page.
-    [[nodiscard]] static QCoro::Task<ByTheme> catalog(
-        std::vector<Theme> themes, QString target, Catalogue::Site site, QObject &owner);
-    /// The previews in such a page of a site at `root`. Its themes are told by normalize()d names, and are often of
-    /// other versions. Never fails; takes time in proportion to the page, whatever it holds.
-    [[nodiscard]] static ByTheme parseCatalog(const QString &html, const std::vector<Theme> &themes, const QUrl &root);
-    /// With the page's entities replaced: the five with names, and decimal ones.
-    [[nodiscard]] static QString decoded(const QString &text);
-    /// A name's lower-case letters and numbers, for comparisons.
-    [[nodiscard]] static QString normalize(const QString &text);
 };
+
+/// By theme id.
+using ThemePreviews = QMap<QString, ThemePreview>;

@@ -1,5 +1,5 @@
 // The site's page read into previews.
-#include "themes/ThemePreview.h"
+#include "themes/Catalogue.h"
 
 #include "support/CataloguePage.h"
 #include "support/Messages.h"
@@ -19,7 +19,7 @@ Theme installed(const char *name)
 ThemePreview found(const QString &page)
 {
     const Theme theme = installed("Rock Roll");
-    return ThemePreview::parseCatalog(page, {installed("Other"), theme}, root).value(theme.id());
+    return Catalogue::parseCatalog(page, {installed("Other"), theme}, root).value(theme.id());
 }
 
 std::string text(const std::optional<PicturePlace> &place)
@@ -40,7 +40,7 @@ TEST(Catalogue, readsTheSitesPage)
     const std::vector<Theme> themes = {installed("amber 0 dawn"), installed("Amber_0_Dawn"),
         installed("Z\u0307o\u0301\u0142w 1 (Dawn)"), installed("i\"Classic 2 - dawn"), installed("RockRoll 298 Dawn"),
         installed("malaczcionka 4 Dawn"), installed("mała czcionka 9 dawn"), installed("Żółw 6 Dawn")};
-    const ThemePreview::ByTheme previews = ThemePreview::parseCatalog(page, themes, root);
+    const ThemePreviews previews = Catalogue::parseCatalog(page, themes, root);
     EXPECT_EQ(previews.size(), 5 + 1); // neither the name without its letter nor the theme without a picture
     const ThemePreview first {
         .playing = QUrl(QStringLiteral("https://example.test/themes/themes/320x240/theme0/wps%20(main)-1.png")),
@@ -113,8 +113,8 @@ TEST(Catalogue, looksForTheAuthorInTheCell)
 TEST(Catalogue, decodesEntitiesAndComparesLettersAndNumbers)
 {
     using Reading = QString (*)(const QString &);
-    const Reading decoded = [](const QString &text) { return ThemePreview::decoded(text); };
-    const Reading compared = [](const QString &text) { return ThemePreview::normalize(text); };
+    const Reading decoded = [](const QString &text) { return Catalogue::decoded(text); };
+    const Reading compared = [](const QString &text) { return Catalogue::normalize(text); };
     const std::tuple<Reading, const char *, const char *> rows[] = {
         {decoded, "&quot;&#039;&lt;&gt;&amp;", "\"'<>&"},
         {decoded, "&amp;#65;&amp;amp;lt;", "A&amp;lt;"},

@@ -38,7 +38,7 @@ TEST(ThemeConfiguration, readsFilesOfTheRealWorld)
         {"a: b\0c"s, "a=b\0c;"s},
     };
     for (const auto &[bytes, settings] : rows) {
-        const auto found = ThemePreview::configurationFrom(QByteArray::fromStdString(bytes));
+        const auto found = configurationFrom(QByteArray::fromStdString(bytes));
         std::string text;
         for (auto setting = found.begin(); setting != found.end(); ++setting) {
             text += setting.key().toStdString() + "=" + setting.value().toStdString() + ";";
@@ -47,7 +47,7 @@ TEST(ThemeConfiguration, readsFilesOfTheRealWorld)
     }
     const TemporaryFolder folder;
     folder.write("large.cfg", "a: b\n" + std::string(50'000'000, 'x'));
-    EXPECT_TRUE(ThemePreview::configuration(folder / "large.cfg").isEmpty());
+    EXPECT_TRUE(configuration(folder / "large.cfg").isEmpty());
 }
 
 TEST(ThemePreviews, takeTheBestPictureInTheFirmwaresFolder)
@@ -57,7 +57,7 @@ TEST(ThemePreviews, takeTheBestPictureInTheFirmwaresFolder)
     const QString key = QStringLiteral("theme-preview-") + ThemePreview::key(theme);
     const ThemePreview::ChosenPictures chosen {{key, QString::fromStdString((root / "own.jpg").string())}};
     const auto look = [&](const std::string &settings) {
-        const auto configuration = ThemePreview::configurationFrom(QByteArray::fromStdString(settings));
+        const auto configuration = configurationFrom(QByteArray::fromStdString(settings));
         return ThemePreview::local(theme, root.path(), configuration, chosen);
     };
     root.write("out/backdrop_wps.bmp", "");
