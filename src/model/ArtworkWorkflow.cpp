@@ -72,7 +72,7 @@ std::vector<Album> repairableAlbums(
 
 MarluneModel::CoverPlace MarluneModel::coverPlace(std::optional<bool> onDeviceOverride) const
 {
-    return {.onDevice = onDeviceOverride.value_or(m_libraryOnDevice),
+    return {.onDevice = onDeviceOverride.value_or(libraryOnDevice()),
         .root = m_device ? std::optional(m_device->root) : std::nullopt,
         .visit = m_visit};
 }
@@ -140,11 +140,7 @@ void MarluneModel::noteArtwork(const Album &album, const PreparedCover &cover, b
     }
     m_environment.settings.insertTexts(overridesKey, overrides);
 
-    for (Track &track : onDevice ? m_deviceTracks : m_tracks) {
-        if (ids.contains(track.id)) {
-            track.artwork = cover.image;
-        }
-    }
+    m_browsing.setArtwork(onDevice ? Side::Device : Side::Computer, ids, cover.image);
     tracksWereChanged();
 }
 

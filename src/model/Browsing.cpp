@@ -1,38 +1,12 @@
-// The derived lists behind the library page, and what is selected in them.
-#include "model/Model.h"
+#include "model/Browsing.h"
 
 #include "library/AlbumGrouping.h"
 
 #include "platform/TextOrder.h"
 
 #include <algorithm>
-#include <numeric>
 
 namespace {
-
-const QString everyFormat = QStringLiteral("Wszystko");
-const QString otherFormats = QStringLiteral("Pozostałe");
-
-bool formatMatches(const QString &codec, const QString &filter)
-{
-    if (filter == everyFormat) {
-        return true;
-    }
-    if (filter == otherFormats) {
-        return codec != QLatin1String("MP3") && codec != QLatin1String("FLAC");
-    }
-    return codec == filter;
-}
-
-enum class Order : std::uint8_t { Artist, Album, Year, Size };
-
-Order orderOf(const QString &sortMode)
-{
-    return sortMode == QLatin1String("Album")   ? Order::Album
-        : sortMode == QLatin1String("Rok")      ? Order::Year
-        : sortMode == QStringLiteral("Rozmiar") ? Order::Size
-                                                : Order::Artist;
-}
 
 const QString &yearOf(const Album &album)
 {
@@ -60,40 +34,40 @@ void sortByValue(std::vector<Item> &items, const ValueOf &valueOf, const Before 
     items = std::move(sorted);
 }
 
-void sortAlbums(AlbumList &albums, Order order)
+void sortAlbums(AlbumList &albums, SortMode order)
 {
     using Shared = std::shared_ptr<const Album>;
     switch (order) {
-    case Order::Album:
+    case SortMode::Album:
         TextOrder::stableSort(albums, [](const Shared &album) { return album->title; });
         break;
-    case Order::Year: // newest first
+    case SortMode::Year: // newest first
         sortByValue(albums, [](const Shared &album) { return yearOf(*album); }, std::greater<>());
         break;
-    case Order::Size: // largest first
+    case SortMode::Size: // largest first
         sortByValue(albums, [](const Shared &album) { return album->bytes(); }, std::greater<>());
         break;
-    case Order::Artist:
+    case SortMode::Artist:
         TextOrder::stableSort(albums, [](const Shared &album) { return QString(album->artist + album->title); });
         break;
     }
 }
 
-void sortTracks(std::vector<Track> &tracks, Order order)
+void sortTracks(std::vector<Track> &tracks, SortMode order)
 {
     switch (order) {
-    case Order::Album:
+    case SortMode::Album:
         TextOrder::stableSort(tracks, [](const Track &track) { return QString(track.album + track.title); });
         break;
-    case Order::Year: // newest first, then by title
+    case SortMode::Year: // newest first, then by title
         sortByValue(
             tracks, [](const Track &track) { return std::pair(track.info.year, track.title); },
             [](const auto &a, const auto &b) { return a.first != b.first ? b.first < a.first : a.second < b.second; });
         break;
-    case Order::Size: // largest first
+    case SortMode::Size: // largest first
         sortByValue(tracks, [](const Track &track) { return track.bytes; }, std::greater<>());
         break;
-    case Order::Artist:
+    case SortMode::Artist:
         TextOrder::stableSort(tracks, [](const Track &track) { return QString(track.artist + track.title); });
         break;
     }
@@ -106,20 +80,113 @@ bool isHighResolution(const AudioInfo &info)
     return info.bitDepth >= 17 || info.sampleRate >= 48001;
 }
 
-const std::vector<Track> &MarluneModel::activeTracks() const
+void Browsing::append(Side side, std::vector<Track> tracks)
 {
-    return m_libraryOnDevice ? m_deviceTracks : m_tracks;
+    std::vector<Track> &target = m_tracks[place(side)];
+    target.insert(target.end(), std::move_iterator(tracks.begin()), std::move_iterator(tracks.end()));
+    m_derived = {};
 }
 
-bool MarluneModel::matches(const Track &track) const
+void Browsing::remove(const QSet<QUuid> &ids)
 {
-    if (!formatMatches(track.info.codec, m_formatFilter) || (m_hiResOnly && !isHighResolution(track.info))) {
+    std::erase_if(m_tracks[place(Side::Computer)], [&](const Track &track) { return ids.contains(track.id); });
+    dequeue(ids);
+    m_derived = {};
+}
+
+void Browsing::clearDevice()
+{
+    m_tracks[place(Side::Device)].clear();
+    m_chosen[place(Side::Device)].clear();
+    m_derived = {};
+}
+
+void Browsing::setArtwork(Side side, const QSet<QUuid> &ids, const QByteArray &image)
+{
+    const auto renew = [&](std::vector<Track> &tracks) {
+        bool changed = false;
+        for (Track &track : tracks) {
+            if (ids.contains(track.id)) {
+                track.artwork = image;
+                changed = true;
+            }
+        }
+        return changed;
+    };
+    if (!renew(m_tracks[place(side)]) || side != m_side || !m_derived.grouped) {
+        return;
+    }
+    // A cover has no part in the grouping, the filters or the order: the album's copies are exchanged in their places.
+    std::optional<AlbumList> listed = m_derived.albums ? std::optional(*m_derived.albums) : std::nullopt;
+    for (std::shared_ptr<const Album> &album : *m_derived.grouped) {
+        Album renewed = *album;
+        if (renew(renewed.tracks)) {
+            const auto before = std::exchange(album, std::make_shared<const Album>(std::move(renewed)));
+            if (listed) {
+                std::replace(listed->begin(), listed->end(), before, album);
+            }
+        }
+    }
+    if (listed) {
+        m_derived.albums = std::make_shared<const AlbumList>(std::move(*listed));
+    }
+    if (m_derived.filteredTracks) {
+        auto tracks = std::make_shared<std::vector<Track>>(*m_derived.filteredTracks);
+        renew(*tracks);
+        m_derived.filteredTracks = std::move(tracks);
+    }
+}
+
+bool Browsing::setSide(Side side)
+{
+    if (m_side == side) {
+        return false;
+    }
+    m_side = side;
+    m_derived = {};
+    return true;
+}
+
+template <typename Field> bool Browsing::set(Field &field, const Field &value)
+{
+    if (field == value) {
+        return false;
+    }
+    field = value;
+    m_derived.albums.reset();
+    m_derived.filteredTracks.reset();
+    return true;
+}
+
+bool Browsing::setSearch(const QString &text)
+{
+    return set(m_search, text);
+}
+
+bool Browsing::setFormatFilter(const QString &filter)
+{
+    return set(m_formatFilter, filter);
+}
+
+bool Browsing::setHiResOnly(bool only)
+{
+    return set(m_hiResOnly, only);
+}
+
+bool Browsing::setSortMode(const QString &mode)
+{
+    return set(m_sortMode, mode);
+}
+
+bool Browsing::matches(const Track &track) const
+{
+    if (!passesFormatFilter(track.info.codec, m_formatFilter) || (m_hiResOnly && !isHighResolution(track.info))) {
         return false;
     }
     return m_search.isEmpty() || TextOrder::contains(track.artist + u' ' + track.album + u' ' + track.title, m_search);
 }
 
-MarluneModel::Derived &MarluneModel::derived() const
+Browsing::Derived &Browsing::derived() const
 {
     if (const int language = int(TextOrder::language()); m_derived.language != language) {
         m_derived = {.grouped = {}, .albums = {}, .filteredTracks = {}, .language = language};
@@ -127,7 +194,7 @@ MarluneModel::Derived &MarluneModel::derived() const
     return m_derived;
 }
 
-const AlbumList &MarluneModel::everyAlbum() const
+const AlbumList &Browsing::everyAlbum() const
 {
     Derived &kept = derived();
     if (!kept.grouped) {
@@ -139,7 +206,7 @@ const AlbumList &MarluneModel::everyAlbum() const
     return *kept.grouped;
 }
 
-std::shared_ptr<const Album> MarluneModel::albumWith(const QUuid &trackId) const
+std::shared_ptr<const Album> Browsing::albumWith(const QUuid &trackId) const
 {
     const auto isTheTrack = [&](const Track &track) { return track.id == trackId; };
     for (const std::shared_ptr<const Album> &album : everyAlbum()) {
@@ -150,7 +217,7 @@ std::shared_ptr<const Album> MarluneModel::albumWith(const QUuid &trackId) const
     return nullptr;
 }
 
-std::shared_ptr<const AlbumList> MarluneModel::albums() const
+std::shared_ptr<const AlbumList> Browsing::albums() const
 {
     Derived &kept = derived();
     if (!kept.albums) {
@@ -160,26 +227,26 @@ std::shared_ptr<const AlbumList> MarluneModel::albums() const
             return std::any_of(
                 album->tracks.begin(), album->tracks.end(), [this](const Track &track) { return matches(track); });
         });
-        sortAlbums(shown, orderOf(m_sortMode));
+        sortAlbums(shown, sortModeFromText(m_sortMode));
         kept.albums = std::make_shared<const AlbumList>(std::move(shown));
     }
     return kept.albums;
 }
 
-std::shared_ptr<const std::vector<Track>> MarluneModel::filteredTracks() const
+std::shared_ptr<const std::vector<Track>> Browsing::filteredTracks() const
 {
     Derived &kept = derived();
     if (!kept.filteredTracks) {
         std::vector<Track> shown;
         std::copy_if(activeTracks().begin(), activeTracks().end(), std::back_inserter(shown),
             [this](const Track &track) { return matches(track); });
-        sortTracks(shown, orderOf(m_sortMode));
+        sortTracks(shown, sortModeFromText(m_sortMode));
         kept.filteredTracks = std::make_shared<const std::vector<Track>>(std::move(shown));
     }
     return kept.filteredTracks;
 }
 
-std::size_t MarluneModel::filteredTrackCount() const
+std::size_t Browsing::filteredTrackCount() const
 {
     if (const Derived &kept = derived(); kept.filteredTracks) {
         return kept.filteredTracks->size();
@@ -188,119 +255,38 @@ std::size_t MarluneModel::filteredTrackCount() const
         activeTracks().begin(), activeTracks().end(), [this](const Track &track) { return matches(track); }));
 }
 
-void MarluneModel::tracksWereChanged()
+std::vector<Track> Browsing::queue() const
 {
-    m_derived = {};
-    Q_EMIT tracksChanged();
-    Q_EMIT browsingChanged();
-}
-
-void MarluneModel::browsingWasChanged()
-{
-    m_derived.albums.reset();
-    m_derived.filteredTracks.reset();
-    Q_EMIT browsingChanged();
-}
-
-void MarluneModel::setLibraryOnDevice(bool onDevice)
-{
-    if (m_libraryOnDevice != onDevice) {
-        m_libraryOnDevice = onDevice;
-        m_derived = {};
-        forgetDuplicates();
-        Q_EMIT libraryOnDeviceChanged();
-        Q_EMIT browsingChanged();
-    }
-}
-
-void MarluneModel::setSearch(const QString &text)
-{
-    if (m_search != text) {
-        m_search = text;
-        Q_EMIT searchChanged();
-        browsingWasChanged();
-    }
-}
-
-void MarluneModel::setFormatFilter(const QString &filter)
-{
-    if (m_formatFilter != filter) {
-        m_formatFilter = filter;
-        Q_EMIT formatFilterChanged();
-        browsingWasChanged();
-    }
-}
-
-void MarluneModel::setHiResOnly(bool only)
-{
-    if (m_hiResOnly != only) {
-        m_hiResOnly = only;
-        Q_EMIT hiResOnlyChanged();
-        browsingWasChanged();
-    }
-}
-
-void MarluneModel::setSortMode(const QString &mode)
-{
-    if (m_sortMode != mode) {
-        m_sortMode = mode;
-        m_environment.settings.setText(QStringLiteral("sortMode"), mode);
-        Q_EMIT sortModeChanged();
-        browsingWasChanged();
-    }
-}
-
-void MarluneModel::setViewMode(const QString &mode)
-{
-    if (m_viewMode != mode) {
-        m_viewMode = mode;
-        m_environment.settings.setText(QStringLiteral("viewMode"), mode);
-        Q_EMIT viewModeChanged();
-    }
-}
-
-void MarluneModel::setTileSize(double size)
-{
-    if (m_tileSize != size) {
-        m_tileSize = size;
-        m_environment.settings.setNumber(QStringLiteral("tileSize"), size);
-        Q_EMIT tileSizeChanged();
-    }
-}
-
-void MarluneModel::setOpenAlbum(const std::optional<Album> &album)
-{
-    m_openAlbum = album;
-    Q_EMIT openAlbumChanged();
-}
-
-std::vector<Track> MarluneModel::queue() const
-{
+    const QSet<QUuid> &queued = chosen(Side::Computer);
     std::vector<Track> result;
-    if (!m_queued.isEmpty()) {
-        std::copy_if(m_tracks.begin(), m_tracks.end(), std::back_inserter(result),
-            [this](const Track &track) { return m_queued.contains(track.id); });
+    if (!queued.isEmpty()) {
+        const std::vector<Track> &all = tracks(Side::Computer);
+        std::copy_if(all.begin(), all.end(), std::back_inserter(result),
+            [&queued](const Track &track) { return queued.contains(track.id); });
     }
     return result;
 }
 
-std::int64_t MarluneModel::queueBytes() const
+std::int64_t Browsing::queueBytes() const
 {
+    const QSet<QUuid> &queued = chosen(Side::Computer);
     std::int64_t sum = 0;
-    for (const Track &track : m_tracks) {
-        sum += m_queued.contains(track.id) ? track.bytes : 0;
+    for (const Track &track : tracks(Side::Computer)) {
+        sum += queued.contains(track.id) ? track.bytes : 0;
     }
     return sum;
 }
 
-QSet<QUuid> &MarluneModel::selectionTarget()
+void Browsing::enqueue(const std::vector<Track> &tracks)
 {
-    return m_libraryOnDevice ? m_selectedOnDevice : m_queued;
+    for (const Track &track : tracks) {
+        m_chosen[place(Side::Computer)].insert(track.id);
+    }
 }
 
-void MarluneModel::toggle(const Album &album)
+void Browsing::toggle(const Album &album)
 {
-    QSet<QUuid> &target = selectionTarget();
+    QSet<QUuid> &target = m_chosen[place(m_side)];
     const bool all = std::all_of(
         album.tracks.begin(), album.tracks.end(), [&](const Track &track) { return target.contains(track.id); });
     for (const Track &track : album.tracks) {
@@ -310,22 +296,12 @@ void MarluneModel::toggle(const Album &album)
             target.insert(track.id);
         }
     }
-    Q_EMIT selectionChanged();
 }
 
-void MarluneModel::toggleTrack(const Track &track)
+void Browsing::toggleTrack(const Track &track)
 {
-    QSet<QUuid> &target = selectionTarget();
+    QSet<QUuid> &target = m_chosen[place(m_side)];
     if (!target.remove(track.id)) {
         target.insert(track.id);
-    }
-    Q_EMIT selectionChanged();
-}
-
-void MarluneModel::clearQueue()
-{
-    if (!m_busy && !m_queued.isEmpty()) {
-        m_queued.clear();
-        Q_EMIT selectionChanged();
     }
 }

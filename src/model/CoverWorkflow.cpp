@@ -90,7 +90,7 @@ void MarluneModel::findMissingCovers()
         return;
     }
     std::vector<Album> albums;
-    for (const std::shared_ptr<const Album> &album : everyAlbum()) {
+    for (const std::shared_ptr<const Album> &album : m_browsing.everyAlbum()) {
         if (!album->artworkBytes()) {
             albums.push_back(*album);
         }

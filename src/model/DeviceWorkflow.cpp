@@ -131,11 +131,10 @@ void MarluneModel::setTransferred(std::vector<std::filesystem::path> files)
 void MarluneModel::clearDeviceMusic()
 {
     setTransferred({});
-    if (m_libraryOnDevice) {
+    if (libraryOnDevice()) {
         forgetDuplicates();
     }
-    m_deviceTracks.clear();
-    m_selectedOnDevice.clear();
+    m_browsing.clearDevice();
     tracksWereChanged();
     Q_EMIT selectionChanged();
 }

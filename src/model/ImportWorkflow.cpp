@@ -71,7 +71,7 @@ void MarluneModel::restoreLibrary()
 
 TrackImport MarluneModel::prepareImport(bool fromDevice) const
 {
-    const std::vector<Track> &held = fromDevice ? m_deviceTracks : m_tracks;
+    const std::vector<Track> &held = fromDevice ? deviceTracks() : tracks();
     TrackImport import;
     for (const Track &track : held) {
         import.known.insert(Files::standardised(track.url).native());
@@ -132,13 +132,10 @@ QCoro::Task<> MarluneModel::runImport(ImportSource source, bool fromDevice, bool
 void MarluneModel::landImport(std::vector<Track> read, bool fromDevice, bool enqueue)
 {
     const std::size_t count = read.size();
-    std::vector<Track> &target = fromDevice ? m_deviceTracks : m_tracks;
     if (!fromDevice && enqueue) {
-        for (const Track &track : read) {
-            m_queued.insert(track.id);
-        }
+        m_browsing.enqueue(read);
     }
-    std::move(read.begin(), read.end(), std::back_inserter(target));
+    m_browsing.append(fromDevice ? Side::Device : Side::Computer, std::move(read));
     if (!fromDevice) {
         storeLibraryPaths();
         setLibraryOnDevice(false);
@@ -158,8 +155,7 @@ void MarluneModel::scanDeviceMusic()
     if (!m_device || m_busy) {
         return;
     }
-    m_deviceTracks.clear();
-    m_selectedOnDevice.clear();
+    m_browsing.clearDevice();
     setLibraryOnDevice(true);
     forgetDuplicates();
     tracksWereChanged();
@@ -170,8 +166,8 @@ void MarluneModel::scanDeviceMusic()
 void MarluneModel::storeLibraryPaths()
 {
     QStringList paths;
-    paths.reserve(qsizetype(m_tracks.size()));
-    for (const Track &track : m_tracks) {
+    paths.reserve(qsizetype(tracks().size()));
+    for (const Track &track : tracks()) {
         paths.append(Files::text(track.url));
     }
     m_environment.settings.setTexts(QStringLiteral("libraryPaths"), paths);
@@ -179,15 +175,14 @@ void MarluneModel::storeLibraryPaths()
 
 void MarluneModel::forget(const Album &album)
 {
-    if (m_busy || m_libraryOnDevice) {
+    if (m_busy || libraryOnDevice()) {
         return;
     }
     QSet<QUuid> ids;
     for (const Track &track : album.tracks) {
         ids.insert(track.id);
     }
-    std::erase_if(m_tracks, [&](const Track &track) { return ids.contains(track.id); });
-    m_queued.subtract(ids);
+    m_browsing.remove(ids);
     forgetDuplicates();
     storeLibraryPaths();
     tracksWereChanged();

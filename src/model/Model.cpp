@@ -20,8 +20,10 @@ MarluneModel::MarluneModel(ModelEnvironment environment, QObject *parent)
 {
     forgetDuplicates();
     Settings &settings = m_environment.settings;
-    m_viewMode = settings.text(QStringLiteral("viewMode")).value_or(QStringLiteral("Albumy"));
-    m_sortMode = settings.text(QStringLiteral("sortMode")).value_or(QStringLiteral("Wykonawca"));
+    m_viewMode = settings.text(QStringLiteral("viewMode")).value_or(viewModeText(ViewMode::Albums));
+    if (const std::optional<QString> sortMode = settings.text(QStringLiteral("sortMode"))) {
+        m_browsing.setSortMode(*sortMode);
+    }
     const double storedSize = settings.number(QStringLiteral("tileSize")).value_or(0);
     m_tileSize = storedSize > 0 ? storedSize : defaultTileSize;
     settings.onWriteFailure([self = QPointer(this)](const QString &reason) {

@@ -11,6 +11,7 @@
 
 #include "artwork/CoverSearch.h"
 
+#include "model/Browsing.h"
 #include "model/DeviceContent.h"
 #include "model/Section.h"
 
@@ -59,12 +60,6 @@ struct ModelEnvironment {
 
 /// The devices among all mounted volumes, in their order. A volume that cannot be read is none. Blocking.
 [[nodiscard]] std::vector<Device> discoverDevices();
-
-/// More than 16 bits a sample or more than 48 kHz.
-[[nodiscard]] bool isHighResolution(const AudioInfo &info);
-
-/// Albums that one list shares with another: filtering and sorting copy no track.
-using AlbumList = std::vector<std::shared_ptr<const Album>>;
 
 class MarluneModel : public QObject {
     Q_OBJECT
@@ -135,9 +130,9 @@ public:
     Q_INVOKABLE void installTheme();
 
     // Library.
-    [[nodiscard]] const std::vector<Track> &tracks() const { return m_tracks; }
-    [[nodiscard]] const std::vector<Track> &deviceTracks() const { return m_deviceTracks; }
-    [[nodiscard]] bool libraryOnDevice() const { return m_libraryOnDevice; }
+    [[nodiscard]] const std::vector<Track> &tracks() const { return m_browsing.tracks(Side::Computer); }
+    [[nodiscard]] const std::vector<Track> &deviceTracks() const { return m_browsing.tracks(Side::Device); }
+    [[nodiscard]] bool libraryOnDevice() const { return m_browsing.side() == Side::Device; }
     void setLibraryOnDevice(bool onDevice);
     /// Asks for files and folders and adds their music to the library and the queue.
     Q_INVOKABLE void importMusic();
@@ -155,24 +150,28 @@ public:
     /// tracks that are not shown any more by then is dropped.
     Q_INVOKABLE void checkDuplicates();
 
-    // Browsing. The derived lists are kept while nothing that they depend on changes.
-    [[nodiscard]] const std::vector<Track> &activeTracks() const;
-    [[nodiscard]] bool matches(const Track &track) const;
-    [[nodiscard]] std::shared_ptr<const AlbumList> albums() const;
-    /// The album of the active tracks, filtered out or not, that holds a track of this id.
-    [[nodiscard]] std::shared_ptr<const Album> albumWith(const QUuid &trackId) const;
-    [[nodiscard]] std::shared_ptr<const std::vector<Track>> filteredTracks() const;
-    /// The number of filteredTracks(), without making the list.
-    [[nodiscard]] std::size_t filteredTrackCount() const;
-    [[nodiscard]] QString search() const { return m_search; }
+    // Browsing: see Browsing.h.
+    [[nodiscard]] const std::vector<Track> &activeTracks() const { return m_browsing.activeTracks(); }
+    [[nodiscard]] bool matches(const Track &track) const { return m_browsing.matches(track); }
+    [[nodiscard]] std::shared_ptr<const AlbumList> albums() const { return m_browsing.albums(); }
+    [[nodiscard]] std::shared_ptr<const Album> albumWith(const QUuid &trackId) const
+    {
+        return m_browsing.albumWith(trackId);
+    }
+    [[nodiscard]] std::shared_ptr<const std::vector<Track>> filteredTracks() const
+    {
+        return m_browsing.filteredTracks();
+    }
+    [[nodiscard]] std::size_t filteredTrackCount() const { return m_browsing.filteredTrackCount(); }
+    [[nodiscard]] QString search() const { return m_browsing.search(); }
     void setSearch(const QString &text);
-    [[nodiscard]] QString formatFilter() const { return m_formatFilter; }
+    [[nodiscard]] QString formatFilter() const { return m_browsing.formatFilter(); }
     void setFormatFilter(const QString &filter);
-    [[nodiscard]] bool hiResOnly() const { return m_hiResOnly; }
+    [[nodiscard]] bool hiResOnly() const { return m_browsing.hiResOnly(); }
     void setHiResOnly(bool only);
     [[nodiscard]] QString viewMode() const { return m_viewMode; }
     void setViewMode(const QString &mode);
-    [[nodiscard]] QString sortMode() const { return m_sortMode; }
+    [[nodiscard]] QString sortMode() const { return m_browsing.sortMode(); }
     void setSortMode(const QString &mode);
     [[nodiscard]] double tileSize() const { return m_tileSize; }
     void setTileSize(double size);
@@ -180,11 +179,11 @@ public:
     void setOpenAlbum(const std::optional<Album> &album);
 
     // Queue and selection.
-    [[nodiscard]] const QSet<QUuid> &queued() const { return m_queued; }
-    [[nodiscard]] const QSet<QUuid> &selectedOnDevice() const { return m_selectedOnDevice; }
+    [[nodiscard]] const QSet<QUuid> &queued() const { return m_browsing.chosen(Side::Computer); }
+    [[nodiscard]] const QSet<QUuid> &selectedOnDevice() const { return m_browsing.chosen(Side::Device); }
     /// The queued tracks in the library's order.
-    [[nodiscard]] std::vector<Track> queue() const;
-    [[nodiscard]] std::int64_t queueBytes() const;
+    [[nodiscard]] std::vector<Track> queue() const { return m_browsing.queue(); }
+    [[nodiscard]] std::int64_t queueBytes() const { return m_browsing.queueBytes(); }
     /// Adds the album to the set of the side that is shown, or takes it out if all of it is there.
     void toggle(const Album &album);
     void toggleTrack(const Track &track);
@@ -324,11 +323,9 @@ private:
     void setDuplicates(const QString &status, std::optional<std::vector<QualityIssue>> found = {});
     void forgetDuplicates();
     void tracksWereChanged();
-    void browsingWasChanged();
     void storeLibraryPaths();
     void readBackups();
     void disconnect();
-    [[nodiscard]] QSet<QUuid> &selectionTarget();
 
     QCoro::Task<> runRefresh();
     QCoro::Task<> runChoice(std::filesystem::path folder);
@@ -383,27 +380,12 @@ private:
     void restoreLibrary();
     void landImport(std::vector<Track> read, bool fromDevice, bool enqueue);
 
-    /// Derived lists and what they were derived under; absent when something that they depend on has changed.
-    struct Derived {
-        std::optional<AlbumList> grouped; ///< depends on the active tracks alone
-        std::shared_ptr<const AlbumList> albums;
-        std::shared_ptr<const std::vector<Track>> filteredTracks;
-        int language = -1;
-    };
-    [[nodiscard]] Derived &derived() const;
-    [[nodiscard]] const AlbumList &everyAlbum() const;
-
     ModelEnvironment m_environment;
     Playback m_playback {m_environment.audioOutput};
     Section m_section = Section::Music;
     std::vector<Device> m_devices;
     std::optional<Device> m_device;
-    std::vector<Track> m_tracks;
-    std::vector<Track> m_deviceTracks;
-    bool m_libraryOnDevice = false;
-    QSet<QUuid> m_selectedOnDevice;
-    QSet<QUuid> m_queued;
-    QString m_search;
+    Browsing m_browsing;
     bool m_busy = false;
     double m_progress = 0;
     QString m_status = QStringLiteral("Gotowy na Twoją muzykę");
@@ -426,10 +408,7 @@ private:
     std::optional<Album> m_openAlbum;
     std::optional<Album> m_coverLookup;
     std::unique_ptr<QObject> m_coverRequest; ///< owns the exchange about covers; its end ends that
-    QString m_formatFilter = QStringLiteral("Wszystko");
-    bool m_hiResOnly = false;
     QString m_viewMode;
-    QString m_sortMode;
     double m_tileSize = 0;
     int m_choices = 0; ///< of a device, so far
     int m_visit = 0; ///< counts selected devices: another one may come to the same place
@@ -439,5 +418,4 @@ private:
     std::vector<std::filesystem::path> m_leftMeanwhile; ///< disks that went since that discovery began
     std::optional<std::filesystem::path> m_ejecting; ///< root of the volume that is on its way out
     bool m_unmountedWhileEjecting = false;
-    mutable Derived m_derived;
 };

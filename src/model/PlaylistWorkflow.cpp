@@ -21,8 +21,8 @@ void MarluneModel::setPlaylistName(const QString &name)
 std::vector<std::filesystem::path> MarluneModel::playlistTracks() const
 {
     std::vector<std::filesystem::path> files = m_transferred;
-    for (const Track &track : m_deviceTracks) {
-        if (m_selectedOnDevice.contains(track.id)) {
+    for (const Track &track : deviceTracks()) {
+        if (selectedOnDevice().contains(track.id)) {
             files.push_back(track.url);
         }
     }

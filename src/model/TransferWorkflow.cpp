@@ -59,7 +59,7 @@ std::vector<MarluneModel::PlannedCover> MarluneModel::planCovers(const std::vect
 MarluneModel::TransferPlan MarluneModel::planTransfer(const std::vector<Track> &items) const
 {
     // The whole library, not the items: a disc that is sent alone still gets its disc folder.
-    const std::vector<Album> albums = AlbumGrouping::albums(m_tracks);
+    const std::vector<Album> albums = AlbumGrouping::albums(tracks());
     struct Place {
         const Album *album;
         bool severalDiscs;
@@ -171,7 +171,7 @@ void MarluneModel::landTransfer(const TransferPlan &plan, TransferResult result,
                              "zostaną pominięte."));
         setStatus(QStringLiteral("Transfer przerwany"));
     } else {
-        m_queued.subtract(plan.ids);
+        m_browsing.dequeue(plan.ids);
         Q_EMIT selectionChanged();
         noteTransferred(plan.device, std::move(result.destinations));
         setStatus(QStringLiteral("Wgrano: ") + QString::number(result.copied)

@@ -7,6 +7,13 @@ namespace {
 
 constexpr int searchPauseMilliseconds = 150;
 
+QStringList textsOf(const auto &values, const auto &textOf)
+{
+    QStringList texts;
+    std::transform(values.begin(), values.end(), std::back_inserter(texts), textOf);
+    return texts;
+}
+
 } // namespace
 
 LibraryPresenter::LibraryPresenter(MarluneModel &model, std::shared_ptr<CoverStore> covers, QObject *parent)
@@ -25,13 +32,12 @@ LibraryPresenter::LibraryPresenter(MarluneModel &model, std::shared_ptr<CoverSto
 
 QStringList LibraryPresenter::formats() const
 {
-    return {QStringLiteral("Wszystko"), QStringLiteral("FLAC"), QStringLiteral("MP3"), QStringLiteral("AAC"),
-        QStringLiteral("ALAC"), QStringLiteral("Pozostałe")};
+    return textsOf(allFormatFilters, formatFilterText);
 }
 
 QStringList LibraryPresenter::sortModes() const
 {
-    return {QStringLiteral("Wykonawca"), QStringLiteral("Album"), QStringLiteral("Rok"), QStringLiteral("Rozmiar")};
+    return textsOf(allSortModes, sortModeText);
 }
 
 QString LibraryPresenter::counts() const

@@ -1,0 +1,94 @@
+// What the pages do with what is browsed: choices that are kept, and who hears of a change.
+#include "model/Model.h"
+
+void MarluneModel::tracksWereChanged()
+{
+    Q_EMIT tracksChanged();
+    Q_EMIT browsingChanged();
+}
+
+void MarluneModel::setLibraryOnDevice(bool onDevice)
+{
+    if (m_browsing.setSide(onDevice ? Side::Device : Side::Computer)) {
+        forgetDuplicates();
+        Q_EMIT libraryOnDeviceChanged();
+        Q_EMIT browsingChanged();
+    }
+}
+
+void MarluneModel::setSearch(const QString &text)
+{
+    if (m_browsing.setSearch(text)) {
+        Q_EMIT searchChanged();
+        Q_EMIT browsingChanged();
+    }
+}
+
+void MarluneModel::setFormatFilter(const QString &filter)
+{
+    if (m_browsing.setFormatFilter(filter)) {
+        Q_EMIT formatFilterChanged();
+        Q_EMIT browsingChanged();
+    }
+}
+
+void MarluneModel::setHiResOnly(bool only)
+{
+    if (m_browsing.setHiResOnly(only)) {
+        Q_EMIT hiResOnlyChanged();
+        Q_EMIT browsingChanged();
+    }
+}
+
+void MarluneModel::setSortMode(const QString &mode)
+{
+    if (m_browsing.setSortMode(mode)) {
+        m_environment.settings.setText(QStringLiteral("sortMode"), mode);
+        Q_EMIT sortModeChanged();
+        Q_EMIT browsingChanged();
+    }
+}
+
+void MarluneModel::setViewMode(const QString &mode)
+{
+    if (m_viewMode != mode) {
+        m_viewMode = mode;
+        m_environment.settings.setText(QStringLiteral("viewMode"), mode);
+        Q_EMIT viewModeChanged();
+    }
+}
+
+void MarluneModel::setTileSize(double size)
+{
+    if (m_tileSize != size) {
+        m_tileSize = size;
+        m_environment.settings.setNumber(QStringLiteral("tileSize"), size);
+        Q_EMIT tileSizeChanged();
+    }
+}
+
+void MarluneModel::setOpenAlbum(const std::optional<Album> &album)
+{
+    m_openAlbum = album;
+    Q_EMIT openAlbumChanged();
+}
+
+void MarluneModel::toggle(const Album &album)
+{
+    m_browsing.toggle(album);
+    Q_EMIT selectionChanged();
+}
+
+void MarluneModel::toggleTrack(const Track &track)
+{
+    m_browsing.toggleTrack(track);
+    Q_EMIT selectionChanged();
+}
+
+void MarluneModel::clearQueue()
+{
+    if (!m_busy && !queued().isEmpty()) {
+        m_browsing.clearQueue();
+        Q_EMIT selectionChanged();
+    }
+}
