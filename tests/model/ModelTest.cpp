@@ -2,12 +2,9 @@
 #include "support/ModelDesk.h"
 
 #include "artwork/Artwork.h"
-#include "library/AlbumGrouping.h"
 #include "platform/Files.h"
-#include "platform/TextOrder.h"
 
 #include <QBuffer>
-#include <QRandomGenerator>
 
 namespace {
 
@@ -35,15 +32,6 @@ struct Library {
     {
         model->importURLs({folder / part}, false, enqueue);
         ModelDesk::waitForJobs(*model);
-    }
-
-    [[nodiscard]] QString titles() const
-    {
-        QStringList result;
-        for (const auto &album : *model->albums()) {
-            result.append(album->title);
-        }
-        return result.join(QStringLiteral(", "));
     }
 };
 
@@ -93,89 +81,6 @@ private Q_SLOTS:
         const auto model = desk.start();
         QCOMPARE(model->sortMode(), QStringLiteral("Rok"));
         QCOMPARE(model->tileSize(), 170.0); // none that tiles can have was stored
-    }
-
-    void filtersAndSorts()
-    {
-        Library library;
-        library.import();
-        const std::tuple<const char *, const char *, bool, const char *, const char *> rows[]
-            = {{"Album", "Wszystko", false, "", "Double, High 10, Plain"},
-                {"Rok", "Wszystko", false, "", "High 10, Double, Plain"},
-                {"Album", "Wszystko", false, "", "Double, High 10, Plain"},
-                {"Rozmiar", "Wszystko", false, "", "High 10, Double, Plain"},
-                {"unknown", "Wszystko", false, "", "High 10, Double, Plain"}, {"Rok", "MP3", false, "", "Plain"},
-                {"Rok", "Pozostałe", false, "", ""}, {"Rok", "FLAC", true, "", "High 10"},
-                {"Rok", "Wszystko", false, "żUK plain", "Plain"}, {"Rok", "Wszystko", false, "2 y", "Plain"}};
-        for (const auto &[order, format, highResolution, search, titles] : rows) {
-            library.model->setSortMode(QString::fromUtf8(order));
-            library.model->setFormatFilter(QString::fromUtf8(format));
-            library.model->setHiResOnly(highResolution);
-            library.model->setSearch(QString::fromUtf8(search));
-            QCOMPARE(library.titles(), QString::fromUtf8(titles));
-        }
-        QCOMPARE(library.model->albums()->front()->tracks.size(), 2U); // the album keeps what does not match
-        QCOMPARE(library.model->filteredTracks()->size(), 1U);
-        AudioInfo info;
-        info.bitDepth = 16;
-        for (const int rate : {48000, 48001}) {
-            info.sampleRate = rate;
-            QCOMPARE(isHighResolution(info), rate > 48000);
-        }
-    }
-
-    void showsAlwaysWhatAFreshComputationWouldGive()
-    {
-        Library library;
-        ModelDesk &desk = library.desk;
-        MarluneModel *const model = library.model.get();
-        desk.folder.write("IPOD/Music/On device.mp3", "x");
-        model->select(desk.makeDevice("IPOD", false));
-        QRandomGenerator random(20261122);
-        const auto pick = [&](const std::vector<const char *> &list) {
-            return list[std::size_t(random.bounded(int(list.size())))];
-        };
-        const auto text = [&](const std::vector<const char *> &list) { return QString::fromUtf8(pick(list)); };
-        const std::vector<std::function<void()>> changes {
-            [&] { model->setSearch(text({"", "", "", "a", "x"})); },
-            [&] { model->setFormatFilter(text({"Wszystko", "Wszystko", "FLAC", "Pozostałe"})); },
-            [&] { model->setHiResOnly(random.bounded(4) == 1); },
-            [&] { model->setSortMode(text({"Album", "Rok", "Rozmiar", "Wykonawca"})); },
-            [&] { model->setLibraryOnDevice(random.bounded(2) == 1); },
-            [&] { TextOrder::setLanguage(TextOrder::Language(random.bounded(2))); },
-            [&] { library.import(pick({"Band", ""})); },
-            [&] { model->scanDeviceMusic(); },
-            [&] {
-                if (!model->albums()->empty()) {
-                    model->forget(Album(*model->albums()->front()));
-                }
-            },
-            [&] {
-                model->volumeUnmounted(desk.folder / "IPOD");
-                model->select(Device::inspect(desk.folder / "IPOD"));
-            },
-        };
-        int nonEmpty = 0;
-        for (int step = 0; step < 300; ++step) {
-            changes[std::size_t(random.bounded(int(changes.size())))]();
-            desk.waitForJobs(*model);
-            // What a computation from the tracks alone gives.
-            const auto matches = [&](const Track &track) { return model->matches(track); };
-            const std::vector<Track> &tracks = model->activeTracks();
-            std::vector<Album> albums = AlbumGrouping::albums(tracks);
-            std::erase_if(albums, [&](const Album &album) { return std::ranges::none_of(album.tracks, matches); });
-            const auto count = std::size_t(std::ranges::count_if(tracks, matches));
-            const auto &shown = *model->albums();
-            QCOMPARE(shown.size(), albums.size());
-            QCOMPARE(model->filteredTrackCount(), count);
-            QCOMPARE(model->filteredTracks()->size(), count);
-            for (const Album &album : albums) {
-                QVERIFY(std::ranges::any_of(shown, [&](const auto &other) { return *other == album; }));
-            }
-            nonEmpty += shown.size() > 1 ? 1 : 0;
-        }
-        QVERIFY(nonEmpty > 30);
-        TextOrder::setLanguage(TextOrder::Language::Polish);
     }
 
     void togglesAlbumsOnTheSideThatIsShown()

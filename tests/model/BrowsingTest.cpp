@@ -1,0 +1,128 @@
+// What the library page lists, held against computations of its own.
+#include "support/SampleTracks.h"
+
+#include "library/AlbumGrouping.h"
+#include "model/Browsing.h"
+#include "platform/TextOrder.h"
+
+#include <QRandomGenerator>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+QString titles(const Browsing &browsing)
+{
+    QStringList result;
+    for (const auto &album : *browsing.albums()) {
+        result.append(album->title);
+    }
+    return result.join(QStringLiteral(", "));
+}
+
+/// One album of two discs, one of two MP3 files without a year, one in high resolution; with new ids at each call.
+std::vector<Track> someMusic()
+{
+    std::vector<Track> tracks = makeTracks({{"Band/Double/CD1/01 a.flac", "Double", "Band", 1},
+        {"Band/Double/CD2/01 a.flac", "Double", "Band", 2}, {"Żuk/Plain/1 x.mp3", "Plain", "Żuk"},
+        {"Żuk/Plain/2 y.mp3", "Plain", "Żuk"}, {"High/Resolution/1.flac", "High 10", "abba"}});
+    for (Track &track : tracks) {
+        const bool isFlac = track.url.extension() == ".flac";
+        track.info.codec = isFlac ? QStringLiteral("FLAC") : QStringLiteral("MP3");
+        track.info.bitDepth = isFlac ? 16 : 0;
+        track.info.year = isFlac ? QStringLiteral("1999") : QString();
+        track.bytes = 100;
+    }
+    tracks.back().info.bitDepth = 24;
+    tracks.back().info.year = QStringLiteral("2020");
+    tracks.back().bytes = 1000;
+    tracks[2].bytes = tracks[3].bytes = 10;
+    return tracks;
+}
+
+} // namespace
+
+TEST(Browsing, filtersAndSorts)
+{
+    Browsing browsing;
+    browsing.append(Side::Computer, someMusic());
+    const std::tuple<const char *, const char *, bool, const char *, const char *> rows[]
+        = {{"Album", "Wszystko", false, "", "Double, High 10, Plain"},
+            {"Rok", "Wszystko", false, "", "High 10, Double, Plain"},
+            {"Rozmiar", "Wszystko", false, "", "High 10, Double, Plain"},
+            {"unknown", "Wszystko", false, "", "High 10, Double, Plain"}, {"Rok", "MP3", false, "", "Plain"},
+            {"Rok", "Pozostałe", false, "", ""}, {"Rok", "flac", false, "", ""}, {"Rok", "FLAC", true, "", "High 10"},
+            {"Rok", "Wszystko", false, "żUK plain", "Plain"}, {"Rok", "Wszystko", false, "2 y", "Plain"}};
+    for (const auto &[order, format, highResolution, search, listed] : rows) {
+        browsing.setSortMode(QString::fromUtf8(order));
+        browsing.setFormatFilter(QString::fromUtf8(format));
+        browsing.setHiResOnly(highResolution);
+        browsing.setSearch(QString::fromUtf8(search));
+        EXPECT_EQ(titles(browsing), QString::fromUtf8(listed));
+    }
+    EXPECT_EQ(browsing.albums()->front()->tracks.size(), 2U); // the album keeps what does not match
+    EXPECT_EQ(browsing.filteredTracks()->size(), 1U);
+    AudioInfo info;
+    info.bitDepth = 16;
+    for (const int rate : {48000, 48001}) {
+        info.sampleRate = rate;
+        EXPECT_EQ(isHighResolution(info), rate > 48000);
+    }
+}
+
+TEST(Browsing, listsAlwaysWhatAFreshComputationWouldGive)
+{
+    QRandomGenerator random(20261122);
+    Browsing browsing;
+    const auto text = [&](std::initializer_list<const char *> list) {
+        return QString::fromUtf8(list.begin()[random.bounded(int(list.size()))]);
+    };
+    const auto side = [&] { return random.bounded(2) == 1 ? Side::Device : Side::Computer; };
+    const auto idsOf = [](const Album &album) {
+        QSet<QUuid> ids;
+        for (const Track &track : album.tracks) {
+            ids.insert(track.id);
+        }
+        return ids;
+    };
+    const std::vector<std::function<void()>> changes {
+        [&] { browsing.setSearch(text({"", "", "", "a", "x"})); },
+        [&] { browsing.setFormatFilter(text({"Wszystko", "Wszystko", "FLAC", "Pozostałe"})); },
+        [&] { browsing.setHiResOnly(random.bounded(4) == 1); },
+        [&] { browsing.setSortMode(text({"Album", "Rok", "Rozmiar", "Wykonawca"})); },
+        [&] { browsing.setSide(side()); },
+        [&] { TextOrder::setLanguage(TextOrder::Language(random.bounded(2))); },
+        [&] { browsing.append(side(), someMusic()); },
+        [&] { browsing.append(side(), someMusic()); },
+        [&] { browsing.clearDevice(); },
+        [&] {
+            if (!browsing.everyAlbum().empty()) {
+                browsing.remove(idsOf(*browsing.everyAlbum().front()));
+            }
+        },
+        [&] {
+            if (!browsing.everyAlbum().empty()) {
+                const QSet<QUuid> ids = idsOf(*browsing.everyAlbum().back());
+                browsing.setArtwork(browsing.side(), ids, QByteArray::number(random.bounded(1000)));
+            }
+        },
+    };
+    int nonEmpty = 0;
+    for (int step = 0; step < 600; ++step) {
+        changes[std::size_t(random.bounded(int(changes.size())))]();
+        Browsing fresh; // derives everything from the tracks alone
+        fresh.append(Side::Computer, browsing.activeTracks());
+        fresh.setSearch(browsing.search());
+        fresh.setFormatFilter(browsing.formatFilter());
+        fresh.setHiResOnly(browsing.hiResOnly());
+        fresh.setSortMode(browsing.sortMode());
+        const auto isSame = [](const auto &a, const auto &b) { return *a == *b; };
+        ASSERT_TRUE(std::ranges::equal(browsing.everyAlbum(), fresh.everyAlbum(), isSame)) << step;
+        ASSERT_TRUE(std::ranges::equal(*browsing.albums(), *fresh.albums(), isSame)) << step;
+        ASSERT_EQ(*browsing.filteredTracks(), *fresh.filteredTracks()) << step;
+        ASSERT_EQ(browsing.filteredTrackCount(), fresh.filteredTrackCount()) << step;
+        nonEmpty += browsing.albums()->size() > 1 ? 1 : 0;
+    }
+    EXPECT_GT(nonEmpty, 60);
+    TextOrder::setLanguage(TextOrder::Language::Polish);
+}
