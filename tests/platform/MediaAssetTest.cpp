@@ -252,6 +252,16 @@ TEST(MediaAsset, ReadsId3v2InAllItsForms)
     EXPECT_EQ(MediaAsset(folder.write("a.mp3", tag(v4, covers))).metadata().size(), 3U); // of 32 MB in all
 }
 
+TEST(MediaAsset, KnowsMusepackOfVersion7ByItsFirstBytes)
+{
+    // 100 frames of 1152 samples at 44100 Hz, of which half a frame is the decoder's delay.
+    const std::string bytes = "MP+\x07\x64\0\0\0"s + std::string(2'000, '\0');
+    const TemporaryFolder folder;
+    MediaAsset asset(folder.write("a", bytes));
+    EXPECT_NEAR(asset.durationSeconds().value_or(0), 2.599, 0.002);
+    EXPECT_EQ(asset.firstAudioStream(), (AudioStream {44100}));
+}
+
 TEST(MediaAsset, TakesNoFrameOfFlacForOneOfAac)
 {
     const std::string flac = fileBytes(media / "plain.flac");
