@@ -1,6 +1,5 @@
 // Reading a file of any format: FLAC through the program's own reader, all others through the media layer.
 #include "audio/AudioInfo.h"
-#include "audio/FlacReader.h"
 #include "audio/TagNumbers.h"
 
 #include "platform/Files.h"

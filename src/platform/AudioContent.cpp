@@ -57,6 +57,15 @@ Kind oggKind(BoundedStream &stream, std::int64_t position)
                                          : Kind::Unknown;
 }
 
+/// Whether a frame is there, and another one or the file's end behind it.
+bool isFrameAt(BoundedStream &stream, AudioFrames::Kind kind, std::int64_t position)
+{
+    const auto frame = AudioFrames::frameAt(kind, stream.at(position, AudioFrames::headerSize));
+    const std::int64_t end = frame ? position + std::int64_t(frame->bytes) : 0;
+    const auto next = frame ? AudioFrames::frameAt(kind, stream.at(end, AudioFrames::headerSize)) : std::nullopt;
+    return frame && (end == stream.length() || (next && next->sampleRate == frame->sampleRate));
+}
+
 Kind kindAt(BoundedStream &stream, std::int64_t position)
 {
     const std::string_view head = textAt(stream, position, 12);
@@ -84,14 +93,13 @@ Kind kindAt(BoundedStream &stream, std::int64_t position)
     if (head.starts_with("MPCK") || head.starts_with("MP+")) {
         return Kind::Musepack;
     }
-    if (AudioFrames::frameAt(AudioFrames::Kind::Adts, head)) {
+    if (isFrameAt(stream, AudioFrames::Kind::Adts, position)) { // a frame of FLAC begins like one of ADTS
         return Kind::Adts;
     }
     return AudioFrames::frameAt(AudioFrames::Kind::Mpeg, head) ? Kind::Mpeg : Kind::Unknown;
 }
 
-/// Formats that may begin with padding or junk, with any atom (MP4) or with nothing that tells (Musepack before
-/// version 7).
+/// Formats that may begin with padding or junk, or with any atom (MP4).
 Kind kindByExtension(std::string_view extension)
 {
     std::string lower(extension);
@@ -101,7 +109,6 @@ Kind kindByExtension(std::string_view extension)
         : lower == ".aac"  ? Kind::Adts
         : lower == ".m4a"  ? Kind::Mp4
         : lower == ".alac" ? Kind::Mp4
-        : lower == ".mpc"  ? Kind::Musepack
         : lower == ".ape"  ? Kind::Ape
                            : Kind::Unknown;
 }
@@ -114,6 +121,13 @@ AudioContent audioContent(BoundedStream &stream, std::string_view extension)
     Kind kind = kindAt(stream, start);
     if (kind == Kind::Unknown) {
         kind = kindByExtension(extension);
+    }
+    // Whoever searches for a frame in a large file without one takes seconds.
+    const bool isMpeg = kind == Kind::Mpeg;
+    const AudioFrames::Kind frames = isMpeg ? AudioFrames::Kind::Mpeg : AudioFrames::Kind::Adts;
+    if ((isMpeg || kind == Kind::Adts) && !isFrameAt(stream, frames, start)
+        && !AudioFrames::isAnyNear(stream.file(), frames, start)) {
+        kind = start > 0 ? Kind::Id3v2 : Kind::Unknown;
     }
     return {kind, start};
 }

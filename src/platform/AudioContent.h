@@ -11,6 +11,7 @@ struct AudioContent {
         Unknown,
         Mpeg, ///< MPEG audio, layers I to III
         Adts, ///< raw AAC
+        Id3v2, ///< tags with nothing known behind them
         Mp4,
         Flac,
         OggVorbis,
@@ -28,5 +29,6 @@ struct AudioContent {
     std::int64_t start = 0; ///< the position behind the ID3v2 tags that open the file
 };
 
-/// `extension` has its dot; it decides only where the bytes do not.
+/// `extension` has its dot; it decides only where the bytes do not. Of MPEG audio and raw AAC a frame must be found
+/// in the first megabyte behind the tags.
 [[nodiscard]] AudioContent audioContent(BoundedStream &stream, std::string_view extension);

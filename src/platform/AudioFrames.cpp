@@ -10,7 +10,7 @@ namespace {
 constexpr std::size_t bufferSize = 65'536;
 constexpr std::size_t longestFrame = 8'192; // a search looks ahead and goes back by no more
 constexpr std::int64_t longestCount = 64LL << 20;
-constexpr std::int64_t longestJunk = 65'536;
+constexpr std::int64_t longestJunk = 1 << 20;
 constexpr std::int64_t shortRun = 32'768;
 
 // Rows: MPEG-1 layers I, II, III, then MPEG-2 and 2.5 layer I, layers II and III.
@@ -136,6 +136,11 @@ std::optional<Frame> frameAt(Kind kind, std::span<const char> bytes)
         return std::nullopt;
     }
     return kind == Kind::Mpeg ? mpegFrame(bytes) : adtsFrame(bytes);
+}
+
+bool isAnyNear(const RegularFile &file, Kind kind, std::int64_t position)
+{
+    return Walk(file, kind, position).next().has_value();
 }
 
 std::optional<double> seconds(const RegularFile &file, Kind kind, std::int64_t position)

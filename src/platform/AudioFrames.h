@@ -28,6 +28,9 @@ inline constexpr std::size_t headerSize = 7;
 /// The frame whose header is at the start of `bytes`; absent if there is none or fewer than headerSize bytes are left.
 [[nodiscard]] std::optional<Frame> frameAt(Kind kind, std::span<const char> bytes);
 
+/// Whether a frame is found in the megabyte from `position` on.
+[[nodiscard]] bool isAnyNear(const RegularFile &file, Kind kind, std::int64_t position);
+
 /// The length in seconds of all frames from `position` on. Past 64 MiB the rest counts as being like the part read.
 /// Absent if no frame is found near `position`.
 [[nodiscard]] std::optional<double> seconds(const RegularFile &file, Kind kind, std::int64_t position);

@@ -110,6 +110,8 @@ void BoundedStream::noteHeader(const TagLib::ByteVector &block, unsigned long le
             = {m_position, 0, static_cast<unsigned char>(block.at(3)), static_cast<unsigned char>(block.at(5))};
     } else if (length == atomHeaderSize && block.containsAt("covr", 4) && m_coverHeaders.size() < mostParts) {
         m_coverHeaders.push_back(m_position);
+    } else if (length > atomHeaderSize && block.containsAt("stsd", 4)) { // it reads the whole atom of the first sound
+        m_mp4Descriptions = m_position - block.size() + std::int64_t(atomHeaderSize);
     }
 }
 

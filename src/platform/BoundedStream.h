@@ -44,6 +44,8 @@ public:
     [[nodiscard]] const RegularFile &file() const { return m_file; }
     [[nodiscard]] const std::vector<Id3v2Body> &id3v2Bodies() const { return m_id3v2Bodies; }
     [[nodiscard]] const std::vector<Mp4CoverBody> &mp4CoverBodies() const { return m_mp4CoverBodies; }
+    /// Where the content of the atom "stsd" is of which TagLib read the sound's properties; 0 where it read none.
+    [[nodiscard]] std::int64_t mp4Descriptions() const { return m_mp4Descriptions; }
 
     TagLib::FileName name() const override { return ""; }
     TagLib::ByteVector readBlock(unsigned long length) override;
@@ -75,6 +77,7 @@ private:
     std::vector<std::int64_t> m_coverHeaders; ///< positions behind the headers of atoms "covr"
     std::vector<Id3v2Body> m_id3v2Bodies;
     std::vector<Mp4CoverBody> m_mp4CoverBodies;
+    std::int64_t m_mp4Descriptions = 0;
 
     /// A part of the file in memory. There are several, because parsers go to and fro between a file's ends.
     struct Window {

@@ -1,5 +1,7 @@
 #include "platform/Id3v2.h"
 
+#include "platform/ByteCursor.h"
+
 #include <QStringDecoder>
 
 #include <algorithm>
@@ -13,23 +15,8 @@ constexpr int mostFrames = 5000;
 constexpr std::int64_t largestCoded = 16 << 20; // bytes of a tag that are decoded in memory
 constexpr unsigned tagUnsynchronised = 0x80;
 constexpr unsigned tagHasExtendedHeader = 0x40;
-constexpr unsigned frontCover = 3;
+constexpr std::uint64_t frontCover = 3;
 constexpr std::int64_t longestPictureHeader = 1024;
-
-unsigned byteAt(std::span<const char> bytes, std::size_t position)
-{
-    return position < bytes.size() ? static_cast<unsigned char>(bytes[position]) : 0;
-}
-
-/// A big-endian number of the whole span, `bitsPerByte` of each byte.
-std::uint32_t number(std::span<const char> bytes, int bitsPerByte)
-{
-    std::uint32_t value = 0;
-    for (const char byte : bytes) {
-        value = value << bitsPerByte | (static_cast<unsigned char>(byte) & ((1U << bitsPerByte) - 1));
-    }
-    return value;
-}
 
 /// Takes out the zero that stands behind each byte 0xFF.
 QByteArray resynchronised(const QByteArray &bytes)
@@ -58,13 +45,18 @@ public:
     [[nodiscard]] std::int64_t size() const { return m_decoded ? m_decoded->size() : m_size; }
 
     /// At most BoundedStream::window bytes, fewer at the end. Valid until the next call.
-    [[nodiscard]] std::span<const char> at(std::int64_t position, std::int64_t length)
+    [[nodiscard]] QByteArrayView at(std::int64_t position, std::int64_t length)
     {
-        const auto count = std::size_t(std::clamp<std::int64_t>(size() - position, 0, length));
+        const std::int64_t count = std::clamp<std::int64_t>(size() - position, 0, length);
         if (m_decoded) {
-            return {m_decoded->constData() + std::min(position, size()), count};
+            return QByteArrayView(*m_decoded).sliced(std::min(position, size()), count);
         }
-        return m_stream.at(m_start + position, count);
+        const std::span<const char> bytes = m_stream.at(m_start + position, std::size_t(count));
+        return {bytes.data(), qsizetype(bytes.size())};
+    }
+    [[nodiscard]] ByteCursor cursorAt(std::int64_t position, std::int64_t length)
+    {
+        return {at(position, length), ByteOrder::Big};
     }
 
     /// Cut short where the tag makes more than largestCoded bytes of copies necessary.
@@ -103,7 +95,7 @@ private:
     std::optional<QByteArray> m_decoded;
 };
 
-bool isFrameId(std::span<const char> id)
+bool isFrameId(QByteArrayView id)
 {
     return std::all_of(id.begin(), id.end(), [](char c) { return (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9'); });
 }
@@ -118,68 +110,71 @@ struct Frame {
     bool isUnsynchronised = false;
 };
 
-std::int64_t frameSize(Bytes &bytes, std::int64_t position, unsigned version)
+/// `header` is behind the identifier of the frame at `position`.
+std::optional<std::uint64_t> frameSize(ByteCursor &header, Bytes &bytes, std::int64_t position, unsigned version)
 {
     if (version < 3) {
-        return number(bytes.at(position + 3, 3), 8);
+        return header.number(3);
     }
-    const std::uint32_t plain = number(bytes.at(position + 4, 4), 8);
-    const std::uint32_t sevenBit = number(bytes.at(position + 4, 4), 7);
+    const std::optional<std::uint64_t> sevenBit = ByteCursor(header).number(4, 7);
+    const std::optional<std::uint64_t> plain = header.number(4);
     if (version == 3 || plain == sevenBit) {
         return plain;
     }
     // Some writers put plain numbers where version 4 wants seven bits a byte: then the next frame, or the end, is
     // there.
-    const auto isBoundary = [&](std::int64_t next) {
-        const std::span<const char> id = bytes.at(next, 4);
+    const auto isBoundary = [&](std::uint64_t size) {
+        const std::int64_t next = position + 10 + std::int64_t(size);
+        const QByteArrayView id = bytes.at(next, 4);
         return next == bytes.size() || (id.size() == 4 && (isFrameId(id) || id[0] == '\0'));
     };
-    return (plain & 0x80808080U) != 0 || (!isBoundary(position + 10 + sevenBit) && isBoundary(position + 10 + plain))
-        ? plain
-        : sevenBit;
+    return (*plain & 0x80808080U) != 0 || (!isBoundary(*sevenBit) && isBoundary(*plain)) ? plain : sevenBit;
 }
 
 std::optional<Frame> frameAt(Bytes &bytes, std::int64_t position, unsigned version, bool isTagUnsynchronised)
 {
     const std::int64_t headerSize = version < 3 ? 6 : 10;
-    const std::int64_t idSize = version < 3 ? 3 : 4;
-    const std::span<const char> header = bytes.at(position, headerSize);
-    if (std::int64_t(header.size()) < headerSize) {
+    // A copy: the size is found by a look at other places.
+    const QByteArray held = bytes.at(position, headerSize).toByteArray();
+    ByteCursor header(held, ByteOrder::Big);
+    const std::optional<QByteArrayView> id = header.take(version < 3 ? 3 : 4);
+    const std::optional<std::uint64_t> size = id ? frameSize(header, bytes, position, version) : std::nullopt;
+    const std::optional<std::uint64_t> flags = version < 3 ? 0 : header.number(2);
+    if (!size || !flags) {
         return std::nullopt;
     }
     Frame frame;
-    frame.id.assign(header.data(), std::size_t(idSize));
-    if (frame.id.back() == '\0' && idSize == 4) { // iTunes puts version 2's identifiers into version 3's tags
+    frame.id.assign(id->data(), std::size_t(id->size()));
+    if (frame.id.back() == '\0' && version >= 3) { // iTunes puts version 2's identifiers into version 3's tags
         frame.id.pop_back();
     }
-    const unsigned flags = byteAt(header, 9);
     if (!isFrameId(frame.id)) {
         return std::nullopt;
     }
     frame.position = position + headerSize;
-    frame.end = frame.position + frameSize(bytes, position, version);
+    frame.end = frame.position + std::int64_t(*size);
     if (version == 3) {
-        frame.isReadable = (flags & 0xC0) == 0;
-        frame.position += (flags & 0x20) != 0 ? 1 : 0; // the group's number
+        frame.isReadable = (*flags & 0xC0) == 0;
+        frame.position += (*flags & 0x20) != 0 ? 1 : 0; // the group's number
     } else if (version > 3) {
-        frame.isReadable = (flags & 0x0C) == 0;
-        frame.isUnsynchronised = isTagUnsynchronised || (flags & 0x02) != 0;
+        frame.isReadable = (*flags & 0x0C) == 0;
+        frame.isUnsynchronised = isTagUnsynchronised || (*flags & 0x02) != 0;
         frame.position
-            += ((flags & 0x40) != 0 ? 1 : 0) + ((flags & 0x01) != 0 ? 4 : 0); // the same, and a decoded length
+            += ((*flags & 0x40) != 0 ? 1 : 0) + ((*flags & 0x01) != 0 ? 4 : 0); // the same, and a decoded length
     }
     frame.length = frame.end - frame.position;
     return frame;
 }
 
-QStringList texts(std::span<const char> content)
+QStringList texts(QByteArrayView content)
 {
-    if (content.empty()) {
+    if (content.isEmpty()) {
         return {};
     }
     static constexpr QStringConverter::Encoding encodings[]
         = {QStringConverter::Latin1, QStringConverter::Utf16, QStringConverter::Utf16BE, QStringConverter::Utf8};
-    QStringDecoder decoder(encodings[std::min<std::size_t>(byteAt(content, 0), 3)]);
-    const QString whole = decoder.decode(QByteArrayView(content.data() + 1, qsizetype(content.size()) - 1));
+    QStringDecoder decoder(encodings[std::min<std::size_t>(static_cast<unsigned char>(content[0]), 3)]);
+    const QString whole = decoder.decode(content.sliced(1));
     QStringList values = whole.split(QChar(u'\0'), Qt::SkipEmptyParts);
     for (QString &value : values) {
         value.remove(QChar(QChar::ByteOrderMark)); // each value may begin with its own
@@ -187,38 +182,36 @@ QStringList texts(std::span<const char> content)
     return values;
 }
 
-/// The length of a text with its terminator at the start of `content`, in the given encoding.
-std::optional<std::size_t> terminatedLength(std::span<const char> content, unsigned encoding)
+/// Takes a text with its terminator. False if it has none.
+bool skipText(ByteCursor &cursor, std::uint64_t encoding)
 {
     const std::size_t unit = encoding == 1 || encoding == 2 ? 2 : 1;
-    for (std::size_t i = 0; i + unit <= content.size(); i += unit) {
-        if (content[i] == '\0' && content[i + unit - 1] == '\0') {
-            return i + unit;
-        }
-    }
-    return std::nullopt;
+    std::optional<std::uint64_t> character;
+    do {
+        character = cursor.number(unit);
+    } while (character.value_or(0) != 0);
+    return character.has_value();
 }
 
 /// Where the picture's bytes begin in the content of an "APIC" or "PIC" frame; absent for a link to a picture.
 struct PictureStart {
-    std::size_t offset = 0;
+    std::uint64_t offset = 0;
     bool isFrontCover = false;
 };
 
-std::optional<PictureStart> pictureStart(std::span<const char> content, bool isShortForm)
+std::optional<PictureStart> pictureStart(QByteArrayView content, bool isShortForm)
 {
-    const unsigned encoding = byteAt(content, 0);
-    const std::span<const char> rest = content.subspan(std::min<std::size_t>(1, content.size()));
-    const std::optional<std::size_t> typeLength
-        = isShortForm ? std::optional<std::size_t>(3) : terminatedLength(rest, 0);
-    if (!typeLength || *typeLength + 1 > rest.size() || std::string_view(rest.data(), rest.size()).starts_with("-->")) {
+    constexpr std::uint64_t latin1 = 0;
+    constexpr std::uint64_t shortTypeLength = 3;
+    ByteCursor cursor(content, ByteOrder::Big);
+    const std::uint64_t encoding = cursor.number(1).value_or(latin1);
+    const bool isLink = ByteCursor(cursor).skipText("-->");
+    const bool hasType = isShortForm ? cursor.skip(shortTypeLength) : skipText(cursor, latin1);
+    const std::optional<std::uint64_t> kind = cursor.number(1);
+    if (isLink || !hasType || !kind || !skipText(cursor, encoding)) {
         return std::nullopt;
     }
-    const std::optional<std::size_t> description = terminatedLength(rest.subspan(*typeLength + 1), encoding);
-    if (!description) {
-        return std::nullopt;
-    }
-    return PictureStart {1 + *typeLength + 1 + *description, byteAt(rest, *typeLength) == frontCover};
+    return PictureStart {cursor.position(), kind == frontCover};
 }
 
 class Reader {
@@ -238,7 +231,8 @@ public:
         }
         std::int64_t position = 0;
         if ((m_flags & tagHasExtendedHeader) != 0 && m_version >= 3) {
-            position = m_version == 3 ? 4 + std::int64_t(number(m_bytes.at(0, 4), 8)) : number(m_bytes.at(0, 4), 7);
+            const std::uint64_t size = m_bytes.cursorAt(0, 4).number(4, m_version == 3 ? 8 : 7).value_or(0);
+            position = std::int64_t(size) + (m_version == 3 ? 4 : 0);
         }
         for (int frames = 0; frames < mostFrames; ++frames) {
             const std::optional<Frame> frame = frameAt(m_bytes, position, m_version, isUnsynchronised);
@@ -273,7 +267,7 @@ private:
         }
         if (frame.isUnsynchronised) {
             const QByteArray plain = resynchronised(m_bytes.copy(frame.position, frame.length));
-            m_content.texts.push_back(textItem(*field, texts({plain.constData(), std::size_t(plain.size())})));
+            m_content.texts.push_back(textItem(*field, texts(plain)));
         } else {
             m_content.texts.push_back(textItem(*field, texts(m_bytes.at(frame.position, frame.length))));
         }
@@ -288,7 +282,7 @@ private:
                 return;
             }
             const QByteArray plain = resynchronised(coded);
-            if (const auto start = pictureStart({plain.constData(), std::size_t(plain.size())}, isShortForm)) {
+            if (const auto start = pictureStart(plain, isShortForm)) {
                 m_content.pictures.push_back(
                     {.isFrontCover = start->isFrontCover, .own = plain.mid(qsizetype(start->offset))});
             }

@@ -1,13 +1,18 @@
 #include "platform/Images.h"
 
+#include "platform/ByteCursor.h"
 #include "platform/Jpeg.h"
+#include "platform/PictureChunks.h"
+#include "platform/TiffDirectory.h"
 
 #include <QBuffer>
 #include <QColorSpace>
 #include <QImageReader>
 #include <QImageWriter>
 #include <QPainter>
+#include <QRgba64>
 
+#include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <string_view>
@@ -45,6 +50,23 @@ bool isJpeg(const char *format)
     return format == std::string_view("jpeg");
 }
 
+/// A null image where Qt does not know the format before it reads, or where it would be too large.
+QImage prepared(QSize size, QImage::Format format)
+{
+    const qint64 bitsPerPixel = QImage::toPixelFormat(format).bitsPerPixel();
+    if (format == QImage::Format_Invalid
+        || qint64(size.width()) * size.height() * bitsPerPixel / 8 > qint64(mostWholeMegabytes) << 20) {
+        return {};
+    }
+    QImage image(size, format);
+    if (image.depth() > 8) {
+        image.fill(Qt::white);
+    } else {
+        image.fill(0);
+    }
+    return image;
+}
+
 /// The reader of a picture in memory, of the format that its first bytes say and no other.
 class Reader {
 public:
@@ -66,8 +88,14 @@ public:
         const QSize declared = m_reader.size();
         return declared == QSize() ? declared : QSize(declared.width(), std::abs(declared.height()));
     }
-    [[nodiscard]] QImage read() { return m_reader.read(); }
-    [[nodiscard]] QImageIOHandler::Transformations transformation() const { return m_reader.transformation(); }
+    /// Null if the picture cannot be read or takes too much memory.
+    [[nodiscard]] QImage read()
+    {
+        // Some of Qt's readers report success without having set every pixel, as where the bytes end too early. What
+        // they leave is white, or the first of the picture's own colours, and not what the memory held before.
+        QImage image = prepared(size(), m_reader.imageFormat());
+        return m_reader.read(&image) ? image : QImage();
+    }
 
 private:
     QByteArray m_bytes;
@@ -86,6 +114,24 @@ QImageIOHandler::Transformations transformationOf(int orientation)
     return all.at(std::size_t(orientation));
 }
 
+/// What the Exif data of a picture says, 1 if it says nothing. Qt reports it of few formats.
+int orientationOf(QByteArrayView bytes, std::string_view format)
+{
+    if (format == "tiff") {
+        return tiffOrientation(bytes).value_or(1);
+    }
+    const std::optional<PictureChunk> exif = format == "png" ? pngChunk(bytes, "eXIf")
+        : format == "webp"                                   ? webpChunk(bytes, "EXIF")
+                                                             : std::nullopt;
+    if (!exif) {
+        return 1;
+    }
+    constexpr QByteArrayView jpegMark("Exif\0\0", 6); // does not belong here, but some programs leave it
+    const QByteArrayView tiff
+        = exif->content.startsWith(jpegMark) ? exif->content.sliced(jpegMark.size()) : exif->content;
+    return tiffOrientation(tiff).value_or(1);
+}
+
 QImage turned(const QImage &image, QImageIOHandler::Transformations transformation)
 {
     const QImage mirrored = image.mirrored(transformation.testFlag(QImageIOHandler::TransformationMirror),
@@ -93,6 +139,72 @@ QImage turned(const QImage &image, QImageIOHandler::Transformations transformati
     return transformation.testFlag(QImageIOHandler::TransformationRotate90)
         ? mirrored.transformed(QTransform().rotate(90))
         : mirrored;
+}
+
+/// Of a TIFF picture with samples of more than eight bits Qt takes most rows as they are in the file: what is no row of
+/// whole pixels it misreads, and reports success.
+bool isMisreadTiff(QByteArrayView tiff)
+{
+    constexpr std::uint32_t rgb = 2;
+    constexpr std::uint32_t separate = 2;
+    if (tiffValue(tiff, TiffTag::BitsPerSample).value_or(1) <= 8) {
+        return false;
+    }
+    const std::uint32_t samples = tiffValue(tiff, TiffTag::SamplesPerPixel).value_or(1);
+    return samples == 1 ? tiffValue(tiff, TiffTag::Photometric) == rgb
+                        : samples != 2 && tiffValue(tiff, TiffTag::Planes) == separate;
+}
+
+/// Takes the transparent colour out of a PNG picture that has 16 bits a sample and no other transparency: Qt, which
+/// then expects four samples a pixel and gets three, would put them into the wrong pixels.
+std::optional<QRgba64> takeTransparentColour(QByteArray &png)
+{
+    constexpr std::uint64_t colour = 2;
+    const std::optional<PictureChunk> header = pngChunk(png, "IHDR");
+    ByteCursor format(header ? header->content : QByteArrayView(), ByteOrder::Big);
+    if (!format.skip(8) || format.number(1) != 16U || format.number(1) != colour) { // width and height come first
+        return std::nullopt;
+    }
+    std::optional<QRgba64> transparent;
+    while (const std::optional<PictureChunk> chunk = pngChunk(png, "tRNS")) {
+        ByteCursor samples(chunk->content, ByteOrder::Big);
+        const auto sample = [&samples] { return quint16(samples.number(2).value_or(0)); };
+        if (!transparent) {
+            transparent = QRgba64();
+            transparent->setRed(sample());
+            transparent->setGreen(sample());
+            transparent->setBlue(sample());
+            transparent->setAlpha(0xFFFF);
+        }
+        png.remove(chunk->begin, chunk->end - chunk->begin);
+    }
+    return transparent;
+}
+
+void makeTransparent(QImage &image, QRgba64 colour)
+{
+    image.convertTo(QImage::Format_RGBA64);
+    for (int y = 0; y < image.height(); ++y) {
+        auto *const line = reinterpret_cast<QRgba64 *>(image.scanLine(y));
+        std::replace(line, line + image.width(), colour, QRgba64());
+    }
+}
+
+/// Null where the picture cannot be read or is too large. All formats but JPEG.
+QImage decodeWhole(QByteArray bytes, std::string_view format)
+{
+    const std::optional<QRgba64> transparent = format == "png" ? takeTransparentColour(bytes) : std::nullopt;
+    Reader reader(bytes, format.data());
+    const QSize size = reader.size();
+    if (size.isEmpty() || qint64(size.width()) * size.height() > mostWholePixels
+        || (format == "tiff" && isMisreadTiff(bytes))) {
+        return {};
+    }
+    QImage image = reader.read();
+    if (transparent) {
+        makeTransparent(image, *transparent);
+    }
+    return image;
 }
 
 /// Takes the image over, so that a large one is converted where it lies.
@@ -117,7 +229,7 @@ std::optional<ImageFacts> imageFacts(const QByteArray &bytes)
     if (isJpeg(format)) {
         const std::optional<JpegHeader> header = readJpegHeader(bytes);
         return header ? std::optional(ImageFacts {
-                            ImageFacts::Type::Jpeg, header->width, header->height, header->progressive && header->jfif})
+                   ImageFacts::Type::Jpeg, header->width, header->height, header->progressive && header->jfif})
                       : std::nullopt;
     }
     const QSize size = Reader(bytes, format).size();
@@ -132,27 +244,22 @@ QImage decodeImage(const QByteArray &bytes, int side)
 {
     const char *format = formatOf(bytes);
     QImage image;
-    QImageIOHandler::Transformations transformation;
+    int orientation = 1;
     if (format == nullptr) {
         return {};
     }
     if (isJpeg(format)) {
         JpegPicture picture = decodeJpeg(bytes, side);
         image = fitted(std::move(picture.image), side);
-        transformation = transformationOf(picture.orientation);
+        orientation = picture.orientation;
     } else {
-        Reader reader(bytes, format);
-        const QSize size = reader.size();
-        if (size.isEmpty() || qint64(size.width()) * size.height() > mostWholePixels) {
-            return {};
-        }
-        image = fitted(reader.read(), side);
-        transformation = reader.transformation();
+        image = fitted(decodeWhole(bytes, format), side);
+        orientation = orientationOf(bytes, format);
     }
     if (image.colorSpace().isValid()) {
         image.convertToColorSpace(QColorSpace::SRgb);
     }
-    return turned(image, transformation);
+    return turned(image, transformationOf(orientation));
 }
 
 QImage onWhiteSquare(const QImage &picture, int side)

@@ -1,5 +1,8 @@
 #include "platform/Jpeg.h"
 
+#include "platform/ByteCursor.h"
+#include "platform/TiffDirectory.h"
+
 #include <QColorSpace>
 
 #include <algorithm>
@@ -35,7 +38,7 @@ public:
         m_info.err = jpeg_std_error(&m_errors);
         m_errors.error_exit
             = [](j_common_ptr info) { std::longjmp(static_cast<Decompression *>(info->client_data)->m_leave, 1); };
-        m_errors.emit_message = [](j_common_ptr, int) { };
+        m_errors.emit_message = [](j_common_ptr, int) {};
         m_info.client_data = this;
         m_isReady = run([&bytes](jpeg_decompress_struct &info) {
             void *const self = info.client_data;
@@ -80,38 +83,16 @@ private:
     bool m_isReady = false;
 };
 
-/// A number of `length` bytes in a TIFF structure, 0 beyond its end.
-std::uint32_t tiffNumber(std::span<const std::uint8_t> tiff, std::size_t position, std::size_t length)
-{
-    if (position > tiff.size() || length > tiff.size() - position) {
-        return 0;
-    }
-    std::uint32_t value = 0;
-    for (std::size_t i = 0; i < length; ++i) {
-        value = value << 8 | tiff[position + (tiff[0] == 'M' ? i : length - 1 - i)];
-    }
-    return value;
-}
-
-/// The tag Orientation of the first directory (Exif 2.32, sections 4.5.2 and 4.6.4); 1 if there is none.
+/// What the first Exif marker that knows says (Exif 2.32, section 4.7.2); 1 if none does.
 int orientationOf(const jpeg_decompress_struct &info)
 {
-    constexpr std::array<std::uint8_t, 6> mark {'E', 'x', 'i', 'f', 0, 0};
     for (const jpeg_marker_struct *marker = info.marker_list; marker != nullptr; marker = marker->next) {
-        const std::span<const std::uint8_t> bytes(marker->data, marker->data_length);
-        if (marker->marker != exifMarker || bytes.size() < mark.size()
-            || !std::equal(mark.begin(), mark.end(), bytes.begin())) {
+        ByteCursor bytes({marker->data, qsizetype(marker->data_length)}, ByteOrder::Big);
+        if (marker->marker != exifMarker || !bytes.skipText({"Exif\0\0", 6})) {
             continue;
         }
-        const std::span<const std::uint8_t> tiff = bytes.subspan(mark.size());
-        const std::size_t directory = tiffNumber(tiff, 4, 4);
-        const std::size_t count = tiffNumber(tiff, directory, 2);
-        for (std::size_t i = 0; i < count; ++i) {
-            const std::size_t entry = directory + 2 + 12 * i;
-            if (tiffNumber(tiff, entry, 2) == 0x0112) {
-                const std::uint32_t value = tiffNumber(tiff, entry + 8, 2);
-                return value >= 1 && value <= 8 ? int(value) : 1;
-            }
+        if (const std::optional<int> orientation = tiffOrientation(*bytes.take(bytes.remaining()))) {
+            return *orientation;
         }
     }
     return 1;

@@ -87,7 +87,7 @@ void MediaAsset::Reading::askTagLib()
 {
     tags = TagFile::open(*stream, content.kind);
     if (tags != nullptr) {
-        facts = TagFile::facts(*tags);
+        facts = TagFile::facts(*tags, *stream);
     }
     if (content.kind == Kind::Adts) {
         facts.seconds = AudioFrames::seconds(stream->file(), AudioFrames::Kind::Adts, content.start).value_or(0);

@@ -1,5 +1,7 @@
 #include "platform/OggReader.h"
 
+#include "platform/FlacBlocks.h"
+
 #include <algorithm>
 #include <array>
 #include <optional>
@@ -12,51 +14,12 @@ namespace {
 using Kind = AudioContent::Kind;
 
 constexpr std::size_t pageHeaderSize = 27;
+constexpr std::uint64_t granuleOffset = 6; // in a page; the stream's serial number comes behind it
 constexpr std::size_t largestPage = pageHeaderSize + 255 + 65'025; // 255 segments of 255 bytes
 constexpr qsizetype largestCommentHeader = 16 << 20;
 constexpr int mostPages = 20'000;
-constexpr std::uint32_t mostComments = 9'999;
 constexpr std::int64_t unknownPosition = -1;
 constexpr int opusSampleRate = 48'000; // that of all positions and of the decoder, whatever was encoded
-constexpr std::uint32_t frontCover = 3;
-
-/// Takes numbers and runs of bytes from the front of a piece of memory; a taking beyond its end takes nothing.
-class Cursor {
-public:
-    explicit Cursor(std::string_view bytes)
-        : m_bytes(bytes)
-    {
-    }
-
-    [[nodiscard]] std::optional<std::string_view> take(std::uint64_t length)
-    {
-        if (length > m_bytes.size()) {
-            return std::nullopt;
-        }
-        const std::string_view taken = m_bytes.substr(0, std::size_t(length));
-        m_bytes.remove_prefix(taken.size());
-        return taken;
-    }
-    [[nodiscard]] std::optional<std::uint32_t> littleEndian() { return number(false); }
-    [[nodiscard]] std::optional<std::uint32_t> bigEndian() { return number(true); }
-    [[nodiscard]] std::string_view rest() const { return m_bytes; }
-
-private:
-    std::optional<std::uint32_t> number(bool isBigEndian)
-    {
-        const std::optional<std::string_view> bytes = take(4);
-        if (!bytes) {
-            return std::nullopt;
-        }
-        std::uint32_t value = 0;
-        for (std::size_t i = 0; i < 4; ++i) {
-            value = value << 8 | static_cast<unsigned char>((*bytes)[isBigEndian ? i : 3 - i]);
-        }
-        return value;
-    }
-
-    std::string_view m_bytes;
-};
 
 struct Page {
     std::int64_t granule = unknownPosition;
@@ -66,6 +29,11 @@ struct Page {
     std::size_t firstPiece = 0; ///< bytes up to the end of the first packet that ends here, or of the page
     bool endsPacket = false;
 };
+
+ByteCursor cursorOn(std::string_view bytes)
+{
+    return {QByteArrayView(bytes.data(), qsizetype(bytes.size())), ByteOrder::Little};
+}
 
 template <typename Window> std::string_view viewAt(Window &window, std::int64_t position, std::size_t length)
 {
@@ -79,12 +47,10 @@ template <typename Window> std::optional<Page> pageAt(Window &window, std::int64
     if (header.size() < pageHeaderSize || !header.starts_with("OggS")) {
         return std::nullopt;
     }
-    Cursor numbers(header.substr(6));
-    const std::uint64_t low = numbers.littleEndian().value_or(0);
-    const std::uint64_t high = numbers.littleEndian().value_or(0);
+    ByteCursor numbers = cursorOn(header).at(granuleOffset);
     Page page;
-    page.granule = std::int64_t(high << 32 | low);
-    page.serial = numbers.littleEndian().value_or(0);
+    page.granule = std::int64_t(numbers.number(8).value_or(0));
+    page.serial = std::uint32_t(numbers.number(4).value_or(0));
     const std::size_t segments = static_cast<unsigned char>(header[pageHeaderSize - 1]);
     std::size_t length = 0;
     for (const char lacing : header.substr(pageHeaderSize, segments)) {
@@ -106,12 +72,9 @@ std::optional<std::int64_t> lastGranuleIn(std::string_view tail, std::uint32_t s
         if (at == std::string_view::npos) {
             break;
         }
-        Cursor cursor(tail.substr(at));
-        const bool isWhole = cursor.take(6).has_value();
-        const std::uint64_t low = cursor.littleEndian().value_or(0);
-        const std::uint64_t high = cursor.littleEndian().value_or(0);
-        const auto granule = std::int64_t(high << 32 | low);
-        if (isWhole && cursor.littleEndian() == serial && granule != unknownPosition) {
+        ByteCursor cursor = cursorOn(tail.substr(at)).at(granuleOffset);
+        const auto granule = std::int64_t(cursor.number(8).value_or(0));
+        if (cursor.number(4) == serial && granule != unknownPosition) {
             return granule;
         }
         end = at;
@@ -161,8 +124,9 @@ QByteArray commentPacket(const RegularFile &file, std::int64_t position)
 }
 
 /// Decodes base64 with padding; empty if a character does not belong there.
-QByteArray fromBase64(std::string_view text)
+QByteArray fromBase64(QByteArrayView encoded)
 {
+    std::string_view text(encoded.data(), std::size_t(encoded.size()));
     static constexpr std::uint32_t invalid = 0x80000000;
     static constexpr auto values = [] {
         std::array<std::uint32_t, 256> table {};
@@ -206,38 +170,25 @@ QByteArray fromBase64(std::string_view text)
 
 std::optional<Picture> pictureOf(QByteArray block)
 {
-    Cursor cursor({block.constData(), std::size_t(block.size())});
-    const std::uint32_t type = cursor.bigEndian().value_or(0);
-    const std::optional<std::string_view> mimeType = cursor.take(cursor.bigEndian().value_or(0));
-    const std::optional<std::string_view> description = cursor.take(cursor.bigEndian().value_or(0));
-    const std::optional<std::string_view> sizeAndColours = cursor.take(16);
-    const std::optional<std::uint32_t> length = cursor.bigEndian();
-    if (!mimeType || *mimeType == "-->" || !description || !sizeAndColours || !length
-        || *length > cursor.rest().size()) {
+    const auto place = FlacBlocks::picturePlace(block, std::uint64_t(block.size()));
+    if (!place || place->isLink) {
         return std::nullopt;
     }
-    block.remove(0, block.size() - qsizetype(cursor.rest().size()));
-    block.truncate(qsizetype(*length));
-    return Picture {.isFrontCover = type == frontCover, .own = std::move(block)};
+    block.remove(0, qsizetype(place->offset));
+    block.truncate(qsizetype(place->length));
+    return Picture {.isFrontCover = place->isFrontCover, .own = std::move(block)};
 }
 
-bool isKey(std::string_view key, std::string_view upperCased)
+bool isKey(QByteArrayView key, const char *upperCased)
 {
-    return std::equal(key.begin(), key.end(), upperCased.begin(), upperCased.end(),
-        [](char a, char b) { return (a >= 'a' && a <= 'z' ? char(a - 'a' + 'A') : a) == b; });
+    return key.compare(upperCased, Qt::CaseInsensitive) == 0;
 }
 
 /// Collects the values of each field under each of its names.
 class Comments {
 public:
-    void add(std::string_view comment)
+    void add(QByteArrayView key, QByteArrayView value)
     {
-        const std::size_t equals = comment.find('=');
-        if (equals == std::string_view::npos) {
-            return;
-        }
-        const std::string_view key = comment.substr(0, equals);
-        const std::string_view value = comment.substr(equals + 1);
         if (isKey(key, "METADATA_BLOCK_PICTURE")) {
             if (std::optional<Picture> picture = pictureOf(fromBase64(value))) {
                 m_pictures.push_back(std::move(*picture));
@@ -252,7 +203,7 @@ public:
         for (std::size_t i = 0; i < fields.size(); ++i) {
             for (std::size_t name = 0; name < fields[i].comments.size(); ++name) {
                 if (fields[i].comments[name] != nullptr && isKey(key, fields[i].comments[name])) {
-                    m_values[i][name].push_back(QString::fromUtf8(value.data(), qsizetype(value.size())));
+                    m_values[i][name].push_back(FlacBlocks::commentText(value));
                 }
             }
         }
@@ -289,13 +240,12 @@ MediaFacts facts(BoundedStream &stream, const AudioContent &content)
     const bool isOpus = content.kind == Kind::OggOpus;
     // Vorbis: "\x01vorbis", version (4 bytes), channels (1), rate (4). Opus: "OpusHead", version, channels, pre-skip
     // (2).
-    Cursor header(viewAt(stream, first->body, first->firstPiece));
-    const std::optional<std::string_view> before = header.take(isOpus ? 10 : 12);
-    const std::optional<std::uint32_t> number = header.littleEndian();
-    if (!before || !number) {
+    ByteCursor header = cursorOn(viewAt(stream, first->body, first->firstPiece)).at(isOpus ? 10 : 12);
+    const std::optional<std::uint64_t> number = header.number(4);
+    if (!number) {
         return {};
     }
-    const std::int64_t skipped = isOpus ? *number & 0xFFFF : 0;
+    const std::int64_t skipped = isOpus ? std::int64_t(*number & 0xFFFF) : 0;
     const double sampleRate = isOpus ? opusSampleRate : double(*number);
     if (sampleRate <= 0) {
         return {};
@@ -307,20 +257,11 @@ MediaFacts facts(BoundedStream &stream, const AudioContent &content)
 std::vector<MetadataItem> items(const RegularFile &file, const AudioContent &content)
 {
     const QByteArray packet = commentPacket(file, content.start);
-    Cursor cursor({packet.constData(), std::size_t(packet.size())});
-    const std::optional<std::string_view> magic = cursor.take(content.kind == Kind::OggOpus ? 8 : 7);
-    if (!magic || (*magic != "OpusTags" && *magic != "\x03vorbis") || !cursor.take(cursor.littleEndian().value_or(0))) {
-        return {};
-    }
-    const std::uint32_t count = cursor.littleEndian().value_or(0);
+    const QByteArrayView magic = content.kind == Kind::OggOpus ? "OpusTags" : "\x03vorbis";
     Comments comments;
-    for (std::uint32_t i = 0; i < std::min(count, mostComments); ++i) {
-        const std::optional<std::uint32_t> length = cursor.littleEndian();
-        const std::optional<std::string_view> comment = length ? cursor.take(*length) : std::nullopt;
-        if (!comment) {
-            break;
-        }
-        comments.add(*comment);
+    if (packet.startsWith(magic)) {
+        FlacBlocks::forEachComment(QByteArrayView(packet).sliced(magic.size()),
+            [&comments](QByteArrayView key, QByteArrayView value) { comments.add(key, value); });
     }
     return comments.take(file);
 }

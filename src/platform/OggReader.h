@@ -2,10 +2,9 @@
 //
 // TagLib reads these too, but copies a picture many times on its way out of pages and base64; this takes a third of
 // the time and bounds what hostile comments cost. Sources: RFC 3533 (Ogg), Vorbis I, sections 4.2 and
-// 5, RFC 7845 (Opus in Ogg), RFC 9639, section 8.8 (the picture block), RFC 4648 (base64).
+// 5, RFC 7845 (Opus in Ogg), RFC 4648 (base64); comments and pictures: FlacBlocks.h.
 //
-// A comment header over 16 MiB is cut; more than 9,999 comments are not read, as in a FLAC file. May throw
-// std::bad_alloc. No state.
+// A comment header over 16 MiB is cut. May throw std::bad_alloc. No state.
 #pragma once
 
 #include "platform/AudioContent.h"

@@ -1,5 +1,7 @@
 #include "platform/TagFile.h"
 
+#include "platform/Mp4SampleEntry.h"
+
 #include <aifffile.h>
 #include <apefile.h>
 #include <flacfile.h>
@@ -32,8 +34,15 @@ AudioStream plainStream(int sampleRate, int bits)
     return {double(sampleRate), 0, 0, std::uint32_t(std::max(0, bits))};
 }
 
-AudioStream mp4Stream(const TagLib::MP4::Properties &properties)
+/// TagLib takes every sample entry at its word: its rate, and that "mp4a" holds AAC.
+AudioStream mp4Stream(const TagLib::MP4::Properties &properties, BoundedStream &stream)
 {
+    const std::span<const char> descriptions = stream.at(stream.mp4Descriptions(), BoundedStream::window);
+    const bool isKnown = stream.mp4Descriptions() > 0;
+    const auto entry = isKnown ? mp4EntryStream({descriptions.data(), qsizetype(descriptions.size())}) : std::nullopt;
+    if (entry && entry->sampleRate > 0) {
+        return *entry;
+    }
     switch (properties.codec()) {
     case TagLib::MP4::Properties::ALAC:
         return appleLosslessStream(properties.sampleRate(), std::uint32_t(std::max(0, properties.bitsPerSample())));
@@ -87,6 +96,7 @@ std::unique_ptr<TagLib::File> makeFile(BoundedStream &stream, Kind kind)
     case Kind::Mpeg:
         return std::make_unique<TagLib::MPEG::File>(&stream, frames);
     case Kind::Adts:
+    case Kind::Id3v2:
         // The tags around raw AAC are those of MPEG audio; of the sound TagLib knows nothing.
         return std::make_unique<TagLib::MPEG::File>(&stream, frames, false);
     case Kind::Flac:
@@ -123,15 +133,19 @@ std::unique_ptr<TagLib::File> open(BoundedStream &stream, Kind kind)
     return file != nullptr && file->isValid() ? std::move(file) : nullptr;
 }
 
-MediaFacts facts(const TagLib::File &file)
+MediaFacts facts(const TagLib::File &file, BoundedStream &stream)
 {
     const TagLib::AudioProperties *const any = file.audioProperties();
-    if (any == nullptr || any->sampleRate() <= 0) {
+    if (any == nullptr) {
         return {};
     }
     const auto *const mp4 = dynamic_cast<const TagLib::MP4::Properties *>(any);
-    const AudioStream stream = mp4 != nullptr ? mp4Stream(*mp4) : plainStream(any->sampleRate(), plainBits(*any));
-    return {std::max(0, any->lengthInMilliseconds()) / 1000.0, stream};
+    const AudioStream found
+        = mp4 != nullptr ? mp4Stream(*mp4, stream) : plainStream(any->sampleRate(), plainBits(*any));
+    if (found.sampleRate <= 0) {
+        return {};
+    }
+    return {std::max(0, any->lengthInMilliseconds()) / 1000.0, found};
 }
 
 bool isLengthGuessed(const TagLib::File &file)

@@ -16,8 +16,9 @@ namespace TagFile {
 /// stream must outlive it.
 [[nodiscard]] std::unique_ptr<TagLib::File> open(BoundedStream &stream, AudioContent::Kind kind);
 
-/// No stream where TagLib does not know its sample rate; length 0 where it does not know that.
-[[nodiscard]] MediaFacts facts(const TagLib::File &file);
+/// No stream where TagLib does not know its sample rate; length 0 where it does not know that. `stream` is the one that
+/// `file` was opened from.
+[[nodiscard]] MediaFacts facts(const TagLib::File &file, BoundedStream &stream);
 
 /// Whether the length is a guess from the first frame's bit rate.
 [[nodiscard]] bool isLengthGuessed(const TagLib::File &file);

@@ -66,29 +66,34 @@ TEST(FlacReader, readsEachBlockAndRefusesWhatDoesNotFitTogether)
         return blocks;
     };
     const std::string largest(10'000'000, 'p');
-    const std::pair<std::string, std::string> rows[]
-        = {{"", "0 0 0"}, {block(1, "").substr(0, 3), "0 0 0"}, {block(1, "12345").substr(0, 8), damaged},
-            {goodHead().substr(4) + "audio",
-                "44100 16 10 ARTIST=Żaneta DATE=2001-05-04 DISCNUMBER=2 TITLE=Światło TRACKNUMBER=3/12 JPEG bytes"},
-            // At most 32 million bytes of metadata.
-            {padding + block(1, std::string(15'999'999, '\0'), true), "0 0 0"},
-            {padding + block(1, std::string(16'000'000, '\0'), true), damaged},
-            // Stream information only of its size; the last one counts.
-            {block(0, std::string(33, 'x')), "0 0 0"}, {block(0, std::string(35, 'x')), "0 0 0"},
-            {block(0, streamInfo(0, 16, 1000)), "0 16 0"},
-            {info + block(0, streamInfo(1048575, 16, 0xFFFFFFFFF)), "1048575 16 65536.1"},
-            // Comments; of lengths that lie what came before them stands.
-            {block(4, comments({"title=A=B", "=x", "novalue", "empty=", "żó=1", "bad\xFF=1"})),
-                "0 0 0 =x EMPTY= TITLE=A=B ŻÓ=1"},
-            {block(4, comments({"artist=A", "ARTIST=B"})) + block(4, list), "0 0 0 A=1 ARTIST=B B=2"},
-            {block(4, comments(std::vector<std::string>(9'999, "a=1"))), "0 0 0 A=1"},
-            {block(4, comments(std::vector<std::string>(10'000, "a=1"))), "0 0 0"},
-            {block(4, list.substr(0, list.size() - 1)), "0 0 0 A=1"}, {block(4, little(0xFFFFFFFF) + "x"), "0 0 0"},
-            {block(4, little(0) + little(2) + little(3) + "a=1" + little(0xFFFFFFFF)), "0 0 0 A=1"},
-            // The last front cover, else the first picture, of at most 10 million bytes.
-            {pictures({4, 3, 5}), "0 0 0 1"}, {pictures({4, 5}), "0 0 0 0"}, {pictures({3, 3}), "0 0 0 1"},
-            {pictures({3, 4}), "0 0 0 0"}, {pictures({4}) + block(6, picture(3, largest)), "0 0 0 " + largest},
-            {pictures({4}) + block(6, picture(3, largest + 'p')), "0 0 0 0"}};
+    const std::pair<std::string, std::string> rows[] = {{"", "0 0 0"}, {block(1, "").substr(0, 3), "0 0 0"},
+        {block(1, "12345").substr(0, 8), damaged},
+        {goodHead().substr(4) + "audio",
+            "44100 16 10 ARTIST=Żaneta DATE=2001-05-04 DISCNUMBER=2 TITLE=Światło TRACKNUMBER=3/12 JPEG bytes"},
+        // At most 32 million bytes of metadata.
+        {padding + block(1, std::string(15'999'999, '\0'), true), "0 0 0"},
+        {padding + block(1, std::string(16'000'000, '\0'), true), damaged},
+        // Stream information only of its size; the last one counts.
+        {block(0, std::string(33, 'x')), "0 0 0"}, {block(0, std::string(35, 'x')), "0 0 0"},
+        {block(0, streamInfo(0, 16, 1000)), "0 16 0"},
+        {info + block(0, streamInfo(1048575, 16, 0xFFFFFFFFF)), "1048575 16 65536.1"},
+        // Comments; of lengths that lie what came before them stands.
+        {block(4, comments({"title=A=B", "=x", "novalue", "empty=", "żó=1", "bad\xFF=1"})),
+            "0 0 0 =x EMPTY= TITLE=A=B ŻÓ=1"},
+        {block(4, comments({"\uFEFFtitle=A", "ARTIST=\uFEFFB"})), "0 0 0 ARTIST=\uFEFFB \uFEFFTITLE=A"},
+        {block(4, comments({"artist=A", "ARTIST=B"})) + block(4, list), "0 0 0 A=1 ARTIST=B B=2"},
+        {block(4, comments(std::vector<std::string>(9'999, "a=1"))), "0 0 0 A=1"},
+        {block(4, comments(std::vector<std::string>(10'000, "a=1"))), "0 0 0"},
+        {block(4, list.substr(0, list.size() - 1)), "0 0 0 A=1"}, {block(4, little(0xFFFFFFFF) + "x"), "0 0 0"},
+        {block(4, little(0) + little(2) + little(3) + "a=1" + little(0xFFFFFFFF)), "0 0 0 A=1"},
+        // The last front cover, else the first picture, of at most 10 million bytes.
+        {pictures({4, 3, 5}), "0 0 0 1"}, {pictures({4, 5}), "0 0 0 0"}, {pictures({3, 3}), "0 0 0 1"},
+        {pictures({3, 4}), "0 0 0 0"}, {pictures({4}) + block(6, picture(3, largest)), "0 0 0 " + largest},
+        {pictures({4}) + block(6, picture(3, largest + 'p')), "0 0 0 0"},
+        // A text that is longer than the block ends it; one that is longer than the read-ahead does not.
+        {block(6, big(3, 4) + big(99, 4) + big(0, 4) + std::string(16, '\0') + big(4, 4) + "data"), "0 0 0"},
+        {block(6, big(3, 4) + big(0, 4) + big(99, 4) + std::string(16, '\0') + big(4, 4) + "data"), "0 0 0"},
+        {block(6, big(3, 4) + big(0, 4) + big(5000, 4) + std::string(5016, '\0') + big(4, 4) + "data"), "0 0 0 data"}};
     for (const auto &[blocks, expected] : rows) {
         EXPECT_TRUE(shown(blocks) == expected) << expected.substr(0, 100) << shown(blocks).substr(0, 100);
     }

@@ -177,6 +177,13 @@ def main():
     ffmpeg(low, out("alac16.m4a"), "-c:a", "alac")
     ffmpeg(fine, work("alac24.m4a"), "-c:a", "alac", "-sample_fmt", "s32p")
     os.replace(work("alac24.m4a"), out("alac24.alac"))
+    ffmpeg(fine, work("flac.mp4"), "-c:a", "flac", "-strict", "-2")
+    with open(work("flac.mp4"), "rb") as file:
+        whole = bytearray(file.read())
+    rate = whole.index(b"fLaC") + 28  # of the sample entry, which has no room for 96000
+    whole[rate:rate + 2] = struct.pack(">H", 48000)
+    with open(out("flac.m4a"), "wb") as file:
+        file.write(whole)
     ffmpeg(low, work("fragmented.mp4"), "-c:a", "alac", "-movflags", "frag_keyframe+empty_moov")
     os.replace(work("fragmented.mp4"), out("fragmented.m4a"))
     ffmpeg(uneven, out("raw.aac"), "-c:a", "aac", "-b:a", "24k")

@@ -1,6 +1,7 @@
 // The rows of the album grid under real changes of a real model, watched by Qt's own tester.
 #include "ui/AlbumListModel.h"
 #include "support/ModelDesk.h"
+#include "ui/CoverProvider.h"
 
 #include <QAbstractItemModelTester>
 #include <QSignalSpy>
@@ -115,6 +116,21 @@ private Q_SLOTS:
         grid.model->clearQueue();
         QTRY_VERIFY(!grid.value(1, AlbumListModel::SelectedRole).toBool());
         QCOMPARE(resets.count(), 0);
+    }
+
+    void itsCoversComeInTheSizeAskedFor()
+    {
+        const QByteArray cover = QByteArray::fromStdString(
+            fileBytes(std::filesystem::path(MARLUNE_SOURCE_DIR) / "tests/data/images/plain.png"));
+        const auto covers = std::make_shared<CoverStore>();
+        CoverProvider provider(covers);
+        for (const int side : {60, 20, 60}) {
+            const std::unique_ptr<QQuickImageResponse> response(
+                provider.requestImageResponse(covers->nameOf(cover) + QStringLiteral("/0"), {side, side}));
+            QVERIFY(QSignalSpy(response.get(), &QQuickImageResponse::finished).wait());
+            const std::unique_ptr<QQuickTextureFactory> drawn(response->textureFactory());
+            QCOMPARE(drawn->textureSize(), QSize(side, side));
+        }
     }
 };
 
