@@ -152,12 +152,7 @@ void MarluneModel::noteArtwork(const Album &album, const PreparedCover &cover, b
     }
     m_environment.settings.insertTexts(overridesKey, overrides);
 
-    for (Track &track : onDevice ? m_deviceTracks : m_tracks) {
-        if (ids.contains(track.id)) {
-            track.artwork = cover.image;
-        }
-    }
-    tracksWereChanged();
+    setArtwork(ids, cover.image, onDevice);
 }
 
 void MarluneModel::chooseArtwork(const Album &album, bool current, std::optional<bool> onDeviceOverride)

@@ -99,6 +99,31 @@ void sortTracks(std::vector<Track> &tracks, Order order)
     }
 }
 
+bool holdsAny(const Album &album, const QSet<QUuid> &tracks)
+{
+    return std::any_of(
+        album.tracks.begin(), album.tracks.end(), [&tracks](const Track &track) { return tracks.contains(track.id); });
+}
+
+void giveArtwork(std::vector<Track> &tracks, const QSet<QUuid> &ids, const QByteArray &image)
+{
+    for (Track &track : tracks) {
+        if (ids.contains(track.id)) {
+            track.artwork = image;
+        }
+    }
+}
+
+/// Puts the new records of albums in the place of the old ones.
+void renewAlbums(AlbumList &albums, const QHash<const Album *, std::shared_ptr<const Album>> &changed)
+{
+    for (std::shared_ptr<const Album> &album : albums) {
+        if (const auto renewed = changed.constFind(album.get()); renewed != changed.constEnd()) {
+            album = *renewed;
+        }
+    }
+}
+
 } // namespace
 
 bool isHighResolution(const AudioInfo &info)
@@ -192,6 +217,34 @@ void MarluneModel::tracksWereChanged()
 {
     m_derived = {};
     Q_EMIT tracksChanged();
+    Q_EMIT browsingChanged();
+}
+
+/// Grouping, filters and orders do not look at covers: the lists keep their order, and every other album its record.
+void MarluneModel::setArtwork(const QSet<QUuid> &ids, const QByteArray &image, bool onDevice)
+{
+    giveArtwork(onDevice ? m_deviceTracks : m_tracks, ids, image);
+    Q_EMIT artworkChanged();
+    if (onDevice != m_libraryOnDevice) {
+        return;
+    }
+    QHash<const Album *, std::shared_ptr<const Album>> changed;
+    if (m_derived.grouped) {
+        for (std::shared_ptr<const Album> &album : *m_derived.grouped) {
+            if (holdsAny(*album, ids)) {
+                Album copy = *album;
+                giveArtwork(copy.tracks, ids, image);
+                changed.insert(album.get(), std::make_shared<const Album>(std::move(copy)));
+            }
+        }
+        renewAlbums(*m_derived.grouped, changed);
+    }
+    if (m_derived.albums) {
+        AlbumList shown = *m_derived.albums;
+        renewAlbums(shown, changed);
+        m_derived.albums = std::make_shared<const AlbumList>(std::move(shown));
+    }
+    m_derived.filteredTracks.reset();
     Q_EMIT browsingChanged();
 }
 
