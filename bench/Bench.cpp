@@ -17,7 +17,7 @@ constexpr Figure figures[] = {{"import", Bench::import}, {"flac", Bench::flac}, 
     {"transfer", Bench::transfer}, {"cleanup", Bench::cleanup}, {"zip", Bench::zip}, {"install", Bench::install},
     {"group", Bench::group}, {"browse", Bench::browse}, {"jpeg", Bench::jpeg},
     {"jpeg-progressive", Bench::jpegProgressive}, {"check", Bench::check}, {"catalogue", Bench::catalogue},
-    {"inspect", Bench::inspect}, {"duplicates", Bench::duplicates}, {"play", Bench::play},
+    {"covers", Bench::covers}, {"inspect", Bench::inspect}, {"duplicates", Bench::duplicates}, {"play", Bench::play},
     {"heartbeat", Bench::heartbeatAndMemory}, {"memory", Bench::heartbeatAndMemory}, {"tiles", Bench::tiles}};
 
 } // namespace

@@ -48,6 +48,8 @@ private:
 };
 
 // One function a figure.
+/// Repairs covers in a library of its own.
+void covers(const std::filesystem::path &library);
 void import(const std::filesystem::path &library);
 void flac(const std::filesystem::path &library);
 void digest(const std::filesystem::path &library);

@@ -1,6 +1,7 @@
 #include "artwork/Artwork.h"
 
 #include "platform/Files.h"
+#include "platform/FolderItems.h"
 #include "platform/Images.h"
 #include "platform/MarluneError.h"
 
@@ -15,6 +16,11 @@ constexpr int coverQuality = 90;
 // In the order in which they are looked for.
 constexpr std::array sidecarExtensions {".jpeg", ".jpg", ".bmp"};
 constexpr std::array folderCoverNames {"cover.jpeg", "cover.jpg", "cover.bmp", "folder.jpg"};
+
+bool anyExists(const std::vector<std::filesystem::path> &items)
+{
+    return std::any_of(items.begin(), items.end(), Files::exists); // a link may lead nowhere
+}
 
 } // namespace
 
@@ -54,17 +60,22 @@ std::optional<QString> compatibilityIssue(const QByteArray &data)
 
 bool externalCoverExists(const Track &track)
 {
-    const auto besideTrack = [&track](const char *extension) {
-        return Files::exists(std::filesystem::path(track.url).replace_extension(extension));
-    };
-    return std::any_of(sidecarExtensions.begin(), sidecarExtensions.end(), besideTrack)
-        || folderCoverExists(track.url.parent_path());
+    const FolderItems items(track.url.parent_path());
+    return folderCoverExists(items) || ownCoverExists(track, items);
 }
 
-bool folderCoverExists(const std::filesystem::path &folder)
+bool ownCoverExists(const Track &track, const FolderItems &items)
+{
+    const std::filesystem::path name = track.url.filename();
+    return std::any_of(sidecarExtensions.begin(), sidecarExtensions.end(), [&](const char *extension) {
+        return anyExists(items.named(std::filesystem::path(name).replace_extension(extension)));
+    });
+}
+
+bool folderCoverExists(const FolderItems &items)
 {
     return std::any_of(folderCoverNames.begin(), folderCoverNames.end(),
-        [&folder](const char *name) { return Files::exists(folder / name); });
+        [&items](const char *name) { return anyExists(items.named(name)); });
 }
 
 QByteArray baselineJPEG(const QByteArray &data)

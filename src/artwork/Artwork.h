@@ -1,7 +1,7 @@
 // Covers: the private store of chosen images, and what Rockbox can show.
 //
 // Rockbox shows JPEG and BMP files of modest size, and cannot decode progressive JPEG. No state; blocking; any thread,
-// but baselineJPEG() is too heavy for the UI's. compatibilityIssue() and the two that ask
+// but baselineJPEG() is too heavy for the UI's. compatibilityIssue() and those that ask
 // whether a cover exists do not fail.
 #pragma once
 
@@ -12,6 +12,8 @@
 
 #include <filesystem>
 #include <optional>
+
+class FolderItems;
 
 namespace Artwork {
 
@@ -29,10 +31,12 @@ std::filesystem::path cache(const QByteArray &data, const QString &key, const st
 /// Why an image will not do on the device, for the user; absent if it will. Decodes no pixels.
 [[nodiscard]] std::optional<QString> compatibilityIssue(const QByteArray &data);
 
-/// Whether a file that Rockbox takes for this track's cover stands beside it.
+/// Whether a file that Rockbox takes for this track's cover is beside it. The case of names makes no difference.
 [[nodiscard]] bool externalCoverExists(const Track &track);
-/// The half of that question which has one answer for all music in `folder`.
-[[nodiscard]] bool folderCoverExists(const std::filesystem::path &folder);
+/// The half of that question which has one answer for all music in a folder, of those items.
+[[nodiscard]] bool folderCoverExists(const FolderItems &items);
+/// The other half: a cover of this one track.
+[[nodiscard]] bool ownCoverExists(const Track &track, const FolderItems &items);
 
 /// The whole image on a white square of 500 pixels, as the one form that is always safe. Throws MarluneError.
 [[nodiscard]] QByteArray baselineJPEG(const QByteArray &data);

@@ -4,6 +4,7 @@
 #include "platform/Characters.h"
 #include "platform/Http.h"
 #include "platform/MarluneError.h"
+#include "platform/Version.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -284,7 +285,7 @@ QCoro::Task<std::vector<CoverCandidate>> CoverSearch::search(
         .largestBody = largestAnswer,
         .silence = m_services.catalogueSilence,
         // The service turns away who does not tell what it is for.
-        .userAgent = "Marlune/0.6 (personal macOS Rockbox library manager)"};
+        .userAgent = "Marlune/" + shortProductVersion().toLatin1() + " (personal macOS Rockbox library manager)"};
     const Http::Response response = co_await ask(request, Pace::Spaced, owner);
     if (response.status != 200) {
         throw MarluneError(

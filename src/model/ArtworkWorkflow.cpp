@@ -30,11 +30,23 @@ namespace {
 
 const QString overridesKey = QStringLiteral("artworkOverrides");
 
-/// The album's name in the store: the same for each picture that it ever gets.
+/// The album's name in the store: the same for each picture that it ever gets. Made of the native bytes: those that
+/// are not UTF-8 tell two albums apart as well.
 QString storeKey(const Album &album)
 {
-    const QByteArray id = album.id().toUtf8();
-    return sha256Text(id);
+    const std::filesystem::path id = Files::fromText(album.id());
+    return sha256Text(id.native());
+}
+
+/// The bytes of the file that the user chose; absent where it cannot be read. Throws MarluneError for one that is too
+/// large for a picture.
+std::optional<QByteArray> chosenPicture(const std::filesystem::path &file)
+{
+    std::optional<QByteArray> bytes = Files::readBelow(file, Artwork::largestFile);
+    if (!bytes && Files::size(file).value_or(0) >= Artwork::largestFile) {
+        throw MarluneError(QStringLiteral("Obraz jest nieobsługiwany."));
+    }
+    return bytes;
 }
 
 std::vector<std::filesystem::path> filesOf(const Album &album)
@@ -140,8 +152,7 @@ void MarluneModel::noteArtwork(const Album &album, const PreparedCover &cover, b
     }
     m_environment.settings.insertTexts(overridesKey, overrides);
 
-    m_browsing.setArtwork(onDevice ? Side::Device : Side::Computer, ids, cover.image);
-    tracksWereChanged();
+    setArtwork(ids, cover.image, onDevice);
 }
 
 void MarluneModel::chooseArtwork(const Album &album, bool current, std::optional<bool> onDeviceOverride)
@@ -161,8 +172,7 @@ void MarluneModel::chooseArtwork(const Album &album, bool current, std::optional
             if (!self || self->m_busy || chosen.empty()) {
                 return;
             }
-            self->runArtworkChoice(
-                album, [file = chosen.front()] { return Files::readBelow(file, Artwork::largestFile); }, place);
+            self->runArtworkChoice(album, [file = chosen.front()] { return chosenPicture(file); }, place);
         });
 }
 

@@ -73,6 +73,31 @@ void sortTracks(std::vector<Track> &tracks, SortMode order)
     }
 }
 
+bool holdsAny(const Album &album, const QSet<QUuid> &tracks)
+{
+    return std::any_of(
+        album.tracks.begin(), album.tracks.end(), [&tracks](const Track &track) { return tracks.contains(track.id); });
+}
+
+void giveArtwork(std::vector<Track> &tracks, const QSet<QUuid> &ids, const QByteArray &image)
+{
+    for (Track &track : tracks) {
+        if (ids.contains(track.id)) {
+            track.artwork = image;
+        }
+    }
+}
+
+/// Puts the new records of albums in the place of the old ones.
+void renewAlbums(AlbumList &albums, const QHash<const Album *, std::shared_ptr<const Album>> &changed)
+{
+    for (std::shared_ptr<const Album> &album : albums) {
+        if (const auto renewed = changed.constFind(album.get()); renewed != changed.constEnd()) {
+            album = *renewed;
+        }
+    }
+}
+
 } // namespace
 
 bool isHighResolution(const AudioInfo &info)
@@ -103,37 +128,30 @@ void Browsing::clearDevice()
 
 void Browsing::setArtwork(Side side, const QSet<QUuid> &ids, const QByteArray &image)
 {
-    const auto renew = [&](std::vector<Track> &tracks) {
-        bool changed = false;
-        for (Track &track : tracks) {
-            if (ids.contains(track.id)) {
-                track.artwork = image;
-                changed = true;
-            }
-        }
-        return changed;
-    };
-    if (!renew(m_tracks[place(side)]) || side != m_side || !m_derived.grouped) {
+    giveArtwork(m_tracks[place(side)], ids, image);
+    if (side != m_side) {
         return;
     }
-    // A cover has no part in the grouping, the filters or the order: the album's copies are exchanged in their places.
-    std::optional<AlbumList> listed = m_derived.albums ? std::optional(*m_derived.albums) : std::nullopt;
-    for (std::shared_ptr<const Album> &album : *m_derived.grouped) {
-        Album renewed = *album;
-        if (renew(renewed.tracks)) {
-            const auto before = std::exchange(album, std::make_shared<const Album>(std::move(renewed)));
-            if (listed) {
-                std::replace(listed->begin(), listed->end(), before, album);
+    QHash<const Album *, std::shared_ptr<const Album>> changed;
+    if (m_derived.grouped) {
+        for (const std::shared_ptr<const Album> &album : *m_derived.grouped) {
+            if (holdsAny(*album, ids)) {
+                Album copy = *album;
+                giveArtwork(copy.tracks, ids, image);
+                changed.insert(album.get(), std::make_shared<const Album>(std::move(copy)));
             }
         }
+        renewAlbums(*m_derived.grouped, changed);
     }
-    if (listed) {
-        m_derived.albums = std::make_shared<const AlbumList>(std::move(*listed));
+    if (m_derived.albums) {
+        AlbumList listed = *m_derived.albums;
+        renewAlbums(listed, changed);
+        m_derived.albums = std::make_shared<const AlbumList>(std::move(listed));
     }
     if (m_derived.filteredTracks) {
-        auto tracks = std::make_shared<std::vector<Track>>(*m_derived.filteredTracks);
-        renew(*tracks);
-        m_derived.filteredTracks = std::move(tracks);
+        std::vector<Track> listed = *m_derived.filteredTracks;
+        giveArtwork(listed, ids, image);
+        m_derived.filteredTracks = std::make_shared<const std::vector<Track>>(std::move(listed));
     }
 }
 

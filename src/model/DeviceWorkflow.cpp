@@ -46,7 +46,7 @@ QCoro::Task<> MarluneModel::runRefresh()
     std::vector<Device> found;
     try {
         auto discover = [discovery = m_environment.deviceDiscovery] { return discovery(); };
-        found = co_await background(discover, JobPriority::Utility);
+        found = co_await background(discover, JobPriority::Discovery);
     } catch (const std::exception &) {
         found.clear(); // no device could be read: the list is empty
     }
@@ -179,7 +179,7 @@ QCoro::Task<> MarluneModel::runChoice(std::filesystem::path folder)
     const QPointer<MarluneModel> self(this);
     const int choice = ++m_choices;
     auto inspect = [folder = Files::standardised(folder)] { return Device::inspect(folder); };
-    const auto device = co_await attempt(inspect, JobPriority::Utility);
+    const auto device = co_await attempt(inspect, JobPriority::Discovery);
     if (!self || m_choices != choice) { // a later choice was answered sooner
         co_return;
     }

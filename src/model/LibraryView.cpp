@@ -7,6 +7,15 @@ void MarluneModel::tracksWereChanged()
     Q_EMIT browsingChanged();
 }
 
+void MarluneModel::setArtwork(const QSet<QUuid> &ids, const QByteArray &image, bool onDevice)
+{
+    m_browsing.setArtwork(onDevice ? Side::Device : Side::Computer, ids, image);
+    Q_EMIT artworkChanged();
+    if (onDevice == libraryOnDevice()) {
+        Q_EMIT browsingChanged();
+    }
+}
+
 void MarluneModel::setLibraryOnDevice(bool onDevice)
 {
     if (m_browsing.setSide(onDevice ? Side::Device : Side::Computer)) {

@@ -258,6 +258,8 @@ Q_SIGNALS:
     void playlistsChanged();
     /// The library of the computer or of the device holds other tracks.
     void tracksChanged();
+    /// Tracks there have another cover; browsingChanged() follows where they are shown.
+    void artworkChanged();
     void libraryOnDeviceChanged();
     /// albums() and filteredTracks() may differ from what they were.
     void browsingChanged();
@@ -323,6 +325,7 @@ private:
     void setDuplicates(const QString &status, std::optional<std::vector<QualityIssue>> found = {});
     void forgetDuplicates();
     void tracksWereChanged();
+    void setArtwork(const QSet<QUuid> &ids, const QByteArray &image, bool onDevice);
     void storeLibraryPaths();
     void readBackups();
     void disconnect();

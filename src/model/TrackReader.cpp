@@ -31,12 +31,22 @@ std::int64_t leadingNumber(const QString &fileName)
     return fits ? number : 0;
 }
 
-std::optional<QByteArray> readSidecar(const std::filesystem::path &file)
+/// The first that can be read of the items of this name.
+std::optional<QByteArray> readNamed(const FolderItems &items, const std::filesystem::path &name, std::int64_t limit)
+{
+    for (const std::filesystem::path &file : items.named(name)) {
+        if (std::optional<QByteArray> bytes = Files::readBelow(file, limit)) {
+            return bytes;
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<QByteArray> readSidecar(const std::filesystem::path &file, const FolderItems &items)
 {
     for (const char *extension : {".jpeg", ".jpg"}) {
-        std::filesystem::path sidecar = file;
-        sidecar.replace_extension(extension);
-        if (std::optional<QByteArray> bytes = Files::readBelow(sidecar, chosenCoverLimit)) {
+        const std::filesystem::path name = file.filename().replace_extension(extension);
+        if (std::optional<QByteArray> bytes = readNamed(items, name, chosenCoverLimit)) {
             return bytes;
         }
     }
@@ -93,13 +103,17 @@ Track TrackReader::read(const std::filesystem::path &file)
 
 TrackReader::Folder &TrackReader::folderOf(const std::filesystem::path &file)
 {
-    std::filesystem::path path = file.parent_path();
+    const std::filesystem::path path = file.parent_path();
     if (path != m_folder.path) {
         const QString name = Files::name(path);
         const std::filesystem::path above = path.parent_path();
         const std::filesystem::path artist = AlbumGrouping::folderDisc(name) ? above.parent_path() : above;
-        m_folder
-            = {.path = std::move(path), .name = name, .artist = Files::name(artist), .coverLooked = false, .cover = {}};
+        m_folder = {.path = path,
+            .name = name,
+            .artist = Files::name(artist),
+            .items = FolderItems(path),
+            .coverLooked = false,
+            .cover = {}};
     }
     return m_folder;
 }
@@ -114,7 +128,7 @@ std::optional<QByteArray> TrackReader::chooseArtwork(const Track &track, const s
         }
     }
     if (!chosen) {
-        chosen = readSidecar(track.url);
+        chosen = readSidecar(track.url, m_folder.items);
     }
     if (chosen) {
         return m_pool.shared(*chosen);
@@ -127,7 +141,7 @@ const std::optional<QByteArray> &TrackReader::folderCover()
     if (!m_folder.coverLooked) {
         m_folder.coverLooked = true;
         for (const char *name : folderCovers) {
-            if (const std::optional<QByteArray> bytes = Files::readBelow(m_folder.path / name, folderCoverLimit)) {
+            if (const std::optional<QByteArray> bytes = readNamed(m_folder.items, name, folderCoverLimit)) {
                 m_folder.cover = m_pool.shared(*bytes);
                 break;
             }

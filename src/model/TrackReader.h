@@ -8,6 +8,8 @@
 
 #include "model/ArtworkPool.h"
 
+#include "platform/FolderItems.h"
+
 #include <QMap>
 
 #include <functional>
@@ -44,6 +46,7 @@ private:
         std::filesystem::path path;
         QString name;
         QString artist; ///< fallback: the folder that stands for the artist
+        FolderItems items;
         bool coverLooked = false;
         std::optional<QByteArray> cover;
     };

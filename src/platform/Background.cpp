@@ -48,16 +48,25 @@ namespace BackgroundJobs {
 QThreadPool &pool(JobPriority priority)
 {
     // More threads than cores: these jobs wait for disks most of their time.
+    static QThreadPool *const discovery = makePool(4, QThread::LowPriority);
     static QThreadPool *const utility = makePool(4, QThread::LowPriority);
     static QThreadPool *const userInitiated = makePool(4, QThread::NormalPriority);
-    return priority == JobPriority::Utility ? *utility : *userInitiated;
+    switch (priority) {
+    case JobPriority::Discovery:
+        return *discovery;
+    case JobPriority::Utility:
+        return *utility;
+    case JobPriority::UserInitiated:
+        break;
+    }
+    return *userInitiated;
 }
 
 bool drain(std::chrono::milliseconds limit)
 {
     const auto end = std::chrono::steady_clock::now() + limit;
     bool idle = true;
-    for (const JobPriority priority : {JobPriority::UserInitiated, JobPriority::Utility}) {
+    for (const JobPriority priority : {JobPriority::UserInitiated, JobPriority::Utility, JobPriority::Discovery}) {
         const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
         idle = pool(priority).waitForDone(int(std::max<std::int64_t>(0, left.count()))) && idle;
     }

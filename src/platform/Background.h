@@ -26,7 +26,8 @@
 #include <variant>
 
 enum class JobPriority : std::uint8_t {
-    Utility, ///< device discovery and content; may hang with the disk without holding up the other jobs
+    Discovery, ///< of devices: what hangs on some other disk holds up none of it, nor the other way round
+    Utility, ///< device content, and what is looked at by the way; may hang with the disk
     UserInitiated, ///< import and transfer
 };
 

@@ -33,28 +33,34 @@ QString origin(const QUrl &url)
     return url.toString(QUrl::RemoveUserInfo | QUrl::RemovePath | QUrl::RemoveQuery | QUrl::RemoveFragment);
 }
 
-/// The desktop's proxies, as they were found on a background thread: asking for them can start helpers and wait for
-/// a network.
-class Proxies final : public QNetworkProxyFactory {
+using Proxies = QList<QNetworkProxy>;
+
+/// The desktop's proxies, as they were found on a thread of their own: asking for them can start helpers and wait for a
+/// network, without end where that does not answer.
+class KnownProxies final : public QNetworkProxyFactory {
 public:
-    QList<QNetworkProxy> queryProxy(const QNetworkProxyQuery &query) override
+    Proxies queryProxy(const QNetworkProxyQuery &query) override
     {
-        if (isThisComputer(query.url())) {
-            return {QNetworkProxy(QNetworkProxy::NoProxy)};
-        }
-        const auto known = m_known.constFind(origin(query.url()));
-        return known == m_known.constEnd() ? QList<QNetworkProxy> {QNetworkProxy(QNetworkProxy::NoProxy)} : *known;
+        const Proxies direct {QNetworkProxy(QNetworkProxy::NoProxy)};
+        return isThisComputer(query.url()) ? direct : m_known.value(origin(query.url()), direct);
     }
 
-    void note(const QUrl &url, const QList<QNetworkProxy> &proxies) { m_known.insert(origin(url), proxies); }
+    [[nodiscard]] bool knows(const QUrl &url) const { return m_known.contains(origin(url)); }
+    /// Asks for the way to this place, unless that question is on its way already. `known` is called with the answer.
+    void ask(const QUrl &url, std::function<void()> known);
+    /// That way has failed: there may be another one by now.
+    void forget(const QUrl &url) { m_known.remove(origin(url)); }
 
 private:
-    QHash<QString, QList<QNetworkProxy>> m_known;
+    void note(const QString &place, const Proxies &proxies);
+
+    QHash<QString, Proxies> m_known; ///< by origin
+    QHash<QString, std::vector<std::function<void()>>> m_asked; ///< by origin: who waits for the answer
 };
 
 struct Network {
     QNetworkAccessManager manager;
-    Proxies *proxies = new Proxies;
+    KnownProxies *proxies = new KnownProxies;
 
     Network() { manager.setProxyFactory(proxies); } // takes it over
 };
@@ -67,6 +73,33 @@ Network &network()
         qAddPostRoutine([] { delete std::exchange(only, nullptr); }); // needs the application object to its end
     }
     return *only;
+}
+
+void KnownProxies::ask(const QUrl &url, std::function<void()> known)
+{
+    const QString place = origin(url);
+    std::vector<std::function<void()>> &waiting = m_asked[place];
+    waiting.push_back(std::move(known));
+    if (waiting.size() > 1) {
+        return;
+    }
+    const auto lookUp = [url, place] {
+        const Proxies found = QNetworkProxyFactory::systemProxyForQuery(QNetworkProxyQuery(url));
+        postToUi([place, found] { network().proxies->note(place, found); });
+    };
+    try {
+        BackgroundJobs::startDetached(lookUp);
+    } catch (const std::system_error &) { // no thread to be had
+        note(place, {QNetworkProxy(QNetworkProxy::NoProxy)});
+    }
+}
+
+void KnownProxies::note(const QString &place, const Proxies &proxies)
+{
+    m_known.insert(place, proxies);
+    for (const std::function<void()> &known : m_asked.take(place)) {
+        known();
+    }
 }
 
 /// One exchange while it is under way.
@@ -110,20 +143,15 @@ bool mayLead(const QUrl &from, const QUrl &to, Http::Redirects redirects)
     return isWeb(to) && !isLessSafe && (redirects == Http::Redirects::AnyHost || origin(from) == origin(to));
 }
 
-QCoro::Task<> noteProxies(QUrl url, std::function<void()> noted)
+/// Finds out how this place is reached, before anything is asked of it. True once that is known; false after `timeout`,
+/// or when the owner is gone.
+QCoro::Task<bool> learnProxies(QUrl url, std::chrono::milliseconds timeout, QPointer<QObject> owner)
 {
-    auto ask = [url] { return QNetworkProxyFactory::systemProxyForQuery(QNetworkProxyQuery(url)); };
-    const auto proxies = co_await attempt(ask, JobPriority::Utility);
-    network().proxies->note(url, proxies.value.value_or(QList<QNetworkProxy> {}));
-    noted();
-}
-
-/// Finds out how this place is reached, before anything is asked of it. Returns once that is known, or the time is
-/// over, or the owner is gone.
-QCoro::Task<> learnProxies(QUrl url, QDeadlineTimer deadline, QPointer<QObject> owner)
-{
-    if (isThisComputer(url) || !owner) {
-        co_return;
+    if (isThisComputer(url) || network().proxies->knows(url)) {
+        co_return true;
+    }
+    if (!owner) {
+        co_return false;
     }
     auto over = std::make_shared<QPromise<void>>();
     over->start();
@@ -135,10 +163,15 @@ QCoro::Task<> learnProxies(QUrl url, QDeadlineTimer deadline, QPointer<QObject> 
     };
     const QPointer<QObject> wait(new QObject(owner));
     QObject::connect(wait, &QObject::destroyed, end);
-    QTimer::singleShot(std::chrono::milliseconds(deadline.remainingTime()), wait, end);
-    noteProxies(url, end);
+    QTimer::singleShot(timeout, wait, end);
+    const auto isKnown = std::make_shared<bool>(false);
+    network().proxies->ask(url, [end, isKnown] {
+        *isKnown = true;
+        end();
+    });
     co_await waiting;
     delete wait;
+    co_return *isKnown;
 }
 
 QNetworkRequest networkRequest(const Http::Request &request)
@@ -201,6 +234,9 @@ void conclude(Exchange &exchange, QNetworkReply &reply)
     if (answered && target.isValid()) {
         exchange.redirect = exchange.request.url.resolved(target.toUrl());
     }
+    if (!answered) {
+        network().proxies->forget(exchange.request.url);
+    }
     if (!exchange.failure && !answered) {
         exchange.failure = std::make_exception_ptr(MarluneError(failureText(reply)));
     }
@@ -245,11 +281,13 @@ void start(const std::shared_ptr<Exchange> &exchange, QObject &owner)
 /// The answer of this one place, a redirect too.
 QCoro::Task<> runExchange(std::shared_ptr<Exchange> exchange, QDeadlineTimer deadline, QPointer<QObject> owner)
 {
-    auto learning = learnProxies(exchange->request.url, deadline, owner);
-    co_await learning;
+    const std::chrono::milliseconds timeout
+        = std::min(exchange->request.silence, std::chrono::milliseconds(deadline.remainingTime()));
+    auto learning = learnProxies(exchange->request.url, timeout, owner);
+    const bool isLearned = co_await learning;
     if (!owner) {
         exchange->failure = cancellation();
-    } else if (deadline.hasExpired()) {
+    } else if (!isLearned || deadline.hasExpired()) {
         exchange->failure = silenceFailure();
     } else {
         exchange->request.patience = std::chrono::milliseconds(deadline.remainingTime());

@@ -27,7 +27,8 @@ enum class Redirects : std::uint8_t {
 struct Request {
     QUrl url; ///< http or https
     std::int64_t largestBody = 0; ///< bytes
-    /// After this long without a sign of the server, and after `patience` in any case, the request has failed.
+    /// After this long without a sign of the server (or, before it is asked, of the proxy to go by), and after `patience`
+    /// in any case, the request has failed.
     std::chrono::milliseconds silence = std::chrono::seconds(25);
     std::chrono::milliseconds patience = std::chrono::minutes(5);
     Redirects redirects = Redirects::SameOrigin; ///< five in a row at most

@@ -4,6 +4,7 @@
 #include "library/AlbumGrouping.h"
 
 #include "platform/Files.h"
+#include "platform/FolderItems.h"
 
 #include <QHash>
 #include <QStringList>
@@ -54,13 +55,15 @@ AlbumTracks tracksOf(const AlbumGrouping::Group &album, const std::vector<Track>
 bool allHaveExternalCovers(const AlbumTracks &tracks)
 {
     std::optional<std::string_view> folder;
+    FolderItems items;
     bool folderHasCover = false;
     return std::all_of(tracks.begin(), tracks.end(), [&](const Track *track) {
         if (const std::string_view itsFolder = folderOf(track->url); itsFolder != folder) {
             folder = itsFolder;
-            folderHasCover = Artwork::folderCoverExists(track->url.parent_path());
+            items = FolderItems(track->url.parent_path());
+            folderHasCover = Artwork::folderCoverExists(items);
         }
-        return folderHasCover || Artwork::externalCoverExists(*track);
+        return folderHasCover || Artwork::ownCoverExists(*track, items);
     });
 }
 

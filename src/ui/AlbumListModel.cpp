@@ -40,9 +40,14 @@ AlbumListModel::AlbumListModel(MarluneModel &model, std::shared_ptr<CoverStore> 
         timer->setSingleShot(true);
         timer->setInterval(0);
     }
-    connect(&m_listChange, &QTimer::timeout, this, &AlbumListModel::refresh);
+    connect(&m_listChange, &QTimer::timeout, this, &AlbumListModel::refreshIfDue);
     connect(&m_selectionChange, &QTimer::timeout, this, &AlbumListModel::refreshSelection);
-    connect(&m_model, &MarluneModel::browsingChanged, &m_listChange, qOverload<>(&QTimer::start));
+    connect(&m_model, &MarluneModel::browsingChanged, this, [this] {
+        m_isOutdated = true;
+        m_listChange.start();
+    });
+    connect(&m_model, &MarluneModel::sectionChanged, this, &AlbumListModel::refreshIfDue);
+    connect(&m_model, &MarluneModel::busyChanged, &m_listChange, qOverload<>(&QTimer::start));
     connect(&m_model, &MarluneModel::selectionChanged, &m_selectionChange, qOverload<>(&QTimer::start));
     for (const auto signal : {&Playback::currentChanged, &Playback::playingChanged}) {
         connect(&m_model.playback(), signal, this, &AlbumListModel::refreshPlaying);
@@ -131,8 +136,16 @@ bool AlbumListModel::isPlaying(const Album &album) const
     return playback.playing() && holds(album, playback.current()->id);
 }
 
+void AlbumListModel::refreshIfDue()
+{
+    if (m_isOutdated && (m_model.section() == Section::Music || !m_model.busy())) {
+        refresh();
+    }
+}
+
 void AlbumListModel::refresh()
 {
+    m_isOutdated = false;
     const std::shared_ptr<const AlbumList> albums = m_model.albums();
     if (albums != m_albums) {
         replaceRows(rowsFor(*albums));

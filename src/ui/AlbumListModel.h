@@ -1,6 +1,7 @@
 // The albums of the library page as rows.
 //
-// Rows follow the model's albums a turn of the event loop later, once for a burst of changes. What stays in place keeps
+// Rows follow the model's albums a turn of the event loop later, once for a burst of changes; while the page is hidden
+// they wait until it is shown or the present job has ended. What stays in place keeps
 // its row, so that the page keeps its place too: a few changes arrive as rows put in and taken out, many as a reset.
 // Texts of a row are made when it is first shown. UI thread.
 #pragma once
@@ -73,6 +74,7 @@ private:
         mutable std::optional<Texts> texts;
     };
 
+    void refreshIfDue();
     void refresh();
     void refreshSelection();
     void refreshPlaying();
@@ -89,6 +91,7 @@ private:
     std::shared_ptr<CoverStore> m_covers;
     std::shared_ptr<const AlbumList> m_albums; ///< what m_rows were made of
     std::vector<Row> m_rows;
+    bool m_isOutdated = false; ///< the model's albums have changed since
     QTimer m_listChange;
     QTimer m_selectionChange;
 };

@@ -72,6 +72,9 @@ QVariant IssueListModel::data(const QModelIndex &index, int role) const
 
 void IssueListModel::show(Issues issues)
 {
+    if (issues == m_issues) { // the very same findings; their ids are long
+        return;
+    }
     if (!changeRows(m_issues, issues, [](const auto &issue) { return issue->id(); })) {
         return;
     }

@@ -15,6 +15,7 @@
 #include "platform/MarluneError.h"
 #include "platform/SettingsLock.h"
 #include "platform/TerminationRequests.h"
+#include "platform/Version.h"
 #include "platform/Volumes.h"
 
 #include <QFontDatabase>
@@ -215,6 +216,7 @@ void prepareApplication()
 {
     std::setlocale(LC_NUMERIC, "C"); // the application object has set the user's, under which libmpv does not start
     QCoreApplication::setApplicationName(QStringLiteral("Marlune"));
+    QCoreApplication::setApplicationVersion(productVersion());
     QCoreApplication::setOrganizationName(QStringLiteral("Marlune"));
     QGuiApplication::setApplicationDisplayName(QStringLiteral("Marlune"));
     QGuiApplication::setDesktopFileName(QStringLiteral("marlune"));

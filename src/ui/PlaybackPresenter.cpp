@@ -8,6 +8,7 @@ PlaybackPresenter::PlaybackPresenter(Playback &playback, QObject *parent)
 {
     connect(&m_playback, &Playback::currentChanged, this, &PlaybackPresenter::currentChanged);
     connect(&m_playback, &Playback::currentChanged, this, &PlaybackPresenter::positionChanged);
+    connect(&m_playback, &Playback::currentChanged, this, &PlaybackPresenter::durationChanged);
     connect(&m_playback, &Playback::playingChanged, this, &PlaybackPresenter::playingChanged);
     connect(&m_playback, &Playback::positionChanged, this, &PlaybackPresenter::positionChanged);
     connect(&m_playback, &Playback::durationChanged, this, &PlaybackPresenter::durationChanged);
@@ -30,6 +31,12 @@ QString PlaybackPresenter::playingTrack() const
     return playing() ? m_playback.current()->id.toString() : QString();
 }
 
+double PlaybackPresenter::duration() const
+{
+    const std::optional<Track> &track = m_playback.current();
+    return m_playback.duration() > 0 || !track ? m_playback.duration() : track->info.duration;
+}
+
 QString PlaybackPresenter::positionText() const
 {
     return durationLabel(m_playback.position());
@@ -37,7 +44,7 @@ QString PlaybackPresenter::positionText() const
 
 QString PlaybackPresenter::durationText() const
 {
-    return m_playback.duration() > 0 ? durationLabel(m_playback.duration()) : QStringLiteral("—");
+    return duration() > 0 ? durationLabel(duration()) : QStringLiteral("—");
 }
 
 QString PlaybackPresenter::error() const

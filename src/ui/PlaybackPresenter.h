@@ -35,7 +35,8 @@ public:
     [[nodiscard]] bool hasNext() const { return m_playback.hasNext(); }
     [[nodiscard]] bool hasPrevious() const { return m_playback.hasPrevious(); }
     [[nodiscard]] double position() const { return m_playback.position(); }
-    [[nodiscard]] double duration() const { return m_playback.duration(); }
+    /// As the file's tags have it until the player knows better: what shows it keeps its state at a change of track.
+    [[nodiscard]] double duration() const;
     [[nodiscard]] QString positionText() const;
     [[nodiscard]] QString durationText() const;
     [[nodiscard]] double volume() const { return m_playback.volume(); }

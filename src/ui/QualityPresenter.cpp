@@ -34,6 +34,11 @@ QualityPresenter::QualityPresenter(MarluneModel &model, QObject *parent)
     inspectAfter(&MarluneModel::sectionChanged);
     inspectAfter(&MarluneModel::libraryOnDeviceChanged);
     inspectAfter(&MarluneModel::tracksChanged);
+    connect(&m_model, &MarluneModel::artworkChanged, this, [this] {
+        if (!m_model.busy()) { // otherwise more may follow, and the job's end is soon enough
+            m_inspection.start();
+        }
+    });
     connect(&m_model, &MarluneModel::busyChanged, this, [this] {
         if (m_model.busy() && m_model.libraryOnDevice()) {
             abandonInspection(); // an eject would find the device's files in use
@@ -52,7 +57,7 @@ QualityPresenter::QualityPresenter(MarluneModel &model, QObject *parent)
     refreshAfter(&MarluneModel::libraryOnDeviceChanged);
     refreshAfter(&MarluneModel::deviceChanged);
     refreshAfter(&MarluneModel::busyChanged);
-    refreshAfter(&MarluneModel::duplicateIssuesChanged);
+    connect(&m_model, &MarluneModel::duplicateIssuesChanged, this, &QualityPresenter::takeDuplicates);
     refreshAfter(&MarluneModel::duplicateStatusChanged);
 }
 
@@ -168,6 +173,15 @@ QCoro::Task<> QualityPresenter::runInspection()
     }
 }
 
+void QualityPresenter::takeDuplicates()
+{
+    m_duplicates.clear();
+    for (const QualityIssue &issue : m_model.duplicateIssues()) {
+        m_duplicates.push_back(std::make_shared<const QualityIssue>(issue));
+    }
+    m_change.start();
+}
+
 void QualityPresenter::refresh()
 {
     IssueListModel::Issues shown;
@@ -175,10 +189,8 @@ void QualityPresenter::refresh()
         const auto isShown = [this](const QString &kind) { return m_filter == everything || m_filter == kind; };
         std::copy_if(m_found.begin(), m_found.end(), std::back_inserter(shown),
             [&](const auto &issue) { return isShown(issue->kind); });
-        for (const QualityIssue &issue : m_model.duplicateIssues()) {
-            if (isShown(issue.kind)) {
-                shown.push_back(std::make_shared<const QualityIssue>(issue));
-            }
+        if (isShown(QualityKind::duplicates)) {
+            shown.insert(shown.end(), m_duplicates.begin(), m_duplicates.end());
         }
     }
     m_issues.show(std::move(shown));

@@ -1,7 +1,8 @@
 // What the quality page shows beyond the model's own fields: findings, their counts, and what can be done now.
 //
 // The inspection runs in the background, anew whenever what it looks at may have changed, and only while the page is
-// shown: to ask for thousands of files takes time, and a device's disk can hang. UI thread.
+// shown: to ask for thousands of files takes time, and a device's disk can hang. Covers that a job changes one after
+// the other are looked at once the job has ended. UI thread.
 #pragma once
 
 #include "model/Model.h"
@@ -51,7 +52,8 @@ public:
     Q_INVOKABLE void openMusic() { m_model.setSection(Section::Music); }
     /// Opens the album that a finding concerns.
     Q_INVOKABLE void openAlbum(int row);
-    /// Makes a cover for the album that a finding concerns: of its own picture, or of a file that the user is asked for.
+    /// Makes a cover for the album that a finding concerns: of its own picture, or of a file that the user is asked
+    /// for.
     Q_INVOKABLE void chooseCover(int row, bool current);
     /// Shows a finding's files in the file manager.
     Q_INVOKABLE void reveal(int row) const;
@@ -66,6 +68,7 @@ private:
     void forget();
     void inspectIfShown();
     QCoro::Task<> runInspection();
+    void takeDuplicates();
     void refresh();
 
     MarluneModel &m_model;
@@ -74,6 +77,7 @@ private:
     QTimer m_change;
     QString m_filter;
     IssueListModel::Issues m_found; ///< by the last inspection
+    IssueListModel::Issues m_duplicates; ///< by the last check for them
     bool m_inspected = false; ///< m_found is of the side that is shown
     std::stop_source m_inspecting; ///< of the inspection that may land
 };

@@ -220,7 +220,7 @@ TEST(Artwork, takesNothingFromMemoryThatThePictureDoesNotFill)
 TEST(Artwork, findsTheCoversThatRockboxFinds)
 {
     for (const char *name : {"01 A.jpeg", "01 A.jpg", "01 A.bmp", "cover.jpeg", "cover.jpg", "cover.bmp", "folder.jpg",
-             "-cover.png", "-folder.jpeg", "-01 A.flac.jpg"}) {
+             "Folder.JPG", "01 a.Jpeg", "-Cover.png", "-folder.jpeg", "-01 A.flac.jpg"}) {
         const TemporaryFolder folder;
         Track track;
         track.url = folder.write("01 A.flac", "");

@@ -212,6 +212,9 @@ private Q_SLOTS:
         choose(desk.folder.write("none.png", "no picture"));
         QCOMPARE(model->status(), failed);
         QCOMPARE(model->alert(), std::optional(QStringLiteral("Nie można odczytać obrazu.")));
+        std::filesystem::resize_file(desk.folder.write("film.png", ""), Artwork::largestFile);
+        choose(desk.folder / "film.png");
+        QCOMPARE(model->alert(), std::optional(QStringLiteral("Obraz jest nieobsługiwany.")));
         QVERIFY(desk.settings.textMap(overridesKey).isEmpty());
 
         choose(desk.folder.write("some.png", picture("plain.png")));
@@ -270,12 +273,15 @@ private Q_SLOTS:
         desk.addTrack("C", "fine", picture("plain.jpg"));
         desk.addTrack("D", "large", picture("progressive.jpg"));
         desk.addTrack("E", "other", picture("plain.png"));
+        for (const char *odd : {"IPOD/Music/F/caf\xE8/1.flac", "IPOD/Music/F/caf\xE9/1.flac"}) {
+            desk.folder.write(odd, flacWith({"ARTIST=F", "ALBUM=caf"}, odd, 16, picture("plain.png")));
+        }
         model->scanDeviceMusic();
         desk.waitForJobs(*model);
         model->repairAvailableCovers();
         model->findMissingCovers();
         desk.waitForJobs(*model);
-        QCOMPARE(model->status(), QStringLiteral("Naprawione albumy: 3. Nie udało się naprawić: 1."));
+        QCOMPARE(model->status(), QStringLiteral("Naprawione albumy: 5. Nie udało się naprawić: 1."));
         QCOMPARE(model->alert(),
             std::optional(model->status()
                 + QStringLiteral("\nPoprzednie obrazy z iPoda mają kopię na Macu.\nBrakujące lub nieczytelne obrazy "
@@ -284,6 +290,8 @@ private Q_SLOTS:
             const std::string cover = fileBytes(desk.folder / "IPOD/Music" / place / "cover.jpeg");
             QVERIFY(!Artwork::compatibilityIssue(QByteArray::fromStdString(cover)));
         }
+        const QStringList stored = desk.settings.textMap(overridesKey).values();
+        QCOMPARE(QSet<QString>(stored.begin(), stored.end()).size(), 5); // whatever bytes tell two names apart
     }
 };
 

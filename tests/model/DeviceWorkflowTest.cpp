@@ -79,8 +79,13 @@ private Q_SLOTS:
         model->select(device); // the same again changes nothing
         QCOMPARE(model->selectedOnDevice().size(), 1);
         desk.found->clear();
-        refresh(*model);
-        QVERIFY(!model->device() && model->deviceTracks().empty() && model->selectedOnDevice().isEmpty());
+        {
+            const HeldJobs others {JobPriority::Utility, JobPriority::UserInitiated}; // as by a disk that hangs
+            model->refresh();
+            QTRY_VERIFY(!model->device());
+        }
+        desk.waitForJobs(*model);
+        QVERIFY(model->deviceTracks().empty() && model->selectedOnDevice().isEmpty());
         QVERIFY(model->libraryOnDevice());
         QCOMPARE(model->status(), QStringLiteral("iPod został odłączony"));
 

@@ -103,7 +103,8 @@ TEST(TrackReader, choosesTheCoverThatStandsNearest)
     };
     EXPECT_EQ(artwork(plain), "none");
     // Folder covers, each beaten by the next.
-    for (const char *name : {"folder.png", "cover.png", "folder.jpg", "cover.bmp", "cover.jpg", "cover.jpeg"}) {
+    for (const char *name : {"Folder.png", "FOLDER.PNG", "folder.png", "cover.png", "folder.jpg", "cover.bmp",
+             "Cover.jpg", "COVER.JPG", "cover.jpg", "cover.jpeg"}) {
         folder.write(std::filesystem::path("A/B") / name, name);
         EXPECT_EQ(artwork(plain), name);
     }
@@ -112,7 +113,7 @@ TEST(TrackReader, choosesTheCoverThatStandsNearest)
     std::filesystem::resize_file(folder / "A/B/cover.jpeg", 9'999'999);
     EXPECT_EQ(artwork(plain).size(), 9'999'999U);
     EXPECT_EQ(artwork(file), "embedded");
-    for (const char *name : {"1 x.jpg", "1 x.jpeg"}) { // its own file's cover
+    for (const char *name : {"1 X.JPG", "1 x.jpg", "1 x.JPEG", "1 x.jpeg"}) { // its own file's cover
         folder.write(std::filesystem::path("A/B") / name, name);
         EXPECT_EQ(artwork(file), name);
     }

@@ -1,6 +1,8 @@
 // Requests to a server of the test's own: what comes back, and what ends them.
 #include "platform/Http.h"
 
+#include "platform/Background.h"
+
 #include "support/CannedServer.h"
 #include "support/Eventually.h"
 #include "support/Messages.h"
@@ -13,13 +15,13 @@ namespace {
 using namespace std::chrono_literals;
 using Then = CannedServer::Then;
 
-struct Outcome {
+struct Fetched {
     bool done = false;
     int status = 0;
     std::string text; ///< the body's, or why there is no answer
 };
 
-QCoro::Task<> run(Http::Request request, QObject *owner, Outcome *outcome)
+QCoro::Task<> run(Http::Request request, QObject *owner, Fetched *outcome)
 {
     try {
         const Http::Response response = co_await Http::get(request, *owner);
@@ -32,11 +34,11 @@ QCoro::Task<> run(Http::Request request, QObject *owner, Outcome *outcome)
 }
 
 /// Long waits, because server and client share a thread that may be held up.
-Outcome fetch(const QUrl &url, Http::Redirects redirects = Http::Redirects::SameOrigin, std::int64_t largestBody = 1000,
+Fetched fetch(const QUrl &url, Http::Redirects redirects = Http::Redirects::SameOrigin, std::int64_t largestBody = 1000,
     std::chrono::milliseconds silence = 10s)
 {
     QObject owner;
-    Outcome outcome;
+    Fetched outcome;
     run({.url = url, .largestBody = largestBody, .silence = silence, .patience = 4 * silence, .redirects = redirects},
         &owner, &outcome);
     EXPECT_TRUE(eventually([&] { return outcome.done; }));
@@ -69,7 +71,7 @@ TEST(Http, bringsAnyAnswerOrSaysWhyThereIsNone)
     };
     for (const auto &[answer, expectedStatus, text] : rows) {
         const CannedServer server({answer});
-        const Outcome outcome
+        const Fetched outcome
             = fetch(server.root(), Http::Redirects::SameOrigin, 1000, text == silent ? 300ms : 10'000ms);
         EXPECT_EQ(std::pair(outcome.status, outcome.text), std::pair(expectedStatus, text));
         EXPECT_LT(server.sent, 10'000'000) << "what the system buffers for both sides";
@@ -124,18 +126,50 @@ TEST(Http, followsRedirectsAsFarAsAllowed)
     EXPECT_EQ(loop.asked.size(), 6U);
 }
 
-TEST(Http, goesThroughTheDesktopsProxyButNotToThisComputer)
+namespace {
+
+/// Makes `address` the desktop's proxy. A desktop's own settings can come before the variable.
+void setProxy(const QByteArray &address)
 {
-    const CannedServer proxy({CannedServer::answer("200 OK", "by proxy")});
-    const CannedServer here({CannedServer::answer("200 OK", "here")});
-    // A desktop's own settings can come before the variable.
     for (const char *name : {"no_proxy", "XDG_CURRENT_DESKTOP", "DESKTOP_SESSION", "GNOME_DESKTOP_SESSION_ID"}) {
         qunsetenv(name);
     }
-    qputenv("http_proxy", proxy.root().toEncoded());
-    EXPECT_EQ(fetch(QUrl(QStringLiteral("http://marlune.invalid/x"))).text, "by proxy");
-    ASSERT_EQ(proxy.asked.size(), 1U);
-    EXPECT_EQ(proxy.asked[0].target, "http://marlune.invalid/x");
-    EXPECT_EQ(fetch(here.root()).text, "here");
+    qputenv("http_proxy", address);
+}
+
+} // namespace
+
+TEST(Http, goesThroughTheDesktopsProxyButNotToThisComputer)
+{
+    const QUrl far(QStringLiteral("http://marlune.invalid/x"));
+    auto proxy = std::make_unique<CannedServer>(std::vector {CannedServer::answer("200 OK", "by proxy")});
+    const CannedServer other({CannedServer::answer("200 OK", "by another")});
+    setProxy(proxy->root().toEncoded());
+    EXPECT_EQ(fetch(far).text, "by proxy");
+    ASSERT_EQ(proxy->asked.size(), 1U);
+    EXPECT_EQ(proxy->asked[0].target, far.toEncoded());
+    EXPECT_EQ(fetch(other.root()).text, "by another");
+    EXPECT_EQ(other.asked.at(0).target, "/");
+    setProxy(other.root().toEncoded());
+    EXPECT_EQ(fetch(far).text, "by proxy"); // asked once for a place,
+    proxy.reset();
+    EXPECT_THAT(fetch(far).text, testing::StartsWith("Nie można"));
+    EXPECT_EQ(fetch(far).text, "by another"); // and again once that way is closed
+    qunsetenv("http_proxy");
+}
+
+TEST(Http, endsInTimeWhereTheLookupOfAProxyHangs)
+{
+    // A place that would tell the proxy, and does not answer.
+    auto script = std::make_unique<CannedServer>(std::vector<CannedServer::Answer> {{"", 0, Then::Stay}});
+    setProxy("pac+" + script->root().toEncoded() + "/x");
+    const QUrl far(QStringLiteral("http://hanging.invalid/x"));
+    for (int time = 0; time < 2; ++time) {
+        EXPECT_EQ(fetch(far, Http::Redirects::SameOrigin, 1000, 500ms).text, "Serwer nie odpowiada.");
+    }
+    EXPECT_EQ(script->asked.size(), 1U);
+    EXPECT_TRUE(BackgroundJobs::drain(0s)); // it takes no thread from anyone
+    script.reset();
+    EXPECT_THAT(fetch(far).text, testing::StartsWith("Nie można")); // the late answer is used
     qunsetenv("http_proxy");
 }

@@ -64,6 +64,10 @@ TEST(TextOrder, isThatOfAFileManager)
 TEST(ByteCount, isShortAndInTheShownLanguage)
 {
     EXPECT_EQ(byteCount(999'499).simplified(), QStringLiteral("999 kB")); // whichever blank stands there
+    EXPECT_EQ(byteCount(999'500).simplified(), QStringLiteral("1,0 MB"));
+    EXPECT_EQ(byteCount(999'949'999).simplified(), QStringLiteral("999,9 MB"));
+    EXPECT_EQ(byteCount(999'950'000).simplified(), QStringLiteral("1,00 GB"));
+    EXPECT_EQ(byteCount(999'995'000'000).simplified(), QStringLiteral("1,00 TB"));
     EXPECT_EQ(byteCount(12'345'678).simplified(), QStringLiteral("12,3 MB"));
     TextOrder::setLanguage(TextOrder::Language::English);
     EXPECT_EQ(byteCount(1'234'567'890).simplified(), QStringLiteral("1.23 GB"));

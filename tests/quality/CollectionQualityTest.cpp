@@ -70,6 +70,9 @@ TEST(Inspection, findsEachAlbumAndTrackOnceInTheOrderOfTheirTitles)
     library.folder.write("Album 10/cover.bmp", ""); // speaks for both tracks
     library.addTrack("Beside/1.mp3", fit);
     library.folder.write("Beside/1.jpg", "");
+    library.addTrack("Discs/CD1/1.mp3", fit);
+    library.addTrack("Discs/CD2/1.mp3", fit);
+    library.folder.write("Discs/CD1/cover.jpg", ""); // speaks for the first disc alone
     library.addTrack("Mixed/1.mp3", unfit); // the first image is judged
     library.addTrack("Mixed/2.mp3", fit);
     library.addTrack("None/1.mp3", std::nullopt);
@@ -98,7 +101,8 @@ TEST(Inspection, findsEachAlbumAndTrackOnceInTheOrderOfTheirTitles)
                                "Zapisz wersję dla Rockbox.";
     const auto onDevice = CollectionQuality::inspect(library.tracks, library.folder.path());
     EXPECT_THAT(texts(onDevice),
-        ElementsAre("Okładki: album 9, 2" + beside, "Okładki: Gone, 1" + beside, mixed, none, gone, nine, ten));
+        ElementsAre("Okładki: album 9, 2" + beside, "Okładki: Discs, 2" + beside, "Okładki: Gone, 1" + beside, mixed,
+            none, gone, nine, ten));
     EXPECT_EQ(onDevice.front().id(),
         QStringLiteral("Okładki") + QChar(u'\0') + QString::fromStdString((library.folder / "album 9/1.mp3").string())
             + QChar(u'\0') + QString::fromStdString((library.folder / "album 9/2.mp3").string()));

@@ -27,8 +27,8 @@ public:
 /// way: a short one may be done, and its result landed, before the call that starts it returns.
 class HeldJobs {
 public:
-    explicit HeldJobs(
-        std::initializer_list<JobPriority> priorities = {JobPriority::Utility, JobPriority::UserInitiated})
+    explicit HeldJobs(std::initializer_list<JobPriority> priorities
+        = {JobPriority::Discovery, JobPriority::Utility, JobPriority::UserInitiated})
     {
         for (const JobPriority priority : priorities) {
             QThreadPool &pool = BackgroundJobs::pool(priority);

@@ -97,6 +97,35 @@ private Q_SLOTS:
         QCOMPARE(updates.count(), 1); // for a burst of changes
     }
 
+    void aNewCoverChangesItsRowAloneAndAHiddenListLater()
+    {
+        Grid grid;
+        const std::string picture
+            = fileBytes(std::filesystem::path(MARLUNE_SOURCE_DIR) / "tests/data/images/plain.png");
+        grid.write("Artist", {"A", "B", "C", "D", "E"}, picture);
+        grid.import();
+        QTRY_COMPARE(grid.rows.rowCount(), 5);
+        QSignalSpy changes(&grid.rows, &QAbstractItemModel::dataChanged);
+        const auto albums = grid.model->albums();
+        const QString before = grid.value(1, AlbumListModel::CoverRole).toString();
+        grid.model->chooseArtwork(*albums->at(1), true);
+        QTRY_COMPARE(changes.count(), 1);
+        QCOMPARE(changes.at(0).at(0).toModelIndex().row(), 1);
+        QCOMPARE(grid.model->albums()->at(0), albums->at(0)); // nothing is grouped anew
+        const QString after = grid.value(1, AlbumListModel::CoverRole).toString();
+        QVERIFY(after != before);
+        QCOMPARE(grid.covers->find(after), grid.model->albums()->at(1)->artworkBytes());
+
+        bool changedMeanwhile = false;
+        connect(&grid.rows, &QAbstractItemModel::dataChanged, &grid.rows,
+            [&] { changedMeanwhile = changedMeanwhile || grid.model->busy(); });
+        ModelDesk::waitForJobs(*grid.model);
+        grid.model->setSection(Section::Themes);
+        grid.model->repairAvailableCovers();
+        QTRY_COMPARE(changes.count(), 5);
+        QVERIFY(!changedMeanwhile);
+    }
+
     void selectionTouchesNothingElse()
     {
         Grid grid;

@@ -119,6 +119,27 @@ private Q_SLOTS:
         QVERIFY(!passedForClean); // by the inspection that was overtaken
     }
 
+    void findingsWaitForTheEndOfARepair()
+    {
+        Pages pages;
+        IssueListModel &rows = *pages.quality.issues();
+        const std::string picture
+            = fileBytes(std::filesystem::path(MARLUNE_SOURCE_DIR) / "tests/data/images/plain.png");
+        for (const std::string album : {"a", "b", "c", "d", "e", "f", "g", "h"}) {
+            pages.desk.folder.write(
+                "music/" + album + "/1.flac", flacWith({"TITLE=t", "ARTIST=a", "ALBUM=" + album}, album, 16, picture));
+        }
+        pages.model->setSection(Section::Quality);
+        pages.model->importURLs({pages.desk.folder / "music"}, false, false);
+        QTRY_COMPARE(rows.rowCount(), 8);
+        bool changedMeanwhile = false;
+        connect(&rows, &QAbstractItemModel::rowsRemoved, &rows,
+            [&] { changedMeanwhile = changedMeanwhile || pages.model->busy(); });
+        pages.model->repairAvailableCovers();
+        QTRY_COMPARE(rows.rowCount(), 0);
+        QVERIFY(!changedMeanwhile);
+    }
+
     void aPanelIsAnsweredOnceAndCancelledOnesNever()
     {
         DesktopPanels panels;

@@ -57,7 +57,11 @@ PageTest {
         compare(part("positionSlider").value, 0);
         press("volumeSlider", Qt.Key_Right);
         fuzzyCompare(root.playback.volume, 0.65, 0.001);
-        press("nextButton", Qt.Key_Return);
+        part("positionSlider").forceActiveFocus(Qt.TabFocusReason);
+        root.playback.next();
+        compare(root.playback.playing, false); // the file is being opened
+        verify(part("positionSlider").activeFocus);
+        compare(root.playback.durationText, "0:04");
         verify(part("heading").text.startsWith("Odsłuch na Macu · Jeden"));
         verify(!part("nextButton").enabled);
         press("stopButton", Qt.Key_Space);
