@@ -205,16 +205,13 @@ void MarluneModel::eject()
 QCoro::Task<> MarluneModel::runEject(Device device)
 {
     const QPointer<MarluneModel> self(this);
-    const QString statusBefore = m_status;
     // The disk may take its time to write out what it holds; nothing else may start on it meanwhile.
     m_ejecting = device.root;
     m_unmountedWhileEjecting = false;
     // An open file would hold the volume.
     abandonDeviceContent();
     auto closeTrack = m_playback.release(device.root);
-    setProgress(0);
-    setBusy(true);
-    setStatus(QStringLiteral("Wysuwam iPoda…"));
+    beginWork(QStringLiteral("Wysuwam iPoda…"));
     auto ejectVolume = [ejector = m_environment.ejectVolume, root = device.root, closeTrack] {
         closeTrack();
         ejector(root);
@@ -224,9 +221,9 @@ QCoro::Task<> MarluneModel::runEject(Device device)
         co_return;
     }
     m_ejecting.reset();
-    setBusy(false);
+    endWork();
     if (outcome.failure) {
-        setStatus(statusBefore);
+        putStatusBack();
         setAlert(describeFailure(outcome.failure));
         if (m_unmountedWhileEjecting) {
             disconnect(); // the first half was done

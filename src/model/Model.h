@@ -13,6 +13,7 @@
 
 #include "model/DeviceContent.h"
 #include "model/Section.h"
+#include "model/TimeLeft.h"
 
 #include "quality/QualityIssue.h"
 
@@ -236,7 +237,10 @@ public:
     [[nodiscard]] bool working() const { return (m_busy && !m_checkingDuplicates) || m_writingPlaylist; }
     /// Ends the work that waits for the network; what is being written goes on to its end. For a window that closes.
     void endCoverRequests() { m_coverRequest.reset(); }
+    /// Of the running job's present stage, 0 to 1; 0 where it cannot be said.
     [[nodiscard]] double progress() const { return m_progress; }
+    /// What may be shown of the time that the running job still takes; to be asked about once a second.
+    [[nodiscard]] std::optional<std::chrono::seconds> timeLeft();
     [[nodiscard]] QString status() const { return m_status; }
     [[nodiscard]] const std::optional<QString> &alert() const { return m_alert; }
     Q_INVOKABLE void dismissAlert();
@@ -307,8 +311,20 @@ private:
 
     /// The folder on the computer that holds every safety copy.
     [[nodiscard]] std::filesystem::path backupRoot() const;
-    /// Shows what a job reports as long as the model lives and is busy; the job does not wait for it.
-    [[nodiscard]] JobProgress postedProgress();
+    // The one long job. It begins once, and on every way out it ends once.
+    void beginWork(const QString &status, std::vector<TimeLeft::Expectation> stages = {std::nullopt});
+    void beginNextStage(const QString &status);
+    /// A status of the job itself.
+    void setWorkStatus(const QString &status);
+    /// `progress` of the present stage, 0 to 1; `share` of its time, where that is another one.
+    void reportProgress(double progress, std::optional<double> share = std::nullopt);
+    /// Shows what a job reports as long as the model lives and is busy; the job does not wait for it. `shares` of the
+    /// time that are done with each step; empty: the steps are alike.
+    [[nodiscard]] JobProgress postedProgress(std::vector<double> shares = {});
+    /// For a job that has changed nothing: the status from before it comes back, unless a newer one than the job's own
+    /// is shown.
+    void putStatusBack();
+    void endWork();
     void setBusy(bool busy);
     void setProgress(double progress);
     void setStatus(const QString &status);
@@ -352,7 +368,6 @@ private:
     QCoro::Task<> runBackup(std::filesystem::path root, std::filesystem::path destination);
     [[nodiscard]] CoverPlace coverPlace(std::optional<bool> onDeviceOverride = std::nullopt) const;
     [[nodiscard]] bool isReachable(const CoverPlace &place) const;
-    void beginCoverWork(const QString &status);
     [[nodiscard]] static PreparedCover prepareCover(const Album &album, const QByteArray &data, const CoverPlace &place,
         const std::filesystem::path &supportFolder, const std::filesystem::path &backupRoot);
     QCoro::Task<> applyArtwork(Album album, QByteArray data, CoverPlace place);
@@ -407,6 +422,9 @@ private:
     QString m_search;
     bool m_busy = false;
     double m_progress = 0;
+    TimeLeft m_timeLeft;
+    QString m_statusBefore; ///< before the running job
+    QString m_workStatus; ///< the last of the running job's own
     QString m_status = QStringLiteral("Gotowy na Twoją muzykę");
     std::optional<QString> m_alert;
     std::vector<QualityIssue> m_duplicateIssues;
