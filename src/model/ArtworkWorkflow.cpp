@@ -149,8 +149,7 @@ void MarluneModel::chooseArtwork(const Album &album, bool current, std::optional
     const CoverPlace place = coverPlace(onDeviceOverride);
     if (current) {
         if (const std::optional<QByteArray> own = album.artworkBytes()) {
-            runArtworkChoice(
-                album, [own] { return own; }, place);
+            runArtworkChoice(album, [own] { return own; }, place);
         }
         return;
     }

@@ -43,6 +43,7 @@ void MarluneModel::refresh()
 QCoro::Task<> MarluneModel::runRefresh()
 {
     const QPointer<MarluneModel> self(this);
+    const int choices = m_choices;
     std::vector<Device> found;
     try {
         auto discover = [discovery = m_environment.deviceDiscovery] { return discovery(); };
@@ -51,7 +52,7 @@ QCoro::Task<> MarluneModel::runRefresh()
         found.clear(); // no device could be read: the list is empty
     }
     if (self) {
-        landDevices(std::move(found));
+        landDevices(std::move(found), m_choices != choices);
     }
 }
 
@@ -62,7 +63,7 @@ void MarluneModel::rediscover()
     refresh();
 }
 
-void MarluneModel::landDevices(std::vector<Device> found)
+void MarluneModel::landDevices(std::vector<Device> found, bool chosenMeanwhile)
 {
     m_refreshing = false;
     std::erase_if(found, [this](const Device &device) {
@@ -75,11 +76,14 @@ void MarluneModel::landDevices(std::vector<Device> found)
             m_devices.begin(), m_devices.end(), [this](const Device &device) { return device.root == m_device->root; });
         if (same != m_devices.end()) {
             setDevice(*same);
+        } else if (chosenMeanwhile) {
+            m_refreshAgain = true; // what became of the chosen disk the next discovery sees
         } else if (!m_ejecting) {
             disconnect();
         }
     }
     if (!m_device && m_devices.size() == 1) {
+        forgetThemePreviews(); // those of the device before
         setDevice(m_devices.front());
     }
     loadDeviceContent();
@@ -196,10 +200,9 @@ QCoro::Task<> MarluneModel::runChoice(std::filesystem::path folder)
 
 void MarluneModel::eject()
 {
-    if (!m_device || m_busy || m_writingPlaylist || !m_device->isVolume) {
-        return;
+    if (canEject()) {
+        runEject(*m_device);
     }
-    runEject(*m_device);
 }
 
 QCoro::Task<> MarluneModel::runEject(Device device)
@@ -221,6 +224,7 @@ QCoro::Task<> MarluneModel::runEject(Device device)
         co_return;
     }
     m_ejecting.reset();
+    m_playback.readmit();
     endWork();
     if (outcome.failure) {
         putStatusBack();

@@ -120,7 +120,8 @@ QCoro::Task<> MarluneModel::runImport(ImportSource source, bool fromDevice, bool
         putStatusBack();
     } else if (fromDevice && visit != m_visit) { // its files are not there, whatever device has come meanwhile
         endWork();
-        setStatus(QStringLiteral("iPod został odłączony"));
+        setStatus(m_device ? QStringLiteral("iPod został zmieniony podczas odczytu. Odczytaj muzykę jeszcze raz.")
+                           : QStringLiteral("iPod został odłączony"));
     } else {
         landImport(std::move(*read), fromDevice, enqueue);
     }

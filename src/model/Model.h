@@ -103,6 +103,8 @@ public:
     void select(const Device &device);
     /// Asks for a folder and selects it if it is a device.
     Q_INVOKABLE void chooseDevice();
+    /// Whether the selected device can be ejected: it is a mounted disk on which nothing is being done.
+    [[nodiscard]] bool canEject() const { return m_device && m_device->isVolume && !m_busy && !m_writingPlaylist; }
     Q_INVOKABLE void eject();
     /// The illustration and finish chosen for the selected device; "auto" forgets the choice.
     void setAppearance(const QString &id);
@@ -391,7 +393,8 @@ private:
         return a.native() < b.native();
     }
     void noteTransferred(const Device &device, std::vector<std::filesystem::path> files);
-    void landDevices(std::vector<Device> found);
+    /// `chosenMeanwhile`: the user has chosen a device since this discovery began, which may not have seen it.
+    void landDevices(std::vector<Device> found, bool chosenMeanwhile);
     void landContent(DeviceContent read);
     void landPreviews(const ThemePreview::ByTheme &found);
     void rediscover();

@@ -23,6 +23,7 @@ ShellPresenter::ShellPresenter(MarluneModel &model, QObject *parent)
     follow(&MarluneModel::selectionChanged);
     follow(&MarluneModel::tracksChanged);
     follow(&MarluneModel::progressChanged);
+    follow(&MarluneModel::workingChanged);
     connect(&m_model, &MarluneModel::sectionChanged, this, &ShellPresenter::sectionChanged);
     connect(&m_model, &MarluneModel::busyChanged, this, &ShellPresenter::onBusyChanged);
     connect(&m_model, &MarluneModel::workingChanged, this, &ShellPresenter::closeWhenDone, Qt::QueuedConnection);
@@ -74,12 +75,6 @@ QString ShellPresenter::queueLine() const
 {
     return AppLocalizer::text(
         QString::number(m_queuedTracks) + QStringLiteral(" utworów · ") + byteCount(m_queuedBytes));
-}
-
-bool ShellPresenter::canEject() const
-{
-    const std::optional<Device> &device = m_model.device();
-    return device && device->isVolume && !m_model.busy();
 }
 
 QString ShellPresenter::deviceName() const

@@ -57,7 +57,7 @@ public:
     [[nodiscard]] QString remaining() const { return m_remaining; }
     [[nodiscard]] bool canClearQueue() const { return !m_model.busy() && m_queuedTracks > 0; }
     [[nodiscard]] bool canTransfer() const { return canClearQueue() && connected(); }
-    [[nodiscard]] bool canEject() const;
+    [[nodiscard]] bool canEject() const { return m_model.canEject(); }
 
     [[nodiscard]] bool connected() const { return m_model.device().has_value(); }
     [[nodiscard]] QString deviceName() const;

@@ -74,6 +74,19 @@ private Q_SLOTS:
         QCOMPARE(
             library.desk.settings.texts(QStringLiteral("libraryPaths")).size(), 4 - qsizetype(album.tracks.size()));
         QVERIFY(std::filesystem::exists(album.tracks.front().url));
+
+        std::filesystem::remove_all(library.folder); // nothing comes back then, and the newest status stays
+        std::unique_ptr<MarluneModel> empty;
+        {
+            const HeldJobs held;
+            empty = std::make_unique<MarluneModel>(library.desk.environment());
+            QCOMPARE(empty->status(), QStringLiteral("Odczytuję albumy…"));
+            empty->select(library.desk.makeDevice("IPOD", true));
+            empty->volumeUnmounted(empty->device()->root);
+        }
+        ModelDesk::waitForJobs(*empty);
+        QCOMPARE(empty->status(), QStringLiteral("iPod został odłączony"));
+        QCOMPARE(library.desk.start()->status(), QStringLiteral("Gotowy na Twoją muzykę"));
     }
 
     void restoresTheChoicesOfTheLastRun()
