@@ -86,7 +86,7 @@ void MarluneModel::setProgress(double progress)
 void MarluneModel::beginWork(const QString &status, std::vector<TimeLeft::Expectation> stages)
 {
     m_statusBefore = m_status;
-    m_timeLeft.begin(std::move(stages), TimeLeft::Moment::clock::now());
+    m_timeLeft.begin(std::move(stages), m_environment.clock());
     setProgress(0);
     setBusy(true);
     setWorkStatus(status);
@@ -94,7 +94,7 @@ void MarluneModel::beginWork(const QString &status, std::vector<TimeLeft::Expect
 
 void MarluneModel::beginNextStage(const QString &status)
 {
-    m_timeLeft.beginNextStage(TimeLeft::Moment::clock::now());
+    m_timeLeft.beginNextStage(m_environment.clock());
     setProgress(0);
     setWorkStatus(status);
 }
@@ -107,7 +107,7 @@ void MarluneModel::setWorkStatus(const QString &status)
 
 void MarluneModel::reportProgress(double progress, std::optional<double> share)
 {
-    m_timeLeft.report(share.value_or(progress), TimeLeft::Moment::clock::now());
+    m_timeLeft.report(share.value_or(progress), m_environment.clock());
     setProgress(progress);
 }
 
@@ -139,7 +139,7 @@ void MarluneModel::endWork()
 
 std::optional<std::chrono::seconds> MarluneModel::timeLeft()
 {
-    return m_timeLeft.at(TimeLeft::Moment::clock::now());
+    return m_timeLeft.at(m_environment.clock());
 }
 
 std::filesystem::path MarluneModel::backupRoot() const

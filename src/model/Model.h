@@ -54,6 +54,8 @@ struct ModelEnvironment {
     bool restoreLibrary = true;
     /// After this long a discovery counts as hanging, and the user is told.
     std::chrono::milliseconds discoveryPatience = std::chrono::seconds(5);
+    /// Tells the time by which the time left is estimated.
+    std::function<TimeLeft::Moment()> clock = TimeLeft::Moment::clock::now;
 };
 
 /// The devices among all mounted volumes, in their order. A volume that cannot be read is none. Blocking.

@@ -256,8 +256,19 @@ private Q_SLOTS:
         library.desk.folder.write("IPOD/Music/._a.mp3", std::string("\0\5\x16\7rest", 8));
         model.select(device);
         library.import("", true);
+        TimeLeft::Moment now;
+        library.desk.clock = [&now] { return now; };
+        connect(&model, &MarluneModel::progressChanged, &model, [&] {
+            now += std::chrono::seconds(model.progress() > 0 ? 2 : 0); // a step
+            (void)model.timeLeft();
+        });
+        std::map<QString, std::optional<std::chrono::seconds>> timeLeft; // as each stage begins
+        connect(&model, &MarluneModel::statusChanged, &model, [&] { timeLeft[model.status()] = model.timeLeft(); });
         model.transferQueue();
         ModelDesk::waitForJobs(model);
+        const auto afterCopying = timeLeft.at(QStringLiteral("Zapisuję okładki…"));
+        QVERIFY(afterCopying > std::chrono::seconds(0) && afterCopying < std::chrono::seconds(5));
+        QVERIFY(!model.timeLeft());
         auto music = filesBelow(device.root / "Music");
         const auto cover = music.extract("Band/Double/CD 1/cover.jpeg");
         QVERIFY(!cover.empty() && !Artwork::compatibilityIssue(QByteArray::fromStdString(cover.mapped())));
