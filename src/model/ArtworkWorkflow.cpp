@@ -103,13 +103,6 @@ void MarluneModel::setCoverLookup(const std::optional<Album> &album)
     }
 }
 
-void MarluneModel::beginCoverWork(const QString &status)
-{
-    setBusy(true);
-    setProgress(0);
-    setStatus(status);
-}
-
 /// Blocking.
 MarluneModel::PreparedCover MarluneModel::prepareCover(const Album &album, const QByteArray &data,
     const CoverPlace &place, const std::filesystem::path &supportFolder, const std::filesystem::path &backupRoot)
@@ -179,8 +172,7 @@ void MarluneModel::chooseArtwork(const Album &album, bool current, std::optional
 QCoro::Task<> MarluneModel::runArtworkChoice(Album album, PictureSource source, CoverPlace place)
 {
     const QPointer<MarluneModel> self(this);
-    const QString statusBefore = m_status;
-    beginCoverWork(QStringLiteral("Przygotowuję okładkę…"));
+    beginWork(QStringLiteral("Przygotowuję okładkę…"));
     std::optional<QByteArray> picture;
     std::exception_ptr failure;
     try {
@@ -199,20 +191,19 @@ QCoro::Task<> MarluneModel::runArtworkChoice(Album album, PictureSource source, 
         setAlert(describeFailure(failure));
         setStatus(QStringLiteral("Nie udało się zapisać okładki"));
     } else if (!picture) {
-        setStatus(statusBefore); // the file cannot be read: as if none had been chosen
+        putStatusBack(); // the file cannot be read: as if none had been chosen
     } else {
         setStatus(place.onDevice ? QStringLiteral("Okładka zapisana na iPodzie. Poprzednie obrazy mają kopię na Macu.")
                                  : QStringLiteral("Okładka przygotowana; zostanie wgrana razem z albumem."));
     }
-    setBusy(false);
+    endWork();
     refresh();
 }
 
 void MarluneModel::repairAvailableCovers()
 {
     if (!m_busy) {
-        setBusy(true);
-        setProgress(0);
+        beginWork(m_status, {std::nullopt, std::nullopt});
         runRepair(coverPlace());
     }
 }
@@ -229,13 +220,13 @@ QCoro::Task<> MarluneModel::runRepair(CoverPlace place)
         co_return;
     }
     if (chosen.failure || chosen.value->empty()) {
-        setBusy(false);
+        endWork();
         setAlert(chosen.failure ? describeFailure(chosen.failure)
                                 : QStringLiteral("Brak dostępnych obrazów do automatycznej naprawy. Przy brakującej "
                                                  "okładce wybierz plik obrazu."));
         co_return;
     }
-    setStatus(QStringLiteral("Naprawiam dostępne okładki…"));
+    beginNextStage(QStringLiteral("Naprawiam dostępne okładki…"));
     const std::vector<Album> albums = *chosen.value;
     int repaired = 0;
     int failed = 0;
@@ -250,7 +241,7 @@ QCoro::Task<> MarluneModel::runRepair(CoverPlace place)
         if (!self) {
             co_return;
         }
-        setProgress(double(repaired + failed) / double(albums.size()));
+        reportProgress(double(repaired + failed) / double(albums.size()));
     }
     setStatus(QStringLiteral("Naprawione albumy: ") + QString::number(repaired)
         + QStringLiteral(". Nie udało się naprawić: ") + QString::number(failed) + u'.');
@@ -258,6 +249,6 @@ QCoro::Task<> MarluneModel::runRepair(CoverPlace place)
         + (place.onDevice ? QStringLiteral("Poprzednie obrazy z iPoda mają kopię na Macu.")
                           : QStringLiteral("Okładki są gotowe do wgrania razem z albumami."))
         + QStringLiteral("\nBrakujące lub nieczytelne obrazy wymagają wyboru nowej okładki."));
-    setBusy(false);
+    endWork();
     refresh();
 }

@@ -30,9 +30,7 @@ void MarluneModel::backup()
         setAlert(describeFailure(std::current_exception()));
         return;
     }
-    setProgress(0);
-    setBusy(true);
-    setStatus(QStringLiteral("Tworzę kopię ustawień…"));
+    beginWork(QStringLiteral("Tworzę kopię ustawień…"));
     runBackup(m_device->root, std::move(destination));
 }
 
@@ -50,6 +48,6 @@ QCoro::Task<> MarluneModel::runBackup(std::filesystem::path root, std::filesyste
     } else {
         setStatus(QStringLiteral("Kopia ustawień zapisana na Macu"));
     }
-    setBusy(false);
+    endWork();
     rediscover();
 }

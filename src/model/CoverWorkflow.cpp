@@ -40,7 +40,7 @@ void MarluneModel::downloadCover(
     if (m_busy) {
         return;
     }
-    beginCoverWork(QStringLiteral("Pobieram okładkę…"));
+    beginWork(QStringLiteral("Pobieram okładkę…"));
     m_coverRequest = std::make_unique<QObject>();
     runCoverDownload(candidate, album, coverPlace(onDeviceOverride));
 }
@@ -80,7 +80,7 @@ QCoro::Task<> MarluneModel::runCoverDownload(CoverCandidate candidate, Album alb
         setStatus(place.onDevice ? QStringLiteral("Pobrano i zapisano okładkę na iPodzie.")
                                  : QStringLiteral("Pobrano okładkę; zostanie wgrana razem z albumem."));
     }
-    setBusy(false);
+    endWork();
     refresh();
 }
 
@@ -98,7 +98,7 @@ void MarluneModel::findMissingCovers()
     if (albums.empty()) {
         return;
     }
-    beginCoverWork(QStringLiteral("Szukam brakujących okładek…"));
+    beginWork(QStringLiteral("Szukam brakujących okładek…"));
     m_coverRequest = std::make_unique<QObject>();
     runCoverSearch(std::move(albums), coverPlace());
 }
@@ -143,13 +143,13 @@ QCoro::Task<> MarluneModel::runCoverSearch(std::vector<Album> albums, CoverPlace
         }
         ++counts[finding];
         ++done;
-        setProgress(double(done) / double(albums.size()));
+        reportProgress(double(done) / double(albums.size()));
         setStatus(QStringLiteral("Sprawdzono albumy: ") + QString::number(done) + QStringLiteral(" / ")
             + QString::number(albums.size()) + QStringLiteral(" · dodano: ")
             + QString::number(counts[CoverFinding::Added]));
     }
     refresh();
-    setBusy(false);
+    endWork();
     setStatus(QStringLiteral("Dodano okładki: ") + QString::number(counts[CoverFinding::Added])
         + QStringLiteral(". Do wyboru ręcznie: ") + QString::number(counts[CoverFinding::Manual])
         + QStringLiteral(". Niedostępne: ") + QString::number(counts[CoverFinding::Unavailable]) + u'.');

@@ -43,6 +43,7 @@ void MarluneModel::refresh()
 QCoro::Task<> MarluneModel::runRefresh()
 {
     const QPointer<MarluneModel> self(this);
+    const int choices = m_choices;
     std::vector<Device> found;
     try {
         auto discover = [discovery = m_environment.deviceDiscovery] { return discovery(); };
@@ -51,7 +52,7 @@ QCoro::Task<> MarluneModel::runRefresh()
         found.clear(); // no device could be read: the list is empty
     }
     if (self) {
-        landDevices(std::move(found));
+        landDevices(std::move(found), m_choices != choices);
     }
 }
 
@@ -62,7 +63,7 @@ void MarluneModel::rediscover()
     refresh();
 }
 
-void MarluneModel::landDevices(std::vector<Device> found)
+void MarluneModel::landDevices(std::vector<Device> found, bool chosenMeanwhile)
 {
     m_refreshing = false;
     std::erase_if(found, [this](const Device &device) {
@@ -75,11 +76,14 @@ void MarluneModel::landDevices(std::vector<Device> found)
             m_devices.begin(), m_devices.end(), [this](const Device &device) { return device.root == m_device->root; });
         if (same != m_devices.end()) {
             setDevice(*same);
+        } else if (chosenMeanwhile) {
+            m_refreshAgain = true; // what became of the chosen disk the next discovery sees
         } else if (!m_ejecting) {
             disconnect();
         }
     }
     if (!m_device && m_devices.size() == 1) {
+        forgetThemePreviews(); // those of the device before
         setDevice(m_devices.front());
     }
     loadDeviceContent();
@@ -195,25 +199,21 @@ QCoro::Task<> MarluneModel::runChoice(std::filesystem::path folder)
 
 void MarluneModel::eject()
 {
-    if (!m_device || m_busy || m_writingPlaylist || !m_device->isVolume) {
-        return;
+    if (canEject()) {
+        runEject(*m_device);
     }
-    runEject(*m_device);
 }
 
 QCoro::Task<> MarluneModel::runEject(Device device)
 {
     const QPointer<MarluneModel> self(this);
-    const QString statusBefore = m_status;
     // The disk may take its time to write out what it holds; nothing else may start on it meanwhile.
     m_ejecting = device.root;
     m_unmountedWhileEjecting = false;
     // An open file would hold the volume.
     abandonDeviceContent();
     auto closeTrack = m_playback.release(device.root);
-    setProgress(0);
-    setBusy(true);
-    setStatus(QStringLiteral("Wysuwam iPoda…"));
+    beginWork(QStringLiteral("Wysuwam iPoda…"));
     auto ejectVolume = [ejector = m_environment.ejectVolume, root = device.root, closeTrack] {
         closeTrack();
         ejector(root);
@@ -223,9 +223,10 @@ QCoro::Task<> MarluneModel::runEject(Device device)
         co_return;
     }
     m_ejecting.reset();
-    setBusy(false);
+    m_playback.readmit();
+    endWork();
     if (outcome.failure) {
-        setStatus(statusBefore);
+        putStatusBack();
         setAlert(describeFailure(outcome.failure));
         if (m_unmountedWhileEjecting) {
             disconnect(); // the first half was done

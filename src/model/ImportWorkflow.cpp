@@ -45,8 +45,7 @@ void MarluneModel::beginImport(ImportSource source, bool fromDevice, bool enqueu
     if (m_busy) {
         return;
     }
-    setBusy(true);
-    setProgress(0);
+    beginWork(QStringLiteral("Odczytuję albumy…"));
     runImport(std::move(source), fromDevice, enqueue);
 }
 
@@ -84,9 +83,7 @@ TrackImport MarluneModel::prepareImport(bool fromDevice) const
 QCoro::Task<> MarluneModel::runImport(ImportSource source, bool fromDevice, bool enqueue)
 {
     const QPointer<MarluneModel> self(this);
-    const QString statusBefore = m_status;
     const int visit = m_visit;
-    setStatus(QStringLiteral("Odczytuję albumy…"));
     std::optional<std::vector<Track>> read;
     std::exception_ptr failure;
     try {
@@ -100,8 +97,8 @@ QCoro::Task<> MarluneModel::runImport(ImportSource source, bool fromDevice, bool
             return readTracks(std::move(import), [self](int done, int total) {
                 postToUi([self, done, total] {
                     if (self && self->m_busy) {
-                        self->setProgress(double(done) / std::max(total, 1));
-                        self->setStatus(QStringLiteral("Odczytuję utwory: ") + QString::number(done)
+                        self->reportProgress(double(done) / std::max(total, 1));
+                        self->setWorkStatus(QStringLiteral("Odczytuję utwory: ") + QString::number(done)
                             + QStringLiteral(" / ") + QString::number(total));
                     }
                 });
@@ -115,15 +112,16 @@ QCoro::Task<> MarluneModel::runImport(ImportSource source, bool fromDevice, bool
         co_return;
     }
     if (failure) { // nothing lands, and the stored library stays as it is
-        setBusy(false);
+        endWork();
         setStatus(QStringLiteral("Nie udało się odczytać muzyki"));
         setAlert(describeFailure(failure));
     } else if (!read) {
-        setBusy(false);
-        setStatus(statusBefore);
+        endWork();
+        putStatusBack();
     } else if (fromDevice && visit != m_visit) { // its files are not there, whatever device has come meanwhile
-        setBusy(false);
-        setStatus(QStringLiteral("iPod został odłączony"));
+        endWork();
+        setStatus(m_device ? QStringLiteral("iPod został zmieniony podczas odczytu. Odczytaj muzykę jeszcze raz.")
+                           : QStringLiteral("iPod został odłączony"));
     } else {
         landImport(std::move(*read), fromDevice, enqueue);
     }
@@ -145,7 +143,7 @@ void MarluneModel::landImport(std::vector<Track> read, bool fromDevice, bool enq
         tracksWereChanged();
         Q_EMIT selectionChanged();
     }
-    setBusy(false);
+    endWork();
     setStatus(count == 0 ? QStringLiteral("Nie znaleziono nowych plików audio")
                          : QStringLiteral("Odczytano utwory: ") + QString::number(count));
 }

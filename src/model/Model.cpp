@@ -85,15 +85,63 @@ void MarluneModel::setProgress(double progress)
     }
 }
 
-MarluneModel::JobProgress MarluneModel::postedProgress()
+void MarluneModel::beginWork(const QString &status, std::vector<TimeLeft::Expectation> stages)
 {
-    return [self = QPointer(this)](int done, int total) {
-        postToUi([self, done, total] {
+    m_statusBefore = m_status;
+    m_timeLeft.begin(std::move(stages), m_environment.clock());
+    setProgress(0);
+    setBusy(true);
+    setWorkStatus(status);
+}
+
+void MarluneModel::beginNextStage(const QString &status)
+{
+    m_timeLeft.beginNextStage(m_environment.clock());
+    setProgress(0);
+    setWorkStatus(status);
+}
+
+void MarluneModel::setWorkStatus(const QString &status)
+{
+    m_workStatus = status;
+    setStatus(status);
+}
+
+void MarluneModel::reportProgress(double progress, std::optional<double> share)
+{
+    m_timeLeft.report(share.value_or(progress), m_environment.clock());
+    setProgress(progress);
+}
+
+MarluneModel::JobProgress MarluneModel::postedProgress(std::vector<double> shares)
+{
+    return [self = QPointer(this), shares = std::move(shares)](int done, int total) {
+        const std::size_t step = std::size_t(std::max(done, 1)) - 1;
+        const std::optional<double> share = step < shares.size() ? std::optional(shares[step]) : std::nullopt;
+        postToUi([self, progress = double(done) / std::max(total, 1), share] {
             if (self && self->m_busy) {
-                self->setProgress(double(done) / std::max(total, 1));
+                self->reportProgress(progress, share);
             }
         });
     };
+}
+
+void MarluneModel::putStatusBack()
+{
+    if (m_status == m_workStatus) {
+        setStatus(m_statusBefore);
+    }
+}
+
+void MarluneModel::endWork()
+{
+    m_timeLeft = {};
+    setBusy(false);
+}
+
+std::optional<std::chrono::seconds> MarluneModel::timeLeft()
+{
+    return m_timeLeft.at(m_environment.clock());
 }
 
 std::filesystem::path MarluneModel::backupRoot() const

@@ -14,6 +14,7 @@
 #include "model/Browsing.h"
 #include "model/DeviceContent.h"
 #include "model/Section.h"
+#include "model/TimeLeft.h"
 
 #include "quality/QualityIssue.h"
 
@@ -56,6 +57,8 @@ struct ModelEnvironment {
     bool restoreLibrary = true;
     /// After this long a discovery counts as hanging, and the user is told.
     std::chrono::milliseconds discoveryPatience = std::chrono::seconds(5);
+    /// Tells the time by which the time left is estimated.
+    std::function<TimeLeft::Moment()> clock = TimeLeft::Moment::clock::now;
 };
 
 /// The devices among all mounted volumes, in their order. A volume that cannot be read is none. Blocking.
@@ -99,6 +102,8 @@ public:
     void select(const Device &device);
     /// Asks for a folder and selects it if it is a device.
     Q_INVOKABLE void chooseDevice();
+    /// Whether the selected device can be ejected: it is a mounted disk on which nothing is being done.
+    [[nodiscard]] bool canEject() const { return m_device && m_device->isVolume && !m_busy && !m_writingPlaylist; }
     Q_INVOKABLE void eject();
     /// The illustration and finish chosen for the selected device; "auto" forgets the choice.
     void setAppearance(const QString &id);
@@ -234,7 +239,10 @@ public:
     [[nodiscard]] bool working() const { return (m_busy && !m_checkingDuplicates) || m_writingPlaylist; }
     /// Ends the work that waits for the network; what is being written goes on to its end. For a window that closes.
     void endCoverRequests() { m_coverRequest.reset(); }
+    /// Of the running job's present stage, 0 to 1; 0 where it cannot be said.
     [[nodiscard]] double progress() const { return m_progress; }
+    /// What may be shown of the time that the running job still takes; to be asked about once a second.
+    [[nodiscard]] std::optional<std::chrono::seconds> timeLeft();
     [[nodiscard]] QString status() const { return m_status; }
     [[nodiscard]] const std::optional<QString> &alert() const { return m_alert; }
     Q_INVOKABLE void dismissAlert();
@@ -307,8 +315,20 @@ private:
 
     /// The folder on the computer that holds every safety copy.
     [[nodiscard]] std::filesystem::path backupRoot() const;
-    /// Shows what a job reports as long as the model lives and is busy; the job does not wait for it.
-    [[nodiscard]] JobProgress postedProgress();
+    // The one long job. It begins once, and on every way out it ends once.
+    void beginWork(const QString &status, std::vector<TimeLeft::Expectation> stages = {std::nullopt});
+    void beginNextStage(const QString &status);
+    /// A status of the job itself.
+    void setWorkStatus(const QString &status);
+    /// `progress` of the present stage, 0 to 1; `share` of its time, where that is another one.
+    void reportProgress(double progress, std::optional<double> share = std::nullopt);
+    /// Shows what a job reports as long as the model lives and is busy; the job does not wait for it. `shares` of the
+    /// time that are done with each step; empty: the steps are alike.
+    [[nodiscard]] JobProgress postedProgress(std::vector<double> shares = {});
+    /// For a job that has changed nothing: the status from before it comes back, unless a newer one than the job's own
+    /// is shown.
+    void putStatusBack();
+    void endWork();
     void setBusy(bool busy);
     void setProgress(double progress);
     void setStatus(const QString &status);
@@ -351,7 +371,6 @@ private:
     QCoro::Task<> runBackup(std::filesystem::path root, std::filesystem::path destination);
     [[nodiscard]] CoverPlace coverPlace(std::optional<bool> onDeviceOverride = std::nullopt) const;
     [[nodiscard]] bool isReachable(const CoverPlace &place) const;
-    void beginCoverWork(const QString &status);
     [[nodiscard]] static PreparedCover prepareCover(const Album &album, const QByteArray &data, const CoverPlace &place,
         const std::filesystem::path &supportFolder, const std::filesystem::path &backupRoot);
     QCoro::Task<> applyArtwork(Album album, QByteArray data, CoverPlace place);
@@ -375,7 +394,8 @@ private:
         return a.native() < b.native();
     }
     void noteTransferred(const Device &device, std::vector<std::filesystem::path> files);
-    void landDevices(std::vector<Device> found);
+    /// `chosenMeanwhile`: the user has chosen a device since this discovery began, which may not have seen it.
+    void landDevices(std::vector<Device> found, bool chosenMeanwhile);
     void landContent(DeviceContent read);
     void landPreviews(const ThemePreviews &found);
     void rediscover();
@@ -391,6 +411,9 @@ private:
     Browsing m_browsing;
     bool m_busy = false;
     double m_progress = 0;
+    TimeLeft m_timeLeft;
+    QString m_statusBefore; ///< before the running job
+    QString m_workStatus; ///< the last of the running job's own
     QString m_status = QStringLiteral("Gotowy na Twoją muzykę");
     std::optional<QString> m_alert;
     std::vector<QualityIssue> m_duplicateIssues;

@@ -23,9 +23,7 @@ void MarluneModel::checkDuplicates()
     }
     setDuplicates(QStringLiteral("Sprawdzam zawartość plików…"));
     m_checkingDuplicates = true;
-    setBusy(true);
-    setProgress(0);
-    setStatus(comparing);
+    beginWork(comparing);
     runDuplicateCheck(activeTracks());
 }
 
@@ -56,7 +54,7 @@ QCoro::Task<> MarluneModel::runDuplicateCheck(std::vector<Track> tracks)
             std::move(found.value));
         setStatus(QStringLiteral("Sprawdzanie duplikatów zakończone"));
     }
-    setBusy(false);
+    endWork();
     m_checkingDuplicates = false;
 }
 

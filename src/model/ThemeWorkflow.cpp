@@ -120,9 +120,7 @@ void MarluneModel::beginThemeInstall(const std::filesystem::path &zip)
         setAlert(describeFailure(std::current_exception()));
         return;
     }
-    setProgress(0);
-    setBusy(true);
-    setStatus(QStringLiteral("Sprawdzam i instaluję motyw…"));
+    beginWork(QStringLiteral("Sprawdzam i instaluję motyw…"));
     runThemeInstall(zip, m_device->root, std::move(backupFolder));
 }
 
@@ -143,6 +141,6 @@ QCoro::Task<> MarluneModel::runThemeInstall(
         setAlert(QStringLiteral("Motyw został wgrany, a poprzednie ustawienia mają kopię na Macu.\n\n"
                                 "Aktywuj go na iPodzie: Settings → Theme Settings → Browse Themes."));
     }
-    setBusy(false);
+    endWork();
     rediscover();
 }

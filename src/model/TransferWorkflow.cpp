@@ -33,7 +33,33 @@ struct MarluneModel::TransferPlan {
     std::vector<TransferFile> files;
     std::vector<PlannedCover> covers;
     QSet<QUuid> ids; ///< of the tracks that the files come from
+    std::vector<double> shares; ///< of the copying that are done with each file
 };
+
+namespace {
+
+// What is expected of the stages after the copying, on an iPod's hard disk.
+constexpr TimeLeft::Seconds perCover {0.2};
+constexpr TimeLeft::Seconds perCleanup {3};
+
+/// How much of the copying is done with each of these files, if all their bytes and each file's end (its names, and the
+/// disk's word that it has it) take the same time.
+std::vector<double> copyingShares(const std::vector<Track> &items)
+{
+    constexpr double fileEnd = 500'000; // bytes copied in the same time
+    std::vector<double> shares;
+    double done = 0;
+    for (const Track &track : items) {
+        done += double(track.bytes) + fileEnd;
+        shares.push_back(done);
+    }
+    for (double &share : shares) {
+        share /= done;
+    }
+    return shares;
+}
+
+} // namespace
 
 std::vector<MarluneModel::PlannedCover> MarluneModel::planCovers(const std::vector<Track> &items)
 {
@@ -71,8 +97,12 @@ MarluneModel::TransferPlan MarluneModel::planTransfer(const std::vector<Track> &
             places.insert(track.id, {&album, severalDiscs});
         }
     }
-    TransferPlan plan {
-        .device = *m_device, .backupRoot = backupRoot(), .files = {}, .covers = planCovers(items), .ids = {}};
+    TransferPlan plan {.device = *m_device,
+        .backupRoot = backupRoot(),
+        .files = {},
+        .covers = planCovers(items),
+        .ids = {},
+        .shares = copyingShares(items)};
     plan.files.reserve(items.size());
     for (const Track &track : items) {
         plan.ids.insert(track.id);
@@ -97,9 +127,12 @@ void MarluneModel::transfer(const std::optional<std::vector<Track>> &only)
         return;
     }
     auto plan = std::make_shared<const TransferPlan>(planTransfer(items));
-    setBusy(true);
-    setProgress(0);
-    setStatus(QStringLiteral("Wgrywam muzykę…"));
+    std::vector<TimeLeft::Expectation> stages {std::nullopt};
+    if (!plan->covers.empty()) {
+        stages.emplace_back(perCover * double(plan->covers.size()));
+    }
+    stages.emplace_back(perCleanup);
+    beginWork(QStringLiteral("Wgrywam muzykę…"), std::move(stages));
     runTransfer(std::move(plan));
 }
 
@@ -133,26 +166,25 @@ void MarluneModel::installCovers(
 QCoro::Task<> MarluneModel::runTransfer(std::shared_ptr<const TransferPlan> plan)
 {
     const QPointer<MarluneModel> self(this);
+    const JobProgress copied = postedProgress(plan->shares);
     const JobProgress progress = postedProgress();
     TransferResult result;
     std::exception_ptr failure;
     try {
-        auto copy = [plan, progress] { return Storage::transfer(plan->files, plan->device.root, progress); };
+        auto copy = [plan, copied] { return Storage::transfer(plan->files, plan->device.root, copied); };
         result = co_await background(copy);
         if (!self) {
             co_return;
         }
         if (!plan->covers.empty()) {
-            setStatus(QStringLiteral("Zapisuję okładki…"));
-            setProgress(0);
+            beginNextStage(QStringLiteral("Zapisuję okładki…"));
             auto cover = [plan, progress, tracks = result.destinations] { installCovers(*plan, tracks, progress); };
             co_await background(cover);
             if (!self) {
                 co_return;
             }
         }
-        setStatus(QStringLiteral("Porządkuję pliki pomocnicze macOS…"));
-        setProgress(0);
+        beginNextStage(QStringLiteral("Porządkuję pliki pomocnicze macOS…"));
         auto clean = [plan] { (void)Storage::cleanupMacMetadata(plan->device.root, plan->backupRoot); };
         co_await background(clean);
     } catch (const std::exception &) {
@@ -180,7 +212,7 @@ void MarluneModel::landTransfer(const TransferPlan &plan, TransferResult result,
             + QStringLiteral("\n\nUtwory są dostępne w Files → Music. Jeśli używasz Database, zaktualizuj bazę w menu "
                              "Rockbox na iPodzie."));
     }
-    setBusy(false);
+    endWork();
     refresh();
 }
 
@@ -200,9 +232,7 @@ void MarluneModel::cleanupMacFiles()
     if (!m_device || m_busy) {
         return;
     }
-    setBusy(true);
-    setProgress(0);
-    setStatus(QStringLiteral("Porządkuję pliki pomocnicze macOS…"));
+    beginWork(QStringLiteral("Porządkuję pliki pomocnicze macOS…"));
     runCleanup(*m_device);
 }
 
@@ -221,6 +251,6 @@ QCoro::Task<> MarluneModel::runCleanup(Device device)
         setStatus(QStringLiteral("Usunięto pliki metadanych macOS: ") + QString::number(*removed.value)
             + QStringLiteral(". Kopia jest na Macu."));
     }
-    setBusy(false);
+    endWork();
     refresh();
 }

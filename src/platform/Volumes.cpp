@@ -16,7 +16,6 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cstdlib>
 #include <mutex>
 #include <system_error>
 
@@ -31,9 +30,10 @@ constexpr std::int64_t fuseMagic = 0x65735546; // fs/fuse/inode.c
 struct MountFolders {
     std::mutex guard;
     std::vector<std::filesystem::path> folders;
+    std::function<bool(const std::filesystem::path &)> isMounted; ///< in the mount table's place, where given
 };
 
-/// As the password file has it: the environment of a program started by a service may know no user.
+/// As the password file has it; empty for a user whom it does not know.
 std::string userName()
 {
     std::array<char, 4096> buffer {};
@@ -42,8 +42,7 @@ std::string userName()
     if (::getpwuid_r(::getuid(), &entry, buffer.data(), buffer.size(), &found) == 0 && found != nullptr) {
         return found->pw_name;
     }
-    const char *user = std::getenv("USER");
-    return user == nullptr ? std::string() : std::string(user);
+    return {};
 }
 
 std::vector<std::filesystem::path> desktopMountFolders()
@@ -58,8 +57,16 @@ std::vector<std::filesystem::path> desktopMountFolders()
 
 MountFolders &mountFolders()
 {
-    static MountFolders folders {{}, desktopMountFolders()};
+    static MountFolders folders {{}, desktopMountFolders(), {}};
     return folders;
+}
+
+bool isMountFolder(const std::filesystem::path &folder)
+{
+    MountFolders &known = mountFolders();
+    const std::lock_guard lock(known.guard);
+    return std::any_of(known.folders.begin(), known.folders.end(),
+        [&](const std::filesystem::path &other) { return other.native() == folder.native(); });
 }
 
 /// The whole table from its start. Throws std::system_error.
@@ -133,19 +140,32 @@ Capacity capacity(const std::filesystem::path &path)
     return {std::int64_t(room.f_bavail) * unit, std::int64_t(room.f_blocks) * unit};
 }
 
-bool isMountFolder(const std::filesystem::path &folder)
+bool isMountedDisk(const std::filesystem::path &path)
 {
-    MountFolders &known = mountFolders();
-    const std::lock_guard lock(known.guard);
-    return std::any_of(known.folders.begin(), known.folders.end(),
-        [&](const std::filesystem::path &other) { return other.native() == folder.native(); });
+    const std::filesystem::path disk = path.has_filename() ? path : path.parent_path(); // without a slash at its end
+    if (!isMountFolder(disk.parent_path())) {
+        return false;
+    }
+    std::function<bool(const std::filesystem::path &)> isMounted;
+    {
+        MountFolders &known = mountFolders();
+        const std::lock_guard lock(known.guard);
+        isMounted = known.isMounted;
+    }
+    if (isMounted) {
+        return isMounted(disk);
+    }
+    const std::vector<std::filesystem::path> disks = mounted();
+    return std::find(disks.begin(), disks.end(), disk) != disks.end();
 }
 
-void setMountFolders(std::vector<std::filesystem::path> folders)
+void setMountFolders(
+    std::vector<std::filesystem::path> folders, std::function<bool(const std::filesystem::path &)> isMounted)
 {
     MountFolders &known = mountFolders();
     const std::lock_guard lock(known.guard);
     known.folders = std::move(folders);
+    known.isMounted = std::move(isMounted);
 }
 
 NameRules nameRules(const std::filesystem::path &path)

@@ -9,6 +9,7 @@
 #include <chrono>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -25,11 +26,12 @@ struct Capacity {
 /// Room on the volume that holds `path`. Throws std::system_error.
 [[nodiscard]] Capacity capacity(const std::filesystem::path &path);
 
-/// Whether disks are mounted directly in this folder: plain equality with "/media", "/media/USER",
-/// "/run/media/USER" or "/mnt".
-[[nodiscard]] bool isMountFolder(const std::filesystem::path &folder);
-/// Replaces that list; for tests.
-void setMountFolders(std::vector<std::filesystem::path> folders);
+/// Whether this path is that of a mounted disk as the desktop mounts one: one of mounted(), and directly in a folder
+/// whose text is "/media", "/media/USER", "/run/media/USER" or "/mnt". A plain folder there is none.
+[[nodiscard]] bool isMountedDisk(const std::filesystem::path &path);
+/// Replaces that list, and where `isMounted` is given, the question whether something is mounted at a path; for tests.
+void setMountFolders(
+    std::vector<std::filesystem::path> folders, std::function<bool(const std::filesystem::path &)> isMounted = {});
 
 /// What a volume takes as a name. FAT and exFAT refuse " * : < > ? \ | and control characters, by whichever driver they
 /// are mounted; the kernel's drivers also drop trailing dots and blanks, which FUSE's exFAT keeps.

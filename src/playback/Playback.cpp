@@ -81,9 +81,14 @@ void Playback::play(const Track &track, std::vector<Track> queue)
 
 void Playback::start(Track track)
 {
-    open(track.url, 0);
+    const bool released = isReleased(track);
+    if (released) {
+        close();
+    } else {
+        open(track.url, 0);
+    }
     setPlaying(false);
-    setError(std::nullopt);
+    setError(released ? std::optional(describe(AudioOutput::Failure::NotThere, {})) : std::nullopt);
     setCurrent(std::move(track));
     setPosition(0);
     setDuration(0);
@@ -134,6 +139,13 @@ void Playback::stop()
     clear();
 }
 
+void Playback::close()
+{
+    m_timer.stop();
+    m_audio = Audio::Absent;
+    m_output.unload();
+}
+
 void Playback::clear()
 {
     m_timer.stop();
@@ -179,8 +191,14 @@ void Playback::previous()
     }
 }
 
+bool Playback::isReleased(const Track &track) const
+{
+    return m_released && namesBelow(track.url, *m_released);
+}
+
 std::function<void()> Playback::release(const std::filesystem::path &root)
 {
+    m_released = root;
     if (m_current && !namesBelow(m_current->url, root)) {
         return [] { };
     }

@@ -50,9 +50,11 @@ public:
     Q_INVOKABLE void seek(double seconds);
     Q_INVOKABLE void next();
     Q_INVOKABLE void previous();
-    /// Stops if the loaded track lies below `root`. Returns a function that waits a few seconds at most until its file,
-    /// or that of the track stopped last, is closed, for a background job that is to unmount the disk.
+    /// Stops if the loaded track lies below `root`, and opens none from there until readmit(): such a track is missing.
+    /// Returns a function that waits a few seconds at most until its file, or that of the track stopped last, is
+    /// closed, for a background job that is to unmount the disk.
     [[nodiscard]] std::function<void()> release(const std::filesystem::path &root);
+    void readmit() { m_released.reset(); }
 
 Q_SIGNALS:
     void currentChanged();
@@ -77,10 +79,13 @@ private:
 
     /// False for any place of a track of unknown length.
     [[nodiscard]] bool isEnd(double position) const { return m_duration > 0 && position >= m_duration; }
+    /// Whether the track lies on a disk that is on its way out.
+    [[nodiscard]] bool isReleased(const Track &track) const;
     [[nodiscard]] QString errorText() const { return m_error.value_or(QString()); }
     void start(Track track);
     void open(const std::filesystem::path &file, double fromSeconds);
     void setPaused(bool paused);
+    void close();
     void clear();
     void noteStart(double duration);
     void noteEnd();
@@ -102,5 +107,6 @@ private:
     QTimer m_timer;
     std::vector<Track> m_queue;
     std::int64_t m_index = 0;
+    std::optional<std::filesystem::path> m_released;
     AudioOutput m_output; // last: it tells nothing once the rest is gone
 };

@@ -25,14 +25,12 @@ Device Device::inspect(const std::filesystem::path &folder)
     }
     const Volumes::Capacity capacity = Volumes::capacity(folder);
     const QByteArray info = Files::readBelow(candidate / "rockbox-info.txt", largestInfoFile).value_or(QByteArray());
-    const bool slashAtEnd = !folder.has_filename();
-    const std::filesystem::path parent = slashAtEnd ? folder.parent_path().parent_path() : folder.parent_path();
     return {.root = folder,
         .name = Files::name(folder),
         .version = versionFrom(info),
         .available = capacity.available,
         .total = capacity.total,
-        .isVolume = Volumes::isMountFolder(parent)};
+        .isVolume = Volumes::isMountedDisk(folder)};
 }
 
 QString Device::versionFrom(const QByteArray &info)

@@ -208,8 +208,7 @@ Setup Setup::forUser()
     return {.settingsFile = Settings::defaultFile(),
         .supportFolder = Files::fromText(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation)),
         .ejectVolume = [](const std::filesystem::path &volume) { Volumes::eject(volume); },
-        .themeSite = Catalogue::Site::ofThePublic(),
-        .audioOutput = qgetenv("MARLUNE_AUDIO_OUTPUT")};
+        .themeSite = Catalogue::Site::ofThePublic()};
 }
 
 void prepareApplication()

@@ -23,22 +23,36 @@ ShellPresenter::ShellPresenter(MarluneModel &model, QObject *parent)
     follow(&MarluneModel::selectionChanged);
     follow(&MarluneModel::tracksChanged);
     follow(&MarluneModel::progressChanged);
+    follow(&MarluneModel::workingChanged);
     connect(&m_model, &MarluneModel::sectionChanged, this, &ShellPresenter::sectionChanged);
-    connect(&m_model, &MarluneModel::busyChanged, this, &ShellPresenter::noteBusy);
+    connect(&m_model, &MarluneModel::busyChanged, this, &ShellPresenter::onBusyChanged);
     connect(&m_model, &MarluneModel::workingChanged, this, &ShellPresenter::closeWhenDone, Qt::QueuedConnection);
     connect(&m_model, &MarluneModel::alertChanged, this, &ShellPresenter::closeWhenDone, Qt::QueuedConnection);
-    noteBusy();
+    m_clock.setInterval(std::chrono::seconds(1));
+    connect(&m_clock, &QTimer::timeout, this, &ShellPresenter::showTimeLeft);
+    onBusyChanged();
     refresh();
 }
 
-void ShellPresenter::noteBusy()
+void ShellPresenter::onBusyChanged()
 {
     if (m_model.busy()) {
-        m_workTime.start();
+        m_clock.start();
     } else {
-        m_workTime.invalidate();
+        m_clock.stop();
     }
+    showTimeLeft();
     m_change.start();
+}
+
+void ShellPresenter::showTimeLeft()
+{
+    const std::optional<std::chrono::seconds> left = m_model.timeLeft();
+    const QString text = left ? Wording::remainingText(*left) : QString();
+    if (m_remaining != text) {
+        m_remaining = text;
+        Q_EMIT remainingChanged();
+    }
 }
 
 void ShellPresenter::refresh()
@@ -61,22 +75,6 @@ QString ShellPresenter::queueLine() const
 {
     return AppLocalizer::text(
         QString::number(m_queuedTracks) + QStringLiteral(" utworów · ") + byteCount(m_queuedBytes));
-}
-
-QString ShellPresenter::remaining() const
-{
-    if (!m_workTime.isValid()) {
-        return {};
-    }
-    const std::chrono::milliseconds elapsed(m_workTime.elapsed());
-    const std::optional<std::chrono::seconds> left = Wording::remaining(elapsed, m_model.progress());
-    return left ? Wording::remainingText(*left) : QString();
-}
-
-bool ShellPresenter::canEject() const
-{
-    const std::optional<Device> &device = m_model.device();
-    return device && device->isVolume && !m_model.busy();
 }
 
 QString ShellPresenter::deviceName() const

@@ -5,7 +5,6 @@
 
 #include "ui/SectionListModel.h"
 
-#include <QElapsedTimer>
 #include <QObject>
 #include <QStringList>
 #include <QTimer>
@@ -23,7 +22,7 @@ class ShellPresenter : public QObject {
 
     Q_PROPERTY(QString headline READ headline NOTIFY changed)
     Q_PROPERTY(QString queueLine READ queueLine NOTIFY changed)
-    Q_PROPERTY(QString remaining READ remaining NOTIFY changed)
+    Q_PROPERTY(QString remaining READ remaining NOTIFY remainingChanged)
     Q_PROPERTY(bool canClearQueue READ canClearQueue NOTIFY changed)
     Q_PROPERTY(bool canTransfer READ canTransfer NOTIFY changed)
     Q_PROPERTY(bool canEject READ canEject NOTIFY changed)
@@ -54,10 +53,11 @@ public:
 
     [[nodiscard]] QString headline() const;
     [[nodiscard]] QString queueLine() const;
-    [[nodiscard]] QString remaining() const;
+    /// How long the work may still take; empty where nothing can be said.
+    [[nodiscard]] QString remaining() const { return m_remaining; }
     [[nodiscard]] bool canClearQueue() const { return !m_model.busy() && m_queuedTracks > 0; }
     [[nodiscard]] bool canTransfer() const { return canClearQueue() && connected(); }
-    [[nodiscard]] bool canEject() const;
+    [[nodiscard]] bool canEject() const { return m_model.canEject(); }
 
     [[nodiscard]] bool connected() const { return m_model.device().has_value(); }
     [[nodiscard]] QString deviceName() const;
@@ -83,12 +83,14 @@ public:
 
 Q_SIGNALS:
     void changed();
+    void remainingChanged();
     void sectionChanged();
     void closingChanged();
     void mayCloseNow();
 
 private:
-    void noteBusy();
+    void onBusyChanged();
+    void showTimeLeft();
     void refresh();
     void setClosing(bool closing);
     void closeWhenDone();
@@ -98,7 +100,8 @@ private:
     QTimer m_change;
     std::size_t m_queuedTracks = 0;
     std::int64_t m_queuedBytes = 0;
-    QElapsedTimer m_workTime;
+    QTimer m_clock; ///< runs while there is work
+    QString m_remaining;
     bool m_closing = false;
     bool m_ending = false;
 };

@@ -2,20 +2,7 @@
 
 #include "ui/Localization.h"
 
-#include <cmath>
-
 namespace Wording {
-
-std::optional<std::chrono::seconds> remaining(std::chrono::milliseconds elapsed, double progress)
-{
-    constexpr std::chrono::seconds enough {4};
-    constexpr double clear = 0.03;
-    if (elapsed < enough || progress < clear || progress >= 1) {
-        return std::nullopt;
-    }
-    const double left = double(elapsed.count()) / 1000.0 * (1 - progress) / progress;
-    return std::chrono::seconds(std::llround(left));
-}
 
 QString remainingText(std::chrono::seconds remaining)
 {

@@ -8,6 +8,8 @@
 
 #include "artwork/Artwork.h"
 
+#include <QSignalSpy>
+
 namespace {
 
 const QString overridesKey = QStringLiteral("artworkOverrides");
@@ -185,6 +187,13 @@ private Q_SLOTS:
         desk.waitForJobs(*model);
         QVERIFY(model->status().startsWith(QStringLiteral("Nie udało się pobrać okładki: To wydanie nie ma")));
         QVERIFY(!model->alert() && desk.settings.textMap(sourcesKey).isEmpty());
+        const QSignalSpy lookups(model.get(), &MarluneModel::coverLookupChanged);
+        for (const auto &album : {std::optional(*model->albums()->front()), std::optional<Album>()}) {
+            model->setCoverLookup(album);
+            model->setCoverLookup(album);
+            QVERIFY(model->coverLookup() == album);
+        }
+        QCOMPARE(lookups.count(), 2);
         model->downloadCover(candidate, *model->albums()->front());
         desk.waitForJobs(*model);
         QCOMPARE(model->status(), QStringLiteral("Pobrano okładkę; zostanie wgrana razem z albumem."));
@@ -217,7 +226,17 @@ private Q_SLOTS:
         QCOMPARE(model->alert(), std::optional(QStringLiteral("Obraz jest nieobsługiwany.")));
         QVERIFY(desk.settings.textMap(overridesKey).isEmpty());
 
-        choose(desk.folder.write("some.png", picture("plain.png")));
+        const auto some = desk.folder.write("some.png", picture("plain.png"));
+        model->chooseArtwork(album, false);
+        {
+            const HeldJobs held;
+            model->importURLs({}, false, false);
+            desk.panels.answer({some}); // too late: another job has begun
+            QCOMPARE(model->status(), QStringLiteral("Odczytuję albumy…"));
+        }
+        desk.waitForJobs(*model);
+        QVERIFY(desk.settings.textMap(overridesKey).isEmpty());
+        choose(some);
         QCOMPARE(model->status(), ready);
         QVERIFY(desk.agreesOnCover(*model));
         const auto stored = desk.settings.textMap(overridesKey);
@@ -265,6 +284,13 @@ private Q_SLOTS:
         CoverDesk desk;
         desk.addTrack("A", "bare");
         const auto model = desk.startWithMusic(true);
+        {
+            const HeldJobs held;
+            model->backup();
+            model->repairAvailableCovers(); // dropped
+        }
+        desk.waitForJobs(*model);
+        QVERIFY(!model->alert());
         model->repairAvailableCovers();
         desk.waitForJobs(*model);
         QVERIFY(model->alert()->startsWith(QStringLiteral("Brak dostępnych obrazów do automatycznej naprawy.")));

@@ -68,6 +68,26 @@ private Q_SLOTS:
         QVERIFY(!seen && model.devices().empty());
     }
 
+    void keepsADiskThatWasChosenDuringADiscovery()
+    {
+        ModelDesk desk;
+        const Device device = desk.makeDevice("IPOD", true);
+        ModelEnvironment environment = desk.environment();
+        environment.deviceDiscovery = [device, count = desk.discoveries] {
+            return ++*count == 1 ? std::vector<Device>() : std::vector {device}; // the first looked too early
+        };
+        std::unique_ptr<MarluneModel> model;
+        bool lost = false;
+        {
+            const HeldJobs held;
+            model = std::make_unique<MarluneModel>(std::move(environment));
+            model->select(device);
+            connect(model.get(), &MarluneModel::deviceChanged, this, [&] { lost = lost || !model->device(); });
+        }
+        desk.waitForJobs(*model);
+        QVERIFY(!lost && model->device() == device && model->devices().size() == 1);
+    }
+
     void disconnectsALostVolumeAndKeepsALostFolder()
     {
         Connected connected;
@@ -124,6 +144,15 @@ private Q_SLOTS:
         desk.panels.answer({device.root});
         desk.waitForJobs(*model);
         QVERIFY(model->device() && model->device()->root == device.root);
+
+        const Device later = desk.makeDevice("later", false);
+        {
+            const HeldJobs held;
+            desk.panels.answer({device.root}); // takes longer to look at than the choice after it
+            model->select(later);
+        }
+        desk.waitForJobs(*model);
+        QVERIFY(model->device() == later);
     }
 
     void saysWhenADiskHangs()
@@ -145,7 +174,7 @@ private Q_SLOTS:
         QTRY_VERIFY(model.device());
     }
 
-    void closesTheTrackOnADeviceBeforeEjecting()
+    void closesTheTrackOnADeviceAndOpensNoneWhileItIsEjected()
     {
         for (const bool stopped : {false, true}) {
             Connected connected;
@@ -164,10 +193,17 @@ private Q_SLOTS:
             if (stopped) {
                 playback.stop(); // the player has not closed it yet
             }
-            connected.model->eject();
+            {
+                const HeldJobs held;
+                connected.model->eject();
+                playback.play(track, {});
+                QTRY_VERIFY(playback.playing() || playback.error());
+            }
             ModelDesk::waitForJobs(*connected.model);
             QCOMPARE(openAtEject, 0U);
             QVERIFY(!playback.current());
+            playback.play(track, {}); // of the next disk in this place
+            QTRY_VERIFY(playback.playing());
         }
     }
 
@@ -222,12 +258,16 @@ private Q_SLOTS:
             };
             QStringList seen;
             connect(model.get(), &MarluneModel::statusChanged, this, [&] { seen.append(model->status()); });
+            Track elsewhere;
+            elsewhere.url = desk.folder / "on the computer.mp3";
+            model->playback().play(elsewhere, {});
             model->eject();
             desk.waitForJobs(*model);
             QCOMPARE(model->status(), QString::fromUtf8(status));
             QVERIFY(fails || !seen.contains(QStringLiteral("iPod został odłączony"))); // done is no loss
             QCOMPARE(model->alert().value_or(QString()), fails ? QStringLiteral("zajęty") : QString());
             QCOMPARE(model->device().has_value(), !unmounts);
+            QCOMPARE(model->playback().current().has_value(), !unmounts);
             QVERIFY(!model->busy());
         }
     }
@@ -258,6 +298,8 @@ private Q_SLOTS:
         }
         desk.waitForJobs(*model);
         QVERIFY(model->deviceTracks().empty() && model->device());
+        QCOMPARE(
+            model->status(), QStringLiteral("iPod został zmieniony podczas odczytu. Odczytaj muzykę jeszcze raz."));
     }
 
 private:

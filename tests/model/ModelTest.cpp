@@ -62,6 +62,19 @@ private Q_SLOTS:
         QCOMPARE(
             library.desk.settings.texts(QStringLiteral("libraryPaths")).size(), 4 - qsizetype(album.tracks.size()));
         QVERIFY(std::filesystem::exists(album.tracks.front().url));
+
+        std::filesystem::remove_all(library.folder); // nothing comes back then, and the newest status stays
+        std::unique_ptr<MarluneModel> empty;
+        {
+            const HeldJobs held;
+            empty = std::make_unique<MarluneModel>(library.desk.environment());
+            QCOMPARE(empty->status(), QStringLiteral("Odczytuję albumy…"));
+            empty->select(library.desk.makeDevice("IPOD", true));
+            empty->volumeUnmounted(empty->device()->root);
+        }
+        ModelDesk::waitForJobs(*empty);
+        QCOMPARE(empty->status(), QStringLiteral("iPod został odłączony"));
+        QCOMPARE(library.desk.start()->status(), QStringLiteral("Gotowy na Twoją muzykę"));
     }
 
     void restoresTheChoicesOfTheLastRun()
@@ -148,8 +161,19 @@ private Q_SLOTS:
         library.desk.folder.write("IPOD/Music/._a.mp3", std::string("\0\5\x16\7rest", 8));
         model.select(device);
         library.import("", true);
+        TimeLeft::Moment now;
+        library.desk.clock = [&now] { return now; };
+        connect(&model, &MarluneModel::progressChanged, &model, [&] {
+            now += std::chrono::seconds(model.progress() > 0 ? 2 : 0); // a step
+            (void)model.timeLeft();
+        });
+        std::map<QString, std::optional<std::chrono::seconds>> timeLeft; // as each stage begins
+        connect(&model, &MarluneModel::statusChanged, &model, [&] { timeLeft[model.status()] = model.timeLeft(); });
         model.transferQueue();
         ModelDesk::waitForJobs(model);
+        const auto afterCopying = timeLeft.at(QStringLiteral("Zapisuję okładki…"));
+        QVERIFY(afterCopying > std::chrono::seconds(0) && afterCopying < std::chrono::seconds(5));
+        QVERIFY(!model.timeLeft());
         auto music = filesBelow(device.root / "Music");
         const auto cover = music.extract("Band/Double/CD 1/cover.jpeg");
         QVERIFY(!cover.empty() && !Artwork::compatibilityIssue(QByteArray::fromStdString(cover.mapped())));

@@ -27,7 +27,8 @@ private Q_SLOTS:
         ModelDesk desk;
         const auto model = desk.start();
         desk.folder.write("IPOD/Music/a b/2.mp3", "x");
-        model->select(desk.makeDevice("IPOD", false));
+        *desk.found = {desk.makeDevice("IPOD", true)};
+        model->select(desk.found->front());
         model->importURLs({desk.folder.write("Computer/a/b/1.mp3", "new")}, false, true);
         desk.waitForJobs(*model);
         model->transferQueue();
@@ -37,8 +38,13 @@ private Q_SLOTS:
         model->toggle(*model->albums()->front());
         model->toggle(*model->albums()->back());
         model->dismissAlert();
-        model->makePlaylist();
-        model->makePlaylist();
+        {
+            const HeldJobs held;
+            model->makePlaylist();
+            model->makePlaylist();
+            model->eject();
+            QVERIFY(!model->busy());
+        }
         desk.waitForJobs(*model);
         QVERIFY(!model->alert());
         QCOMPARE(fileBytes(desk.folder / "IPOD/Playlists/Moja playlista.m3u8"), // the blank sorts before the separator

@@ -58,12 +58,18 @@ private Q_SLOTS:
         QCOMPARE(server.asked.size(), 1U);
         QCOMPARE(server.asked[0].target, "/index.php?target=ipodvideo");
 
-        const Device other = desk.makeDevice("other", false);
+        const Device other = desk.makeDevice("other", true);
         desk.folder.write("other/.rockbox/themes/a.cfg", "");
         desk.folder.write("other/.rockbox/rockbox-info.txt", "Target: x y");
         model->select(other);
         QTRY_COMPARE(model->themePreviewStatus(), fetched(0));
         QCOMPARE(server.asked.back().target, "/index.php?target=x%20y");
+
+        *desk.found = {desk.makeDevice("third", true)}; // comes in its place, unasked
+        desk.folder.write("third/.rockbox/themes/a.cfg", "");
+        model->volumeUnmounted(other.root);
+        QTRY_COMPARE(server.asked.size(), 3U);
+        QTRY_COMPARE(model->themePreviewStatus(), fetched(0));
     }
 
     void stayAsTheyWereWhereTheCatalogueFails()

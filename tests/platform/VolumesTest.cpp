@@ -156,11 +156,14 @@ protected:
 TEST(Volumes, AnswersForFoldersThatAreNoMounts)
 {
     const TemporaryFolder folder;
-    Volumes::setMountFolders({"/a/b"});
-    for (const char *other : {"/a/b/", "/a/b/IPOD", "/a", "/media", "/a/b/.", ""}) {
-        EXPECT_FALSE(Volumes::isMountFolder(other)) << other; // equal by text alone
+    Volumes::setMountFolders({"/a/b"}, [](const std::filesystem::path &) { return true; });
+    for (const char *other : {"/a/b", "/a/b/c/IPOD", "/a/IPOD", "/media/IPOD", "/a/b/./IPOD", ""}) {
+        EXPECT_FALSE(Volumes::isMountedDisk(other)) << other; // equal by text alone
     }
-    EXPECT_TRUE(Volumes::isMountFolder("/a/b"));
+    EXPECT_TRUE(Volumes::isMountedDisk("/a/b/IPOD"));
+    Volumes::setMountFolders({folder.path()});
+    folder.write("plain/file", "x");
+    EXPECT_FALSE(Volumes::isMountedDisk(folder / "plain"));
     EXPECT_EQ(Volumes::nameRules(folder / "gone"), Volumes::NameRules::Posix);
     EXPECT_EQ(Volumes::nameRules("/proc"), Volumes::NameRules::Posix);
     EXPECT_THROW((void)Volumes::capacity(folder / "gone"), std::filesystem::filesystem_error);
@@ -181,6 +184,7 @@ TEST_F(VolumesTest, ListsWhatIsMountedAmongDisksByWhateverName)
     const std::vector<std::filesystem::path> mounted = Volumes::mounted();
     for (const std::string &name : names) {
         EXPECT_EQ(std::count(mounted.begin(), mounted.end(), m_mounts / name), 1) << name;
+        EXPECT_TRUE(Volumes::isMountedDisk(m_mounts / name)) << name;
     }
     EXPECT_THAT(mounted, Contains(m_mounts / "memory"));
     for (const auto &other : {m_mounts / ".hidden", m_folder / "memory elsewhere", std::filesystem::path("/proc")}) {

@@ -248,6 +248,9 @@ TEST_F(PlaybackTest, manyTracksInARushLeaveOneFileOpen)
     EXPECT_EQ(openFilesBelow(folder.path()), std::vector {list[40].url});
     playback.release(folder.path())();
     EXPECT_TRUE(openFilesBelow(folder.path()).empty() && !playback.current());
+    playback.play(list[7], list); // the disk is on its way out
+    EXPECT_TRUE(!sounds() && playback.error() == missing && playback.current() == list[7]);
+    EXPECT_TRUE(openFilesBelow(folder.path()).empty());
 }
 
 TEST_F(PlaybackTest, saysSoWhereThereIsNoSoundOutput)

@@ -12,13 +12,17 @@ TEST(DeviceInspection, readsWhatTheFolderSays)
     const TemporaryFolder folder;
     makeDevice(folder, "media/IPOD");
     makeDevice(folder, "media/IPOD/deeper");
-    Volumes::setMountFolders({folder / "media"});
+    makeDevice(folder, "media/plain");
+    Volumes::setMountFolders(
+        {folder / "media"}, [](const std::filesystem::path &path) { return path.filename() != "plain"; });
     const Device device = Device::inspect(folder / "media/IPOD");
     EXPECT_EQ(device.name, QStringLiteral("IPOD"));
     EXPECT_EQ(device.version, QStringLiteral("3.15"));
     EXPECT_TRUE(device.available > 0 && device.total >= device.available);
     EXPECT_TRUE(device.isVolume);
+    EXPECT_TRUE(Device::inspect(folder / "media/IPOD/").isVolume);
     EXPECT_FALSE(Device::inspect(folder / "media/IPOD/deeper").isVolume);
+    EXPECT_FALSE(Device::inspect(folder / "media/plain").isVolume);
     Volumes::setMountFolders({});
 }
 

@@ -55,6 +55,8 @@ struct ModelDesk {
     std::shared_ptr<std::atomic<int>> discoveries = std::make_shared<std::atomic<int>>(0);
     std::function<void(const std::filesystem::path &)> ejector = [](const std::filesystem::path &) { };
 
+    std::function<TimeLeft::Moment()> clock = TimeLeft::Moment::clock::now;
+
     Catalogue::Site themeSite; ///< none: no server is asked
     std::unique_ptr<CoverSearch> covers = std::make_unique<CoverSearch>(CoverServices {}); ///< none either
 
@@ -71,7 +73,8 @@ struct ModelDesk {
             .supportFolder = folder / "data",
             .themeSite = themeSite,
             .covers = *covers,
-            .audioOutput = "null"};
+            .audioOutput = "null",
+            .clock = [this] { return clock(); }};
     }
 
     [[nodiscard]] std::unique_ptr<MarluneModel> start()

@@ -61,6 +61,11 @@ private Q_SLOTS:
         QCOMPARE(pages.shell.deviceSpace().simplified(), QStringLiteral("160,00 GB · 40,00 GB wolne"));
         QCOMPARE(pages.shell.usedShare(), 0.75);
         QTRY_COMPARE(pages.shell.themeCount(), QStringLiteral("1 zainstalowanych motywów"));
+        QVERIFY(pages.shell.canEject());
+        const QSignalSpy changes(&pages.shell, &ShellPresenter::changed);
+        const HeldJobs held;
+        pages.model->makePlaylist();
+        QTRY_VERIFY(changes.count() > 0 && !pages.shell.canEject());
     }
 
     void theWindowWaitsForWorkAndForItsLastWord()
