@@ -150,7 +150,7 @@ void MarluneModel::noteArtwork(const Album &album, const PreparedCover &cover, b
 
 void MarluneModel::chooseArtwork(const Album &album, bool current, std::optional<bool> onDeviceOverride)
 {
-    if (m_busy) {
+    if (m_work.busy()) {
         return;
     }
     const CoverPlace place = coverPlace(onDeviceOverride);
@@ -162,7 +162,7 @@ void MarluneModel::chooseArtwork(const Album &album, bool current, std::optional
     }
     m_environment.panels.open(Panels::Request::onePicture(QStringLiteral("Dodaj okładkę")),
         [self = QPointer(this), album, place](const std::vector<std::filesystem::path> &chosen) {
-            if (!self || self->m_busy || chosen.empty()) {
+            if (!self || self->m_work.busy() || chosen.empty()) {
                 return;
             }
             self->runArtworkChoice(album, [file = chosen.front()] { return chosenPicture(file); }, place);
@@ -172,7 +172,7 @@ void MarluneModel::chooseArtwork(const Album &album, bool current, std::optional
 QCoro::Task<> MarluneModel::runArtworkChoice(Album album, PictureSource source, CoverPlace place)
 {
     const QPointer<MarluneModel> self(this);
-    beginWork(QStringLiteral("Przygotowuję okładkę…"));
+    m_work.begin(QStringLiteral("Przygotowuję okładkę…"));
     std::optional<QByteArray> picture;
     std::exception_ptr failure;
     try {
@@ -188,22 +188,23 @@ QCoro::Task<> MarluneModel::runArtworkChoice(Album album, PictureSource source, 
         co_return;
     }
     if (failure) {
-        setAlert(describeFailure(failure));
-        setStatus(QStringLiteral("Nie udało się zapisać okładki"));
+        m_work.setAlert(describeFailure(failure));
+        m_work.setStatus(QStringLiteral("Nie udało się zapisać okładki"));
     } else if (!picture) {
-        putStatusBack(); // the file cannot be read: as if none had been chosen
+        m_work.putStatusBack(); // the file cannot be read: as if none had been chosen
     } else {
-        setStatus(place.onDevice ? QStringLiteral("Okładka zapisana na iPodzie. Poprzednie obrazy mają kopię na Macu.")
-                                 : QStringLiteral("Okładka przygotowana; zostanie wgrana razem z albumem."));
+        m_work.setStatus(place.onDevice
+                ? QStringLiteral("Okładka zapisana na iPodzie. Poprzednie obrazy mają kopię na Macu.")
+                : QStringLiteral("Okładka przygotowana; zostanie wgrana razem z albumem."));
     }
-    endWork();
+    m_work.end();
     refresh();
 }
 
 void MarluneModel::repairAvailableCovers()
 {
-    if (!m_busy) {
-        beginWork(m_status, {std::nullopt, std::nullopt});
+    if (!m_work.busy()) {
+        m_work.begin(m_work.status(), {std::nullopt, std::nullopt});
         runRepair(coverPlace());
     }
 }
@@ -220,13 +221,14 @@ QCoro::Task<> MarluneModel::runRepair(CoverPlace place)
         co_return;
     }
     if (chosen.failure || chosen.value->empty()) {
-        endWork();
-        setAlert(chosen.failure ? describeFailure(chosen.failure)
-                                : QStringLiteral("Brak dostępnych obrazów do automatycznej naprawy. Przy brakującej "
-                                                 "okładce wybierz plik obrazu."));
+        m_work.end();
+        m_work.setAlert(chosen.failure
+                ? describeFailure(chosen.failure)
+                : QStringLiteral("Brak dostępnych obrazów do automatycznej naprawy. Przy brakującej "
+                                 "okładce wybierz plik obrazu."));
         co_return;
     }
-    beginNextStage(QStringLiteral("Naprawiam dostępne okładki…"));
+    m_work.beginNextStage(QStringLiteral("Naprawiam dostępne okładki…"));
     const std::vector<Album> albums = *chosen.value;
     int repaired = 0;
     int failed = 0;
@@ -241,14 +243,14 @@ QCoro::Task<> MarluneModel::runRepair(CoverPlace place)
         if (!self) {
             co_return;
         }
-        reportProgress(double(repaired + failed) / double(albums.size()));
+        m_work.report(double(repaired + failed) / double(albums.size()));
     }
-    setStatus(QStringLiteral("Naprawione albumy: ") + QString::number(repaired)
+    m_work.setStatus(QStringLiteral("Naprawione albumy: ") + QString::number(repaired)
         + QStringLiteral(". Nie udało się naprawić: ") + QString::number(failed) + u'.');
-    setAlert(m_status + u'\n'
+    m_work.setAlert(m_work.status() + u'\n'
         + (place.onDevice ? QStringLiteral("Poprzednie obrazy z iPoda mają kopię na Macu.")
                           : QStringLiteral("Okładki są gotowe do wgrania razem z albumami."))
         + QStringLiteral("\nBrakujące lub nieczytelne obrazy wymagają wyboru nowej okładki."));
-    endWork();
+    m_work.end();
     refresh();
 }

@@ -20,17 +20,17 @@ std::filesystem::path MarluneModel::newBackupURL() const
 
 void MarluneModel::backup()
 {
-    if (!m_device || m_busy) {
+    if (!m_device || m_work.busy()) {
         return;
     }
     std::filesystem::path destination;
     try {
         destination = newBackupURL();
     } catch (const std::exception &) {
-        setAlert(describeFailure(std::current_exception()));
+        m_work.setAlert(describeFailure(std::current_exception()));
         return;
     }
-    beginWork(QStringLiteral("Tworzę kopię ustawień…"));
+    m_work.begin(QStringLiteral("Tworzę kopię ustawień…"));
     runBackup(m_device->root, std::move(destination));
 }
 
@@ -43,11 +43,11 @@ QCoro::Task<> MarluneModel::runBackup(std::filesystem::path root, std::filesyste
         co_return;
     }
     if (outcome.failure) {
-        setAlert(describeFailure(outcome.failure));
-        setStatus(QStringLiteral("Nie udało się zapisać kopii"));
+        m_work.setAlert(describeFailure(outcome.failure));
+        m_work.setStatus(QStringLiteral("Nie udało się zapisać kopii"));
     } else {
-        setStatus(QStringLiteral("Kopia ustawień zapisana na Macu"));
+        m_work.setStatus(QStringLiteral("Kopia ustawień zapisana na Macu"));
     }
-    endWork();
+    m_work.end();
     rediscover();
 }

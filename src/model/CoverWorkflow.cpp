@@ -37,10 +37,10 @@ void MarluneModel::saveCoverSource(const CoverCandidate &candidate, const Album 
 void MarluneModel::downloadCover(
     const CoverCandidate &candidate, const Album &album, std::optional<bool> onDeviceOverride)
 {
-    if (m_busy) {
+    if (m_work.busy()) {
         return;
     }
-    beginWork(QStringLiteral("Pobieram okładkę…"));
+    m_work.begin(QStringLiteral("Pobieram okładkę…"));
     m_coverRequest = std::make_unique<QObject>();
     runCoverDownload(candidate, album, coverPlace(onDeviceOverride));
 }
@@ -75,18 +75,18 @@ QCoro::Task<> MarluneModel::runCoverDownload(CoverCandidate candidate, Album alb
         co_return;
     }
     if (failure) {
-        setStatus(QStringLiteral("Nie udało się pobrać okładki: ") + describeFailure(failure));
+        m_work.setStatus(QStringLiteral("Nie udało się pobrać okładki: ") + describeFailure(failure));
     } else {
-        setStatus(place.onDevice ? QStringLiteral("Pobrano i zapisano okładkę na iPodzie.")
-                                 : QStringLiteral("Pobrano okładkę; zostanie wgrana razem z albumem."));
+        m_work.setStatus(place.onDevice ? QStringLiteral("Pobrano i zapisano okładkę na iPodzie.")
+                                        : QStringLiteral("Pobrano okładkę; zostanie wgrana razem z albumem."));
     }
-    endWork();
+    m_work.end();
     refresh();
 }
 
 void MarluneModel::findMissingCovers()
 {
-    if (m_busy) {
+    if (m_work.busy()) {
         return;
     }
     std::vector<Album> albums;
@@ -98,7 +98,7 @@ void MarluneModel::findMissingCovers()
     if (albums.empty()) {
         return;
     }
-    beginWork(QStringLiteral("Szukam brakujących okładek…"));
+    m_work.begin(QStringLiteral("Szukam brakujących okładek…"));
     m_coverRequest = std::make_unique<QObject>();
     runCoverSearch(std::move(albums), coverPlace());
 }
@@ -143,15 +143,16 @@ QCoro::Task<> MarluneModel::runCoverSearch(std::vector<Album> albums, CoverPlace
         }
         ++counts[finding];
         ++done;
-        reportProgress(double(done) / double(albums.size()));
-        setStatus(QStringLiteral("Sprawdzono albumy: ") + QString::number(done) + QStringLiteral(" / ")
+        m_work.report(double(done) / double(albums.size()));
+        m_work.setStatus(QStringLiteral("Sprawdzono albumy: ") + QString::number(done) + QStringLiteral(" / ")
             + QString::number(albums.size()) + QStringLiteral(" · dodano: ")
             + QString::number(counts[CoverFinding::Added]));
     }
     refresh();
-    endWork();
-    setStatus(QStringLiteral("Dodano okładki: ") + QString::number(counts[CoverFinding::Added])
+    m_work.end();
+    m_work.setStatus(QStringLiteral("Dodano okładki: ") + QString::number(counts[CoverFinding::Added])
         + QStringLiteral(". Do wyboru ręcznie: ") + QString::number(counts[CoverFinding::Manual])
         + QStringLiteral(". Niedostępne: ") + QString::number(counts[CoverFinding::Unavailable]) + u'.');
-    setAlert(m_status + QStringLiteral("\nPrzy pozostałych albumach użyj „Znajdź w sieci…” lub wybierz własny obraz."));
+    m_work.setAlert(m_work.status()
+        + QStringLiteral("\nPrzy pozostałych albumach użyj „Znajdź w sieci…” lub wybierz własny obraz."));
 }

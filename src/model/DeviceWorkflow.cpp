@@ -34,7 +34,8 @@ void MarluneModel::refresh()
     runRefresh();
     QTimer::singleShot(m_environment.discoveryPatience, this, [this, discovery = ++m_discoveries] {
         if (m_refreshing && m_discoveries == discovery) {
-            setStatus(QStringLiteral("Urządzenie nie odpowiada. Możesz nadal korzystać z biblioteki i poradnika."));
+            m_work.setStatus(
+                QStringLiteral("Urządzenie nie odpowiada. Możesz nadal korzystać z biblioteki i poradnika."));
         }
     });
     readBackups();
@@ -150,7 +151,7 @@ void MarluneModel::disconnect()
     m_playback.stop(); // an open file would keep a disk that is gone
     clearDeviceMusic();
     forgetDeviceContent();
-    setStatus(QStringLiteral("iPod został odłączony"));
+    m_work.setStatus(QStringLiteral("iPod został odłączony"));
 }
 
 void MarluneModel::select(const Device &device)
@@ -188,12 +189,12 @@ QCoro::Task<> MarluneModel::runChoice(std::filesystem::path folder)
         co_return;
     }
     if (device.failure) {
-        setAlert(describeFailure(device.failure));
-    } else if (m_busy) { // the job that began meanwhile keeps its device
-        setAlert(QStringLiteral("Trwa inna praca. Wybierz urządzenie jeszcze raz, gdy się zakończy."));
+        m_work.setAlert(describeFailure(device.failure));
+    } else if (m_work.busy()) { // the job that began meanwhile keeps its device
+        m_work.setAlert(QStringLiteral("Trwa inna praca. Wybierz urządzenie jeszcze raz, gdy się zakończy."));
     } else {
         select(*device.value);
-        setStatus(QStringLiteral("Wybrano: ") + Files::name(folder));
+        m_work.setStatus(QStringLiteral("Wybrano: ") + Files::name(folder));
     }
 }
 
@@ -213,7 +214,7 @@ QCoro::Task<> MarluneModel::runEject(Device device)
     // An open file would hold the volume.
     abandonDeviceContent();
     auto closeTrack = m_playback.release(device.root);
-    beginWork(QStringLiteral("Wysuwam iPoda…"));
+    m_work.begin(QStringLiteral("Wysuwam iPoda…"));
     auto ejectVolume = [ejector = m_environment.ejectVolume, root = device.root, closeTrack] {
         closeTrack();
         ejector(root);
@@ -224,10 +225,10 @@ QCoro::Task<> MarluneModel::runEject(Device device)
     }
     m_ejecting.reset();
     m_playback.readmit();
-    endWork();
+    m_work.end();
     if (outcome.failure) {
-        putStatusBack();
-        setAlert(describeFailure(outcome.failure));
+        m_work.putStatusBack();
+        m_work.setAlert(describeFailure(outcome.failure));
         if (m_unmountedWhileEjecting) {
             disconnect(); // the first half was done
         }
@@ -235,7 +236,7 @@ QCoro::Task<> MarluneModel::runEject(Device device)
         setDevice(std::nullopt);
         m_playback.stop();
         clearDeviceMusic();
-        setStatus(QStringLiteral("Możesz odłączyć iPoda"));
+        m_work.setStatus(QStringLiteral("Możesz odłączyć iPoda"));
         m_leftMeanwhile.push_back(device.root);
     }
     rediscover();

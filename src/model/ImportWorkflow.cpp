@@ -42,10 +42,10 @@ void MarluneModel::importURLs(const std::vector<std::filesystem::path> &urls, bo
 
 void MarluneModel::beginImport(ImportSource source, bool fromDevice, bool enqueue)
 {
-    if (m_busy) {
+    if (m_work.busy()) {
         return;
     }
-    beginWork(QStringLiteral("Odczytuję albumy…"));
+    m_work.begin(QStringLiteral("Odczytuję albumy…"));
     runImport(std::move(source), fromDevice, enqueue);
 }
 
@@ -96,9 +96,9 @@ QCoro::Task<> MarluneModel::runImport(ImportSource source, bool fromDevice, bool
             import.urls = std::move(*urls);
             return readTracks(std::move(import), [self](int done, int total) {
                 postToUi([self, done, total] {
-                    if (self && self->m_busy) {
-                        self->reportProgress(double(done) / std::max(total, 1));
-                        self->setWorkStatus(QStringLiteral("Odczytuję utwory: ") + QString::number(done)
+                    if (self && self->m_work.busy()) {
+                        self->m_work.report(double(done) / std::max(total, 1));
+                        self->m_work.setJobStatus(QStringLiteral("Odczytuję utwory: ") + QString::number(done)
                             + QStringLiteral(" / ") + QString::number(total));
                     }
                 });
@@ -112,16 +112,17 @@ QCoro::Task<> MarluneModel::runImport(ImportSource source, bool fromDevice, bool
         co_return;
     }
     if (failure) { // nothing lands, and the stored library stays as it is
-        endWork();
-        setStatus(QStringLiteral("Nie udało się odczytać muzyki"));
-        setAlert(describeFailure(failure));
+        m_work.end();
+        m_work.setStatus(QStringLiteral("Nie udało się odczytać muzyki"));
+        m_work.setAlert(describeFailure(failure));
     } else if (!read) {
-        endWork();
-        putStatusBack();
+        m_work.end();
+        m_work.putStatusBack();
     } else if (fromDevice && visit != m_visit) { // its files are not there, whatever device has come meanwhile
-        endWork();
-        setStatus(m_device ? QStringLiteral("iPod został zmieniony podczas odczytu. Odczytaj muzykę jeszcze raz.")
-                           : QStringLiteral("iPod został odłączony"));
+        m_work.end();
+        m_work.setStatus(m_device
+                ? QStringLiteral("iPod został zmieniony podczas odczytu. Odczytaj muzykę jeszcze raz.")
+                : QStringLiteral("iPod został odłączony"));
     } else {
         landImport(std::move(*read), fromDevice, enqueue);
     }
@@ -143,14 +144,14 @@ void MarluneModel::landImport(std::vector<Track> read, bool fromDevice, bool enq
         tracksWereChanged();
         Q_EMIT selectionChanged();
     }
-    endWork();
-    setStatus(count == 0 ? QStringLiteral("Nie znaleziono nowych plików audio")
-                         : QStringLiteral("Odczytano utwory: ") + QString::number(count));
+    m_work.end();
+    m_work.setStatus(count == 0 ? QStringLiteral("Nie znaleziono nowych plików audio")
+                                : QStringLiteral("Odczytano utwory: ") + QString::number(count));
 }
 
 void MarluneModel::scanDeviceMusic()
 {
-    if (!m_device || m_busy) {
+    if (!m_device || m_work.busy()) {
         return;
     }
     m_browsing.clearDevice();
@@ -173,7 +174,7 @@ void MarluneModel::storeLibraryPaths()
 
 void MarluneModel::forget(const Album &album)
 {
-    if (m_busy || libraryOnDevice()) {
+    if (m_work.busy() || libraryOnDevice()) {
         return;
     }
     QSet<QUuid> ids;

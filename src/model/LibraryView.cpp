@@ -96,7 +96,7 @@ void MarluneModel::toggleTrack(const Track &track)
 
 void MarluneModel::clearQueue()
 {
-    if (!m_busy && !queued().isEmpty()) {
+    if (!m_work.busy() && !queued().isEmpty()) {
         m_browsing.clearQueue();
         Q_EMIT selectionChanged();
     }

@@ -17,6 +17,14 @@ constexpr std::chrono::seconds drainPatience {3};
 MarluneModel::MarluneModel(ModelEnvironment environment, QObject *parent)
     : QObject(parent)
     , m_environment(std::move(environment))
+    , m_work({.busyChanged =
+                  [this] {
+                      Q_EMIT busyChanged();
+                      Q_EMIT workingChanged();
+                  },
+          .progressChanged = [this] { Q_EMIT progressChanged(); },
+          .statusChanged = [this] { Q_EMIT statusChanged(); },
+          .alertChanged = [this] { Q_EMIT alertChanged(); }})
 {
     forgetDuplicates();
     Settings &settings = m_environment.settings;
@@ -29,13 +37,13 @@ MarluneModel::MarluneModel(ModelEnvironment environment, QObject *parent)
     settings.onWriteFailure([self = QPointer(this)](const QString &reason) {
         postToUi([self, reason] {
             if (self) {
-                self->setAlert(QStringLiteral("Nie udało się zapisać ustawień: ") + reason);
+                self->m_work.setAlert(QStringLiteral("Nie udało się zapisać ustawień: ") + reason);
             }
         });
     });
 
     if (!settings.notice().isEmpty()) {
-        setAlert(settings.notice());
+        m_work.setAlert(settings.notice());
     }
 
     refresh();
@@ -68,80 +76,17 @@ void MarluneModel::setSectionText(const QString &title)
     }
 }
 
-void MarluneModel::setBusy(bool busy)
-{
-    if (m_busy != busy) {
-        m_busy = busy;
-        Q_EMIT busyChanged();
-        Q_EMIT workingChanged();
-    }
-}
-
-void MarluneModel::setProgress(double progress)
-{
-    if (m_progress != progress) {
-        m_progress = progress;
-        Q_EMIT progressChanged();
-    }
-}
-
-void MarluneModel::beginWork(const QString &status, std::vector<TimeLeft::Expectation> stages)
-{
-    m_statusBefore = m_status;
-    m_timeLeft.begin(std::move(stages), m_environment.clock());
-    setProgress(0);
-    setBusy(true);
-    setWorkStatus(status);
-}
-
-void MarluneModel::beginNextStage(const QString &status)
-{
-    m_timeLeft.beginNextStage(m_environment.clock());
-    setProgress(0);
-    setWorkStatus(status);
-}
-
-void MarluneModel::setWorkStatus(const QString &status)
-{
-    m_workStatus = status;
-    setStatus(status);
-}
-
-void MarluneModel::reportProgress(double progress, std::optional<double> share)
-{
-    m_timeLeft.report(share.value_or(progress), m_environment.clock());
-    setProgress(progress);
-}
-
 MarluneModel::JobProgress MarluneModel::postedProgress(std::vector<double> shares)
 {
     return [self = QPointer(this), shares = std::move(shares)](int done, int total) {
         const std::size_t step = std::size_t(std::max(done, 1)) - 1;
         const std::optional<double> share = step < shares.size() ? std::optional(shares[step]) : std::nullopt;
         postToUi([self, progress = double(done) / std::max(total, 1), share] {
-            if (self && self->m_busy) {
-                self->reportProgress(progress, share);
+            if (self && self->m_work.busy()) {
+                self->m_work.report(progress, share);
             }
         });
     };
-}
-
-void MarluneModel::putStatusBack()
-{
-    if (m_status == m_workStatus) {
-        setStatus(m_statusBefore);
-    }
-}
-
-void MarluneModel::endWork()
-{
-    m_timeLeft = {};
-    setBusy(false);
-}
-
-std::optional<std::chrono::seconds> MarluneModel::timeLeft()
-{
-    return m_timeLeft.at(m_environment.clock());
 }
 
 std::filesystem::path MarluneModel::backupRoot() const
@@ -149,25 +94,9 @@ std::filesystem::path MarluneModel::backupRoot() const
     return m_environment.supportFolder / "Marlune" / "Backups";
 }
 
-void MarluneModel::setStatus(const QString &status)
-{
-    if (m_status != status) {
-        m_status = status;
-        Q_EMIT statusChanged();
-    }
-}
-
-void MarluneModel::setAlert(const std::optional<QString> &alert)
-{
-    if (m_alert != alert) {
-        m_alert = alert;
-        Q_EMIT alertChanged();
-    }
-}
-
 void MarluneModel::dismissAlert()
 {
-    setAlert(std::nullopt);
+    m_work.setAlert(std::nullopt);
 }
 
 void MarluneModel::setAppearance(const QString &id)

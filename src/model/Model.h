@@ -13,8 +13,8 @@
 
 #include "model/Browsing.h"
 #include "model/DeviceContent.h"
+#include "model/RunningWork.h"
 #include "model/Section.h"
-#include "model/TimeLeft.h"
 
 #include "quality/QualityIssue.h"
 
@@ -103,7 +103,7 @@ public:
     /// Asks for a folder and selects it if it is a device.
     Q_INVOKABLE void chooseDevice();
     /// Whether the selected device can be ejected: it is a mounted disk on which nothing is being done.
-    [[nodiscard]] bool canEject() const { return m_device && m_device->isVolume && !m_busy && !m_writingPlaylist; }
+    [[nodiscard]] bool canEject() const { return m_device && m_device->isVolume && !busy() && !m_writingPlaylist; }
     Q_INVOKABLE void eject();
     /// The illustration and finish chosen for the selected device; "auto" forgets the choice.
     void setAppearance(const QString &id);
@@ -234,17 +234,17 @@ public:
     [[nodiscard]] Playback &playback() { return m_playback; }
 
     // Progress and messages.
-    [[nodiscard]] bool busy() const { return m_busy; }
+    [[nodiscard]] bool busy() const { return m_work.busy(); }
     /// Whether something is under way that the end of the program would cut off; a check for duplicates only reads.
-    [[nodiscard]] bool working() const { return (m_busy && !m_checkingDuplicates) || m_writingPlaylist; }
+    [[nodiscard]] bool working() const { return (busy() && !m_checkingDuplicates) || m_writingPlaylist; }
     /// Ends the work that waits for the network; what is being written goes on to its end. For a window that closes.
     void endCoverRequests() { m_coverRequest.reset(); }
     /// Of the running job's present stage, 0 to 1; 0 where it cannot be said.
-    [[nodiscard]] double progress() const { return m_progress; }
+    [[nodiscard]] double progress() const { return m_work.progress(); }
     /// What may be shown of the time that the running job still takes; to be asked about once a second.
-    [[nodiscard]] std::optional<std::chrono::seconds> timeLeft();
-    [[nodiscard]] QString status() const { return m_status; }
-    [[nodiscard]] const std::optional<QString> &alert() const { return m_alert; }
+    [[nodiscard]] std::optional<std::chrono::seconds> timeLeft() { return m_work.timeLeft(); }
+    [[nodiscard]] QString status() const { return m_work.status(); }
+    [[nodiscard]] const std::optional<QString> &alert() const { return m_work.alert(); }
     Q_INVOKABLE void dismissAlert();
 
     // What the platform tells.
@@ -311,28 +311,13 @@ private:
 
     [[nodiscard]] QString sectionText() const { return sectionTitle(m_section); }
     void setSectionText(const QString &title);
-    [[nodiscard]] QString alertText() const { return m_alert.value_or(QString()); }
+    [[nodiscard]] QString alertText() const { return alert().value_or(QString()); }
 
     /// The folder on the computer that holds every safety copy.
     [[nodiscard]] std::filesystem::path backupRoot() const;
-    // The one long job. It begins once, and on every way out it ends once.
-    void beginWork(const QString &status, std::vector<TimeLeft::Expectation> stages = {std::nullopt});
-    void beginNextStage(const QString &status);
-    /// A status of the job itself.
-    void setWorkStatus(const QString &status);
-    /// `progress` of the present stage, 0 to 1; `share` of its time, where that is another one.
-    void reportProgress(double progress, std::optional<double> share = std::nullopt);
     /// Shows what a job reports as long as the model lives and is busy; the job does not wait for it. `shares` of the
     /// time that are done with each step; empty: the steps are alike.
     [[nodiscard]] JobProgress postedProgress(std::vector<double> shares = {});
-    /// For a job that has changed nothing: the status from before it comes back, unless a newer one than the job's own
-    /// is shown.
-    void putStatusBack();
-    void endWork();
-    void setBusy(bool busy);
-    void setProgress(double progress);
-    void setStatus(const QString &status);
-    void setAlert(const std::optional<QString> &alert);
     void setDevice(const std::optional<Device> &device);
     void setTransferred(std::vector<std::filesystem::path> files);
     void clearDeviceMusic();
@@ -404,18 +389,12 @@ private:
     void landImport(std::vector<Track> read, bool fromDevice, bool enqueue);
 
     ModelEnvironment m_environment;
+    RunningWork m_work;
     Playback m_playback {m_environment.audioOutput};
     Section m_section = Section::Music;
     std::vector<Device> m_devices;
     std::optional<Device> m_device;
     Browsing m_browsing;
-    bool m_busy = false;
-    double m_progress = 0;
-    TimeLeft m_timeLeft;
-    QString m_statusBefore; ///< before the running job
-    QString m_workStatus; ///< the last of the running job's own
-    QString m_status = QStringLiteral("Gotowy na Twoją muzykę");
-    std::optional<QString> m_alert;
     std::vector<QualityIssue> m_duplicateIssues;
     QString m_duplicateStatus;
     std::stop_source m_duplicateCheck; ///< ends the present check early; its results are of no use then

@@ -53,9 +53,9 @@ QCoro::Task<> MarluneModel::runPlaylist(std::filesystem::path root)
     }
     m_writingPlaylist = false;
     if (fileName.failure) {
-        setAlert(describeFailure(fileName.failure));
+        m_work.setAlert(describeFailure(fileName.failure));
     } else {
-        setStatus(QStringLiteral("Zapisano ") + *fileName.value);
+        m_work.setStatus(QStringLiteral("Zapisano ") + *fileName.value);
         rediscover();
     }
     Q_EMIT workingChanged();

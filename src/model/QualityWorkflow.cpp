@@ -18,12 +18,12 @@ const QString interrupted = QStringLiteral("Sprawdzanie przerwane — wynik nie 
 
 void MarluneModel::checkDuplicates()
 {
-    if (m_busy || activeTracks().empty()) {
+    if (m_work.busy() || activeTracks().empty()) {
         return;
     }
     setDuplicates(QStringLiteral("Sprawdzam zawartość plików…"));
     m_checkingDuplicates = true;
-    beginWork(comparing);
+    m_work.begin(comparing);
     runDuplicateCheck(activeTracks());
 }
 
@@ -40,21 +40,21 @@ QCoro::Task<> MarluneModel::runDuplicateCheck(std::vector<Track> tracks)
         co_return;
     }
     if (stop.stop_requested()) { // other tracks are shown now, and nothing is known of those
-        if (m_status == comparing) {
-            setStatus(interrupted);
+        if (m_work.status() == comparing) {
+            m_work.setStatus(interrupted);
         }
     } else if (found.failure) {
-        setAlert(describeFailure(found.failure));
+        m_work.setAlert(describeFailure(found.failure));
         setDuplicates(interrupted);
-        setStatus(interrupted);
+        m_work.setStatus(interrupted);
     } else {
         const auto groups = QString::number(found.value->size());
         setDuplicates(QStringLiteral("Znaleziono grup identycznych plików: ") + groups
                 + QStringLiteral(". Sprawdzone przez SHA-256."),
             std::move(found.value));
-        setStatus(QStringLiteral("Sprawdzanie duplikatów zakończone"));
+        m_work.setStatus(QStringLiteral("Sprawdzanie duplikatów zakończone"));
     }
-    endWork();
+    m_work.end();
     m_checkingDuplicates = false;
 }
 

@@ -82,7 +82,7 @@ QCoro::Task<> MarluneModel::runThemePreviewChoices()
             co_return;
         }
         if (stored.failure) {
-            setAlert(describeFailure(stored.failure));
+            m_work.setAlert(describeFailure(stored.failure));
         } else if (const std::optional<std::filesystem::path> &picture = *stored.value) {
             m_environment.settings.setText(ThemePreview::settingsPrefix() + key, Files::text(*picture));
             m_content.themePreviews.insert(theme.id(), ThemePreview::chosen(*picture));
@@ -93,7 +93,7 @@ QCoro::Task<> MarluneModel::runThemePreviewChoices()
 
 void MarluneModel::installTheme()
 {
-    if (!m_device || m_busy) {
+    if (!m_device || m_work.busy()) {
         return;
     }
     const Panels::Request request {.files = true,
@@ -104,7 +104,7 @@ void MarluneModel::installTheme()
         .message = {}};
     m_environment.panels.open(
         request, [self = QPointer(this), visit = m_visit](const std::vector<std::filesystem::path> &chosen) {
-            const bool asBefore = self && !self->m_busy && self->m_device && self->m_visit == visit;
+            const bool asBefore = self && !self->m_work.busy() && self->m_device && self->m_visit == visit;
             if (asBefore && !chosen.empty()) {
                 self->beginThemeInstall(chosen.front());
             }
@@ -117,10 +117,10 @@ void MarluneModel::beginThemeInstall(const std::filesystem::path &zip)
     try {
         backupFolder = newBackupURL();
     } catch (const std::exception &) {
-        setAlert(describeFailure(std::current_exception()));
+        m_work.setAlert(describeFailure(std::current_exception()));
         return;
     }
-    beginWork(QStringLiteral("Sprawdzam i instaluję motyw…"));
+    m_work.begin(QStringLiteral("Sprawdzam i instaluję motyw…"));
     runThemeInstall(zip, m_device->root, std::move(backupFolder));
 }
 
@@ -134,13 +134,13 @@ QCoro::Task<> MarluneModel::runThemeInstall(
         co_return;
     }
     if (installed.failure) {
-        setAlert(describeFailure(installed.failure));
-        setStatus(QStringLiteral("Instalacja motywu przerwana"));
+        m_work.setAlert(describeFailure(installed.failure));
+        m_work.setStatus(QStringLiteral("Instalacja motywu przerwana"));
     } else {
-        setStatus(QStringLiteral("Zainstalowano motywy: ") + QString::number(*installed.value));
-        setAlert(QStringLiteral("Motyw został wgrany, a poprzednie ustawienia mają kopię na Macu.\n\n"
-                                "Aktywuj go na iPodzie: Settings → Theme Settings → Browse Themes."));
+        m_work.setStatus(QStringLiteral("Zainstalowano motywy: ") + QString::number(*installed.value));
+        m_work.setAlert(QStringLiteral("Motyw został wgrany, a poprzednie ustawienia mają kopię na Macu.\n\n"
+                                       "Aktywuj go na iPodzie: Settings → Theme Settings → Browse Themes."));
     }
-    endWork();
+    m_work.end();
     rediscover();
 }

@@ -123,7 +123,7 @@ MarluneModel::TransferPlan MarluneModel::planTransfer(const std::vector<Track> &
 void MarluneModel::transfer(const std::optional<std::vector<Track>> &only)
 {
     const std::vector<Track> items = only ? *only : queue();
-    if (!m_device || m_busy || items.empty()) {
+    if (!m_device || m_work.busy() || items.empty()) {
         return;
     }
     auto plan = std::make_shared<const TransferPlan>(planTransfer(items));
@@ -132,7 +132,7 @@ void MarluneModel::transfer(const std::optional<std::vector<Track>> &only)
         stages.emplace_back(perCover * double(plan->covers.size()));
     }
     stages.emplace_back(perCleanup);
-    beginWork(QStringLiteral("Wgrywam muzykę…"), std::move(stages));
+    m_work.begin(QStringLiteral("Wgrywam muzykę…"), std::move(stages));
     runTransfer(std::move(plan));
 }
 
@@ -177,14 +177,14 @@ QCoro::Task<> MarluneModel::runTransfer(std::shared_ptr<const TransferPlan> plan
             co_return;
         }
         if (!plan->covers.empty()) {
-            beginNextStage(QStringLiteral("Zapisuję okładki…"));
+            m_work.beginNextStage(QStringLiteral("Zapisuję okładki…"));
             auto cover = [plan, progress, tracks = result.destinations] { installCovers(*plan, tracks, progress); };
             co_await background(cover);
             if (!self) {
                 co_return;
             }
         }
-        beginNextStage(QStringLiteral("Porządkuję pliki pomocnicze macOS…"));
+        m_work.beginNextStage(QStringLiteral("Porządkuję pliki pomocnicze macOS…"));
         auto clean = [plan] { (void)Storage::cleanupMacMetadata(plan->device.root, plan->backupRoot); };
         co_await background(clean);
     } catch (const std::exception &) {
@@ -198,21 +198,21 @@ QCoro::Task<> MarluneModel::runTransfer(std::shared_ptr<const TransferPlan> plan
 void MarluneModel::landTransfer(const TransferPlan &plan, TransferResult result, const std::exception_ptr &failure)
 {
     if (failure) {
-        setAlert(describeFailure(failure)
+        m_work.setAlert(describeFailure(failure)
             + QStringLiteral("\n\nCzęść utworów mogła już zostać wgrana. Możesz ponowić transfer — identyczne pliki "
                              "zostaną pominięte."));
-        setStatus(QStringLiteral("Transfer przerwany"));
+        m_work.setStatus(QStringLiteral("Transfer przerwany"));
     } else {
         m_browsing.dequeue(plan.ids);
         Q_EMIT selectionChanged();
         noteTransferred(plan.device, std::move(result.destinations));
-        setStatus(QStringLiteral("Wgrano: ") + QString::number(result.copied)
+        m_work.setStatus(QStringLiteral("Wgrano: ") + QString::number(result.copied)
             + QStringLiteral(". Pominięto identyczne: ") + QString::number(result.skipped) + u'.');
-        setAlert(m_status
+        m_work.setAlert(m_work.status()
             + QStringLiteral("\n\nUtwory są dostępne w Files → Music. Jeśli używasz Database, zaktualizuj bazę w menu "
                              "Rockbox na iPodzie."));
     }
-    endWork();
+    m_work.end();
     refresh();
 }
 
@@ -229,10 +229,10 @@ void MarluneModel::noteTransferred(const Device &device, std::vector<std::filesy
 
 void MarluneModel::cleanupMacFiles()
 {
-    if (!m_device || m_busy) {
+    if (!m_device || m_work.busy()) {
         return;
     }
-    beginWork(QStringLiteral("Porządkuję pliki pomocnicze macOS…"));
+    m_work.begin(QStringLiteral("Porządkuję pliki pomocnicze macOS…"));
     runCleanup(*m_device);
 }
 
@@ -245,12 +245,12 @@ QCoro::Task<> MarluneModel::runCleanup(Device device)
         co_return;
     }
     if (removed.failure) {
-        setAlert(describeFailure(removed.failure));
-        setStatus(QStringLiteral("Nie udało się ukończyć porządków"));
+        m_work.setAlert(describeFailure(removed.failure));
+        m_work.setStatus(QStringLiteral("Nie udało się ukończyć porządków"));
     } else {
-        setStatus(QStringLiteral("Usunięto pliki metadanych macOS: ") + QString::number(*removed.value)
+        m_work.setStatus(QStringLiteral("Usunięto pliki metadanych macOS: ") + QString::number(*removed.value)
             + QStringLiteral(". Kopia jest na Macu."));
     }
-    endWork();
+    m_work.end();
     refresh();
 }

@@ -1,0 +1,93 @@
+#include "model/RunningWork.h"
+
+#include <utility>
+
+namespace {
+
+TimeLeft::Moment now()
+{
+    return TimeLeft::Moment::clock::now();
+}
+
+} // namespace
+
+RunningWork::RunningWork(Listener listener)
+    : m_listener(std::move(listener))
+{
+}
+
+std::optional<std::chrono::seconds> RunningWork::timeLeft()
+{
+    return m_timeLeft.at(now());
+}
+
+void RunningWork::begin(const QString &status, std::vector<TimeLeft::Expectation> stages)
+{
+    m_statusBefore = m_status;
+    m_timeLeft.begin(std::move(stages), now());
+    setProgress(0);
+    setBusy(true);
+    setJobStatus(status);
+}
+
+void RunningWork::beginNextStage(const QString &status)
+{
+    m_timeLeft.beginNextStage(now());
+    setProgress(0);
+    setJobStatus(status);
+}
+
+void RunningWork::setJobStatus(const QString &status)
+{
+    m_jobStatus = status;
+    setStatus(status);
+}
+
+void RunningWork::report(double progress, std::optional<double> share)
+{
+    m_timeLeft.report(share.value_or(progress), now());
+    setProgress(progress);
+}
+
+void RunningWork::putStatusBack()
+{
+    if (m_status == m_jobStatus) {
+        setStatus(m_statusBefore);
+    }
+}
+
+void RunningWork::end()
+{
+    m_timeLeft = {};
+    setBusy(false);
+}
+
+void RunningWork::setBusy(bool busy)
+{
+    if (std::exchange(m_busy, busy) != busy) {
+        m_listener.busyChanged();
+    }
+}
+
+void RunningWork::setProgress(double progress)
+{
+    if (std::exchange(m_progress, progress) != progress) {
+        m_listener.progressChanged();
+    }
+}
+
+void RunningWork::setStatus(const QString &status)
+{
+    if (m_status != status) {
+        m_status = status;
+        m_listener.statusChanged();
+    }
+}
+
+void RunningWork::setAlert(const std::optional<QString> &alert)
+{
+    if (m_alert != alert) {
+        m_alert = alert;
+        m_listener.alertChanged();
+    }
+}
