@@ -65,7 +65,6 @@ void TimeLeft::report(double done, Moment now)
     while (m_reports.size() > 2 && m_reports[1].moment <= oldest) {
         m_reports.pop_front();
     }
-    m_measured = m_measured || hasOwnPace();
 }
 
 bool TimeLeft::hasOwnPace() const
@@ -99,7 +98,7 @@ TimeLeft::Expectation TimeLeft::leftOfStage(Moment now) const
 
 TimeLeft::Expectation TimeLeft::estimate(Moment now) const
 {
-    if (m_stages.empty() || !m_measured) {
+    if (m_stages.empty()) {
         return std::nullopt;
     }
     Expectation left = leftOfStage(now);

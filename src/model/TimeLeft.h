@@ -60,7 +60,6 @@ private:
     Moment m_stageBegin;
     std::deque<Reported> m_reports; ///< of this stage, its begin first, without those too old to tell its pace
     int m_reportCount = 0;
-    bool m_measured = false; ///< some stage has shown its pace
     std::optional<Moment> m_shownEnd;
     std::optional<Stretch> m_steady; ///< before anything is shown
     std::optional<Stretch> m_quicker; ///< than shown
