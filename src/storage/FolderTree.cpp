@@ -202,11 +202,8 @@ private:
     /// For the time when nothing else is open.
     bool moveUp(int folder, const char *name)
     {
-        const auto path = [](int descriptor, const std::filesystem::path &item) {
-            return "/proc/self/fd" / std::filesystem::path(std::to_string(descriptor)) / item;
-        };
         const std::filesystem::path moved = Files::temporaryName();
-        if (diskCalls().rename(path(folder, name).c_str(), path(m_top.get(), moved).c_str()) != 0) {
+        if (diskCalls().renameat(folder, name, m_top.get(), moved.c_str()) != 0) {
             return false;
         }
         m_deep.push_back(moved);

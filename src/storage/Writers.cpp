@@ -6,11 +6,11 @@
 
 namespace {
 
-void copyBytes(
-    const std::filesystem::path &source, const std::filesystem::path &destination, Files::Durability durability)
+void copyBytes(const std::filesystem::path &source, const std::filesystem::path &destination, int folder,
+    Files::Durability durability)
 {
     const Files::Descriptor from = Files::openForReading(source);
-    const Files::Descriptor to = Files::createExclusively(destination);
+    const Files::Descriptor to = Files::createExclusively(destination, folder);
     off_t written = 0;
     Storage::forEachBlock(from.get(), [&](std::span<const char> block) {
         Files::writeFully(to.get(), block);
@@ -28,21 +28,16 @@ void copyBytes(
 
 namespace Storage {
 
-void writeBytes(const QByteArray &bytes, const std::filesystem::path &destination, Files::Durability durability)
+void copyAudioBytes(const std::filesystem::path &source, const std::filesystem::path &destination, int from)
 {
-    Files::writeAtomically(destination, bytes, durability);
+    copyBytes(source, destination, from, Files::Durability::Now);
 }
 
-void copyAudioBytes(const std::filesystem::path &source, const std::filesystem::path &destination)
+void copyOver(const std::filesystem::path &source, const Files::Folder &folder, const std::filesystem::path &name,
+    Files::Durability durability)
 {
-    copyBytes(source, destination, Files::Durability::Now);
-}
-
-void copyOver(
-    const std::filesystem::path &source, const std::filesystem::path &destination, Files::Durability durability)
-{
-    Files::place(destination, Files::Placing::Replace,
-        [&](const std::filesystem::path &file) { copyBytes(source, file, durability); });
+    Files::place(folder, name, Files::Placing::Replace,
+        [&](const std::filesystem::path &file, int from) { copyBytes(source, file, from, durability); });
 }
 
 } // namespace Storage
