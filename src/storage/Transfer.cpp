@@ -12,6 +12,7 @@
 
 #include <cerrno>
 #include <cstdint>
+#include <limits>
 
 namespace {
 
@@ -99,7 +100,9 @@ std::int64_t totalSize(std::span<const TransferFile> files)
         if (!S_ISREG(status.st_mode) && !S_ISLNK(status.st_mode)) { // a pipe would be waited for without end
             Files::throwFailure(S_ISDIR(status.st_mode) ? EISDIR : EINVAL, file.source);
         }
-        total += status.st_size;
+        if (__builtin_add_overflow(total, std::int64_t(status.st_size), &total)) {
+            return std::numeric_limits<std::int64_t>::max(); // more than any disk holds
+        }
     }
     return total;
 }
