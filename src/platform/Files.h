@@ -70,6 +70,12 @@ private:
     int m_descriptor = -1;
 };
 
+/// A folder that is held open. Work in it goes by names in `descriptor`; the path is for messages and results.
+struct Folder {
+    Descriptor descriptor;
+    std::filesystem::path path;
+};
+
 enum class Links : std::uint8_t { Follow, Refuse };
 /// Opens a regular file; anything else, a pipe or a folder, is refused, never opened and never waited for. A relative
 /// path is counted from the open folder `from`.

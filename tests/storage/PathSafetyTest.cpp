@@ -1,4 +1,5 @@
 #include "storage/PathSafety.h"
+#include "storage/DeviceAnchor.h"
 
 #include "support/Messages.h"
 #include "support/SampleDevice.h"
@@ -60,7 +61,7 @@ TEST(RejectLinks, findsALinkAnywhereInATree)
     }
 }
 
-TEST(DeviceDirectory, makesMissingLevelsAndRefusesPathsThatLeaveTheDevice)
+TEST(DeviceAnchor, opensAndMakesFoldersOfTheDeviceAlone)
 {
     const TemporaryFolder folder;
     makeDevice(folder);
@@ -68,18 +69,48 @@ TEST(DeviceDirectory, makesMissingLevelsAndRefusesPathsThatLeaveTheDevice)
     std::filesystem::create_directory_symlink(folder / "elsewhere", folder / "link");
     std::filesystem::create_symlink("nowhere", folder / "dangling");
     folder.write("file", "x");
-    const auto message
-        = [&](const char *relative) { return messageOf([&] { (void)Storage::directory(relative, folder.path()); }); };
+    const Storage::DeviceAnchor anchor(folder / ""); // a separator at the end changes nothing
+    const auto make
+        = [&](const char *relative) { return anchor.folder(relative, Storage::DeviceAnchor::Missing::Make); };
     const std::pair<const char *, const char *> rows[] = {{"made/../b", "Nieprawidłowa ścieżka."},
         {"./b", "Nieprawidłowa ścieżka."}, {"link/b", "Ścieżka zawiera dowiązanie: link"},
         {"dangling/b", "Ścieżka zawiera dowiązanie: dangling"}, {"file/b", "Folder jest zajęty przez plik: file"}};
     for (const auto &[relative, refusal] : rows) {
-        EXPECT_EQ(message(relative), refusal);
+        EXPECT_EQ(messageOf([&] { make(relative); }), refusal);
     }
     EXPECT_TRUE(std::filesystem::is_empty(folder / "elsewhere"));
-    EXPECT_EQ(Storage::directory("/Music//A/", folder.path()), folder / "Music/A");
+    EXPECT_THROW((void)anchor.folder("Music/A"), std::system_error);
+    EXPECT_EQ(make("/Music//A/").path, folder / "Music/A");
+    EXPECT_EQ(make("").path, folder.path());
     EXPECT_TRUE(std::filesystem::is_directory(folder / "Music/A"));
     std::filesystem::remove_all(folder / ".rockbox");
-    EXPECT_EQ(message("new"), "Ten folder nie zawiera katalogu .rockbox.");
-    EXPECT_FALSE(std::filesystem::exists(folder / "new"));
+    EXPECT_EQ(messageOf([&] { anchor.require(); }), "Ten folder nie zawiera katalogu .rockbox.");
+}
+
+TEST(DeviceAnchor, refusesWhateverElseHasComeToTheDevicesPlace)
+{
+    const std::string another = "W miejscu iPoda jest teraz inny dysk lub folder. Podłącz iPoda ponownie.";
+    const std::string link = "Folder urządzenia nie może być dowiązaniem symbolicznym.";
+    const TemporaryFolder memory("/dev/shm"); // another disk
+    makeDevice(memory, "IPOD");
+    struct Row {
+        const char *moved;
+        std::filesystem::path comes;
+        bool asLink;
+        std::string refusal;
+    };
+    for (const Row &row : {Row {"place", memory.path(), true, another}, {"disk/IPOD", "other", true, link},
+             {"disk/IPOD", "other", false, another}}) {
+        const TemporaryFolder folder;
+        makeDevice(folder, "disk/IPOD");
+        makeDevice(folder, "other");
+        create_directory_symlink(folder / "disk", folder / "place");
+        const Storage::DeviceAnchor anchor(folder / "place/IPOD");
+        EXPECT_EQ(messageOf([&] { anchor.require(); }), "");
+        rename(folder / row.moved, folder / "moved");
+        row.asLink ? create_directory_symlink(folder / row.comes, folder / row.moved)
+                   : rename(folder / row.comes, folder / row.moved);
+        EXPECT_EQ(messageOf([&] { anchor.require(); }), row.refusal);
+        EXPECT_EQ(messageOf([&] { (void)anchor.folder(""); }), another);
+    }
 }
