@@ -124,7 +124,7 @@ std::filesystem::path fromText(const QString &text)
         if (text[i].isHighSurrogate() && i + 1 < text.size() && text[i + 1].isLowSurrogate()) {
             ++i;
         } else if (const char16_t unit = text[i].unicode();
-                   unit >= escapedByteBase + 0x80 && unit <= escapedByteBase + 0xFF) {
+            unit >= escapedByteBase + 0x80 && unit <= escapedByteBase + 0xFF) {
             take(i);
             bytes.push_back(static_cast<char>(unit - escapedByteBase));
             run = i + 1;
@@ -158,13 +158,13 @@ std::filesystem::path standardised(const std::filesystem::path &path)
 
 bool exists(const std::filesystem::path &path)
 {
-    struct stat status { };
+    struct stat status {};
     return ::stat(path.c_str(), &status) == 0;
 }
 
 bool isDirectory(const std::filesystem::path &path)
 {
-    struct stat status { };
+    struct stat status {};
     return ::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
@@ -172,7 +172,7 @@ Kind kindOf(const std::filesystem::path &path, int from)
 {
     // The name of a link that ends in a separator would mean the link's target.
     const std::filesystem::path item = path.has_filename() ? path : path.parent_path();
-    struct stat status { };
+    struct stat status {};
     if (::fstatat(from, item.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
         if (errno != ENOENT && errno != ENOTDIR) {
             throwFailure(errno, path);
@@ -202,7 +202,7 @@ Kind kindOrNone(const std::filesystem::path &path)
 
 std::optional<std::int64_t> size(const std::filesystem::path &path)
 {
-    struct stat status { };
+    struct stat status {};
     if (::stat(path.c_str(), &status) != 0) {
         return std::nullopt;
     }
@@ -234,7 +234,7 @@ int Descriptor::release()
 
 Descriptor openForReading(const std::filesystem::path &path, Links links, int from)
 {
-    struct stat status { };
+    struct stat status {};
     const auto requireRegular = [&] {
         if (!S_ISREG(status.st_mode)) {
             throwFailure(S_ISDIR(status.st_mode) ? EISDIR : EINVAL, path);
@@ -279,7 +279,7 @@ std::optional<QByteArray> readBelow(const std::filesystem::path &path, std::int6
 {
     try {
         const Descriptor file = openForReading(path);
-        struct stat status { };
+        struct stat status {};
         if (::fstat(file.get(), &status) != 0 || status.st_size >= limit) {
             return std::nullopt;
         }

@@ -71,9 +71,9 @@ void fillBackup(const std::filesystem::path &folder, const std::filesystem::path
     if (diskCalls().mkdir(folder.c_str(), 0777) != 0) {
         Files::throwFailure(errno, folder);
     }
-    const Files::Descriptor to = Storage::openFolder(folder);
-    const Files::Descriptor device = Storage::openFolder(root);
-    const Files::Descriptor from = Storage::openFolder(".rockbox", device.get());
+    const Files::Descriptor to = Files::openFolder(folder).descriptor;
+    const Files::Descriptor device = Files::openFolder(root).descriptor;
+    const Files::Descriptor from = Files::openFolder(".rockbox", device.get()).descriptor;
     for (const char *const name : savedItems) {
         if (holdsItem(from.get(), name)) {
             Storage::rejectLinks(root / ".rockbox" / name);

@@ -16,8 +16,12 @@ namespace Storage {
 void writeBytes(const QByteArray &bytes, const std::filesystem::path &destination,
     Files::Durability durability = Files::Durability::Now);
 
-/// Copies a file byte for byte to a name that must not exist, in blocks of 1 MiB. Neither times nor other attributes
-/// are copied. On failure the incomplete destination stays: the caller holds its name and removes it.
+/// Copies what is still to be read of `source` to a name that must not exist, in blocks of 1 MiB. Neither times nor
+/// other attributes are copied. On failure the incomplete destination stays: the caller holds its name and removes it.
+void copyToNew(const Files::Descriptor &source, const std::filesystem::path &destination,
+    Files::Durability durability = Files::Durability::Now);
+
+/// The same of a whole file; links are followed.
 void copyAudioBytes(const std::filesystem::path &source, const std::filesystem::path &destination);
 
 /// Replaces `destination` atomically by a copy of a file of any size, as writeBytes() does by bytes.

@@ -38,8 +38,8 @@ using Items = std::map<std::filesystem::path, Files::Kind>;
 Items itemsBelow(const std::filesystem::path &folder)
 {
     Items items;
-    Storage::forEachBelow(folder, Storage::Unreadable::Throw, [&](const std::filesystem::path &item, Files::Kind kind) {
-        items.emplace(item.native().substr(folder.native().size() + 1), kind);
+    Storage::forEachBelow(folder, Storage::Unreadable::Throw, [&](const Storage::TreeItem &item) {
+        items.emplace(item.path.native().substr(folder.native().size() + 1), item.kind);
     });
     return items;
 }

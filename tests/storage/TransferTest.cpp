@@ -41,7 +41,7 @@ struct Desk {
 
     std::string message(const std::vector<TransferFile> &files) const
     {
-        return failureOf([&] { (void)Storage::transfer(files, root, [](int, int) {}); });
+        return failureOf([&] { (void)Storage::transfer(files, root, [](int, int) { }); });
     }
 
     FileMap music() const { return std::filesystem::exists(root / "Music") ? filesBelow(root / "Music") : FileMap {}; }
