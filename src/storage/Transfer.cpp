@@ -2,6 +2,7 @@
 
 #include "storage/Device.h"
 #include "storage/Digest.h"
+#include "storage/DiskSpelling.h"
 #include "storage/PathSafety.h"
 #include "storage/Writers.h"
 
@@ -120,7 +121,9 @@ TransferResult transfer(
     if (total >= Device::inspect(root).available) {
         throw MarluneError(QStringLiteral("Za mało wolnego miejsca na cały transfer."));
     }
-    const Names names(Volumes::nameRules(root));
+    const Volumes::NameRules rules = Volumes::nameRules(root);
+    const Names names(rules);
+    const DiskSpelling spelling(root, rules);
     TransferResult result;
     result.destinations.reserve(files.size());
     for (const TransferFile &file : files) {
@@ -136,7 +139,10 @@ TransferResult transfer(
             copyInto(file.source, destination.path, root);
             ++result.copied;
         }
-        result.destinations.push_back(std::move(destination.path));
+        // A playlist must not name one file in two ways.
+        const std::filesystem::path asked = destination.path.lexically_relative(root);
+        result.destinations.push_back(
+            root / (destination.identical ? spelling.of(asked) : spelling.of(asked.parent_path()) / asked.filename()));
         progress(int(result.destinations.size()), int(files.size()));
     }
     if (result.copied > 0) {
