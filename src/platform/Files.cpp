@@ -2,7 +2,6 @@
 
 #include "platform/DiskCalls.h"
 
-#include <QStringDecoder>
 #include <QUuid>
 
 #include <fcntl.h>
@@ -80,6 +79,14 @@ std::size_t sequenceLength(std::string_view bytes)
     return overlong || surrogate || beyond ? 0 : length;
 }
 
+/// Qt takes a U+FEFF at the start for a mark of the encoding and drops it; in a name it is a character.
+QString decoded(QUtf8StringView utf8)
+{
+    const QString text = utf8.toString();
+    const std::string_view bytes(utf8.data(), std::size_t(utf8.size()));
+    return bytes.starts_with("\xEF\xBB\xBF") ? QChar(QChar::ByteOrderMark) + text : text;
+}
+
 } // namespace
 
 namespace Files {
@@ -94,7 +101,7 @@ QString text(const std::filesystem::path &path)
     const std::string_view bytes = path.native();
     const auto whole = QUtf8StringView(bytes.data(), qsizetype(bytes.size()));
     if (whole.isValidUtf8()) {
-        return whole.toString();
+        return decoded(whole);
     }
     QString result;
     for (std::size_t i = 0; i < bytes.size();) {
@@ -103,7 +110,7 @@ QString text(const std::filesystem::path &path)
             result += QChar(char16_t(escapedByteBase + static_cast<unsigned char>(bytes[i])));
             ++i;
         } else {
-            result += QString::fromUtf8(bytes.data() + i, qsizetype(length));
+            result += decoded(QUtf8StringView(bytes.data() + i, qsizetype(length)));
             i += length;
         }
     }

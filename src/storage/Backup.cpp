@@ -70,7 +70,7 @@ void fillBackup(const std::filesystem::path &folder, const Storage::DeviceAnchor
     if (diskCalls().mkdir(folder.c_str(), 0777) != 0) {
         Files::throwFailure(errno, folder);
     }
-    const Files::Descriptor to = Storage::openFolder(folder);
+    const Files::Descriptor to = Files::openFolder(folder).descriptor;
     const Files::Folder settings = device.folder(".rockbox");
     for (const char *const name : savedItems) {
         if (holdsItem(settings.descriptor.get(), name)) {

@@ -70,9 +70,9 @@ std::vector<std::filesystem::path> macMetadataFiles(const std::filesystem::path 
     for (const std::filesystem::directory_entry &entry : std::filesystem::directory_iterator(root)) {
         // A link among them is not opened.
         if (Files::name(entry.path()).toLower().startsWith(QStringLiteral("music"))) {
-            forEachBelow(entry.path(), Unreadable::PassOver, [&](const std::filesystem::path &item, Files::Kind kind) {
-                if (kind == Files::Kind::File && isCompanion(item)) {
-                    files.push_back(item);
+            forEachBelow(entry.path(), Unreadable::PassOver, [&](const TreeItem &item) {
+                if (item.kind == Files::Kind::File && isCompanion(item.path)) {
+                    files.push_back(item.path);
                 }
             });
         }

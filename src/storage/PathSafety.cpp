@@ -123,8 +123,8 @@ void rejectLinks(const std::filesystem::path &path)
     if (isSymbolicLink(path)) {
         refuse();
     }
-    forEachBelow(path, Unreadable::PassOver, [&](const std::filesystem::path &, Files::Kind kind) {
-        if (kind == Files::Kind::Link) {
+    forEachBelow(path, Unreadable::PassOver, [&](const TreeItem &item) {
+        if (item.kind == Files::Kind::Link) {
             refuse();
         }
     });

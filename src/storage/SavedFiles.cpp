@@ -1,25 +1,12 @@
 #include "storage/SavedFiles.h"
 
-#include "storage/Blocks.h"
 #include "storage/ComputerDisk.h"
+#include "storage/Writers.h"
 
 #include "platform/Files.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
-
-namespace {
-
-void copyRegular(const std::filesystem::path &file, const std::filesystem::path &copy)
-{
-    const Files::Descriptor source = Files::openForReading(file, Files::Links::Refuse);
-    const Files::Descriptor destination = Files::createExclusively(copy);
-    Storage::forEachBlock(
-        source.get(), [&](std::span<const char> block) { Files::writeFully(destination.get(), block); });
-    Files::synchronise(destination.get());
-}
-
-} // namespace
 
 namespace Storage {
 
@@ -38,7 +25,7 @@ SavedFiles saveFiles(
         QJsonObject manifest;
         for (const std::filesystem::path &file : files) {
             const std::string name = Files::newIdentifier() + names.fileSuffix.toStdString();
-            copyRegular(file, saved.folder / name);
+            copyToNew(Files::openForReading(file, Files::Links::Refuse), saved.folder / name);
             saved.copies.emplace(file, saved.folder / name);
             manifest.insert(QString::fromStdString(name), Files::text(file));
         }

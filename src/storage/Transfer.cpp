@@ -1,6 +1,7 @@
 #include "storage/Transfer.h"
 
 #include "storage/Digest.h"
+#include "storage/DiskSpelling.h"
 #include "storage/PathSafety.h"
 #include "storage/Writers.h"
 
@@ -11,6 +12,7 @@
 
 #include <cerrno>
 #include <cstdint>
+#include <limits>
 
 namespace {
 
@@ -106,7 +108,9 @@ std::int64_t totalSize(std::span<const TransferFile> files)
         if (!S_ISREG(status.st_mode) && !S_ISLNK(status.st_mode)) { // a pipe would be waited for without end
             Files::throwFailure(S_ISDIR(status.st_mode) ? EISDIR : EINVAL, file.source);
         }
-        total += status.st_size;
+        if (__builtin_add_overflow(total, std::int64_t(status.st_size), &total)) {
+            return std::numeric_limits<std::int64_t>::max(); // more than any disk holds
+        }
     }
     return total;
 }
@@ -123,7 +127,9 @@ TransferResult transfer(
     if (total >= device.require().available) {
         throw MarluneError(QStringLiteral("Za mało wolnego miejsca na cały transfer."));
     }
-    const Names names(Volumes::nameRules(device.root()));
+    const Volumes::NameRules rules = Volumes::nameRules(device.root());
+    const Names names(rules);
+    const DiskSpelling spelling(device.root(), rules);
     TransferResult result;
     result.destinations.reserve(files.size());
     for (const TransferFile &file : files) {
@@ -139,7 +145,10 @@ TransferResult transfer(
             copyInto(file.source, folder, destination.name, device);
             ++result.copied;
         }
-        result.destinations.push_back(folder.path / destination.name);
+        // A playlist must not name one file in two ways.
+        const std::filesystem::path asked = names.folder(file);
+        result.destinations.push_back(device.root()
+            / (destination.identical ? spelling.of(asked / destination.name) : spelling.of(asked) / destination.name));
         progress(int(result.destinations.size()), int(files.size()));
     }
     if (result.copied > 0) {

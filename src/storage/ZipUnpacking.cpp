@@ -11,6 +11,8 @@
 #include "platform/MarluneError.h"
 #include "platform/RegularFile.h"
 
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <cerrno>
 #include <set>
@@ -115,15 +117,14 @@ void requireFewFolders(const Storage::ZipContents &contents)
 void requireRoom(const std::filesystem::path &unpacked)
 {
     std::int64_t bytes = 0;
-    Storage::forEachBelow(
-        unpacked, Storage::Unreadable::Throw, [&bytes](const std::filesystem::path &item, Files::Kind kind) {
-            std::error_code failure;
-            const std::uintmax_t size = kind == Files::Kind::File ? std::filesystem::file_size(item, failure) : 0;
-            if (failure && failure != std::errc::no_such_file_or_directory) {
-                throw std::filesystem::filesystem_error("stat", item, failure);
-            }
-            bytes += failure ? 0 : std::int64_t(size);
-        });
+    Storage::forEachBelow(unpacked, Storage::Unreadable::Throw, [&bytes](const Storage::TreeItem &item) {
+        struct stat status {};
+        if (::fstatat(item.folder, item.path.filename().c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0) {
+            bytes += S_ISREG(status.st_mode) ? status.st_size : 0;
+        } else if (errno != ENOENT) {
+            Files::throwFailure(errno, item.path);
+        }
+    });
     if (bytes > Storage::largestPackage) {
         throw MarluneError(QStringLiteral("Rozpakowany motyw przekracza 100 MB."));
     }
@@ -133,15 +134,14 @@ void requireRoom(const std::filesystem::path &unpacked)
 void takeOver(const std::filesystem::path &unpacked)
 {
     using std::filesystem::perms;
-    Storage::forEachBelow(
-        unpacked, Storage::Unreadable::PassOver, [](const std::filesystem::path &item, Files::Kind kind) {
-            std::error_code ignored; // what cannot be read is refused later
-            if (kind == Files::Kind::Folder) {
-                std::filesystem::permissions(item, perms::owner_all, ignored);
-            } else if (kind == Files::Kind::File) {
-                std::filesystem::permissions(item, perms::owner_read | perms::owner_write, ignored);
-            }
-        });
+    Storage::forEachBelow(unpacked, Storage::Unreadable::PassOver, [](const Storage::TreeItem &item) {
+        std::error_code ignored; // what cannot be read is refused later
+        if (item.kind == Files::Kind::Folder) {
+            std::filesystem::permissions(item.path, perms::owner_all, ignored);
+        } else if (item.kind == Files::Kind::File) {
+            std::filesystem::permissions(item.path, perms::owner_read | perms::owner_write, ignored);
+        }
+    });
 }
 
 /// Whatever was read before: nothing but plain files and folders has come out, and the files are those inspected.
@@ -154,18 +154,17 @@ void requireInspected(const std::filesystem::path &unpacked, const Storage::ZipC
             refusePackage(); // one has overwritten the other
         }
     }
-    Storage::forEachBelow(
-        unpacked, Storage::Unreadable::Throw, [&missing](const std::filesystem::path &item, Files::Kind kind) {
-            if (kind == Files::Kind::Link) {
-                throw MarluneError(QStringLiteral("Paczka zawiera dowiązanie symboliczne."));
-            }
-            if (kind == Files::Kind::Other) {
-                throw MarluneError(QStringLiteral("Paczka zawiera dowiązanie lub plik specjalny."));
-            }
-            if (kind == Files::Kind::File && missing.erase(item) == 0) {
-                refusePackage();
-            }
-        });
+    Storage::forEachBelow(unpacked, Storage::Unreadable::Throw, [&missing](const Storage::TreeItem &item) {
+        if (item.kind == Files::Kind::Link) {
+            throw MarluneError(QStringLiteral("Paczka zawiera dowiązanie symboliczne."));
+        }
+        if (item.kind == Files::Kind::Other) {
+            throw MarluneError(QStringLiteral("Paczka zawiera dowiązanie lub plik specjalny."));
+        }
+        if (item.kind == Files::Kind::File && missing.erase(item.path) == 0) {
+            refusePackage();
+        }
+    });
     if (!missing.empty()) {
         refusePackage();
     }

@@ -4,6 +4,7 @@
 
 #include "storage/Backup.h"
 #include "storage/DeviceAnchor.h"
+#include "storage/DiskSpelling.h"
 #include "storage/FileChanges.h"
 #include "storage/FolderTree.h"
 #include "storage/PathSafety.h"
@@ -14,8 +15,6 @@
 #include "platform/Files.h"
 #include "platform/MarluneError.h"
 #include "platform/RegularFile.h"
-
-#include <sys/stat.h>
 
 #include <algorithm>
 #include <map>
@@ -38,8 +37,8 @@ using Items = std::map<std::filesystem::path, Files::Kind>;
 Items itemsBelow(const std::filesystem::path &folder)
 {
     Items items;
-    Storage::forEachBelow(folder, Storage::Unreadable::Throw, [&](const std::filesystem::path &item, Files::Kind kind) {
-        items.emplace(item.native().substr(folder.native().size() + 1), kind);
+    Storage::forEachBelow(folder, Storage::Unreadable::Throw, [&](const Storage::TreeItem &item) {
+        items.emplace(item.path.native().substr(folder.native().size() + 1), item.kind);
     });
     return items;
 }
@@ -90,57 +89,20 @@ std::vector<PackageFile> planFiles(const std::filesystem::path &package, Volumes
     return files;
 }
 
-using Status = struct stat;
-
-bool hasSameNumber(const Status &a, const Status &b)
-{
-    return a.st_ino == b.st_ino;
-}
-
-/// Drivers in user space give each spelling of a name a number of its own.
-bool looksTheSame(const Status &a, const Status &b)
-{
-    return a.st_size == b.st_size && a.st_mtim.tv_sec == b.st_mtim.tv_sec && a.st_mtim.tv_nsec == b.st_mtim.tv_nsec;
-}
-
-bool isSame(
-    const std::filesystem::path &one, const std::filesystem::path &other, bool (*same)(const Status &, const Status &))
-{
-    Status a {};
-    Status b {};
-    return ::lstat(one.c_str(), &a) == 0 && ::lstat(other.c_str(), &b) == 0 && a.st_dev == b.st_dev && same(a, b);
-}
-
 /// The device's files as they are in the backup, where the items of `.rockbox` stand directly in its folder.
 class SavedSettings {
 public:
     SavedSettings(std::filesystem::path backup, std::filesystem::path device, Volumes::NameRules rules)
         : m_backup(std::move(backup))
-        , m_device(std::move(device))
-        , m_rules(rules)
+        , m_spelling(std::move(device), rules)
         , m_items(itemsBelow(m_backup))
     {
-        for (const auto &item : m_items) {
-            m_byKey.emplace(volumeKey(item.first, rules), item.first);
-        }
     }
 
-    /// As the device spells it: where case does not count, a file that is there keeps its letters. The disk decides
-    /// what is the same name to it; its table of letters is not ours.
+    /// As the device spells it: where case does not count, a file that is there keeps its letters.
     [[nodiscard]] std::filesystem::path spelling(const std::filesystem::path &target) const
     {
-        if (m_items.contains(target)) {
-            return target;
-        }
-        const auto [begin, end] = m_byKey.equal_range(volumeKey(target, m_rules));
-        for (const auto &same : {hasSameNumber, looksTheSame}) {
-            const auto found = std::find_if(
-                begin, end, [&](const auto &item) { return isSame(m_device / item.second, m_device / target, same); });
-            if (found != end) {
-                return found->second;
-            }
-        }
-        return target;
+        return m_spelling.of(target);
     }
     /// Of a file as it is spelled on the device.
     [[nodiscard]] std::optional<std::filesystem::path> copyOf(const std::filesystem::path &target) const
@@ -150,10 +112,8 @@ public:
 
 private:
     std::filesystem::path m_backup;
-    std::filesystem::path m_device; ///< its `.rockbox`
-    Volumes::NameRules m_rules;
+    Storage::DiskSpelling m_spelling; ///< in the device's `.rockbox`
     Items m_items;
-    std::multimap<QString, std::filesystem::path> m_byKey;
 };
 
 QByteArray contentOf(const std::filesystem::path &file)

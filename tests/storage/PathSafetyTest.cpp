@@ -1,10 +1,13 @@
 #include "storage/PathSafety.h"
 #include "storage/DeviceAnchor.h"
+#include "storage/FolderTree.h"
 
 #include "support/Messages.h"
 #include "support/SampleDevice.h"
 
 #include <gtest/gtest.h>
+
+#include <sys/stat.h>
 
 namespace {
 
@@ -58,6 +61,35 @@ TEST(RejectLinks, findsALinkAnywhereInATree)
         std::filesystem::create_symlink("nowhere", folder / link);
         EXPECT_EQ(messageOf([&] { Storage::rejectLinks(folder / "tree"); }), message) << link;
         EXPECT_EQ(messageOf([&] { Storage::rejectLinks(folder / link); }), message) << link;
+    }
+}
+
+TEST(ForEachBelow, goesNowhereElseWhateverHappensOnTheWay)
+{
+    constexpr std::size_t all = 22;
+    for (const auto &[changeAt, reached] : std::map<std::size_t, std::size_t> {{1, 1}, {2, all}, {all, all}}) {
+        const TemporaryFolder folder;
+        folder.write("outside/d/d/secret", "x");
+        std::filesystem::path deep = "tree/way";
+        for (int level = 0; level < 20; ++level) { // more than are open at a time
+            deep /= "d";
+        }
+        folder.write(deep / "leaf", "x");
+        std::size_t seen = 0;
+        const auto use = [&](const Storage::TreeItem &item) {
+            ++seen;
+            EXPECT_NE(item.path.filename(), "secret");
+            struct stat status {};
+            EXPECT_EQ(::fstatat(item.folder, item.path.filename().c_str(), &status, AT_SYMLINK_NOFOLLOW), 0);
+            if (seen == changeAt) {
+                std::filesystem::rename(folder / "tree/way", folder / "outside/way");
+                std::filesystem::create_directory_symlink("../outside", folder / "tree/way");
+            }
+        };
+        const std::string failure
+            = failureOf([&] { Storage::forEachBelow(folder / "tree", Storage::Unreadable::PassOver, use); });
+        EXPECT_EQ(seen, reached);
+        EXPECT_EQ(failure.empty(), reached < all); // it cannot come back from a folder that was moved away
     }
 }
 
