@@ -19,12 +19,4 @@ void copyAudioBytes(const std::filesystem::path &source, const std::filesystem::
     copyToNew(Files::openForReading(source), destination, Files::Durability::Now, folder);
 }
 
-void copyOver(const std::filesystem::path &source, const Files::Folder &folder, const std::filesystem::path &name,
-    Files::Durability durability)
-{
-    Files::place(folder, name, Files::Placing::Replace, [&](const std::filesystem::path &file, int from) {
-        copyToNew(Files::openForReading(source), file, durability, from);
-    });
-}
-
 } // namespace Storage

@@ -22,8 +22,4 @@ void copyToNew(const Files::Descriptor &source, const std::filesystem::path &des
 void copyAudioBytes(
     const std::filesystem::path &source, const std::filesystem::path &destination, int folder = AT_FDCWD);
 
-/// Replaces the file `name` of an open folder atomically by a copy of a file of any size.
-void copyOver(const std::filesystem::path &source, const Files::Folder &folder, const std::filesystem::path &name,
-    Files::Durability durability);
-
 } // namespace Storage
