@@ -214,6 +214,18 @@ TEST(ThemeInstall, followsNoLinkAndReplacesNothingUnsavedThatAppearsMeanwhile)
     }
 }
 
+TEST(ThemeInstall, refusesAFolderWhereItHasAFileBeforeAnythingBegins)
+{
+    InstallDesk desk;
+    for (const char *inside : {"themes/Dawn.cfg/x", "wps/Dawn/back.bmp/x"}) {
+        desk.settings = {{inside, "mine"}};
+        desk.install(named("plain.zip"));
+        EXPECT_EQ(desk.failure, "Plik jest zajęty przez folder: " + fs::path(inside).parent_path().filename().string());
+        desk.expectAllOrNothing(inside);
+        EXPECT_TRUE(fs::is_empty(desk.folder / "Backups"));
+    }
+}
+
 TEST(ThemeInstall, returnsWhenAllOfItIsOnTheMedium)
 {
     static int unflushed = 0;
