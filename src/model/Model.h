@@ -32,6 +32,9 @@
 
 struct TrackImport;
 struct TransferResult;
+namespace Storage {
+class DeviceAnchor;
+}
 
 /// What the model needs from outside.
 struct ModelEnvironment {
@@ -367,15 +370,15 @@ private:
     [[nodiscard]] TransferPlan planTransfer(const std::vector<Track> &items) const;
     [[nodiscard]] static std::vector<PlannedCover> planCovers(const std::vector<Track> &items);
     [[nodiscard]] static QByteArray preparedCover(const PlannedCover &cover);
-    static void installCovers(
-        const TransferPlan &plan, const std::vector<std::filesystem::path> &destinations, const JobProgress &progress);
-    void landTransfer(const TransferPlan &plan, TransferResult result, const std::exception_ptr &failure);
+    static void installCovers(const TransferPlan &plan, const Storage::DeviceAnchor &device,
+        const std::vector<std::filesystem::path> &destinations, const JobProgress &progress);
+    void landTransfer(const TransferPlan &plan, TransferResult result, bool isThere, const std::exception_ptr &failure);
     /// The order of paths as plain text; their own goes by components.
     [[nodiscard]] static bool isBeforeAsText(const std::filesystem::path &a, const std::filesystem::path &b)
     {
         return a.native() < b.native();
     }
-    void noteTransferred(const Device &device, std::vector<std::filesystem::path> files);
+    void noteTransferred(int visit, std::vector<std::filesystem::path> files);
     void landDevices(std::vector<Device> found);
     void landContent(DeviceContent read);
     void landPreviews(const ThemePreview::ByTheme &found);

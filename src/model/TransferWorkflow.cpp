@@ -8,6 +8,7 @@
 
 #include "library/AlbumGrouping.h"
 
+#include "storage/DeviceAnchor.h"
 #include "storage/MacMetadata.h"
 #include "storage/Transfer.h"
 
@@ -28,7 +29,8 @@ struct MarluneModel::PlannedCover {
 };
 
 struct MarluneModel::TransferPlan {
-    Device device;
+    std::filesystem::path root;
+    int visit; ///< of the device
     std::filesystem::path backupRoot;
     std::vector<TransferFile> files;
     std::vector<PlannedCover> covers;
@@ -71,8 +73,12 @@ MarluneModel::TransferPlan MarluneModel::planTransfer(const std::vector<Track> &
             places.insert(track.id, {&album, severalDiscs});
         }
     }
-    TransferPlan plan {
-        .device = *m_device, .backupRoot = backupRoot(), .files = {}, .covers = planCovers(items), .ids = {}};
+    TransferPlan plan {.root = m_device->root,
+        .visit = m_visit,
+        .backupRoot = backupRoot(),
+        .files = {},
+        .covers = planCovers(items),
+        .ids = {}};
     plan.files.reserve(items.size());
     for (const Track &track : items) {
         plan.ids.insert(track.id);
@@ -114,8 +120,8 @@ QByteArray MarluneModel::preparedCover(const PlannedCover &cover)
 }
 
 /// Blocking; stops at the first album whose cover cannot be prepared or written.
-void MarluneModel::installCovers(
-    const TransferPlan &plan, const std::vector<std::filesystem::path> &destinations, const JobProgress &progress)
+void MarluneModel::installCovers(const TransferPlan &plan, const Storage::DeviceAnchor &device,
+    const std::vector<std::filesystem::path> &destinations, const JobProgress &progress)
 {
     int done = 0;
     for (const PlannedCover &cover : plan.covers) {
@@ -125,7 +131,7 @@ void MarluneModel::installCovers(
                 tracks.push_back(destinations[item]);
             }
         }
-        Artwork::install(preparedCover(cover), tracks, plan.device.root, plan.backupRoot);
+        Artwork::install(preparedCover(cover), tracks, device, plan.backupRoot);
         progress(++done, int(plan.covers.size()));
     }
 }
@@ -134,10 +140,13 @@ QCoro::Task<> MarluneModel::runTransfer(std::shared_ptr<const TransferPlan> plan
 {
     const QPointer<MarluneModel> self(this);
     const JobProgress progress = postedProgress();
+    std::shared_ptr<const Storage::DeviceAnchor> device; // one for all steps: another disk may come between two
     TransferResult result;
     std::exception_ptr failure;
     try {
-        auto copy = [plan, progress] { return Storage::transfer(plan->files, plan->device.root, progress); };
+        auto hold = [plan] { return std::make_shared<const Storage::DeviceAnchor>(plan->root); };
+        device = co_await background(hold);
+        auto copy = [plan, progress, device] { return Storage::transfer(plan->files, *device, progress); };
         result = co_await background(copy);
         if (!self) {
             co_return;
@@ -145,7 +154,9 @@ QCoro::Task<> MarluneModel::runTransfer(std::shared_ptr<const TransferPlan> plan
         if (!plan->covers.empty()) {
             setStatus(QStringLiteral("Zapisuję okładki…"));
             setProgress(0);
-            auto cover = [plan, progress, tracks = result.destinations] { installCovers(*plan, tracks, progress); };
+            auto cover = [plan, progress, device, tracks = result.destinations] {
+                installCovers(*plan, *device, tracks, progress);
+            };
             co_await background(cover);
             if (!self) {
                 co_return;
@@ -153,18 +164,30 @@ QCoro::Task<> MarluneModel::runTransfer(std::shared_ptr<const TransferPlan> plan
         }
         setStatus(QStringLiteral("Porządkuję pliki pomocnicze macOS…"));
         setProgress(0);
-        auto clean = [plan] { (void)Storage::cleanupMacMetadata(plan->device.root, plan->backupRoot); };
+        auto clean = [plan] { (void)Storage::cleanupMacMetadata(plan->root, plan->backupRoot); };
         co_await background(clean);
     } catch (const std::exception &) {
         failure = std::current_exception();
     }
+    auto look = [device] { (void)device->require(); };
+    bool isThere = false;
+    if (device) {
+        const auto seen = co_await attempt(look);
+        isThere = !seen.failure;
+    }
     if (self) {
-        landTransfer(*plan, std::move(result), failure);
+        landTransfer(*plan, std::move(result), isThere, failure);
     }
 }
 
-void MarluneModel::landTransfer(const TransferPlan &plan, TransferResult result, const std::exception_ptr &failure)
+/// `isThere`: the device that the files went to is still at its place.
+void MarluneModel::landTransfer(
+    const TransferPlan &plan, TransferResult result, bool isThere, const std::exception_ptr &failure)
 {
+    if (!isThere && m_visit == plan.visit) {
+        ++m_visit; // what is at its place now, noticed or not, holds none of the files that the lists name
+        clearDeviceMusic();
+    }
     if (failure) {
         setAlert(describeFailure(failure)
             + QStringLiteral("\n\nCzęść utworów mogła już zostać wgrana. Możesz ponowić transfer — identyczne pliki "
@@ -173,7 +196,7 @@ void MarluneModel::landTransfer(const TransferPlan &plan, TransferResult result,
     } else {
         m_queued.subtract(plan.ids);
         Q_EMIT selectionChanged();
-        noteTransferred(plan.device, std::move(result.destinations));
+        noteTransferred(plan.visit, std::move(result.destinations));
         setStatus(QStringLiteral("Wgrano: ") + QString::number(result.copied)
             + QStringLiteral(". Pominięto identyczne: ") + QString::number(result.skipped) + u'.');
         setAlert(m_status
@@ -184,9 +207,9 @@ void MarluneModel::landTransfer(const TransferPlan &plan, TransferResult result,
     refresh();
 }
 
-void MarluneModel::noteTransferred(const Device &device, std::vector<std::filesystem::path> files)
+void MarluneModel::noteTransferred(int visit, std::vector<std::filesystem::path> files)
 {
-    if (!m_device || m_device->root != device.root) {
+    if (m_visit != visit) {
         return; // the list is the selected device's
     }
     files.insert(files.end(), m_transferred.begin(), m_transferred.end());

@@ -6,7 +6,6 @@
 #include <fcntl.h>
 
 #include <cerrno>
-#include <utility>
 
 namespace {
 
@@ -56,9 +55,9 @@ Files::Descriptor step(int from, const std::filesystem::path &path, Storage::Dev
 
 namespace Storage {
 
-DeviceAnchor::DeviceAnchor(std::filesystem::path root)
-    : m_root(std::move(root))
-    , m_disk(::open(withoutSeparator(m_root).c_str(), O_PATH | folderFlags))
+DeviceAnchor::DeviceAnchor(const std::filesystem::path &root)
+    : m_root(withoutSeparator(root))
+    , m_disk(::open(m_root.c_str(), O_PATH | folderFlags))
 {
     const int error = errno;
     if (m_disk.get() < 0) {
@@ -80,8 +79,8 @@ Device DeviceAnchor::require() const
 
 void DeviceAnchor::requireSamePlace() const
 {
-    struct stat present { };
-    if (::lstat(withoutSeparator(m_root).c_str(), &present) != 0 || present.st_dev != m_identity.st_dev
+    struct stat present {};
+    if (::lstat(m_root.c_str(), &present) != 0 || present.st_dev != m_identity.st_dev
         || present.st_ino != m_identity.st_ino) {
         throw MarluneError(QStringLiteral("W miejscu iPoda jest teraz inny dysk lub folder. Podłącz iPoda ponownie."));
     }
@@ -89,9 +88,8 @@ void DeviceAnchor::requireSamePlace() const
 
 Files::Folder DeviceAnchor::folder(const std::filesystem::path &relative, Missing missing) const
 {
-    requireSamePlace();
-    Files::Folder current {
-        Files::Descriptor(::openat(m_disk.get(), ".", O_RDONLY | folderFlags)), withoutSeparator(m_root)};
+    missing == Missing::Make ? (void)require() : requireSamePlace();
+    Files::Folder current {Files::Descriptor(::openat(m_disk.get(), ".", O_RDONLY | folderFlags)), m_root};
     if (current.descriptor.get() < 0) {
         Files::throwFailure(errno, m_root);
     }
@@ -102,6 +100,18 @@ Files::Folder DeviceAnchor::folder(const std::filesystem::path &relative, Missin
         }
     }
     return current;
+}
+
+void DeviceAnchor::requireUnmoved(const Files::Folder &held) const
+{
+    const Files::Folder present = folder(held.path == m_root ? "" : held.path.lexically_relative(m_root));
+    struct stat one {};
+    struct stat other {};
+    if (::fstat(held.descriptor.get(), &one) != 0 || ::fstat(present.descriptor.get(), &other) != 0
+        || one.st_dev != other.st_dev || one.st_ino != other.st_ino) {
+        throw MarluneError(
+            QStringLiteral("Folder na iPodzie został w tym czasie zastąpiony: ") + Files::name(held.path));
+    }
 }
 
 } // namespace Storage

@@ -18,8 +18,9 @@ namespace Storage {
 
 class DeviceAnchor {
 public:
-    /// Throws as require() does, or the system's failure where the root cannot be opened.
-    explicit DeviceAnchor(std::filesystem::path root);
+    /// Throws as require() does, or the system's failure where the root cannot be opened. Not explicit: a job that is
+    /// given a path takes its anchor at once.
+    DeviceAnchor(const std::filesystem::path &root); // NOLINT(google-explicit-constructor)
 
     [[nodiscard]] const std::filesystem::path &root() const { return m_root; }
 
@@ -29,17 +30,20 @@ public:
 
     enum class Missing : std::uint8_t { Refuse, Make };
     /// Opens the folder `relative` to the root one piece after the other and follows no link; "" is the root itself.
-    /// It is looked at first whether the root is where it was, but not whether it still is a device. Pieces are made as
-    /// they are: safeName() is the caller's duty. Folders made before a refusal stay. Throws MarluneError, or the
-    /// system's failure; with Missing::Refuse that is ENOENT for a folder that is not there.
+    /// The root must be where it was; before it makes something, the device is inspected. Pieces are made as they are:
+    /// safeName() is the caller's duty. Folders made before a refusal stay. Throws MarluneError, or the system's
+    /// failure; with Missing::Refuse that is ENOENT for a folder that is not there.
     [[nodiscard]] Files::Folder folder(const std::filesystem::path &relative, Missing missing = Missing::Refuse) const;
+
+    /// Throws MarluneError or the system's failure where the path of a folder from here by now leads to another one.
+    void requireUnmoved(const Files::Folder &folder) const;
 
 private:
     void requireSamePlace() const;
 
     std::filesystem::path m_root;
     Files::Descriptor m_disk;
-    struct stat m_identity { };
+    struct stat m_identity {};
 };
 
 } // namespace Storage

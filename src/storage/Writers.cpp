@@ -4,30 +4,27 @@
 
 namespace Storage {
 
-void copyToNew(const Files::Descriptor &source, const std::filesystem::path &destination, Files::Durability durability)
+void copyToNew(
+    const Files::Descriptor &source, const std::filesystem::path &destination, int from, Files::Durability durability)
 {
-    const Files::Descriptor to = Files::createExclusively(destination);
+    const Files::Descriptor to = Files::createExclusively(destination, from);
     copyBlocks(source.get(), to.get());
     if (durability == Files::Durability::Now) {
         Files::synchronise(to.get());
     }
 }
 
-void writeBytes(const QByteArray &bytes, const std::filesystem::path &destination, Files::Durability durability)
+void copyAudioBytes(const std::filesystem::path &source, const std::filesystem::path &destination, int from)
 {
-    Files::writeAtomically(destination, bytes, durability);
+    copyToNew(Files::openForReading(source), destination, from);
 }
 
-void copyAudioBytes(const std::filesystem::path &source, const std::filesystem::path &destination)
+void copyOver(const std::filesystem::path &source, const Files::Folder &folder, const std::filesystem::path &name,
+    Files::Durability durability)
 {
-    copyToNew(Files::openForReading(source), destination);
-}
-
-void copyOver(
-    const std::filesystem::path &source, const std::filesystem::path &destination, Files::Durability durability)
-{
-    Files::place(destination, Files::Placing::Replace,
-        [&](const std::filesystem::path &file) { copyToNew(Files::openForReading(source), file, durability); });
+    Files::place(folder, name, Files::Placing::Replace, [&](const std::filesystem::path &file, int from) {
+        copyToNew(Files::openForReading(source), file, from, durability);
+    });
 }
 
 } // namespace Storage

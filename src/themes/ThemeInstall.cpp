@@ -3,7 +3,7 @@
 #include "themes/Themes.h"
 
 #include "storage/Backup.h"
-#include "storage/Device.h"
+#include "storage/DeviceAnchor.h"
 #include "storage/DiskSpelling.h"
 #include "storage/FileChanges.h"
 #include "storage/FolderTree.h"
@@ -159,21 +159,12 @@ int countThemes(const std::filesystem::path &unpacked)
         [](const Theme &theme) { return Files::kindOf(theme.url) == Files::Kind::File; }));
 }
 
-void writeFiles(const std::vector<PackageFile> &files, const std::filesystem::path &root, const SavedSettings &saved,
-    Storage::FileChanges &changes)
+void writeFiles(const std::vector<PackageFile> &files, const std::filesystem::path &settings,
+    const SavedSettings &saved, Storage::FileChanges &changes)
 {
     for (const PackageFile &file : files) {
-        const std::filesystem::path item = saved.spelling(file.target);
-        const std::filesystem::path folder = Storage::directory(".rockbox" / item.parent_path(), root);
-        const std::filesystem::path target = folder / item.filename();
-        const Files::Kind standing = Files::kindOf(target);
-        if (standing == Files::Kind::Link) {
-            throw MarluneError(QStringLiteral("Docelowy zasób jest dowiązaniem."));
-        }
-        if (standing != Files::Kind::None && !saved.copyOf(item)) {
-            throw MarluneError(QStringLiteral("Na iPodzie pojawił się plik bez kopii: ") + Files::name(target));
-        }
-        changes.write(contentOf(file.source), target);
+        changes.write(
+            contentOf(file.source), settings / saved.spelling(file.target), Storage::DeviceAnchor::Missing::Make);
     }
 }
 
@@ -184,7 +175,7 @@ namespace Storage {
 int installTheme(
     const std::filesystem::path &zip, const std::filesystem::path &root, const std::filesystem::path &backupFolder)
 {
-    (void)Device::inspect(root);
+    const DeviceAnchor device(root); // before the first look at its files
     inspectZip(zip);
     ScratchFolder scratch;
     const UnpackedZip unpacked = unpackZip(zip, scratch.path());
@@ -198,14 +189,15 @@ int installTheme(
     const Volumes::NameRules rules = Volumes::nameRules(root);
     const std::vector<PackageFile> files = planFiles(unpacked, rules);
     requireNoFolders(files, root / ".rockbox");
-    backup(root, backupFolder);
+    backup(device, backupFolder);
 
-    const SavedSettings saved(backupFolder, root / ".rockbox", rules);
+    const std::filesystem::path settings = device.root() / ".rockbox";
+    const SavedSettings saved(backupFolder, settings, rules);
     const auto copyOf
-        = [&](const std::filesystem::path &file) { return saved.copyOf(file.lexically_relative(root / ".rockbox")); };
-    FileChanges changes(root, copyOf, Files::Durability::Later);
+        = [&](const std::filesystem::path &file) { return saved.copyOf(file.lexically_relative(settings)); };
+    FileChanges changes(device, copyOf, Files::Durability::Later);
     try {
-        writeFiles(files, root, saved, changes);
+        writeFiles(files, settings, saved, changes);
         scratch.remove(); // what is removed need not be brought to the medium
         changes.keep();
     } catch (...) {

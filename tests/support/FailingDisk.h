@@ -10,7 +10,7 @@
 
 class FailingDisk {
 public:
-    /// Refused: the call does nothing and fails. Late: it does its work and fails all the same (open() does nothing).
+    /// Refused: the call does nothing and fails. Late: it does its work and fails all the same (openat() does nothing).
     /// Dead: it and all after it do nothing and fail. Event: something happens before it, and it works.
     enum class Fault { Refused, Late, Dead, Event };
 
@@ -22,11 +22,10 @@ public:
         s_error = error;
         s_fault = fault;
         s_event = std::move(event);
-        diskCalls() = {Call<&DiskCalls::open>::make, Call<&DiskCalls::write>::make, Call<&DiskCalls::fsync>::make,
-            Call<&DiskCalls::close>::make, Call<&DiskCalls::rename>::make, Call<&DiskCalls::renameExclusive>::make,
+        diskCalls() = {Call<&DiskCalls::write>::make, Call<&DiskCalls::fsync>::make, Call<&DiskCalls::close>::make,
             Call<&DiskCalls::mkdir>::make, Call<&DiskCalls::unlink>::make, Call<&DiskCalls::openat>::make,
-            Call<&DiskCalls::mkdirat>::make, Call<&DiskCalls::unlinkat>::make, Call<&DiskCalls::futimens>::make,
-            Call<&DiskCalls::syncfs>::make};
+            Call<&DiskCalls::renameat>::make, Call<&DiskCalls::renameExclusive>::make, Call<&DiskCalls::mkdirat>::make,
+            Call<&DiskCalls::unlinkat>::make, Call<&DiskCalls::futimens>::make, Call<&DiskCalls::syncfs>::make};
     }
     ~FailingDisk() { diskCalls() = DiskCalls::system(); }
     FailingDisk(const FailingDisk &) = delete;
@@ -43,8 +42,7 @@ private:
         {
             // A failing close() gives the descriptor back all the same; fsync() looks like it and changes nothing.
             const bool closes = std::is_same_v<decltype(Member), decltype(&DiskCalls::close)>;
-            const bool opens = std::is_same_v<decltype(Member), decltype(&DiskCalls::open)>
-                || std::is_same_v<decltype(Member), decltype(&DiskCalls::openat)>;
+            const bool opens = std::is_same_v<decltype(Member), decltype(&DiskCalls::openat)>;
             const bool failed = fails();
             const Result result
                 = !failed || closes || (s_fault == Fault::Late && !opens) ? (system().*Member)(arguments...) : -1;

@@ -232,9 +232,13 @@ TEST(ThemeInstall, returnsWhenAllOfItIsOnTheMedium)
     static bool flushed = false;
     InstallDesk desk;
     desk.install(named("zip-9.zip"), 1, Fault::Event, [] {
-        diskCalls().rename = [](const char *from, const char *to) { return ++unflushed, ::rename(from, to); };
+        diskCalls().renameat = [](int from, const char *name, int to, const char *newName) {
+            return ++unflushed, ::renameat(from, name, to, newName);
+        };
         static const auto exclusive = diskCalls().renameExclusive;
-        diskCalls().renameExclusive = [](const char *from, const char *to) { return ++unflushed, exclusive(from, to); };
+        diskCalls().renameExclusive = [](int from, const char *name, int to, const char *newName) {
+            return ++unflushed, exclusive(from, name, to, newName);
+        };
         diskCalls().syncfs = [](int descriptor) {
             flushed = std::exchange(unflushed, 0) > 0;
             return ::syncfs(descriptor);
