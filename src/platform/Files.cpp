@@ -391,13 +391,6 @@ void place(const Folder &folder, const std::filesystem::path &name, Placing plac
     }
 }
 
-void writeAtomically(const Folder &folder, const std::filesystem::path &name, Placing placing,
-    std::span<const char> bytes, Durability durability)
-{
-    place(folder, name, placing,
-        [&](const std::filesystem::path &file, int from) { writeNew(file, bytes, durability, from); });
-}
-
 void writeAtomically(const std::filesystem::path &path, std::span<const char> bytes)
 {
     const std::filesystem::path parent = path.has_parent_path() ? path.parent_path() : ".";
@@ -405,7 +398,8 @@ void writeAtomically(const std::filesystem::path &path, std::span<const char> by
     if (folder.descriptor.get() < 0) {
         throwFailure(errno, path);
     }
-    writeAtomically(folder, path.filename(), Placing::Replace, bytes);
+    place(folder, path.filename(), Placing::Replace,
+        [&](const std::filesystem::path &file, int from) { writeNew(file, bytes, Durability::Now, from); });
 }
 
 void synchroniseVolume(const Folder &folder, const std::filesystem::path &name)

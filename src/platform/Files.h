@@ -120,11 +120,8 @@ using FileMaker = std::function<void(const std::filesystem::path &name, int fold
 /// Has `make` write a file of a hidden name in the folder, and gives it the name `name` in one step: whatever fails, no
 /// half of a file has that name and none stays hidden. A failure of the system names the file by its final path.
 void place(const Folder &folder, const std::filesystem::path &name, Placing placing, const FileMaker &make);
-/// Gives `name` to a file of these bytes in one step: whatever fails, what is there is the old file or the complete new
-/// one, and no temporary file stays.
-void writeAtomically(const Folder &folder, const std::filesystem::path &name, Placing placing,
-    std::span<const char> bytes, Durability durability = Durability::Now);
-/// Replaces a file of the computer so; links on the way to it are followed.
+/// Replaces a file of the computer by one of these bytes in one step: whatever fails, what is there is the old file or
+/// the complete new one, and no temporary file stays. Links on the way to it are followed.
 void writeAtomically(const std::filesystem::path &path, std::span<const char> bytes);
 /// Returns when all that was written to the volume of the folder is on the medium; for thousands of small files this
 /// takes a fraction of the time of one call for each. `name` should be one of them, because drivers in user space

@@ -165,7 +165,7 @@ void FileChanges::putBack(const Change &change) const
     }
     if (const std::optional<std::filesystem::path> copy = m_copyOf(change.file)) {
         Files::place(folder, name, Files::Placing::Replace, [&](const std::filesystem::path &temporary, int from) {
-            copyToNew(Files::openForReading(*copy), temporary, m_durability, from);
+            copyToNew(Files::openForReading(*copy), temporary, from, m_durability);
             requireOwn();
         });
     } else if (isThere()) {

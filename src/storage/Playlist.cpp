@@ -62,7 +62,11 @@ std::filesystem::path playlist(
         refuseTakenName();
     }
     try {
-        Files::writeAtomically(folder, file, Files::Placing::Create, text);
+        Files::place(folder, file, Files::Placing::Create, [&](const std::filesystem::path &temporary, int from) {
+            Files::writeNew(temporary, text, Files::Durability::Now, from);
+            (void)device.require();
+            device.requireUnmoved(folder);
+        });
     } catch (const std::system_error &failure) {
         if (failure.code().value() == EEXIST) { // since the look above
             refuseTakenName();

@@ -29,8 +29,7 @@ struct TransferFile {
 struct TransferResult {
     int copied = 0;
     int skipped = 0; ///< found on the device with identical content
-    std::vector<std::filesystem::path>
-        destinations; ///< where each file now is, spelled as on the device, in input order
+    std::vector<std::filesystem::path> destinations; ///< in input order; spelled as on the device
 };
 
 namespace Storage {

@@ -5,18 +5,18 @@
 namespace Storage {
 
 void copyToNew(
-    const Files::Descriptor &source, const std::filesystem::path &destination, Files::Durability durability, int folder)
+    const Files::Descriptor &source, const std::filesystem::path &destination, int from, Files::Durability durability)
 {
-    const Files::Descriptor to = Files::createExclusively(destination, folder);
+    const Files::Descriptor to = Files::createExclusively(destination, from);
     copyBlocks(source.get(), to.get());
     if (durability == Files::Durability::Now) {
         Files::synchronise(to.get());
     }
 }
 
-void copyAudioBytes(const std::filesystem::path &source, const std::filesystem::path &destination, int folder)
+void copyAudioBytes(const std::filesystem::path &source, const std::filesystem::path &destination, int from)
 {
-    copyToNew(Files::openForReading(source), destination, Files::Durability::Now, folder);
+    copyToNew(Files::openForReading(source), destination, from);
 }
 
 } // namespace Storage

@@ -144,24 +144,30 @@ void takeOver(const std::filesystem::path &unpacked)
     });
 }
 
-/// Whatever was read before: nothing but plain files and folders has come out, and the files are those inspected.
-void requireInspected(const std::filesystem::path &unpacked, const Storage::ZipContents &contents)
+std::set<std::filesystem::path> inspectedFiles(const Storage::ZipContents &contents)
 {
-    std::set<std::filesystem::path> missing;
+    std::set<std::filesystem::path> files;
     for (const Storage::ZipContents::Entry &entry : contents.entries) {
-        const std::filesystem::path file = (unpacked / entry.name.toStdString()).lexically_normal();
-        if (!entry.name.endsWith('/') && !missing.insert(file).second) {
+        const std::filesystem::path file = entry.name.toStdString();
+        if (!entry.name.endsWith('/') && !files.insert(file.lexically_normal()).second) {
             refusePackage(); // one has overwritten the other
         }
     }
-    Storage::forEachBelow(unpacked, Storage::Unreadable::Throw, [&missing](const Storage::TreeItem &item) {
+    return files;
+}
+
+/// Whatever was read before: nothing but plain files and folders has come out, and the files are those inspected.
+void requireInspected(const Storage::UnpackedZip &unpacked)
+{
+    std::set<std::filesystem::path> missing = unpacked.files;
+    Storage::forEachBelow(unpacked.folder, Storage::Unreadable::Throw, [&](const Storage::TreeItem &item) {
         if (item.kind == Files::Kind::Link) {
             throw MarluneError(QStringLiteral("Paczka zawiera dowiązanie symboliczne."));
         }
         if (item.kind == Files::Kind::Other) {
             throw MarluneError(QStringLiteral("Paczka zawiera dowiązanie lub plik specjalny."));
         }
-        if (item.kind == Files::Kind::File && missing.erase(item.path) == 0) {
+        if (item.kind == Files::Kind::File && missing.erase(item.path.lexically_relative(unpacked.folder)) == 0) {
             refusePackage();
         }
     });
@@ -211,7 +217,7 @@ void unpack(const std::filesystem::path &scratch, const std::filesystem::path &u
 
 namespace Storage {
 
-std::filesystem::path unpackZip(const std::filesystem::path &zip, const std::filesystem::path &scratch)
+UnpackedZip unpackZip(const std::filesystem::path &zip, const std::filesystem::path &scratch)
 {
     const ZipContents contents = inspectZip(zip);
     const std::filesystem::path copy = scratch / Files::fromText(packageName);
@@ -225,9 +231,10 @@ std::filesystem::path unpackZip(const std::filesystem::path &zip, const std::fil
     const std::filesystem::path unpacked = scratch / Files::fromText(unpackedName);
     onComputersDisk(unpacked, [&] { unpack(scratch, unpacked); });
     requireRoom(unpacked);
-    requireInspected(unpacked, contents);
+    UnpackedZip result {unpacked, inspectedFiles(contents)};
+    requireInspected(result);
     rejectLinks(unpacked);
-    return unpacked;
+    return result;
 }
 
 } // namespace Storage

@@ -43,12 +43,17 @@ Items itemsBelow(const std::filesystem::path &folder)
     return items;
 }
 
+[[noreturn]] void throwUnreadable()
+{
+    throw MarluneError(QStringLiteral("Nie można odczytać motywu."));
+}
+
 Items itemsOfPackage(const std::filesystem::path &package)
 {
     try {
         return itemsBelow(package);
     } catch (const std::system_error &) {
-        throw MarluneError(QStringLiteral("Nie można odczytać motywu."));
+        throwUnreadable();
     }
 }
 
@@ -72,8 +77,11 @@ std::filesystem::path deviceName(const std::filesystem::path &item, Volumes::Nam
 }
 
 /// Accepts the package, or says what is wrong with it. Folders are not installed for themselves.
-std::vector<PackageFile> planFiles(const std::filesystem::path &package, Volumes::NameRules rules)
+std::vector<PackageFile> planFiles(const Storage::UnpackedZip &unpacked, Volumes::NameRules rules)
 {
+    const std::filesystem::path package = unpacked.folder / ".rockbox";
+    std::set<std::filesystem::path> missing = unpacked.files; // something may have gone from the scratch folder since
+    std::erase_if(missing, [](const std::filesystem::path &file) { return *file.begin() != ".rockbox"; });
     std::vector<PackageFile> files;
     std::set<QString> targets;
     for (const auto &[item, kind] : itemsOfPackage(package)) {
@@ -81,12 +89,28 @@ std::vector<PackageFile> planFiles(const std::filesystem::path &package, Volumes
         if (kind != Files::Kind::File) {
             continue;
         }
+        if (missing.erase(".rockbox" / item) == 0) {
+            throwUnreadable();
+        }
         files.push_back({package / item, deviceName(item, rules)});
         if (!targets.insert(volumeKey(files.back().target, rules)).second) { // one would overwrite the other
             throw MarluneError(QStringLiteral("Nieprawidłowa lub niebezpieczna paczka ZIP."));
         }
     }
+    if (!missing.empty()) {
+        throwUnreadable();
+    }
     return files;
+}
+
+/// A folder could neither be replaced nor put back in one step.
+void requireNoFolders(const std::vector<PackageFile> &files, const std::filesystem::path &settings)
+{
+    for (const PackageFile &file : files) {
+        if (Files::kindOf(settings / file.target) == Files::Kind::Folder) {
+            throw MarluneError(QStringLiteral("Plik jest zajęty przez folder: ") + Files::name(file.target));
+        }
+    }
 }
 
 /// The device's files as they are in the backup, where the items of `.rockbox` stand directly in its folder.
@@ -154,17 +178,17 @@ int installTheme(
     const DeviceAnchor device(root); // before the first look at its files
     inspectZip(zip);
     ScratchFolder scratch;
-    const std::filesystem::path unpacked = unpackZip(zip, scratch.path());
-    const std::filesystem::path package = unpacked / ".rockbox";
-    if (Files::kindOf(package) == Files::Kind::None) {
+    const UnpackedZip unpacked = unpackZip(zip, scratch.path());
+    if (Files::kindOf(unpacked.folder / ".rockbox") == Files::Kind::None) {
         throw MarluneError(QStringLiteral("ZIP musi zawierać folder .rockbox (paczka motywu Rockbox)."));
     }
-    const int count = countThemes(unpacked);
+    const int count = countThemes(unpacked.folder);
     if (count == 0) {
         throw MarluneError(QStringLiteral("Paczka nie zawiera motywu .cfg w .rockbox/themes."));
     }
     const Volumes::NameRules rules = Volumes::nameRules(root);
-    const std::vector<PackageFile> files = planFiles(package, rules);
+    const std::vector<PackageFile> files = planFiles(unpacked, rules);
+    requireNoFolders(files, root / ".rockbox");
     backup(device, backupFolder);
 
     const std::filesystem::path settings = device.root() / ".rockbox";

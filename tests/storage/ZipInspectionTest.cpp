@@ -75,7 +75,7 @@ TEST(ZipUnpacking, givesWhatItsOwnerAloneCanReadAndRemove)
         const TemporaryFolder scratch("/tmp");
         std::filesystem::permissions(folder.path(), std::filesystem::perms(0755));
         const PlainUser user(scratch.path());
-        const std::filesystem::path unpacked = Storage::unpackZip(zip, scratch.path());
+        const std::filesystem::path unpacked = Storage::unpackZip(zip, scratch.path()).folder;
         ASSERT_TRUE(std::filesystem::exists(unpacked / ".rockbox/wps/Dawn/back.bmp"));
         for (const auto &item : std::filesystem::recursive_directory_iterator(unpacked)) {
             const unsigned mode = unsigned(item.status().permissions());

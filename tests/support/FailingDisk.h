@@ -34,7 +34,6 @@ public:
 
     /// Whether the call that was to fail has been made.
     [[nodiscard]] static bool reached() { return s_count >= s_failAt; }
-    [[nodiscard]] static int calls() { return s_count; }
 
 private:
     template <auto Member> struct Call;
