@@ -172,7 +172,7 @@ void install(const QByteArray &data, std::span<const std::filesystem::path> trac
         for (const std::filesystem::path &sidecar : plan.stale) {
             changes.remove(sidecar);
         }
-        Storage::cleanupMacMetadata(root, backupRoot, plan.targets);
+        Storage::cleanupMacMetadata(device, backupRoot, plan.targets);
         changes.keep();
     } catch (...) {
         changes.undoAndRethrow(saved.folder);

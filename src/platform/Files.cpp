@@ -185,10 +185,10 @@ Kind kindOf(const std::filesystem::path &path, int from)
     }
 }
 
-Kind kindOrNone(const std::filesystem::path &path)
+Kind kindOrNone(const std::filesystem::path &path, int from)
 {
     try {
-        return kindOf(path);
+        return kindOf(path, from);
     } catch (const std::system_error &) {
         return Kind::None;
     }

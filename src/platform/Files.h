@@ -44,7 +44,7 @@ enum class Kind : std::uint8_t { None, File, Folder, Link, Other };
 /// `from`.
 [[nodiscard]] Kind kindOf(const std::filesystem::path &path, int from = AT_FDCWD);
 /// None also where the disk does not tell.
-[[nodiscard]] Kind kindOrNone(const std::filesystem::path &path);
+[[nodiscard]] Kind kindOrNone(const std::filesystem::path &path, int from = AT_FDCWD);
 /// Size in bytes of what stands at `path` (links followed), absent if it cannot be had.
 [[nodiscard]] std::optional<std::int64_t> size(const std::filesystem::path &path);
 

@@ -88,7 +88,7 @@ void fillBackup(const std::filesystem::path &folder, const Storage::DeviceAnchor
     device.requireUnmoved(settings);
 }
 
-[[noreturn]] void refuseTakenName()
+[[noreturn]] void refuseTakenFolder()
 {
     throw MarluneError(QStringLiteral("Folder kopii już istnieje."));
 }
@@ -97,7 +97,7 @@ void nameBackup(const std::filesystem::path &temporary, const std::filesystem::p
 {
     if (diskCalls().renameExclusive(AT_FDCWD, temporary.c_str(), AT_FDCWD, target.c_str()) != 0) {
         if (errno == EEXIST) { // by a dangling link, or since it was looked at
-            refuseTakenName();
+            refuseTakenFolder();
         }
         Files::throwFailure(errno, target);
     }
@@ -114,7 +114,7 @@ void backup(const DeviceAnchor &device, const std::filesystem::path &destination
         throw MarluneError(QStringLiteral("Zapisz kopię poza iPodem."));
     }
     if (Files::exists(target)) {
-        refuseTakenName();
+        refuseTakenFolder();
     }
     const std::filesystem::path temporary = target.parent_path() / Files::temporaryName("backup-");
     try {

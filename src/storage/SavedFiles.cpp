@@ -16,8 +16,13 @@ std::optional<std::filesystem::path> SavedFiles::copyOf(const std::filesystem::p
     return found == copies.end() ? std::nullopt : std::optional(found->second);
 }
 
-SavedFiles saveFiles(
-    std::span<const std::filesystem::path> files, const std::filesystem::path &backupRoot, const SavedNames &names)
+Files::Descriptor openUnlinked(const std::filesystem::path &file)
+{
+    return Files::openForReading(file, Files::Links::Refuse);
+}
+
+SavedFiles saveFiles(std::span<const std::filesystem::path> files, const std::filesystem::path &backupRoot,
+    const SavedNames &names, const OpenFile &open)
 {
     SavedFiles saved {.folder = backupRoot / (names.folderPrefix.toStdString() + Files::newIdentifier()), .copies = {}};
     onComputersDisk(saved.folder, [&] {
@@ -25,7 +30,7 @@ SavedFiles saveFiles(
         QJsonObject manifest;
         for (const std::filesystem::path &file : files) {
             const std::string name = Files::newIdentifier() + names.fileSuffix.toStdString();
-            copyToNew(Files::openForReading(file, Files::Links::Refuse), saved.folder / name);
+            copyToNew(open(file), saved.folder / name);
             saved.copies.emplace(file, saved.folder / name);
             manifest.insert(QString::fromStdString(name), Files::text(file));
         }

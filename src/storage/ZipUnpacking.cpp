@@ -30,10 +30,14 @@ constexpr std::int64_t commentLength = 20;
 constexpr std::int64_t madeBySystem = 5;
 constexpr char unixSystem = 3;
 
-[[noreturn]] void refusePackage()
-{
-    throw MarluneError(QStringLiteral("Nieprawidłowa lub niebezpieczna paczka ZIP."));
-}
+// Methods of compression (APPNOTE.TXT, 4.4.5).
+constexpr std::uint32_t deflated = 8;
+struct Method {
+    std::uint32_t number;
+    const char *name;
+};
+constexpr Method methods[]
+    = {{9, "Deflate64"}, {12, "BZIP2"}, {14, "LZMA"}, {20, "Zstandard"}, {93, "Zstandard"}, {95, "XZ"}, {98, "PPMd"}};
 
 /// The archive as it was inspected, so that the tool reads the same. Without the comment: the tool takes the last end
 /// record that it finds there. And as if made on Unix: the tool reads names, and kinds of files, by the rules of the
@@ -87,7 +91,7 @@ void requireListing(const QString &listing, const Storage::ZipContents &contents
     }
     Storage::validateZipListing(listing);
     if (listing.toUtf8() != listed(contents)) {
-        refusePackage();
+        Storage::refusePackage();
     }
 }
 
@@ -150,7 +154,7 @@ std::set<std::filesystem::path> inspectedFiles(const Storage::ZipContents &conte
     for (const Storage::ZipContents::Entry &entry : contents.entries) {
         const std::filesystem::path file = entry.name.toStdString();
         if (!entry.name.endsWith('/') && !files.insert(file.lexically_normal()).second) {
-            refusePackage(); // one has overwritten the other
+            Storage::refusePackage(); // one has overwritten the other
         }
     }
     return files;
@@ -168,15 +172,37 @@ void requireInspected(const Storage::UnpackedZip &unpacked)
             throw MarluneError(QStringLiteral("Paczka zawiera dowiązanie lub plik specjalny."));
         }
         if (item.kind == Files::Kind::File && missing.erase(item.path.lexically_relative(unpacked.folder)) == 0) {
-            refusePackage();
+            Storage::refusePackage();
         }
     });
     if (!missing.empty()) {
-        refusePackage();
+        Storage::refusePackage();
     }
 }
 
-void unpack(const std::filesystem::path &scratch, const std::filesystem::path &unpacked)
+/// For a failure without a word. The tool passes over what was packed in a method that it does not know, and says so
+/// only where it is asked to say everything.
+QString methodRefusal(const Storage::ZipContents &contents)
+{
+    using Entry = Storage::ZipContents::Entry;
+    // The later a method came, the higher its number, and the fewer tools know it.
+    const std::uint32_t method
+        = std::max_element(contents.entries.begin(), contents.entries.end(), [](const Entry &a, const Entry &b) {
+              return a.method < b.method;
+          })->method;
+    if (method <= deflated) {
+        return Storage::ToolBounds().wordless;
+    }
+    const auto known = std::find_if(
+        std::begin(methods), std::end(methods), [method](const Method &each) { return each.number == method; });
+    const QString name
+        = known != std::end(methods) ? QString::fromLatin1(known->name) : QStringLiteral("nr %1").arg(method);
+    return QStringLiteral("Paczka jest spakowana nieobsługiwaną metodą (%1). Spakuj ją ponownie metodą Deflate.")
+        .arg(name);
+}
+
+void unpack(
+    const std::filesystem::path &scratch, const std::filesystem::path &unpacked, const Storage::ZipContents &contents)
 {
     if (diskCalls().mkdir(unpacked.c_str(), 0700) != 0) {
         Files::throwFailure(errno, unpacked);
@@ -184,6 +210,7 @@ void unpack(const std::filesystem::path &scratch, const std::filesystem::path &u
     Storage::ToolBounds bounds {.folder = scratch};
     // One byte too many, so that it is told from a file that just fits.
     bounds.largestFile = Storage::largestPackage + 1;
+    bounds.wordless = methodRefusal(contents);
     bounds.mostOutput = 0x10000; // it says nothing as long as all is well
     bounds.watch = [&unpacked] {
         try {
@@ -229,7 +256,7 @@ UnpackedZip unpackZip(const std::filesystem::path &zip, const std::filesystem::p
 
     requireListing(run(tool, {QStringLiteral("-Z1"), packageName}, {.folder = scratch, .merged = false}), contents);
     const std::filesystem::path unpacked = scratch / Files::fromText(unpackedName);
-    onComputersDisk(unpacked, [&] { unpack(scratch, unpacked); });
+    onComputersDisk(unpacked, [&] { unpack(scratch, unpacked, contents); });
     requireRoom(unpacked);
     UnpackedZip result {unpacked, inspectedFiles(contents)};
     requireInspected(result);

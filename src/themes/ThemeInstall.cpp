@@ -94,7 +94,7 @@ std::vector<PackageFile> planFiles(const Storage::UnpackedZip &unpacked, Volumes
         }
         files.push_back({package / item, deviceName(item, rules)});
         if (!targets.insert(volumeKey(files.back().target, rules)).second) { // one would overwrite the other
-            throw MarluneError(QStringLiteral("Nieprawidłowa lub niebezpieczna paczka ZIP."));
+            Storage::refusePackage();
         }
     }
     if (!missing.empty()) {
