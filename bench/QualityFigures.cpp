@@ -4,7 +4,7 @@
 #include "artwork/Artwork.h"
 #include "model/LibraryScan.h"
 #include "model/TrackReader.h"
-#include "platform/FolderItems.h"
+#include "platform/CaselessFolder.h"
 #include "quality/CollectionQuality.h"
 
 #include <QBuffer>
@@ -47,7 +47,7 @@ std::vector<Track> deviceTracks(const std::filesystem::path &library, const std:
     for (Track &track : tracks) {
         const std::filesystem::path folder = track.url.parent_path();
         const auto [place, isNew] = covers.try_emplace(folder, cover.constData(), cover.size());
-        if (isNew && !Artwork::folderCoverExists(FolderItems(folder))) {
+        if (isNew && !Artwork::folderCoverExists(CaselessFolder(folder))) {
             std::ofstream(folder / "cover.jpg", std::ios::binary).write(cover.constData(), cover.size());
         }
         track.artwork = place->second;

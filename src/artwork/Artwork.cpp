@@ -1,7 +1,7 @@
 #include "artwork/Artwork.h"
 
 #include "platform/Files.h"
-#include "platform/FolderItems.h"
+#include "platform/CaselessFolder.h"
 #include "platform/Images.h"
 #include "platform/MarluneError.h"
 
@@ -60,11 +60,11 @@ std::optional<QString> compatibilityIssue(const QByteArray &data)
 
 bool externalCoverExists(const Track &track)
 {
-    const FolderItems items(track.url.parent_path());
+    const CaselessFolder items(track.url.parent_path());
     return folderCoverExists(items) || ownCoverExists(track, items);
 }
 
-bool ownCoverExists(const Track &track, const FolderItems &items)
+bool ownCoverExists(const Track &track, const CaselessFolder &items)
 {
     const std::filesystem::path name = track.url.filename();
     return std::any_of(sidecarExtensions.begin(), sidecarExtensions.end(), [&](const char *extension) {
@@ -72,7 +72,7 @@ bool ownCoverExists(const Track &track, const FolderItems &items)
     });
 }
 
-bool folderCoverExists(const FolderItems &items)
+bool folderCoverExists(const CaselessFolder &items)
 {
     return std::any_of(folderCoverNames.begin(), folderCoverNames.end(),
         [&items](const char *name) { return anyExists(items.named(name)); });

@@ -13,7 +13,7 @@
 #include <filesystem>
 #include <optional>
 
-class FolderItems;
+class CaselessFolder;
 
 namespace Artwork {
 
@@ -34,9 +34,9 @@ std::filesystem::path cache(const QByteArray &data, const QString &key, const st
 /// Whether a file that Rockbox takes for this track's cover is beside it. The case of names makes no difference.
 [[nodiscard]] bool externalCoverExists(const Track &track);
 /// The half of that question which has one answer for all music in a folder, of those items.
-[[nodiscard]] bool folderCoverExists(const FolderItems &items);
+[[nodiscard]] bool folderCoverExists(const CaselessFolder &items);
 /// The other half: a cover of this one track.
-[[nodiscard]] bool ownCoverExists(const Track &track, const FolderItems &items);
+[[nodiscard]] bool ownCoverExists(const Track &track, const CaselessFolder &items);
 
 /// The whole image on a white square of 500 pixels, as the one form that is always safe. Throws MarluneError.
 [[nodiscard]] QByteArray baselineJPEG(const QByteArray &data);

@@ -2,7 +2,6 @@
 
 #include "library/AudioExtensions.h"
 
-#include "storage/Device.h"
 #include "storage/FileChanges.h"
 #include "storage/MacMetadata.h"
 #include "storage/PathSafety.h"
@@ -95,9 +94,14 @@ std::optional<QByteArray> contentOnDisk(const std::filesystem::path &file)
     return isSymbolicLink(file) ? std::nullopt : Files::readBelow(file, comparedCoverLimit);
 }
 
-bool mayBeChanged(const std::filesystem::path &file, const std::filesystem::path &root)
+/// Where on the device the file is that may be changed, with no link on the way.
+std::filesystem::path placeOf(const std::filesystem::path &file, const std::filesystem::path &root)
 {
-    return Storage::liesBelow(file, root) && !isSymbolicLink(file) && !isSymbolicLink(file.parent_path());
+    const std::optional<std::filesystem::path> place = Storage::pathBelow(file, root);
+    if (!place || isSymbolicLink(file) || isSymbolicLink(file.parent_path())) {
+        throw MarluneError(QStringLiteral("Okładka musi być zapisana w folderze muzyki na wybranym iPodzie."));
+    }
+    return root / *place;
 }
 
 /// Throws if that cannot be told: what might be there must not be overwritten unsaved.
@@ -141,25 +145,26 @@ InstallPlan planInstall(const QByteArray &data, std::span<const std::filesystem:
     return {targets.paths(), stale.paths()};
 }
 
-void install(const QByteArray &data, std::span<const std::filesystem::path> tracks, const std::filesystem::path &root,
+void install(const QByteArray &data, std::span<const std::filesystem::path> tracks, const Storage::DeviceAnchor &device,
     const std::filesystem::path &backupRoot)
 {
-    (void)Device::inspect(root);
+    const std::filesystem::path &root = device.root();
+    (void)device.require();
     if (tracks.empty()) {
         throw MarluneError(QStringLiteral("Album nie ma utworów."));
     }
-    const InstallPlan plan = planInstall(data, tracks, Volumes::nameRules(root), {itemsOnDisk, contentOnDisk});
-    Paths changed = plan.targets;
-    changed.insert(changed.end(), plan.stale.begin(), plan.stale.end());
-    if (!std::all_of(changed.begin(), changed.end(), [&](const auto &file) { return mayBeChanged(file, root); })) {
-        throw MarluneError(QStringLiteral("Okładka musi być zapisana w folderze muzyki na wybranym iPodzie."));
-    }
+    InstallPlan plan = planInstall(data, tracks, Volumes::nameRules(root), {itemsOnDisk, contentOnDisk});
     Paths standing;
-    std::copy_if(changed.begin(), changed.end(), std::back_inserter(standing), stands);
+    for (Paths *const files : {&plan.targets, &plan.stale}) {
+        for (std::filesystem::path &file : *files) {
+            file = placeOf(file, root);
+        }
+        std::copy_if(files->begin(), files->end(), std::back_inserter(standing), stands);
+    }
     const Storage::SavedFiles saved
         = Storage::saveFiles(standing, backupRoot, {QStringLiteral("Covers-"), QStringLiteral(".jpg")});
 
-    Storage::FileChanges changes(root, [&saved](const std::filesystem::path &file) { return saved.copyOf(file); });
+    Storage::FileChanges changes(device, [&saved](const std::filesystem::path &file) { return saved.copyOf(file); });
     try {
         for (const std::filesystem::path &target : plan.targets) {
             changes.write(data, target);
@@ -167,7 +172,7 @@ void install(const QByteArray &data, std::span<const std::filesystem::path> trac
         for (const std::filesystem::path &sidecar : plan.stale) {
             changes.remove(sidecar);
         }
-        Storage::cleanupMacMetadata(root, backupRoot, plan.targets);
+        Storage::cleanupMacMetadata(device, backupRoot, plan.targets);
         changes.keep();
     } catch (...) {
         changes.undoAndRethrow(saved.folder);

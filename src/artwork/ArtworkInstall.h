@@ -5,6 +5,8 @@
 // Blocking; no state; any thread but the UI's; no two installs on one device at a time.
 #pragma once
 
+#include "storage/DeviceAnchor.h"
+
 #include "platform/Volumes.h"
 
 #include <QByteArray>
@@ -38,11 +40,11 @@ struct InstallView {
 [[nodiscard]] InstallPlan planInstall(const QByteArray &data, std::span<const std::filesystem::path> tracks,
     Volumes::NameRules rules, const InstallView &view);
 
-/// Makes and carries out the plan for the album of these `tracks` on the device at `root`. `data` is written as it is.
+/// Makes and carries out the plan for the album of these `tracks` on the device. `data` is written as it is.
 /// What stood at the changed places is copied to a new folder "Covers-UUID" with a manifest under `backupRoot`, which
 /// stays in every case. The metadata files that macOS left beside the targets are removed.
 /// Throws MarluneError (no track, no device, a place outside the device or behind a link) or the system's failure.
-void install(const QByteArray &data, std::span<const std::filesystem::path> tracks, const std::filesystem::path &root,
+void install(const QByteArray &data, std::span<const std::filesystem::path> tracks, const Storage::DeviceAnchor &device,
     const std::filesystem::path &backupRoot);
 
 } // namespace Artwork

@@ -36,6 +36,9 @@
 
 struct TrackImport;
 struct TransferResult;
+namespace Storage {
+class DeviceAnchor;
+}
 
 /// What the model needs from outside.
 struct ModelEnvironment {
@@ -293,8 +296,7 @@ Q_SIGNALS:
     void appearanceChanged();
 
 private:
-    struct PlannedCover;
-    struct TransferPlan;
+    struct PlannedTransfer;
     struct PreparedCover;
     /// Where an album is, as it was when the user asked: what it gets goes there, or nowhere.
     struct CoverPlace {
@@ -351,7 +353,7 @@ private:
     QCoro::Task<> runImport(ImportSource source, bool fromDevice, bool enqueue);
     QCoro::Task<> runCleanup(Device device);
     QCoro::Task<> runDuplicateCheck(std::vector<Track> tracks);
-    QCoro::Task<> runTransfer(std::shared_ptr<const TransferPlan> plan);
+    QCoro::Task<> runTransfer(std::shared_ptr<const PlannedTransfer> transfer);
     QCoro::Task<> runPlaylist(std::filesystem::path root);
     QCoro::Task<> runBackup(std::filesystem::path root, std::filesystem::path destination);
     [[nodiscard]] CoverPlace coverPlace(std::optional<bool> onDeviceOverride = std::nullopt) const;
@@ -367,18 +369,14 @@ private:
     QCoro::Task<CoverFinding> findCover(Album album, CoverPlace place);
     QCoro::Task<> runCoverSearch(std::vector<Album> albums, CoverPlace place);
     QCoro::Task<> runRepair(CoverPlace place);
-    [[nodiscard]] TransferPlan planTransfer(const std::vector<Track> &items) const;
-    [[nodiscard]] static std::vector<PlannedCover> planCovers(const std::vector<Track> &items);
-    [[nodiscard]] static QByteArray preparedCover(const PlannedCover &cover);
-    static void installCovers(
-        const TransferPlan &plan, const std::vector<std::filesystem::path> &destinations, const JobProgress &progress);
-    void landTransfer(const TransferPlan &plan, TransferResult result, const std::exception_ptr &failure);
+    void landTransfer(
+        const PlannedTransfer &transfer, TransferResult result, bool isThere, const std::exception_ptr &failure);
     /// The order of paths as plain text; their own goes by components.
     [[nodiscard]] static bool isBeforeAsText(const std::filesystem::path &a, const std::filesystem::path &b)
     {
         return a.native() < b.native();
     }
-    void noteTransferred(const Device &device, std::vector<std::filesystem::path> files);
+    void noteTransferred(int visit, std::vector<std::filesystem::path> files);
     /// `chosenMeanwhile`: the user has chosen a device since this discovery began, which may not have seen it.
     void landDevices(std::vector<Device> found, bool chosenMeanwhile);
     void landContent(DeviceContent read);

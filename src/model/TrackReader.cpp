@@ -32,7 +32,7 @@ std::int64_t leadingNumber(const QString &fileName)
 }
 
 /// The first that can be read of the items of this name.
-std::optional<QByteArray> readNamed(const FolderItems &items, const std::filesystem::path &name, std::int64_t limit)
+std::optional<QByteArray> readNamed(const CaselessFolder &items, const std::filesystem::path &name, std::int64_t limit)
 {
     for (const std::filesystem::path &file : items.named(name)) {
         if (std::optional<QByteArray> bytes = Files::readBelow(file, limit)) {
@@ -42,7 +42,7 @@ std::optional<QByteArray> readNamed(const FolderItems &items, const std::filesys
     return std::nullopt;
 }
 
-std::optional<QByteArray> readSidecar(const std::filesystem::path &file, const FolderItems &items)
+std::optional<QByteArray> readSidecar(const std::filesystem::path &file, const CaselessFolder &items)
 {
     for (const char *extension : {".jpeg", ".jpg"}) {
         const std::filesystem::path name = file.filename().replace_extension(extension);
@@ -111,7 +111,7 @@ TrackReader::Folder &TrackReader::folderOf(const std::filesystem::path &file)
         m_folder = {.path = path,
             .name = name,
             .artist = Files::name(artist),
-            .items = FolderItems(path),
+            .items = CaselessFolder(path),
             .coverLooked = false,
             .cover = {}};
     }

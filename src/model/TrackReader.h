@@ -8,7 +8,7 @@
 
 #include "model/ArtworkPool.h"
 
-#include "platform/FolderItems.h"
+#include "platform/CaselessFolder.h"
 
 #include <QMap>
 
@@ -46,7 +46,7 @@ private:
         std::filesystem::path path;
         QString name;
         QString artist; ///< fallback: the folder that stands for the artist
-        FolderItems items;
+        CaselessFolder items;
         bool coverLooked = false;
         std::optional<QByteArray> cover;
     };

@@ -9,19 +9,14 @@
 
 namespace {
 
-int openFile(const char *path, int flags, mode_t mode)
-{
-    return ::open(path, flags, mode);
-}
-
 int openFileAt(int folder, const char *path, int flags, mode_t mode)
 {
     return ::openat(folder, path, flags, mode);
 }
 
-int renameExclusively(const char *from, const char *to)
+int renameExclusively(int fromFolder, const char *from, int toFolder, const char *to)
 {
-    if (::renameat2(AT_FDCWD, from, AT_FDCWD, to, RENAME_NOREPLACE) == 0) {
+    if (::renameat2(fromFolder, from, toFolder, to, RENAME_NOREPLACE) == 0) {
         return 0;
     }
     // FUSE's exFAT and the older FAT drivers know no flags (EINVAL, some ENOSYS). There the name is looked at
@@ -30,18 +25,18 @@ int renameExclusively(const char *from, const char *to)
         return -1;
     }
     struct stat existing {};
-    if (::lstat(to, &existing) == 0) {
+    if (::fstatat(toFolder, to, &existing, AT_SYMLINK_NOFOLLOW) == 0) {
         errno = EEXIST;
         return -1;
     }
-    return errno == ENOENT ? ::rename(from, to) : -1;
+    return errno == ENOENT ? ::renameat(fromFolder, from, toFolder, to) : -1;
 }
 
 } // namespace
 
 DiskCalls DiskCalls::system()
 {
-    return {openFile, ::write, ::fsync, ::close, ::rename, renameExclusively, ::mkdir, ::unlink, openFileAt, ::mkdirat,
+    return {::write, ::fsync, ::close, ::mkdir, ::unlink, openFileAt, ::renameat, renameExclusively, ::mkdirat,
         ::unlinkat, ::futimens, ::syncfs};
 }
 

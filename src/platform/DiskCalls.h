@@ -12,18 +12,17 @@
 #include <filesystem>
 
 struct DiskCalls {
-    int (*open)(const char *path, int flags, mode_t mode);
     ssize_t (*write)(int descriptor, const void *bytes, std::size_t count);
     int (*fsync)(int descriptor);
     int (*close)(int descriptor);
-    int (*rename)(const char *from, const char *to);
-    /// rename() that fails with EEXIST where `to` exists, be it a dangling link.
-    int (*renameExclusive)(const char *from, const char *to);
     int (*mkdir)(const char *path, mode_t mode);
     int (*unlink)(const char *path);
 
-    // For walks from one open folder to the next.
+    // Each path is counted from an open folder, or from AT_FDCWD.
     int (*openat)(int folder, const char *path, int flags, mode_t mode);
+    int (*renameat)(int fromFolder, const char *from, int toFolder, const char *to);
+    /// renameat() that fails with EEXIST where `to` exists, be it a dangling link.
+    int (*renameExclusive)(int fromFolder, const char *from, int toFolder, const char *to);
     int (*mkdirat)(int folder, const char *path, mode_t mode);
     int (*unlinkat)(int folder, const char *path, int flags);
     int (*futimens)(int descriptor, const timespec times[2]);

@@ -2,7 +2,6 @@
 
 #include "platform/DiskCalls.h"
 
-#include <QStringDecoder>
 #include <QUuid>
 
 #include <fcntl.h>
@@ -27,16 +26,10 @@ bool isContinuation(unsigned char byte)
     return (byte & 0xC0) == 0x80;
 }
 
-void writeNew(const std::filesystem::path &file, std::span<const char> bytes, Files::Durability durability)
+/// EINVAL: some network and FUSE file systems cannot do this to a folder.
+bool folderReachesMedium(int folder)
 {
-    Files::Descriptor descriptor = Files::createExclusively(file);
-    Files::writeFully(descriptor.get(), bytes);
-    if (durability == Files::Durability::Now) {
-        Files::synchronise(descriptor.get());
-    }
-    if (diskCalls().close(descriptor.release()) != 0) {
-        Files::throwFailure(errno, file);
-    }
+    return diskCalls().fsync(folder) == 0 || errno == EINVAL;
 }
 
 /// A failure that concerns no file, or one by its hidden name, is told with the final name.
@@ -74,6 +67,14 @@ std::size_t sequenceLength(std::string_view bytes)
     return overlong || surrogate || beyond ? 0 : length;
 }
 
+/// Qt takes a U+FEFF at the start for a mark of the encoding and drops it; in a name it is a character.
+QString decoded(QUtf8StringView utf8)
+{
+    const QString text = utf8.toString();
+    const std::string_view bytes(utf8.data(), std::size_t(utf8.size()));
+    return bytes.starts_with("\xEF\xBB\xBF") ? QChar(QChar::ByteOrderMark) + text : text;
+}
+
 } // namespace
 
 namespace Files {
@@ -88,7 +89,7 @@ QString text(const std::filesystem::path &path)
     const std::string_view bytes = path.native();
     const auto whole = QUtf8StringView(bytes.data(), qsizetype(bytes.size()));
     if (whole.isValidUtf8()) {
-        return whole.toString();
+        return decoded(whole);
     }
     QString result;
     for (std::size_t i = 0; i < bytes.size();) {
@@ -97,7 +98,7 @@ QString text(const std::filesystem::path &path)
             result += QChar(char16_t(escapedByteBase + static_cast<unsigned char>(bytes[i])));
             ++i;
         } else {
-            result += QString::fromUtf8(bytes.data() + i, qsizetype(length));
+            result += decoded(QUtf8StringView(bytes.data() + i, qsizetype(length)));
             i += length;
         }
     }
@@ -184,10 +185,10 @@ Kind kindOf(const std::filesystem::path &path, int from)
     }
 }
 
-Kind kindOrNone(const std::filesystem::path &path)
+Kind kindOrNone(const std::filesystem::path &path, int from)
 {
     try {
-        return kindOf(path);
+        return kindOf(path, from);
     } catch (const std::system_error &) {
         return Kind::None;
     }
@@ -285,9 +286,10 @@ std::optional<QByteArray> readBelow(const std::filesystem::path &path, std::int6
     }
 }
 
-Descriptor createExclusively(const std::filesystem::path &path)
+Descriptor createExclusively(const std::filesystem::path &path, int from)
 {
-    const int descriptor = diskCalls().open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0644);
+    const int descriptor
+        = diskCalls().openat(from, path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0644);
     if (descriptor < 0) {
         throwFailure(errno, path);
     }
@@ -330,10 +332,14 @@ void makeFolders(const std::filesystem::path &folder)
 void synchroniseFolder(const std::filesystem::path &folder)
 {
     const Descriptor descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    // EINVAL: some network and FUSE file systems cannot do this to a folder.
-    if (descriptor.get() < 0 || (diskCalls().fsync(descriptor.get()) != 0 && errno != EINVAL)) {
+    if (descriptor.get() < 0 || !folderReachesMedium(descriptor.get())) {
         throwFailure(errno, folder);
     }
+}
+
+void synchroniseName(const Folder &folder)
+{
+    (void)folderReachesMedium(folder.descriptor.get());
 }
 
 void synchroniseName(const std::filesystem::path &file)
@@ -354,42 +360,57 @@ std::filesystem::path temporaryName(const QByteArray &purpose)
     return ".marlune-" + purpose.toStdString() + newIdentifier() + ".partial";
 }
 
-void place(const std::filesystem::path &path, Placing placing, const FileMaker &make)
+void writeNew(const std::filesystem::path &file, std::span<const char> bytes, Durability durability, int from)
 {
-    const std::filesystem::path temporary = path.parent_path() / temporaryName();
-    const auto rename = placing == Placing::Create ? diskCalls().renameExclusive : diskCalls().rename;
+    Descriptor descriptor = createExclusively(file, from);
+    writeFully(descriptor.get(), bytes);
+    if (durability == Durability::Now) {
+        synchronise(descriptor.get());
+    }
+    if (diskCalls().close(descriptor.release()) != 0) {
+        throwFailure(errno, file);
+    }
+}
+
+void place(const Folder &folder, const std::filesystem::path &name, Placing placing, const FileMaker &make)
+{
+    const std::filesystem::path temporary = temporaryName();
+    const int place = folder.descriptor.get();
+    const auto rename = placing == Placing::Create ? diskCalls().renameExclusive : diskCalls().renameat;
     try {
-        make(temporary);
-        if (rename(temporary.c_str(), path.c_str()) != 0) {
-            throwFailure(errno, path);
+        make(temporary, place);
+        if (rename(place, temporary.c_str(), place, name.c_str()) != 0) {
+            throwFailure(errno, folder.path / name);
         }
     } catch (const std::system_error &failure) {
-        diskCalls().unlink(temporary.c_str());
-        rethrowFor(path, temporary, failure);
+        diskCalls().unlinkat(place, temporary.c_str(), 0);
+        rethrowFor(folder.path / name, temporary, failure);
     } catch (...) {
-        diskCalls().unlink(temporary.c_str());
+        diskCalls().unlinkat(place, temporary.c_str(), 0);
         throw;
     }
 }
 
-void writeAtomically(const std::filesystem::path &path, std::span<const char> bytes, Durability durability)
+void writeAtomically(const std::filesystem::path &path, std::span<const char> bytes)
 {
-    place(path, Placing::Replace, [&](const std::filesystem::path &file) { writeNew(file, bytes, durability); });
-}
-
-void createAtomically(const std::filesystem::path &path, std::span<const char> bytes, Durability durability)
-{
-    place(path, Placing::Create, [&](const std::filesystem::path &file) { writeNew(file, bytes, durability); });
-}
-
-void synchroniseVolume(const std::filesystem::path &file)
-{
-    const Descriptor descriptor(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
-    if (descriptor.get() < 0 || diskCalls().syncfs(descriptor.get()) != 0) {
-        throwFailure(errno, file);
+    const std::filesystem::path parent = path.has_parent_path() ? path.parent_path() : ".";
+    const Folder folder {Descriptor(::open(parent.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC)), path.parent_path()};
+    if (folder.descriptor.get() < 0) {
+        throwFailure(errno, path);
     }
-    if (diskCalls().fsync(descriptor.get()) != 0 && errno != EINVAL) { // not every file system does this to a folder
-        throwFailure(errno, file);
+    place(folder, path.filename(), Placing::Replace,
+        [&](const std::filesystem::path &file, int from) { writeNew(file, bytes, Durability::Now, from); });
+}
+
+void synchroniseVolume(const Folder &folder, const std::filesystem::path &name)
+{
+    Descriptor file;
+    if (kindOf(name, folder.descriptor.get()) == Kind::File) {
+        file = openForReading(name, Links::Refuse, folder.descriptor.get());
+    }
+    const int asked = file.get() < 0 ? folder.descriptor.get() : file.get();
+    if (diskCalls().syncfs(asked) != 0 || !folderReachesMedium(asked)) {
+        throwFailure(errno, folder.path / name);
     }
 }
 

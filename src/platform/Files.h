@@ -44,7 +44,7 @@ enum class Kind : std::uint8_t { None, File, Folder, Link, Other };
 /// `from`.
 [[nodiscard]] Kind kindOf(const std::filesystem::path &path, int from = AT_FDCWD);
 /// None also where the disk does not tell.
-[[nodiscard]] Kind kindOrNone(const std::filesystem::path &path);
+[[nodiscard]] Kind kindOrNone(const std::filesystem::path &path, int from = AT_FDCWD);
 /// Size in bytes of what stands at `path` (links followed), absent if it cannot be had.
 [[nodiscard]] std::optional<std::int64_t> size(const std::filesystem::path &path);
 
@@ -70,6 +70,12 @@ private:
     int m_descriptor = -1;
 };
 
+/// A folder that is held open. Work in it goes by names in `descriptor`; the path is for messages and results.
+struct Folder {
+    Descriptor descriptor;
+    std::filesystem::path path;
+};
+
 enum class Links : std::uint8_t { Follow, Refuse };
 /// Opens a regular file; anything else, a pipe or a folder, is refused, never opened and never waited for. A relative
 /// path is counted from the open folder `from`.
@@ -80,8 +86,9 @@ enum class Links : std::uint8_t { Follow, Refuse };
 /// The whole file if it is a regular one and smaller than `limit` bytes, else absent. Never throws.
 [[nodiscard]] std::optional<QByteArray> readBelow(const std::filesystem::path &path, std::int64_t limit);
 
-/// Makes a file that must not exist, mode 0644, following no link at its name.
-[[nodiscard]] Descriptor createExclusively(const std::filesystem::path &path);
+/// Makes a file that must not exist, mode 0644, following no link at its name. A relative path is counted from the open
+/// folder `from`.
+[[nodiscard]] Descriptor createExclusively(const std::filesystem::path &path, int from = AT_FDCWD);
 /// Writes all bytes, through short writes and interruptions.
 void writeFully(int descriptor, std::span<const char> bytes);
 /// Returns when the file's data is on the medium.
@@ -91,8 +98,9 @@ void synchronise(int descriptor);
 void makeFolders(const std::filesystem::path &folder);
 /// Returns when the names in `folder` are on the medium, where the file system can do that.
 void synchroniseFolder(const std::filesystem::path &folder);
-/// Brings a file's new name to the medium, where the file system can do that. By itself it gets there in some seconds,
-/// and the file is whole without it, so a failure is none of the caller's.
+/// Brings a new name in the folder to the medium, where the file system can do that. By itself it gets there in some
+/// seconds, and the file is whole without it, so a failure is none of the caller's.
+void synchroniseName(const Folder &folder);
 void synchroniseName(const std::filesystem::path &file);
 
 /// A new UUID's text, in capitals.
@@ -101,24 +109,23 @@ void synchroniseName(const std::filesystem::path &file);
 [[nodiscard]] std::filesystem::path temporaryName(const QByteArray &purpose = {});
 /// Whether a writer returns when the medium has the bytes, or leaves that to synchroniseVolume().
 enum class Durability : std::uint8_t { Now, Later };
+/// Makes a file of these bytes, as createExclusively() does. On failure what was written of it stays.
+void writeNew(const std::filesystem::path &file, std::span<const char> bytes, Durability durability, int from);
 enum class Placing : std::uint8_t {
     Replace, ///< what stands at the name goes
     Create ///< fails with EEXIST if the name is taken, be it by a dangling link
 };
-using FileMaker = std::function<void(const std::filesystem::path &file)>;
-/// Has `make` write a file of that hidden name beside `path`, and gives it its final name in one step: whatever fails,
-/// no half of a file stands there and none stays hidden. A failure of the system names `path`.
-void place(const std::filesystem::path &path, Placing placing, const FileMaker &make);
-/// Replaces `path` by a file of these bytes in one step: whatever fails, what stands there is the old file or the
-/// complete new one, and no temporary file stays.
-void writeAtomically(
-    const std::filesystem::path &path, std::span<const char> bytes, Durability durability = Durability::Now);
-/// The same where nothing may stand yet: fails with EEXIST if the name is taken, be it by a dangling link.
-void createAtomically(
-    const std::filesystem::path &path, std::span<const char> bytes, Durability durability = Durability::Now);
-/// Returns when all that was written to the volume of `file` is on the medium; for thousands of small files this takes
-/// a fraction of the time of one call for each. `file` should be one of them, because drivers in user space (FUSE)
-/// write out what they hold only when they are asked for a file; it can be a folder of the volume.
-void synchroniseVolume(const std::filesystem::path &file);
+/// Writes the file `name` in the open folder `folder`.
+using FileMaker = std::function<void(const std::filesystem::path &name, int folder)>;
+/// Has `make` write a file of a hidden name in the folder, and gives it the name `name` in one step: whatever fails, no
+/// half of a file has that name and none stays hidden. A failure of the system names the file by its final path.
+void place(const Folder &folder, const std::filesystem::path &name, Placing placing, const FileMaker &make);
+/// Replaces a file of the computer by one of these bytes in one step: whatever fails, what is there is the old file or
+/// the complete new one, and no temporary file stays. Links on the way to it are followed.
+void writeAtomically(const std::filesystem::path &path, std::span<const char> bytes);
+/// Returns when all that was written to the volume of the folder is on the medium; for thousands of small files this
+/// takes a fraction of the time of one call for each. `name` should be one of them, because drivers in user space
+/// (FUSE) write out what they hold only when they are asked for a file; where it is none, the folder itself is asked.
+void synchroniseVolume(const Folder &folder, const std::filesystem::path &name);
 
 } // namespace Files

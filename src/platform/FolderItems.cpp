@@ -1,35 +1,66 @@
 #include "platform/FolderItems.h"
 
-#include "platform/Files.h"
+#include <dirent.h>
 
-#include <algorithm>
+#include <cerrno>
+#include <memory>
 
 namespace {
 
-QString caseless(const std::filesystem::path &name)
+Files::Kind kindOfEntry(int folder, const dirent &entry)
 {
-    return Files::text(name).toCaseFolded();
+    switch (entry.d_type) {
+    case DT_REG:
+        return Files::Kind::File;
+    case DT_DIR:
+        return Files::Kind::Folder;
+    case DT_LNK:
+        return Files::Kind::Link;
+    case DT_UNKNOWN: // not every file system says what an item is
+        return Files::kindOf(entry.d_name, folder);
+    default:
+        return Files::Kind::Other;
+    }
 }
 
 } // namespace
 
-FolderItems::FolderItems(std::filesystem::path folder)
-    : m_folder(std::move(folder))
+namespace Files {
+
+Folder openFolder(const std::filesystem::path &path, int from)
 {
-    std::error_code failure;
-    std::filesystem::directory_iterator entry(m_folder, failure);
-    for (; !failure && entry != std::filesystem::directory_iterator(); entry.increment(failure)) {
-        std::filesystem::path name = entry->path().filename();
-        m_names[caseless(name)].push_back(std::move(name));
+    // With a separator at its end the name of a link would mean its target.
+    const std::filesystem::path item = path.has_filename() ? path : path.parent_path();
+    const int descriptor = ::openat(from, item.c_str(), O_RDONLY | O_NOFOLLOW | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor < 0) {
+        throwFailure(errno, path);
     }
+    return {Descriptor(descriptor), path};
 }
 
-std::vector<std::filesystem::path> FolderItems::named(const std::filesystem::path &name) const
+std::vector<FolderItem> itemsOf(const Folder &folder)
 {
-    std::vector<std::filesystem::path> items = m_names.value(caseless(name));
-    std::sort(items.begin(), items.end(), [&name](const auto &a, const auto &b) {
-        return std::pair(a != name, a.native()) < std::pair(b != name, b.native());
-    });
-    std::transform(items.begin(), items.end(), items.begin(), [this](const auto &item) { return m_folder / item; });
+    // The stream has a place of its own in the folder, and closes its own descriptor.
+    Descriptor own(::openat(folder.descriptor.get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    const std::unique_ptr<DIR, int (*)(DIR *)> stream(own.get() < 0 ? nullptr : ::fdopendir(own.get()), ::closedir);
+    if (!stream) {
+        throwFailure(errno, folder.path);
+    }
+    (void)own.release();
+    std::vector<FolderItem> items;
+    errno = 0;
+    while (const dirent *const found = ::readdir(stream.get())) {
+        std::string name = found->d_name;
+        if (name != "." && name != "..") {
+            const Kind kind = kindOfEntry(folder.descriptor.get(), *found);
+            items.push_back({std::move(name), kind});
+        }
+        errno = 0;
+    }
+    if (errno != 0) {
+        throwFailure(errno, folder.path);
+    }
     return items;
 }
+
+} // namespace Files

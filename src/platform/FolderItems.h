@@ -1,24 +1,26 @@
-// The items of one folder, found by their names without regard to case, as FAT and the firmware find them.
-//
-// The names are those at the moment when it was made. To make one blocks; any thread. A folder that cannot be read has
-// no items.
+// What a folder holds. Blocking; no state; any thread but the UI's. Failures are std::system_error.
 #pragma once
 
-#include <QHash>
-#include <QString>
+#include "platform/Files.h"
 
-#include <filesystem>
+#include <string>
 #include <vector>
 
-class FolderItems {
-public:
-    FolderItems() = default;
-    explicit FolderItems(std::filesystem::path folder);
+namespace Files {
 
-    /// Where the items of this name are: first the one that is spelled exactly so, then the others in text order.
-    [[nodiscard]] std::vector<std::filesystem::path> named(const std::filesystem::path &name) const;
+/// Opens a folder, `path` counted from the open folder `from`. A link at its last name is refused with the system's
+/// failure, as is what is no folder; one on the way is followed.
+[[nodiscard]] Folder openFolder(const std::filesystem::path &path, int from = AT_FDCWD);
 
-private:
-    std::filesystem::path m_folder;
-    QHash<QString, std::vector<std::filesystem::path>> m_names; ///< by what they are without regard to case
+struct FolderItem {
+    std::string name;
+    Kind kind = Kind::None; ///< a link is not followed; None for what has gone meanwhile
+
+    bool operator==(const FolderItem &) const = default;
 };
+
+/// All that the open folder holds, hidden items too, in the disk's order. Listed before any of it is worked on,
+/// because a folder that changes while it is read may leave out items.
+[[nodiscard]] std::vector<FolderItem> itemsOf(const Folder &folder);
+
+} // namespace Files

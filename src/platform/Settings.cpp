@@ -9,6 +9,8 @@
 #include <QJsonDocument>
 #include <QStandardPaths>
 
+#include <fcntl.h>
+
 #include <condition_variable>
 #include <mutex>
 #include <thread>
@@ -54,7 +56,7 @@ Stored readStored(const std::filesystem::path &file)
     // Damaged: the next change would replace it, so it is set aside.
     std::filesystem::path aside = stored.file;
     aside += ".damaged-" + QDateTime::currentDateTimeUtc().toString(QStringLiteral("yyyyMMdd-HHmmsszzz")).toStdString();
-    stored.mayBeReplaced = diskCalls().rename(stored.file.c_str(), aside.c_str()) == 0;
+    stored.mayBeReplaced = diskCalls().renameat(AT_FDCWD, stored.file.c_str(), AT_FDCWD, aside.c_str()) == 0;
     if (stored.mayBeReplaced) {
         stored.notice = QStringLiteral("Plik ustawień był uszkodzony. Jest teraz odłożony obok jako ")
             + Files::text(aside.filename()) + QStringLiteral(", a program zaczyna od ustawień domyślnych.");

@@ -4,7 +4,7 @@
 #include "library/AlbumGrouping.h"
 
 #include "platform/Files.h"
-#include "platform/FolderItems.h"
+#include "platform/CaselessFolder.h"
 
 #include <QHash>
 #include <QStringList>
@@ -55,12 +55,12 @@ AlbumTracks tracksOf(const AlbumGrouping::Group &album, const std::vector<Track>
 bool allHaveExternalCovers(const AlbumTracks &tracks)
 {
     std::optional<std::string_view> folder;
-    FolderItems items;
+    CaselessFolder items;
     bool folderHasCover = false;
     return std::all_of(tracks.begin(), tracks.end(), [&](const Track *track) {
         if (const std::string_view itsFolder = folderOf(track->url); itsFolder != folder) {
             folder = itsFolder;
-            items = FolderItems(track->url.parent_path());
+            items = CaselessFolder(track->url.parent_path());
             folderHasCover = Artwork::folderCoverExists(items);
         }
         return folderHasCover || Artwork::ownCoverExists(*track, items);

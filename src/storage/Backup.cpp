@@ -1,7 +1,6 @@
 #include "storage/Backup.h"
 
 #include "storage/ComputerDisk.h"
-#include "storage/Device.h"
 #include "storage/FolderTree.h"
 #include "storage/PathSafety.h"
 
@@ -66,38 +65,39 @@ void writeReadMe(const std::filesystem::path &folder, const std::filesystem::pat
 }
 
 /// Makes the folder. Returns when all of it is on the medium.
-void fillBackup(const std::filesystem::path &folder, const std::filesystem::path &root)
+void fillBackup(const std::filesystem::path &folder, const Storage::DeviceAnchor &device)
 {
     if (diskCalls().mkdir(folder.c_str(), 0777) != 0) {
         Files::throwFailure(errno, folder);
     }
-    const Files::Descriptor to = Storage::openFolder(folder);
-    const Files::Descriptor device = Storage::openFolder(root);
-    const Files::Descriptor from = Storage::openFolder(".rockbox", device.get());
+    const Files::Descriptor to = Files::openFolder(folder).descriptor;
+    const Files::Folder settings = device.folder(".rockbox");
     for (const char *const name : savedItems) {
-        if (holdsItem(from.get(), name)) {
-            Storage::rejectLinks(root / ".rockbox" / name);
-            Storage::copyTree(from.get(), name, to.get());
+        if (holdsItem(settings.descriptor.get(), name)) {
+            Storage::rejectLinks(settings.path / name);
+            Storage::copyTree(settings.descriptor.get(), name, to.get());
         }
     }
-    writeReadMe(folder, root);
+    writeReadMe(folder, device.root());
     // Thousands of small files: one call for all that the disk has not yet got takes a fraction of the time of one
     // for each file. It also tells of writes that failed since the folder was opened.
     if (diskCalls().syncfs(to.get()) != 0) {
         Files::throwFailure(errno, folder);
     }
+    (void)device.require(); // a disk pulled out meanwhile looks like one without themes
+    device.requireUnmoved(settings);
 }
 
-[[noreturn]] void refuseTakenName()
+[[noreturn]] void refuseTakenFolder()
 {
     throw MarluneError(QStringLiteral("Folder kopii już istnieje."));
 }
 
 void nameBackup(const std::filesystem::path &temporary, const std::filesystem::path &target)
 {
-    if (diskCalls().renameExclusive(temporary.c_str(), target.c_str()) != 0) {
+    if (diskCalls().renameExclusive(AT_FDCWD, temporary.c_str(), AT_FDCWD, target.c_str()) != 0) {
         if (errno == EEXIST) { // by a dangling link, or since it was looked at
-            refuseTakenName();
+            refuseTakenFolder();
         }
         Files::throwFailure(errno, target);
     }
@@ -107,21 +107,19 @@ void nameBackup(const std::filesystem::path &temporary, const std::filesystem::p
 
 namespace Storage {
 
-void backup(const std::filesystem::path &root, const std::filesystem::path &destination)
+void backup(const DeviceAnchor &device, const std::filesystem::path &destination)
 {
-    (void)Device::inspect(root);
     const std::filesystem::path target = Files::standardised(destination);
-    if (liesOn(root, target)) {
+    if (liesOn(device.root(), target)) {
         throw MarluneError(QStringLiteral("Zapisz kopię poza iPodem."));
     }
     if (Files::exists(target)) {
-        refuseTakenName();
+        refuseTakenFolder();
     }
     const std::filesystem::path temporary = target.parent_path() / Files::temporaryName("backup-");
     try {
         onComputersDisk(target, [&] {
-            fillBackup(temporary, root);
-            (void)Device::inspect(root); // a disk pulled out meanwhile looks like one without themes
+            fillBackup(temporary, device);
             nameBackup(temporary, target);
         });
     } catch (...) {

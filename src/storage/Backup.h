@@ -4,13 +4,15 @@
 // hidden ".partial" folder beside it. The device is only read. Blocking; no state; any thread but the UI's.
 #pragma once
 
+#include "storage/DeviceAnchor.h"
+
 #include <filesystem>
 
 namespace Storage {
 
-/// Makes the folder `destination`, outside the device at `root`, of the items that hold settings and themes in the
-/// device's `.rockbox`, those of them that are there, and a README.txt. The parent of `destination` must exist.
+/// Makes the folder `destination`, outside the device, of the items that hold settings and themes in the
+/// `.rockbox` of the device, those of them that are there, and a README.txt. The parent of `destination` must exist.
 /// Throws MarluneError or std::system_error; then nothing stands at `destination` that did not stand there before.
-void backup(const std::filesystem::path &root, const std::filesystem::path &destination);
+void backup(const DeviceAnchor &device, const std::filesystem::path &destination);
 
 } // namespace Storage

@@ -6,9 +6,10 @@
 
 namespace Storage {
 
-Sha256::Digest digest(const std::filesystem::path &file)
+Sha256::Digest digest(const std::filesystem::path &file, int from)
 {
-    const Files::Descriptor source = Files::openForReading(file);
+    const Files::Descriptor source
+        = Files::openForReading(file, from == AT_FDCWD ? Files::Links::Follow : Files::Links::Refuse, from);
     Sha256 sha256;
     try {
         forEachBlock(source.get(), [&](std::span<const char> block) { sha256.update(block); });

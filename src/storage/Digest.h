@@ -3,11 +3,14 @@
 
 #include "platform/Sha256.h"
 
+#include <fcntl.h>
+
 #include <filesystem>
 
 namespace Storage {
 
-/// Reads the file in blocks of 1 MiB. Throws the system's failure, which names the file.
-[[nodiscard]] Sha256::Digest digest(const std::filesystem::path &file);
+/// Reads the file in blocks of 1 MiB. One that is counted from the open folder `from` must not be a link. Throws the
+/// system's failure, which names the file.
+[[nodiscard]] Sha256::Digest digest(const std::filesystem::path &file, int from = AT_FDCWD);
 
 } // namespace Storage

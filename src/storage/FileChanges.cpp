@@ -1,13 +1,10 @@
 #include "storage/FileChanges.h"
 
-#include "storage/Device.h"
+#include "storage/Digest.h"
 #include "storage/Writers.h"
 
 #include "platform/DiskCalls.h"
 #include "platform/MarluneError.h"
-
-#include <fcntl.h>
-#include <sys/stat.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -15,10 +12,17 @@
 
 namespace {
 
-void removeIfThere(const std::filesystem::path &file)
+Sha256::Digest digestOf(const QByteArray &bytes)
 {
-    if (diskCalls().unlink(file.c_str()) != 0 && errno != ENOENT) {
-        Files::throwFailure(errno, file);
+    Sha256 sha256;
+    sha256.update(bytes);
+    return sha256.finish();
+}
+
+void unlinkIn(const Files::Folder &folder, const std::filesystem::path &name)
+{
+    if (diskCalls().unlinkat(folder.descriptor.get(), name.c_str(), 0) != 0) {
+        Files::throwFailure(errno, folder.path / name);
     }
 }
 
@@ -26,9 +30,8 @@ void removeIfThere(const std::filesystem::path &file)
 
 namespace Storage {
 
-FileChanges::FileChanges(std::filesystem::path root, CopyOf copyOf, Files::Durability durability)
-    : m_root(std::move(root))
-    , m_disk(::open(m_root.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC))
+FileChanges::FileChanges(const DeviceAnchor &device, CopyOf copyOf, Files::Durability durability)
+    : m_device(device)
     , m_copyOf(std::move(copyOf))
     , m_durability(durability)
 {
@@ -61,79 +64,113 @@ bool FileChanges::undo() noexcept
     };
     // Exactly in reverse: then each old file finds the room on a full disk that its successor was given.
     std::for_each(
-        m_tried.rbegin(), m_tried.rend(), [&](const std::filesystem::path &file) { attempt([&] { putBack(file); }); });
+        m_changes.rbegin(), m_changes.rend(), [&](const Change &change) { attempt([&] { putBack(change); }); });
     attempt([this] { synchronise(); });
-    m_tried.clear();
+    m_changes.clear();
     return complete;
 }
 
-void FileChanges::requireSameDisk() const
+Files::Folder FileChanges::folderOf(const std::filesystem::path &file, DeviceAnchor::Missing missing) const
 {
-    struct stat held {};
-    struct stat present {};
-    if (::fstat(m_disk.get(), &held) != 0 || ::stat(m_root.c_str(), &present) != 0 || held.st_dev != present.st_dev) {
-        Files::throwFailure(ENODEV, m_root);
+    return m_device.folder(file.lexically_relative(m_device.root()).parent_path(), missing);
+}
+
+bool FileChanges::equalsCopy(const std::filesystem::path &file, const Files::Folder &folder) const
+{
+    const std::optional<std::filesystem::path> copy = m_copyOf(file);
+    return copy && digest(file.filename(), folder.descriptor.get()) == digest(*copy);
+}
+
+/// Throws where a file by this name would be lost.
+void FileChanges::requireSaved(const std::filesystem::path &file, const Files::Folder &folder) const
+{
+    switch (Files::kindOf(file.filename(), folder.descriptor.get())) {
+    case Files::Kind::None:
+        return;
+    case Files::Kind::File:
+        break;
+    case Files::Kind::Link:
+        throw MarluneError(QStringLiteral("Docelowy zasób jest dowiązaniem."));
+    default:
+        Files::throwFailure(EISDIR, file);
+    }
+    if (!m_copyOf(file)) {
+        throw MarluneError(QStringLiteral("Na iPodzie pojawił się plik bez kopii: ") + Files::name(file));
+    }
+    if (!equalsCopy(file, folder)) {
+        throw MarluneError(QStringLiteral("Plik na iPodzie zmienił się po zrobieniu kopii: ") + Files::name(file));
     }
 }
 
-// The change of a file that was there is noted before it is tried: a call can fail after the disk has done its work.
+// The last look comes right before the step that cannot be taken back. A change is noted before it is tried: a call can
+// fail after the disk has done its work.
 
-void FileChanges::write(const QByteArray &bytes, const std::filesystem::path &file)
+void FileChanges::write(const QByteArray &bytes, const std::filesystem::path &file, DeviceAnchor::Missing folders)
 {
-    (void)Device::inspect(m_root);
-    requireSameDisk();
-    if (m_copyOf(file)) {
-        m_tried.push_back(file);
-        writeBytes(bytes, file, m_durability);
-    } else {
-        create(bytes, file);
-    }
-}
-
-/// Replaces nothing: what another program has put there since has no copy, and undoing must not remove it.
-void FileChanges::create(const QByteArray &bytes, const std::filesystem::path &file)
-{
+    (void)m_device.require();
+    const Files::Folder folder = folderOf(file, folders);
+    const std::filesystem::path name = file.filename();
+    const bool isThere = Files::kindOf(name, folder.descriptor.get()) != Files::Kind::None;
+    const std::size_t before = m_changes.size();
+    const auto make = [&](const std::filesystem::path &temporary, int from) {
+        Files::writeNew(temporary, bytes, m_durability, from);
+        requireSaved(file, folder);
+        m_changes.push_back({file, digestOf(bytes)});
+    };
     try {
-        Files::createAtomically(file, bytes, m_durability);
+        Files::place(folder, name, isThere ? Files::Placing::Replace : Files::Placing::Create, make);
     } catch (const std::system_error &failure) {
-        if (failure.code() != std::errc::file_exists && Files::readBelow(file, bytes.size() + 1) == bytes) {
-            m_tried.push_back(file); // the last call failed after its work was done
+        if (failure.code() == std::errc::file_exists) { // another program's, be it of the same bytes
+            m_changes.resize(before);
         }
         throw;
     }
-    m_tried.push_back(file);
 }
 
 void FileChanges::remove(const std::filesystem::path &file)
 {
-    (void)Device::inspect(m_root);
-    requireSameDisk();
-    m_tried.push_back(file);
-    if (diskCalls().unlink(file.c_str()) != 0) {
-        Files::throwFailure(errno, file);
-    }
+    (void)m_device.require();
+    const Files::Folder folder = folderOf(file);
+    requireSaved(file, folder);
+    m_changes.push_back({file, std::nullopt});
+    unlinkIn(folder, file.filename());
 }
 
 void FileChanges::keep()
 {
     synchronise();
-    m_tried.clear();
+    m_changes.clear();
 }
 
 void FileChanges::synchronise() const
 {
-    if (!m_tried.empty()) { // the names, even where each file is there already
-        Files::synchroniseVolume(Files::exists(m_tried.back()) ? m_tried.back() : m_root);
+    if (!m_changes.empty()) { // the names, even where each file is there already
+        const std::filesystem::path &last = m_changes.back().file;
+        Files::synchroniseVolume(folderOf(last), last.filename());
     }
 }
 
-void FileChanges::putBack(const std::filesystem::path &file) const
+void FileChanges::putBack(const Change &change) const
 {
-    requireSameDisk();
-    if (const std::optional<std::filesystem::path> copy = m_copyOf(file)) {
-        copyOver(*copy, file, m_durability);
-    } else {
-        removeIfThere(file);
+    const Files::Folder folder = folderOf(change.file);
+    const std::filesystem::path name = change.file.filename();
+    const auto isThere = [&] { return Files::kindOf(name, folder.descriptor.get()) != Files::Kind::None; };
+    const auto requireOwn = [&] {
+        if (isThere() && digest(name, folder.descriptor.get()) != change.made) {
+            Files::throwFailure(EEXIST, change.file); // another program's
+        }
+    };
+    if (isThere() && equalsCopy(change.file, folder)) {
+        return; // it was never changed
+    }
+    if (const std::optional<std::filesystem::path> copy = m_copyOf(change.file)) {
+        Files::place(folder, name, Files::Placing::Replace, [&](const std::filesystem::path &temporary, int from) {
+            copyToNew(Files::openForReading(*copy), temporary, from, m_durability);
+            requireOwn();
+        });
+    } else if (isThere()) {
+        requireOwn();
+        unlinkIn(folder, name);
     }
 }
 

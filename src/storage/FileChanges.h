@@ -1,10 +1,16 @@
 // Files of one device written and removed together: all of the changes stay, or all are taken back.
 //
 // What is not kept by keep() is undone in reverse when the object goes, so every way out by an exception leaves the old
-// files. Blocking; one object belongs to one thread, any but the UI's.
+// files. Each step, forward or back, opens its folder anew from the device's root and works in there: no link is
+// followed, and no other disk is touched. Nothing that another program has put there is lost: what does not equal its
+// copy is not replaced, and what is not the file made here is not taken back. Blocking; one object belongs to one
+// thread, any but the UI's.
 #pragma once
 
+#include "storage/DeviceAnchor.h"
+
 #include "platform/Files.h"
+#include "platform/Sha256.h"
 
 #include <QByteArray>
 
@@ -17,20 +23,23 @@ namespace Storage {
 
 class FileChanges {
 public:
-    /// The copy, made before the first change, of what stood at this path; absent if nothing stood there.
+    /// The copy, made before the first change, of the file that was at this path; absent if there was none.
     using CopyOf = std::function<std::optional<std::filesystem::path>(const std::filesystem::path &)>;
 
-    /// With Durability::Later the medium gets all of the changes together, in keep(): quick for many small files.
-    FileChanges(std::filesystem::path root, CopyOf copyOf, Files::Durability durability = Files::Durability::Now);
+    /// `device` must have been taken before the copies were made, and must outlive the object. With Durability::Later
+    /// the medium gets all of the changes together, in keep(): quick for many small files.
+    FileChanges(const DeviceAnchor &device, CopyOf copyOf, Files::Durability durability = Files::Durability::Now);
+    FileChanges(DeviceAnchor &&, CopyOf, Files::Durability = Files::Durability::Now) = delete;
     /// Undoes what was not kept: puts each file's copy back in one step, removes what was new. A file for which that
     /// fails is left as it is, and the next one is tried.
     ~FileChanges();
     FileChanges(const FileChanges &) = delete;
     FileChanges &operator=(const FileChanges &) = delete;
 
-    /// Both look at the device again first, and refuse another one at its place. They throw its MarluneError or the
-    /// system's failure. A file without a copy must not be there: the write fails with EEXIST where one has appeared.
-    void write(const QByteArray &bytes, const std::filesystem::path &file);
+    /// Both take paths below the device's root and look at the device again first. They throw a MarluneError or the
+    /// system's failure; a link, a file that has no copy and one that has changed since are refused.
+    void write(const QByteArray &bytes, const std::filesystem::path &file,
+        DeviceAnchor::Missing folders = DeviceAnchor::Missing::Refuse);
     void remove(const std::filesystem::path &file);
 
     /// For a failure that is being handled: undoes now what was not kept, and throws the failure on. Where not all
@@ -42,17 +51,23 @@ public:
     void keep();
 
 private:
-    void requireSameDisk() const;
-    void create(const QByteArray &bytes, const std::filesystem::path &file);
+    struct Change {
+        std::filesystem::path file;
+        std::optional<Sha256::Digest> made; ///< of the new file; absent for one that was removed
+    };
+
+    [[nodiscard]] Files::Folder folderOf(
+        const std::filesystem::path &file, DeviceAnchor::Missing missing = DeviceAnchor::Missing::Refuse) const;
+    [[nodiscard]] bool equalsCopy(const std::filesystem::path &file, const Files::Folder &folder) const;
+    void requireSaved(const std::filesystem::path &file, const Files::Folder &folder) const;
     [[nodiscard]] bool undo() noexcept;
-    void putBack(const std::filesystem::path &file) const;
+    void putBack(const Change &change) const;
     void synchronise() const;
 
-    std::filesystem::path m_root;
-    Files::Descriptor m_disk; ///< keeps its number from going to another disk at the same place
+    const DeviceAnchor &m_device;
     CopyOf m_copyOf;
     Files::Durability m_durability;
-    std::vector<std::filesystem::path> m_tried;
+    std::vector<Change> m_changes;
 };
 
 } // namespace Storage

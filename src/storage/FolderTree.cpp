@@ -1,97 +1,21 @@
 #include "storage/FolderTree.h"
 
+#include "storage/Blocks.h"
+
 #include "platform/DiskCalls.h"
+#include "platform/FolderItems.h"
 #include "platform/MarluneError.h"
 
-#include <dirent.h>
 #include <sys/stat.h>
 
 #include <cerrno>
-#include <memory>
-#include <string>
 #include <vector>
 
 namespace {
 
-constexpr std::size_t copyBlockBytes = 0x40000;
-
-/// Opens the folder itself, never the target of a link.
-Files::Descriptor openFolderAt(int folder, const char *name)
-{
-    const int descriptor = ::openat(folder, name, O_RDONLY | O_NOFOLLOW | O_DIRECTORY | O_CLOEXEC);
-    if (descriptor < 0) {
-        Files::throwFailure(errno, name);
-    }
-    return Files::Descriptor(descriptor);
-}
-
-struct TreeEntry {
-    std::string name;
-    Files::Kind kind;
-};
-
-Files::Kind kindOf(int folder, const dirent &entry)
-{
-    switch (entry.d_type) {
-    case DT_REG:
-        return Files::Kind::File;
-    case DT_DIR:
-        return Files::Kind::Folder;
-    case DT_LNK:
-        return Files::Kind::Link;
-    case DT_UNKNOWN: // not every file system says what an item is
-        return Files::kindOf(entry.d_name, folder);
-    default:
-        return Files::Kind::Other;
-    }
-}
-
-/// All that the folder holds, hidden items included. Listed before any of it is worked on, because a folder that
-/// changes while it is read may leave out items.
-std::vector<TreeEntry> entriesOf(int folder, const char *folderName)
-{
-    // The stream closes its own descriptor.
-    Files::Descriptor own = openFolderAt(folder, ".");
-    const std::unique_ptr<DIR, int (*)(DIR *)> stream(::fdopendir(own.get()), ::closedir);
-    if (!stream) {
-        Files::throwFailure(errno, folderName);
-    }
-    (void)own.release();
-    std::vector<TreeEntry> entries;
-    errno = 0;
-    while (const dirent *const found = ::readdir(stream.get())) {
-        const std::string name = found->d_name;
-        if (name != "." && name != "..") {
-            entries.push_back({name, kindOf(folder, *found)});
-        }
-        errno = 0;
-    }
-    if (errno != 0) {
-        Files::throwFailure(errno, folderName);
-    }
-    return entries;
-}
-
-std::vector<TreeEntry> entriesOf(const std::filesystem::path &folder)
-{
-    return entriesOf(openFolderAt(AT_FDCWD, folder.c_str()).get(), folder.c_str());
-}
-
-std::vector<TreeEntry> entriesOrNone(const std::filesystem::path &folder, Storage::Unreadable unreadable)
-{
-    try {
-        return entriesOf(folder);
-    } catch (const std::system_error &failure) {
-        if (unreadable == Storage::Unreadable::Throw && failure.code() != std::errc::no_such_file_or_directory) {
-            throw;
-        }
-        return {};
-    }
-}
-
 class TreeCopy {
 public:
-    void item(int from, const TreeEntry &entry, int to) const
+    void item(int from, const Files::FolderItem &entry, int to) const
     {
         const char *const name = entry.name.c_str();
         switch (entry.kind) {
@@ -111,13 +35,13 @@ public:
 private:
     void folder(int from, const char *name, int to) const
     {
-        const Files::Descriptor source = openFolderAt(from, name);
+        const Files::Folder source = Files::openFolder(name, from);
         if (diskCalls().mkdirat(to, name, 0777) != 0) {
             Files::throwFailure(errno, name);
         }
-        const Files::Descriptor destination = openFolderAt(to, name);
-        for (const TreeEntry &entry : entriesOf(source.get(), name)) {
-            item(source.get(), entry, destination.get());
+        const Files::Folder destination = Files::openFolder(name, to);
+        for (const Files::FolderItem &entry : Files::itemsOf(source)) {
+            item(source.descriptor.get(), entry, destination.descriptor.get());
         }
     }
 
@@ -133,132 +57,154 @@ private:
         if (destination.get() < 0) {
             Files::throwFailure(errno, name);
         }
-        copyBytes(source.get(), destination.get(), name);
+        try {
+            Storage::copyBlocks(source.get(), destination.get());
+        } catch (const std::system_error &failure) {
+            Files::throwFailure(failure.code().value(), name);
+        }
         const timespec times[] = {{.tv_sec = 0, .tv_nsec = UTIME_OMIT}, status.st_mtim};
         (void)diskCalls().futimens(destination.get(), times); // a copy with another time is a good copy
         if (diskCalls().close(destination.release()) != 0) {
             Files::throwFailure(errno, name);
         }
     }
-
-    void copyBytes(int source, int destination, const char *name) const
-    {
-        try {
-            for (std::size_t count = copyBlockBytes; count == copyBlockBytes;) {
-                count = Files::readFully(source, {m_block.get(), copyBlockBytes});
-                Files::writeFully(destination, {m_block.get(), count});
-            }
-        } catch (const std::system_error &failure) {
-            Files::throwFailure(failure.code().value(), name);
-        }
-    }
-
-    std::unique_ptr<char[]> m_block = std::make_unique_for_overwrite<char[]>(copyBlockBytes);
 };
 
-class TreeRemoval {
+struct Identity {
+    dev_t disk = 0;
+    ino_t number = 0;
+
+    bool operator==(const Identity &) const = default;
+};
+
+Identity identityOf(const Files::Folder &folder)
+{
+    struct stat status {};
+    if (::fstat(folder.descriptor.get(), &status) != 0) {
+        Files::throwFailure(errno, folder.path);
+    }
+    return {status.st_dev, status.st_ino};
+}
+
+/// A walk from one open folder to the next. Only the lowest few are open; on the way back an upper one is opened from
+/// the one below it, and has to be the folder that it was.
+class TreeWalk {
 public:
-    explicit TreeRemoval(const std::filesystem::path &folder)
-        : m_top(openFolderAt(AT_FDCWD, folder.c_str()))
+    TreeWalk(Storage::Unreadable unreadable, Storage::UseItem onItem, Storage::UseItem onLeft)
+        : m_unreadable(unreadable)
+        , m_onItem(std::move(onItem))
+        , m_onLeft(std::move(onLeft))
     {
     }
 
-    void run()
+    void run(const std::filesystem::path &folder, int from)
     {
-        empty(m_top.get(), ".", 1);
-        while (!m_deep.empty()) {
-            const std::filesystem::path name = std::move(m_deep.back());
-            m_deep.pop_back();
-            remove(m_top.get(), name.c_str(), 1);
+        try {
+            enter(Files::openFolder(folder, from));
+        } catch (const std::system_error &) {
+            if (m_unreadable == Storage::Unreadable::Throw) {
+                throw;
+            }
+        }
+        while (!m_levels.empty()) {
+            Level &level = m_levels.back();
+            if (level.next == level.items.size()) {
+                leave();
+                continue;
+            }
+            const Files::FolderItem &item = level.items[level.next++];
+            if (item.kind != Files::Kind::None) {
+                const Storage::TreeItem found {level.folder.path / item.name, item.kind, level.folder.descriptor.get()};
+                m_onItem(found);
+                if (found.kind == Files::Kind::Folder) {
+                    descend(found);
+                }
+            }
         }
     }
 
 private:
-    /// Folders open at a time; a program may have 1024 descriptors.
-    static constexpr int deepest = 100;
+    static constexpr std::size_t maxOpen = 8; ///< at least 2: from a folder without a subfolder none is opened
 
-    void empty(int folder, const char *name, int depth)
+    struct Level {
+        Files::Folder folder;
+        Identity identity;
+        std::vector<Files::FolderItem> items;
+        std::size_t next = 0;
+    };
+
+    void enter(Files::Folder folder)
     {
-        for (const TreeEntry &entry : entriesOf(folder, name)) {
-            const char *const item = entry.name.c_str();
-            if (entry.kind != Files::Kind::Folder) {
-                diskCalls().unlinkat(folder, item, 0);
-            } else if (depth < deepest || !moveUp(folder, item)) {
-                remove(folder, item, depth + 1);
-            }
+        const Identity identity = identityOf(folder);
+        std::vector<Files::FolderItem> items = Files::itemsOf(folder);
+        m_levels.push_back({std::move(folder), identity, std::move(items)});
+        if (m_levels.size() > maxOpen) {
+            m_levels[m_levels.size() - 1 - maxOpen].folder.descriptor = Files::Descriptor();
         }
     }
 
-    void remove(int parent, const char *name, int depth)
+    void descend(const Storage::TreeItem &item)
     {
         try {
-            const Files::Descriptor folder = openFolderAt(parent, name);
-            empty(folder.get(), name, depth);
-        } catch (const std::system_error &) { // NOLINT(bugprone-empty-catch): a folder that still holds something stays
+            Files::Folder folder = Files::openFolder(item.path.filename(), item.folder);
+            folder.path = item.path;
+            enter(std::move(folder));
+        } catch (const std::system_error &failure) {
+            if (m_unreadable == Storage::Unreadable::Throw && failure.code() != std::errc::no_such_file_or_directory) {
+                Files::throwFailure(failure.code().value(), item.path);
+            }
+            m_onLeft(item);
         }
-        diskCalls().unlinkat(parent, name, AT_REMOVEDIR);
     }
 
-    /// For the time when nothing else is open.
-    bool moveUp(int folder, const char *name)
+    void leave()
     {
-        const auto path = [](int descriptor, const std::filesystem::path &item) {
-            return "/proc/self/fd" / std::filesystem::path(std::to_string(descriptor)) / item;
-        };
-        const std::filesystem::path moved = Files::temporaryName();
-        if (diskCalls().rename(path(folder, name).c_str(), path(m_top.get(), moved).c_str()) != 0) {
-            return false;
+        const Level left = std::move(m_levels.back());
+        m_levels.pop_back();
+        if (m_levels.empty()) {
+            return;
         }
-        m_deep.push_back(moved);
-        return true;
+        Level &upper = m_levels.back();
+        if (upper.folder.descriptor.get() < 0) {
+            upper.folder.descriptor = Files::openFolder("..", left.folder.descriptor.get()).descriptor;
+            if (identityOf(upper.folder) != upper.identity) {
+                Files::throwFailure(ESTALE, upper.folder.path); // moved, so what is above it is no part of the tree
+            }
+        }
+        m_onLeft({left.folder.path, Files::Kind::Folder, upper.folder.descriptor.get()});
     }
 
-    Files::Descriptor m_top;
-    std::vector<std::filesystem::path> m_deep;
+    Storage::Unreadable m_unreadable;
+    Storage::UseItem m_onItem;
+    Storage::UseItem m_onLeft;
+    std::vector<Level> m_levels;
 };
-
-void walk(const std::filesystem::path &folder, const std::vector<TreeEntry> &entries, Storage::Unreadable unreadable,
-    const Storage::UseItem &use)
-{
-    for (const TreeEntry &entry : entries) {
-        const std::filesystem::path item = folder / entry.name;
-        if (entry.kind == Files::Kind::None) {
-            continue;
-        }
-        use(item, entry.kind);
-        if (entry.kind == Files::Kind::Folder) {
-            walk(item, entriesOrNone(item, unreadable), unreadable, use);
-        }
-    }
-}
 
 } // namespace
 
 namespace Storage {
-
-Files::Descriptor openFolder(const std::filesystem::path &path, int from)
-{
-    // With a separator at its end the name of a link would mean its target.
-    const std::filesystem::path item = path.has_filename() ? path : path.parent_path();
-    return openFolderAt(from, item.c_str());
-}
 
 void copyTree(int from, const std::filesystem::path &name, int to)
 {
     TreeCopy().item(from, {name.native(), Files::kindOf(name, from)}, to);
 }
 
-void forEachBelow(const std::filesystem::path &folder, Unreadable unreadable, const UseItem &use)
+void forEachBelow(const std::filesystem::path &folder, Unreadable unreadable, const UseItem &use, int from)
 {
-    // The folder itself must be there.
-    walk(folder, unreadable == Unreadable::Throw ? entriesOf(folder) : entriesOrNone(folder, unreadable), unreadable,
-        use);
+    TreeWalk(unreadable, use, [](const TreeItem &) { }).run(folder, from);
 }
 
 void removeTree(const std::filesystem::path &folder)
 {
+    const auto removeFile = [](const TreeItem &item) {
+        if (item.kind != Files::Kind::Folder) {
+            diskCalls().unlinkat(item.folder, item.path.filename().c_str(), 0);
+        }
+    };
+    const auto removeFolder
+        = [](const TreeItem &item) { diskCalls().unlinkat(item.folder, item.path.filename().c_str(), AT_REMOVEDIR); };
     try {
-        TreeRemoval(folder).run();
+        TreeWalk(Unreadable::PassOver, removeFile, removeFolder).run(folder, AT_FDCWD);
     } catch (const std::system_error &) { // NOLINT(bugprone-empty-catch): what can be removed is
     }
     diskCalls().unlinkat(AT_FDCWD, folder.c_str(), AT_REMOVEDIR);

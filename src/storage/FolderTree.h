@@ -4,32 +4,33 @@
 // Blocking; no state; any thread but the UI's.
 #pragma once
 
-#include "platform/Files.h"
-
-#include <fcntl.h>
+#include "platform/FolderItems.h"
 
 #include <filesystem>
 #include <functional>
 
 namespace Storage {
 
-/// Opens a folder for the walks below, `path` counted from the open folder `from`. What is no folder, a link to one
-/// included, is refused with the system's failure.
-[[nodiscard]] Files::Descriptor openFolder(const std::filesystem::path &path, int from = AT_FDCWD);
-
 /// Copies `name`, a file or a folder with all it holds, from the open folder `from` into the open folder `to`, where
 /// the name must be free. Files keep their content and their time of change; owners and modes are not copied, so that
 /// a copy can always be removed. Quick for thousands of small files: nothing is synchronised, that is the caller's.
-/// Throws MarluneError at a link, else std::system_error, also for what is neither file nor folder; what was copied by
-/// then stays.
+/// Throws MarluneError at a link, otherwise std::system_error, also for what is neither file nor folder; what was
+/// copied by then stays.
 void copyTree(int from, const std::filesystem::path &name, int to);
 
 /// What a walk does about a folder that cannot be read.
 enum class Unreadable : std::uint8_t { Throw, PassOver };
-using UseItem = std::function<void(const std::filesystem::path &item, Files::Kind kind)>;
-/// Calls `use` with each item below `folder`, hidden ones too, a folder before what it holds. One folder is open at a
-/// time, so that no depth uses up the descriptors. What goes meanwhile is passed over.
-void forEachBelow(const std::filesystem::path &folder, Unreadable unreadable, const UseItem &use);
+/// What a walk has come to. `folder`, open during the call, holds it under the last name of `path`.
+struct TreeItem {
+    std::filesystem::path path;
+    Files::Kind kind = Files::Kind::None;
+    int folder = -1;
+};
+using UseItem = std::function<void(const TreeItem &item)>;
+/// Calls `use` with each item below `folder`, which is counted from the open folder `from`; hidden ones too, a folder
+/// before what it holds. A few folders are open at a time, so that no depth uses up the descriptors. What goes
+/// meanwhile is passed over; where a folder is moved that the walk is in, it throws ESTALE.
+void forEachBelow(const std::filesystem::path &folder, Unreadable unreadable, const UseItem &use, int from = AT_FDCWD);
 
 /// Removes a folder with all it holds. What cannot be removed stays: this is for the way out of a failure.
 void removeTree(const std::filesystem::path &folder);

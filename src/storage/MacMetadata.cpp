@@ -1,6 +1,6 @@
 #include "storage/MacMetadata.h"
 
-#include "storage/Device.h"
+#include "storage/Digest.h"
 #include "storage/FolderTree.h"
 #include "storage/PathSafety.h"
 #include "storage/SavedFiles.h"
@@ -9,11 +9,13 @@
 #include "platform/Files.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <map>
 #include <string>
 #include <string_view>
 
@@ -22,81 +24,170 @@ namespace {
 constexpr std::string_view companionPrefix = "._";
 constexpr std::array<unsigned char, 4> appleDoubleMagic {0x00, 0x05, 0x16, 0x07};
 
-bool beginsAsAppleDouble(const std::filesystem::path &path)
+bool beginsAsAppleDouble(const std::filesystem::path &name, int folder)
 {
     // Non-blocking, in case a pipe has taken the name since it was looked at.
-    const Files::Descriptor file(::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    const Files::Descriptor file(
+        ::openat(folder, name.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
     std::array<unsigned char, 4> head {};
     return file.get() >= 0 && ::read(file.get(), head.data(), head.size()) == ssize_t(head.size())
         && head == appleDoubleMagic;
 }
 
-/// Whether this regular file is the companion of an item beside it.
-bool isCompanion(const std::filesystem::path &file)
+/// Whether this is a regular file, and the companion of an item beside it.
+bool isCompanion(const Storage::TreeItem &item)
 {
-    const std::string name = file.filename();
-    if (!name.starts_with(companionPrefix) || name.size() == companionPrefix.size()) {
+    const std::string name = item.path.filename();
+    if (item.kind != Files::Kind::File || !name.starts_with(companionPrefix) || name.size() == companionPrefix.size()) {
         return false;
     }
-    const Files::Kind item = Files::kindOrNone(file.parent_path() / name.substr(companionPrefix.size()));
-    return item != Files::Kind::None && item != Files::Kind::Link && beginsAsAppleDouble(file);
+    const Files::Kind beside = Files::kindOrNone(name.substr(companionPrefix.size()), item.folder);
+    return beside != Files::Kind::None && beside != Files::Kind::Link && beginsAsAppleDouble(name, item.folder);
 }
 
 std::vector<std::filesystem::path> companionsOf(
-    std::span<const std::filesystem::path> candidates, const std::filesystem::path &root)
+    std::span<const std::filesystem::path> candidates, const Storage::DeviceAnchor &device)
 {
     std::vector<std::filesystem::path> files;
     for (const std::filesystem::path &candidate : candidates) {
         std::filesystem::path file = candidate;
         file.replace_filename(std::string(companionPrefix) + candidate.filename().native());
         // Both are asked, because a link beside other files may point onto the device.
-        if (Storage::liesBelow(candidate, root) && Storage::liesBelow(file, root)
-            && Files::kindOrNone(file) == Files::Kind::File && beginsAsAppleDouble(file)
-            && std::find(files.begin(), files.end(), file) == files.end()) {
+        if (!Storage::liesBelow(candidate, device.root()) || !Storage::liesBelow(file, device.root())
+            || Files::kindOrNone(file) != Files::Kind::File || !beginsAsAppleDouble(file, AT_FDCWD)) {
+            continue;
+        }
+        const auto place = Storage::pathBelow(file.parent_path(), device.root());
+        file = device.root() / place.value_or("") / file.filename();
+        if (std::find(files.begin(), files.end(), file) == files.end()) {
             files.push_back(std::move(file));
         }
     }
     return files;
 }
 
+/// Copies files of a device to the computer, and removes those that are still what was copied.
+class Removal {
+public:
+    Removal(const Storage::DeviceAnchor &device, std::span<const std::filesystem::path> files,
+        const std::filesystem::path &backupRoot)
+        : m_device(device)
+        , m_saved(
+              Storage::saveFiles(files, backupRoot, {QStringLiteral("MacMetadata-"), QStringLiteral(".appledouble")},
+                  [this](const std::filesystem::path &file) { return open(file); }))
+    {
+    }
+
+    /// False where the file stays. Its name is taken away first: then nothing else can come under it between the look
+    /// and the removal.
+    [[nodiscard]] bool remove(const std::filesystem::path &file) const
+    {
+        (void)m_device.require();
+        const Files::Folder folder = folderOf(file);
+        const std::filesystem::path hidden = Files::temporaryName();
+        const auto putBack = [&] { return rename(folder, hidden, file.filename()); };
+        try {
+            if (const int error = rename(folder, file.filename(), hidden)) {
+                Files::throwFailure(error, file);
+            }
+            if (!isAsCopied(folder, hidden, file)) {
+                if (const int error = putBack()) {
+                    Files::throwFailure(error, folder.path / hidden);
+                }
+                return false;
+            }
+            if (diskCalls().unlinkat(folder.descriptor.get(), hidden.c_str(), 0) != 0) {
+                Files::throwFailure(errno, file);
+            }
+        } catch (...) {
+            (void)putBack();
+            throw;
+        }
+        return true;
+    }
+
+private:
+    /// The number of the failure, 0 for none.
+    [[nodiscard]] static int rename(
+        const Files::Folder &folder, const std::filesystem::path &from, const std::filesystem::path &to)
+    {
+        const int place = folder.descriptor.get();
+        return diskCalls().renameExclusive(place, from.c_str(), place, to.c_str()) == 0 ? 0 : errno;
+    }
+
+    [[nodiscard]] Files::Folder folderOf(const std::filesystem::path &file) const
+    {
+        return m_device.folder(file.lexically_relative(m_device.root()).parent_path());
+    }
+
+    [[nodiscard]] Files::Descriptor open(const std::filesystem::path &file)
+    {
+        const Files::Folder folder = folderOf(file);
+        Files::Descriptor descriptor
+            = Files::openForReading(file.filename(), Files::Links::Refuse, folder.descriptor.get());
+        if (::fstat(descriptor.get(), &m_copied[file]) != 0) {
+            Files::throwFailure(errno, file);
+        }
+        return descriptor;
+    }
+
+    [[nodiscard]] bool isAsCopied(
+        const Files::Folder &folder, const std::filesystem::path &name, const std::filesystem::path &file) const
+    {
+        const struct stat &copied = m_copied.at(file);
+        struct stat present {};
+        if (::fstatat(folder.descriptor.get(), name.c_str(), &present, AT_SYMLINK_NOFOLLOW) != 0) {
+            Files::throwFailure(errno, file);
+        }
+        if (!S_ISREG(present.st_mode)) {
+            return false;
+        }
+        const bool isUntouched = present.st_ino == copied.st_ino && present.st_size == copied.st_size
+            && present.st_mtim.tv_sec == copied.st_mtim.tv_sec && present.st_mtim.tv_nsec == copied.st_mtim.tv_nsec;
+        // FAT has no numbers, and a driver may make up another one: then the content tells.
+        return isUntouched
+            || Storage::digest(name, folder.descriptor.get()) == Storage::digest(m_saved.copies.at(file));
+    }
+
+    const Storage::DeviceAnchor &m_device;
+    std::map<std::filesystem::path, struct stat> m_copied; ///< as they were when they were opened
+    Storage::SavedFiles m_saved;
+};
+
 } // namespace
 
 namespace Storage {
 
-std::vector<std::filesystem::path> macMetadataFiles(const std::filesystem::path &root)
+std::vector<std::filesystem::path> macMetadataFiles(const DeviceAnchor &device)
 {
-    (void)Device::inspect(root);
+    (void)device.require();
+    const Files::Folder root = device.folder("");
     std::vector<std::filesystem::path> files;
-    for (const std::filesystem::directory_entry &entry : std::filesystem::directory_iterator(root)) {
-        // A link among them is not opened.
-        if (Files::name(entry.path()).toLower().startsWith(QStringLiteral("music"))) {
-            forEachBelow(entry.path(), Unreadable::PassOver, [&](const std::filesystem::path &item, Files::Kind kind) {
-                if (kind == Files::Kind::File && isCompanion(item)) {
-                    files.push_back(item);
+    for (const Files::FolderItem &top : Files::itemsOf(root)) {
+        if (top.kind == Files::Kind::Folder && Files::text(top.name).toLower().startsWith(QStringLiteral("music"))) {
+            const auto collect = [&](const TreeItem &item) {
+                if (isCompanion(item)) {
+                    files.push_back(device.root() / item.path);
                 }
-            });
+            };
+            forEachBelow(top.name, Unreadable::PassOver, collect, root.descriptor.get());
         }
     }
     return files;
 }
 
-int cleanupMacMetadata(const std::filesystem::path &root, const std::filesystem::path &backupRoot,
+int cleanupMacMetadata(const DeviceAnchor &device, const std::filesystem::path &backupRoot,
     std::optional<std::span<const std::filesystem::path>> candidates)
 {
-    (void)Device::inspect(root);
+    (void)device.require();
     const std::vector<std::filesystem::path> files
-        = candidates ? companionsOf(*candidates, root) : macMetadataFiles(root);
+        = candidates ? companionsOf(*candidates, device) : macMetadataFiles(device);
     if (files.empty()) {
         return 0;
     }
-    (void)saveFiles(files, backupRoot, {QStringLiteral("MacMetadata-"), QStringLiteral(".appledouble")});
-    for (const std::filesystem::path &file : files) {
-        (void)Device::inspect(root);
-        if (diskCalls().unlink(file.c_str()) != 0) {
-            Files::throwFailure(errno, file);
-        }
-    }
-    return int(files.size());
+    const Removal removal(device, files, backupRoot);
+    return int(std::count_if(
+        files.begin(), files.end(), [&](const std::filesystem::path &file) { return removal.remove(file); }));
 }
 
 } // namespace Storage

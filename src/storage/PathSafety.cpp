@@ -1,15 +1,12 @@
 #include "storage/PathSafety.h"
 
-#include "storage/Device.h"
 #include "storage/FolderTree.h"
 
 #include "platform/Characters.h"
-#include "platform/DiskCalls.h"
 #include "platform/Files.h"
 #include "platform/MarluneError.h"
 
 #include <algorithm>
-#include <cerrno>
 
 namespace {
 
@@ -107,15 +104,17 @@ QString volumeKey(const std::filesystem::path &path, Volumes::NameRules rules)
 
 namespace Storage {
 
-bool liesBelow(const std::filesystem::path &path, const std::filesystem::path &root)
+std::optional<std::filesystem::path> pathBelow(const std::filesystem::path &path, const std::filesystem::path &root)
 {
     std::error_code failure;
-    const std::filesystem::path resolvedRoot = std::filesystem::canonical(root, failure);
-    if (failure) {
-        return false;
-    }
-    const std::filesystem::path resolved = std::filesystem::weakly_canonical(path, failure);
-    return !failure && resolved.native().starts_with(resolvedRoot.native() + '/');
+    const std::string prefix = std::filesystem::canonical(root, failure).native() + '/';
+    const std::string resolved = failure ? std::string() : std::filesystem::weakly_canonical(path, failure).native();
+    return !failure && resolved.starts_with(prefix) ? std::optional(resolved.substr(prefix.size())) : std::nullopt;
+}
+
+bool liesBelow(const std::filesystem::path &path, const std::filesystem::path &root)
+{
+    return pathBelow(path, root).has_value();
 }
 
 void rejectLinks(const std::filesystem::path &path)
@@ -124,40 +123,11 @@ void rejectLinks(const std::filesystem::path &path)
     if (isSymbolicLink(path)) {
         refuse();
     }
-    forEachBelow(path, Unreadable::PassOver, [&](const std::filesystem::path &, Files::Kind kind) {
-        if (kind == Files::Kind::Link) {
+    forEachBelow(path, Unreadable::PassOver, [&](const TreeItem &item) {
+        if (item.kind == Files::Kind::Link) {
             refuse();
         }
     });
-}
-
-std::filesystem::path directory(const std::filesystem::path &relative, const std::filesystem::path &root)
-{
-    (void)Device::inspect(root);
-    std::filesystem::path current = root;
-    for (const std::filesystem::path &piece : relative.relative_path()) {
-        if (piece.empty()) {
-            continue;
-        }
-        if (piece == "." || piece == "..") {
-            throw MarluneError(QStringLiteral("Nieprawidłowa ścieżka."));
-        }
-        current /= piece;
-        switch (Files::kindOf(current)) {
-        case Files::Kind::None:
-            if (diskCalls().mkdir(current.c_str(), 0777) != 0) {
-                Files::throwFailure(errno, current);
-            }
-            break;
-        case Files::Kind::Folder:
-            break;
-        case Files::Kind::Link:
-            throw MarluneError(QStringLiteral("Ścieżka zawiera dowiązanie: ") + Files::name(current));
-        default:
-            throw MarluneError(QStringLiteral("Folder jest zajęty przez plik: ") + Files::name(current));
-        }
-    }
-    return current;
 }
 
 } // namespace Storage

@@ -8,6 +8,7 @@
 #include <QString>
 
 #include <filesystem>
+#include <optional>
 
 /// Whether the item itself is a symbolic link; false also where it cannot be queried.
 [[nodiscard]] bool isSymbolicLink(const std::filesystem::path &path);
@@ -28,17 +29,14 @@
 
 namespace Storage {
 
-/// Whether `path`, with all links on its way resolved, lies below the folder `root`. It need not exist;
-/// what cannot be resolved lies nowhere.
+/// Where `path`, with all links on its way resolved, lies below the folder `root`, counted from there. It need not
+/// exist; what cannot be resolved lies nowhere.
+[[nodiscard]] std::optional<std::filesystem::path> pathBelow(
+    const std::filesystem::path &path, const std::filesystem::path &root);
 [[nodiscard]] bool liesBelow(const std::filesystem::path &path, const std::filesystem::path &root);
 
 /// Refuses a tree that holds any symbolic link, at any depth, hidden or dangling. Items that cannot be queried are
 /// passed over. Throws MarluneError.
 void rejectLinks(const std::filesystem::path &path);
-
-/// Makes sure that the folder `relative` exists under the device at `root` and that no link lies on the way; returns
-/// it. Pieces are made as they are: safeName() is the caller's duty. Folders made before a refusal stay. Throws
-/// MarluneError, or the system's failure.
-[[nodiscard]] std::filesystem::path directory(const std::filesystem::path &relative, const std::filesystem::path &root);
 
 } // namespace Storage

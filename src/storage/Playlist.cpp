@@ -1,5 +1,6 @@
 #include "storage/Playlist.h"
 
+#include "storage/DeviceAnchor.h"
 #include "storage/PathSafety.h"
 
 #include "platform/Files.h"
@@ -53,22 +54,27 @@ std::filesystem::path playlist(
         throw MarluneError(QStringLiteral("Najpierw wgraj utwory na iPoda."));
     }
     const std::string text = playlistText(tracks, root);
-    const std::filesystem::path folder = directory("Playlists", root);
-    const QString fileName = volumeName(safeName(name), Volumes::nameRules(folder), QStringLiteral(".m3u8"));
-    const std::filesystem::path file = folder / Files::fromText(fileName);
-    if (Files::exists(file)) {
+    const DeviceAnchor device(root);
+    const Files::Folder folder = device.folder("Playlists", DeviceAnchor::Missing::Make);
+    const std::filesystem::path file
+        = Files::fromText(volumeName(safeName(name), Volumes::nameRules(root), QStringLiteral(".m3u8")));
+    if (Files::kindOf(file, folder.descriptor.get()) != Files::Kind::None) {
         refuseTakenName();
     }
     try {
-        Files::createAtomically(file, text);
+        Files::place(folder, file, Files::Placing::Create, [&](const std::filesystem::path &temporary, int from) {
+            Files::writeNew(temporary, text, Files::Durability::Now, from);
+            (void)device.require();
+            device.requireUnmoved(folder);
+        });
     } catch (const std::system_error &failure) {
-        if (failure.code().value() == EEXIST) { // by a dangling link, or since the look above
+        if (failure.code().value() == EEXIST) { // since the look above
             refuseTakenName();
         }
         throw;
     }
-    Files::synchroniseName(file);
-    return file;
+    Files::synchroniseName(folder);
+    return folder.path / file;
 }
 
 } // namespace Storage

@@ -1,25 +1,12 @@
 #include "storage/SavedFiles.h"
 
-#include "storage/Blocks.h"
 #include "storage/ComputerDisk.h"
+#include "storage/Writers.h"
 
 #include "platform/Files.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
-
-namespace {
-
-void copyRegular(const std::filesystem::path &file, const std::filesystem::path &copy)
-{
-    const Files::Descriptor source = Files::openForReading(file, Files::Links::Refuse);
-    const Files::Descriptor destination = Files::createExclusively(copy);
-    Storage::forEachBlock(
-        source.get(), [&](std::span<const char> block) { Files::writeFully(destination.get(), block); });
-    Files::synchronise(destination.get());
-}
-
-} // namespace
 
 namespace Storage {
 
@@ -29,8 +16,13 @@ std::optional<std::filesystem::path> SavedFiles::copyOf(const std::filesystem::p
     return found == copies.end() ? std::nullopt : std::optional(found->second);
 }
 
-SavedFiles saveFiles(
-    std::span<const std::filesystem::path> files, const std::filesystem::path &backupRoot, const SavedNames &names)
+Files::Descriptor openUnlinked(const std::filesystem::path &file)
+{
+    return Files::openForReading(file, Files::Links::Refuse);
+}
+
+SavedFiles saveFiles(std::span<const std::filesystem::path> files, const std::filesystem::path &backupRoot,
+    const SavedNames &names, const OpenFile &open)
 {
     SavedFiles saved {.folder = backupRoot / (names.folderPrefix.toStdString() + Files::newIdentifier()), .copies = {}};
     onComputersDisk(saved.folder, [&] {
@@ -38,7 +30,7 @@ SavedFiles saveFiles(
         QJsonObject manifest;
         for (const std::filesystem::path &file : files) {
             const std::string name = Files::newIdentifier() + names.fileSuffix.toStdString();
-            copyRegular(file, saved.folder / name);
+            copyToNew(open(file), saved.folder / name);
             saved.copies.emplace(file, saved.folder / name);
             manifest.insert(QString::fromStdString(name), Files::text(file));
         }

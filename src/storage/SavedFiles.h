@@ -5,9 +5,12 @@
 // UI's.
 #pragma once
 
+#include "platform/Files.h"
+
 #include <QString>
 
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <optional>
 #include <span>
@@ -28,11 +31,16 @@ struct SavedFiles {
     [[nodiscard]] std::optional<std::filesystem::path> copyOf(const std::filesystem::path &file) const;
 };
 
+/// Opens a file to be copied, for reading; throws where it is no regular file.
+using OpenFile = std::function<Files::Descriptor(const std::filesystem::path &file)>;
+/// Follows no link at the file's own name.
+[[nodiscard]] Files::Descriptor openUnlinked(const std::filesystem::path &file);
+
 /// Copies `files`, of whatever size, into a new folder under `backupRoot`, which is made with its parents if missing.
 /// When this returns, the copies, the manifest and the folders' entries for them are on the medium.
 /// Throws at the first failure, also for what is no regular file: MarluneError where the computer's disk is full, else
 /// std::system_error. The incomplete folder stays.
-[[nodiscard]] SavedFiles saveFiles(
-    std::span<const std::filesystem::path> files, const std::filesystem::path &backupRoot, const SavedNames &names);
+[[nodiscard]] SavedFiles saveFiles(std::span<const std::filesystem::path> files,
+    const std::filesystem::path &backupRoot, const SavedNames &names, const OpenFile &open = openUnlinked);
 
 } // namespace Storage

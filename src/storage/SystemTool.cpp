@@ -117,7 +117,7 @@ QString run(const QString &tool, const QStringList &arguments, const ToolBounds 
         return decoded(output.result);
     }
     const QString words = decoded(bounds.merged ? output.result : output.words);
-    throw MarluneError(words.isEmpty() ? QStringLiteral("Błąd narzędzia systemowego.") : shortened(words));
+    throw MarluneError(words.isEmpty() ? bounds.wordless : shortened(words));
 }
 
 } // namespace Storage

@@ -1,7 +1,7 @@
 #include "storage/Transfer.h"
 
-#include "storage/Device.h"
 #include "storage/Digest.h"
+#include "storage/DiskSpelling.h"
 #include "storage/PathSafety.h"
 #include "storage/Writers.h"
 
@@ -12,6 +12,7 @@
 
 #include <cerrno>
 #include <cstdint>
+#include <limits>
 
 namespace {
 
@@ -56,34 +57,42 @@ private:
 };
 
 struct Destination {
-    std::filesystem::path path;
-    bool identical = false; ///< the same content stands there already
+    std::filesystem::path name;
+    bool identical = false; ///< the same content is there already
 };
 
-/// The first of the names for `source` in `folder` that is free or holds the same content.
-Destination findDestination(
-    const std::filesystem::path &source, const std::filesystem::path &folder, const Names &names)
+/// Links are followed.
+bool isTaken(const Files::Folder &folder, const std::filesystem::path &name)
 {
-    std::filesystem::path candidate = folder / names.file(source);
-    for (int number = 2; Files::exists(candidate); ++number) {
-        if (isSymbolicLink(candidate)) {
+    struct stat status {};
+    return ::fstatat(folder.descriptor.get(), name.c_str(), &status, 0) == 0;
+}
+
+/// The first of the names for `source` in `folder` that is free or holds the same content.
+Destination findDestination(const std::filesystem::path &source, const Files::Folder &folder, const Names &names)
+{
+    std::filesystem::path candidate = names.file(source);
+    for (int number = 2; isTaken(folder, candidate); ++number) {
+        if (Files::kindOf(candidate, folder.descriptor.get()) == Files::Kind::Link) {
             throw MarluneError(QStringLiteral("Plik docelowy jest dowiązaniem symbolicznym."));
         }
-        if (Storage::digest(source) == Storage::digest(candidate)) {
+        if (Storage::digest(source) == Storage::digest(candidate, folder.descriptor.get())) {
             return {candidate, true};
         }
-        candidate = folder / names.numbered(source, number);
+        candidate = names.numbered(source, number);
     }
     return {candidate, false};
 }
 
-/// Copies under a hidden name, looks again that the device is still there, and gives the final name in one step.
-void copyInto(
-    const std::filesystem::path &source, const std::filesystem::path &destination, const std::filesystem::path &root)
+/// Copies under a hidden name, looks again that device and folder are still there, and gives the final name in one
+/// step.
+void copyInto(const std::filesystem::path &source, const Files::Folder &folder, const std::filesystem::path &name,
+    const Storage::DeviceAnchor &device)
 {
-    Files::place(destination, Files::Placing::Create, [&](const std::filesystem::path &file) {
-        Storage::copyAudioBytes(source, file);
-        (void)Device::inspect(root);
+    Files::place(folder, name, Files::Placing::Create, [&](const std::filesystem::path &file, int from) {
+        Storage::copyAudioBytes(source, file, from);
+        (void)device.require();
+        device.requireUnmoved(folder);
     });
 }
 
@@ -99,7 +108,9 @@ std::int64_t totalSize(std::span<const TransferFile> files)
         if (!S_ISREG(status.st_mode) && !S_ISLNK(status.st_mode)) { // a pipe would be waited for without end
             Files::throwFailure(S_ISDIR(status.st_mode) ? EISDIR : EINVAL, file.source);
         }
-        total += status.st_size;
+        if (__builtin_add_overflow(total, std::int64_t(status.st_size), &total)) {
+            return std::numeric_limits<std::int64_t>::max(); // more than any disk holds
+        }
     }
     return total;
 }
@@ -109,35 +120,39 @@ std::int64_t totalSize(std::span<const TransferFile> files)
 namespace Storage {
 
 TransferResult transfer(
-    std::span<const TransferFile> files, const std::filesystem::path &root, const TransferProgress &progress)
+    std::span<const TransferFile> files, const DeviceAnchor &device, const TransferProgress &progress)
 {
-    (void)Device::inspect(root);
     const std::int64_t total = totalSize(files);
     // Files that are on the device already count too: to leave them out would cost a pass over all content.
-    if (total >= Device::inspect(root).available) {
+    if (total >= device.require().available) {
         throw MarluneError(QStringLiteral("Za mało wolnego miejsca na cały transfer."));
     }
-    const Names names(Volumes::nameRules(root));
+    const Volumes::NameRules rules = Volumes::nameRules(device.root());
+    const Names names(rules);
+    const DiskSpelling spelling(device.root(), rules);
     TransferResult result;
     result.destinations.reserve(files.size());
     for (const TransferFile &file : files) {
-        (void)Device::inspect(root);
+        (void)device.require();
         if (isSymbolicLink(file.source)) {
             throw MarluneError(QStringLiteral("Import dowiązań nie jest obsługiwany."));
         }
-        const std::filesystem::path folder = directory(names.folder(file), root);
-        Destination destination = findDestination(file.source, folder, names);
+        const Files::Folder folder = device.folder(names.folder(file), DeviceAnchor::Missing::Make);
+        const Destination destination = findDestination(file.source, folder, names);
         if (destination.identical) {
             ++result.skipped;
         } else {
-            copyInto(file.source, destination.path, root);
+            copyInto(file.source, folder, destination.name, device);
             ++result.copied;
         }
-        result.destinations.push_back(std::move(destination.path));
+        // A playlist must not name one file in two ways.
+        const std::filesystem::path asked = names.folder(file);
+        result.destinations.push_back(device.root()
+            / (destination.identical ? spelling.of(asked / destination.name) : spelling.of(asked) / destination.name));
         progress(int(result.destinations.size()), int(files.size()));
     }
     if (result.copied > 0) {
-        Files::synchroniseVolume(root); // each file is there by now, its name perhaps not
+        Files::synchroniseVolume(device.folder(""), "."); // each file is there by now, its name perhaps not
     }
     return result;
 }

@@ -5,6 +5,8 @@
 // resumed by running it again. Blocking; no state; any thread but the UI's.
 #pragma once
 
+#include "storage/DeviceAnchor.h"
+
 #include <QString>
 
 #include <filesystem>
@@ -27,18 +29,18 @@ struct TransferFile {
 struct TransferResult {
     int copied = 0;
     int skipped = 0; ///< found on the device with identical content
-    std::vector<std::filesystem::path> destinations; ///< where each file now is on the device, in input order
+    std::vector<std::filesystem::path> destinations; ///< in input order; spelled as on the device
 };
 
 namespace Storage {
 
 using TransferProgress = std::function<void(int done, int total)>;
 
-/// Copies `files` to Music/ARTIST/ALBUM[/DISC]/ of the device at `root`, inspecting the device before each step.
+/// Copies `files` to Music/ARTIST/ALBUM[/DISC]/ of the device, looking at it again before each step.
 /// `progress` runs on the calling thread after each file and must return quickly.
 /// Throws MarluneError (a text for the user) or std::system_error (the system's own) at the first failure; files
 /// finished by then stay.
 [[nodiscard]] TransferResult transfer(
-    std::span<const TransferFile> files, const std::filesystem::path &root, const TransferProgress &progress);
+    std::span<const TransferFile> files, const DeviceAnchor &device, const TransferProgress &progress);
 
 } // namespace Storage

@@ -6,22 +6,19 @@
 
 #include "platform/Files.h"
 
-#include <QByteArray>
+#include <fcntl.h>
 
 #include <filesystem>
 
 namespace Storage {
 
-/// Replaces `destination` atomically: afterwards it holds the old file or the complete new one, and no temporary file.
-void writeBytes(const QByteArray &bytes, const std::filesystem::path &destination,
+/// Copies what is still to be read of `source` to a name that must not exist, in blocks of 1 MiB. Neither times nor
+/// other attributes are copied. A relative destination is counted from the open folder `from`. On failure the
+/// incomplete destination stays: the caller holds its name and removes it.
+void copyToNew(const Files::Descriptor &source, const std::filesystem::path &destination, int from = AT_FDCWD,
     Files::Durability durability = Files::Durability::Now);
 
-/// Copies a file byte for byte to a name that must not exist, in blocks of 1 MiB. Neither times nor other attributes
-/// are copied. On failure the incomplete destination stays: the caller holds its name and removes it.
-void copyAudioBytes(const std::filesystem::path &source, const std::filesystem::path &destination);
-
-/// Replaces `destination` atomically by a copy of a file of any size, as writeBytes() does by bytes.
-void copyOver(const std::filesystem::path &source, const std::filesystem::path &destination,
-    Files::Durability durability = Files::Durability::Now);
+/// The same of a whole file; links to it are followed.
+void copyAudioBytes(const std::filesystem::path &source, const std::filesystem::path &destination, int from = AT_FDCWD);
 
 } // namespace Storage

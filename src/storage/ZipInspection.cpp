@@ -27,25 +27,20 @@ constexpr qsizetype deepestName = 64; // no theme has so many folders in one ano
 constexpr std::uint32_t encrypted = 1; // section 4.4.4
 constexpr std::uint32_t firstTypedMode = 010000; // below it a mode names no type of file: archives of DOS and Windows
 
-[[noreturn]] void refuse()
-{
-    throw MarluneError(QStringLiteral("Nieprawidłowa lub niebezpieczna paczka ZIP."));
-}
-
 /// Bytes of the archive; whoever asks for what lies outside ends the inspection.
 class Bytes {
 public:
     Bytes(const RegularFile &file, std::int64_t position, std::int64_t length)
     {
         if (position < 0 || length < 0 || position > file.size() || length > file.size() - position) {
-            refuse();
+            Storage::refusePackage();
         }
         m_bytes.resize(length);
         if (file.readAt(position, {m_bytes.data(), std::size_t(length)}) < std::size_t(length)) {
             if (file.failure()) {
                 throw std::system_error(file.failure());
             }
-            refuse(); // it has become shorter
+            Storage::refusePackage(); // it has become shorter
         }
     }
 
@@ -53,7 +48,7 @@ public:
     [[nodiscard]] QByteArrayView slice(std::int64_t offset, std::int64_t length) const
     {
         if (offset < 0 || length < 0 || offset > size() || length > size() - offset) {
-            refuse();
+            Storage::refusePackage();
         }
         return QByteArrayView(m_bytes).sliced(offset, length);
     }
@@ -91,14 +86,14 @@ Directory findDirectory(const RegularFile &file)
         --at;
     }
     if (at < 0) {
-        refuse();
+        Storage::refusePackage();
     }
     const std::uint32_t entries = tail.number16(at + 10);
     const bool inOnePart = tail.number16(at + 4) == 0 && tail.number16(at + 6) == 0 && tail.number16(at + 8) == entries;
     const Directory directory {.begin = tail.number32(at + 16), .end = start + at, .entries = int(entries)};
     if (entries < 1 || entries > Storage::mostPackageEntries || !inOnePart
         || directory.begin + std::int64_t(tail.number32(at + 12)) != directory.end) {
-        refuse();
+        Storage::refusePackage();
     }
     return directory;
 }
@@ -155,7 +150,7 @@ public:
             inspectEntry();
         }
         if (m_at != m_end) {
-            refuse();
+            Storage::refusePackage();
         }
         return std::move(m_contents);
     }
@@ -164,7 +159,7 @@ private:
     void inspectEntry()
     {
         if (m_records.number32(m_at) != centralHeader.signature || (m_records.number16(m_at + 8) & encrypted) != 0) {
-            refuse();
+            Storage::refusePackage();
         }
         m_unpacked += m_records.number32(m_at + 24);
         if (m_unpacked > Storage::largestPackage) {
@@ -175,7 +170,7 @@ private:
             = m_at + centralHeader.bytes + nameLength + m_records.number16(m_at + 30) + m_records.number16(m_at + 32);
         const QByteArrayView name = m_records.slice(m_at + centralHeader.bytes, nameLength);
         if (next > m_end) {
-            refuse();
+            Storage::refusePackage();
         }
         inspectName(name);
         inspectLocalHeader(m_records.number32(m_at + 42), name);
@@ -183,19 +178,19 @@ private:
         if (mode >= firstTypedMode && !S_ISREG(mode) && !S_ISDIR(mode)) {
             throw MarluneError(QStringLiteral("Paczka zawiera dowiązanie lub plik specjalny."));
         }
-        m_contents.entries.push_back({name.toByteArray(), m_begin + m_at});
+        m_contents.entries.push_back({name.toByteArray(), m_begin + m_at, m_records.number16(m_at + 10)});
         m_at = next;
     }
 
     void inspectName(QByteArrayView name)
     {
         if (name.isEmpty() || !QUtf8StringView(name).isValidUtf8()) {
-            refuse();
+            Storage::refusePackage();
         }
         const qsizetype known = m_names.size();
         m_names.insert(caseless(name));
         if (m_names.size() == known || name.contains('\n')) {
-            refuse();
+            Storage::refusePackage();
         }
         requireSafe(name);
     }
@@ -206,7 +201,7 @@ private:
         const Bytes header(m_file, position, localHeader.bytes + name.size());
         if (header.number32(0) != localHeader.signature || header.number16(26) != name.size()
             || header.slice(localHeader.bytes, name.size()) != name) {
-            refuse();
+            Storage::refusePackage();
         }
     }
 
@@ -224,11 +219,16 @@ private:
 
 namespace Storage {
 
+void refusePackage()
+{
+    throw MarluneError(QStringLiteral("Nieprawidłowa lub niebezpieczna paczka ZIP."));
+}
+
 ZipContents inspectZip(const std::filesystem::path &url)
 {
     const RegularFile file = RegularFile::openOrThrow(url);
     if (file.size() < endRecord.bytes || file.size() >= largestPackage) {
-        refuse();
+        refusePackage();
     }
     const Directory directory = findDirectory(file);
     return Inspection(file, directory).run(directory.entries);

@@ -23,6 +23,7 @@ struct ZipContents {
     struct Entry {
         QByteArray name; ///< UTF-8; a folder's ends in "/"
         std::int64_t header = 0; ///< the place in the file of its header in the central directory
+        std::uint32_t method = 0; ///< of its compression; it is not judged
 
         bool operator==(const Entry &) const = default;
     };
@@ -37,6 +38,9 @@ struct ZipContents {
 /// stand, and different on a disk that takes capital and small letters for the same. Throws MarluneError with the
 /// reason, or the system's failure where the file cannot be read.
 ZipContents inspectZip(const std::filesystem::path &url);
+
+/// Says that an archive is broken or dangerous, for whoever finds it so.
+[[noreturn]] void refusePackage();
 
 /// Accepts 1 to 5000 names, one a line, none of which leads out of the folder into which it is unpacked. Throws
 /// MarluneError.

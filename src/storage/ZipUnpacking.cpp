@@ -11,6 +11,8 @@
 #include "platform/MarluneError.h"
 #include "platform/RegularFile.h"
 
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <cerrno>
 #include <set>
@@ -28,10 +30,14 @@ constexpr std::int64_t commentLength = 20;
 constexpr std::int64_t madeBySystem = 5;
 constexpr char unixSystem = 3;
 
-[[noreturn]] void refusePackage()
-{
-    throw MarluneError(QStringLiteral("Nieprawidłowa lub niebezpieczna paczka ZIP."));
-}
+// Methods of compression (APPNOTE.TXT, 4.4.5).
+constexpr std::uint32_t deflated = 8;
+struct Method {
+    std::uint32_t number;
+    const char *name;
+};
+constexpr Method methods[]
+    = {{9, "Deflate64"}, {12, "BZIP2"}, {14, "LZMA"}, {20, "Zstandard"}, {93, "Zstandard"}, {95, "XZ"}, {98, "PPMd"}};
 
 /// The archive as it was inspected, so that the tool reads the same. Without the comment: the tool takes the last end
 /// record that it finds there. And as if made on Unix: the tool reads names, and kinds of files, by the rules of the
@@ -85,7 +91,7 @@ void requireListing(const QString &listing, const Storage::ZipContents &contents
     }
     Storage::validateZipListing(listing);
     if (listing.toUtf8() != listed(contents)) {
-        refusePackage();
+        Storage::refusePackage();
     }
 }
 
@@ -115,15 +121,14 @@ void requireFewFolders(const Storage::ZipContents &contents)
 void requireRoom(const std::filesystem::path &unpacked)
 {
     std::int64_t bytes = 0;
-    Storage::forEachBelow(
-        unpacked, Storage::Unreadable::Throw, [&bytes](const std::filesystem::path &item, Files::Kind kind) {
-            std::error_code failure;
-            const std::uintmax_t size = kind == Files::Kind::File ? std::filesystem::file_size(item, failure) : 0;
-            if (failure && failure != std::errc::no_such_file_or_directory) {
-                throw std::filesystem::filesystem_error("stat", item, failure);
-            }
-            bytes += failure ? 0 : std::int64_t(size);
-        });
+    Storage::forEachBelow(unpacked, Storage::Unreadable::Throw, [&bytes](const Storage::TreeItem &item) {
+        struct stat status {};
+        if (::fstatat(item.folder, item.path.filename().c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0) {
+            bytes += S_ISREG(status.st_mode) ? status.st_size : 0;
+        } else if (errno != ENOENT) {
+            Files::throwFailure(errno, item.path);
+        }
+    });
     if (bytes > Storage::largestPackage) {
         throw MarluneError(QStringLiteral("Rozpakowany motyw przekracza 100 MB."));
     }
@@ -133,45 +138,71 @@ void requireRoom(const std::filesystem::path &unpacked)
 void takeOver(const std::filesystem::path &unpacked)
 {
     using std::filesystem::perms;
-    Storage::forEachBelow(
-        unpacked, Storage::Unreadable::PassOver, [](const std::filesystem::path &item, Files::Kind kind) {
-            std::error_code ignored; // what cannot be read is refused later
-            if (kind == Files::Kind::Folder) {
-                std::filesystem::permissions(item, perms::owner_all, ignored);
-            } else if (kind == Files::Kind::File) {
-                std::filesystem::permissions(item, perms::owner_read | perms::owner_write, ignored);
-            }
-        });
+    Storage::forEachBelow(unpacked, Storage::Unreadable::PassOver, [](const Storage::TreeItem &item) {
+        std::error_code ignored; // what cannot be read is refused later
+        if (item.kind == Files::Kind::Folder) {
+            std::filesystem::permissions(item.path, perms::owner_all, ignored);
+        } else if (item.kind == Files::Kind::File) {
+            std::filesystem::permissions(item.path, perms::owner_read | perms::owner_write, ignored);
+        }
+    });
+}
+
+std::set<std::filesystem::path> inspectedFiles(const Storage::ZipContents &contents)
+{
+    std::set<std::filesystem::path> files;
+    for (const Storage::ZipContents::Entry &entry : contents.entries) {
+        const std::filesystem::path file = entry.name.toStdString();
+        if (!entry.name.endsWith('/') && !files.insert(file.lexically_normal()).second) {
+            Storage::refusePackage(); // one has overwritten the other
+        }
+    }
+    return files;
 }
 
 /// Whatever was read before: nothing but plain files and folders has come out, and the files are those inspected.
-void requireInspected(const std::filesystem::path &unpacked, const Storage::ZipContents &contents)
+void requireInspected(const Storage::UnpackedZip &unpacked)
 {
-    std::set<std::filesystem::path> missing;
-    for (const Storage::ZipContents::Entry &entry : contents.entries) {
-        const std::filesystem::path file = (unpacked / entry.name.toStdString()).lexically_normal();
-        if (!entry.name.endsWith('/') && !missing.insert(file).second) {
-            refusePackage(); // one has overwritten the other
+    std::set<std::filesystem::path> missing = unpacked.files;
+    Storage::forEachBelow(unpacked.folder, Storage::Unreadable::Throw, [&](const Storage::TreeItem &item) {
+        if (item.kind == Files::Kind::Link) {
+            throw MarluneError(QStringLiteral("Paczka zawiera dowiązanie symboliczne."));
         }
-    }
-    Storage::forEachBelow(
-        unpacked, Storage::Unreadable::Throw, [&missing](const std::filesystem::path &item, Files::Kind kind) {
-            if (kind == Files::Kind::Link) {
-                throw MarluneError(QStringLiteral("Paczka zawiera dowiązanie symboliczne."));
-            }
-            if (kind == Files::Kind::Other) {
-                throw MarluneError(QStringLiteral("Paczka zawiera dowiązanie lub plik specjalny."));
-            }
-            if (kind == Files::Kind::File && missing.erase(item) == 0) {
-                refusePackage();
-            }
-        });
+        if (item.kind == Files::Kind::Other) {
+            throw MarluneError(QStringLiteral("Paczka zawiera dowiązanie lub plik specjalny."));
+        }
+        if (item.kind == Files::Kind::File && missing.erase(item.path.lexically_relative(unpacked.folder)) == 0) {
+            Storage::refusePackage();
+        }
+    });
     if (!missing.empty()) {
-        refusePackage();
+        Storage::refusePackage();
     }
 }
 
-void unpack(const std::filesystem::path &scratch, const std::filesystem::path &unpacked)
+/// For a failure without a word. The tool passes over what was packed in a method that it does not know, and says so
+/// only where it is asked to say everything.
+QString methodRefusal(const Storage::ZipContents &contents)
+{
+    using Entry = Storage::ZipContents::Entry;
+    // The later a method came, the higher its number, and the fewer tools know it.
+    const std::uint32_t method
+        = std::max_element(contents.entries.begin(), contents.entries.end(), [](const Entry &a, const Entry &b) {
+              return a.method < b.method;
+          })->method;
+    if (method <= deflated) {
+        return Storage::ToolBounds().wordless;
+    }
+    const auto known = std::find_if(
+        std::begin(methods), std::end(methods), [method](const Method &each) { return each.number == method; });
+    const QString name
+        = known != std::end(methods) ? QString::fromLatin1(known->name) : QStringLiteral("nr %1").arg(method);
+    return QStringLiteral("Paczka jest spakowana nieobsługiwaną metodą (%1). Spakuj ją ponownie metodą Deflate.")
+        .arg(name);
+}
+
+void unpack(
+    const std::filesystem::path &scratch, const std::filesystem::path &unpacked, const Storage::ZipContents &contents)
 {
     if (diskCalls().mkdir(unpacked.c_str(), 0700) != 0) {
         Files::throwFailure(errno, unpacked);
@@ -179,6 +210,7 @@ void unpack(const std::filesystem::path &scratch, const std::filesystem::path &u
     Storage::ToolBounds bounds {.folder = scratch};
     // One byte too many, so that it is told from a file that just fits.
     bounds.largestFile = Storage::largestPackage + 1;
+    bounds.wordless = methodRefusal(contents);
     bounds.mostOutput = 0x10000; // it says nothing as long as all is well
     bounds.watch = [&unpacked] {
         try {
@@ -212,7 +244,7 @@ void unpack(const std::filesystem::path &scratch, const std::filesystem::path &u
 
 namespace Storage {
 
-std::filesystem::path unpackZip(const std::filesystem::path &zip, const std::filesystem::path &scratch)
+UnpackedZip unpackZip(const std::filesystem::path &zip, const std::filesystem::path &scratch)
 {
     const ZipContents contents = inspectZip(zip);
     const std::filesystem::path copy = scratch / Files::fromText(packageName);
@@ -224,11 +256,12 @@ std::filesystem::path unpackZip(const std::filesystem::path &zip, const std::fil
 
     requireListing(run(tool, {QStringLiteral("-Z1"), packageName}, {.folder = scratch, .merged = false}), contents);
     const std::filesystem::path unpacked = scratch / Files::fromText(unpackedName);
-    onComputersDisk(unpacked, [&] { unpack(scratch, unpacked); });
+    onComputersDisk(unpacked, [&] { unpack(scratch, unpacked, contents); });
     requireRoom(unpacked);
-    requireInspected(unpacked, contents);
+    UnpackedZip result {unpacked, inspectedFiles(contents)};
+    requireInspected(result);
     rejectLinks(unpacked);
-    return unpacked;
+    return result;
 }
 
 } // namespace Storage

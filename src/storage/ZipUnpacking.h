@@ -6,13 +6,19 @@
 #pragma once
 
 #include <filesystem>
+#include <set>
 
 namespace Storage {
 
-/// Unpacks `zip` below the private, empty folder `scratch`, which is the caller's to remove, and returns the folder
-/// with what came out of it: the regular files whose names were inspected, in folders, 100 MiB at most whatever the
-/// archive said of itself, all of them readable, no link among them. Throws MarluneError where the archive is refused,
+struct UnpackedZip {
+    std::filesystem::path folder;
+    std::set<std::filesystem::path> files; ///< below it, counted from it, normalised: those that were inspected
+};
+
+/// Unpacks `zip` below the private, empty folder `scratch`, which is the caller's to remove, and returns what came out
+/// of it: the regular files whose names were inspected, in folders, 100 MiB at most whatever the archive said of
+/// itself, all of them readable, no link among them. Throws MarluneError where the archive is refused,
 /// with the tool's own words where the tool refuses it, or the system's failure.
-[[nodiscard]] std::filesystem::path unpackZip(const std::filesystem::path &zip, const std::filesystem::path &scratch);
+[[nodiscard]] UnpackedZip unpackZip(const std::filesystem::path &zip, const std::filesystem::path &scratch);
 
 } // namespace Storage

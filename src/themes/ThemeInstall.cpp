@@ -3,7 +3,8 @@
 #include "themes/Themes.h"
 
 #include "storage/Backup.h"
-#include "storage/Device.h"
+#include "storage/DeviceAnchor.h"
+#include "storage/DiskSpelling.h"
 #include "storage/FileChanges.h"
 #include "storage/FolderTree.h"
 #include "storage/PathSafety.h"
@@ -14,8 +15,6 @@
 #include "platform/Files.h"
 #include "platform/MarluneError.h"
 #include "platform/RegularFile.h"
-
-#include <sys/stat.h>
 
 #include <algorithm>
 #include <map>
@@ -38,10 +37,15 @@ using Items = std::map<std::filesystem::path, Files::Kind>;
 Items itemsBelow(const std::filesystem::path &folder)
 {
     Items items;
-    Storage::forEachBelow(folder, Storage::Unreadable::Throw, [&](const std::filesystem::path &item, Files::Kind kind) {
-        items.emplace(item.native().substr(folder.native().size() + 1), kind);
+    Storage::forEachBelow(folder, Storage::Unreadable::Throw, [&](const Storage::TreeItem &item) {
+        items.emplace(item.path.native().substr(folder.native().size() + 1), item.kind);
     });
     return items;
+}
+
+[[noreturn]] void throwUnreadable()
+{
+    throw MarluneError(QStringLiteral("Nie można odczytać motywu."));
 }
 
 Items itemsOfPackage(const std::filesystem::path &package)
@@ -49,7 +53,7 @@ Items itemsOfPackage(const std::filesystem::path &package)
     try {
         return itemsBelow(package);
     } catch (const std::system_error &) {
-        throw MarluneError(QStringLiteral("Nie można odczytać motywu."));
+        throwUnreadable();
     }
 }
 
@@ -73,8 +77,11 @@ std::filesystem::path deviceName(const std::filesystem::path &item, Volumes::Nam
 }
 
 /// Accepts the package, or says what is wrong with it. Folders are not installed for themselves.
-std::vector<PackageFile> planFiles(const std::filesystem::path &package, Volumes::NameRules rules)
+std::vector<PackageFile> planFiles(const Storage::UnpackedZip &unpacked, Volumes::NameRules rules)
 {
+    const std::filesystem::path package = unpacked.folder / ".rockbox";
+    std::set<std::filesystem::path> missing = unpacked.files; // something may have gone from the scratch folder since
+    std::erase_if(missing, [](const std::filesystem::path &file) { return *file.begin() != ".rockbox"; });
     std::vector<PackageFile> files;
     std::set<QString> targets;
     for (const auto &[item, kind] : itemsOfPackage(package)) {
@@ -82,33 +89,28 @@ std::vector<PackageFile> planFiles(const std::filesystem::path &package, Volumes
         if (kind != Files::Kind::File) {
             continue;
         }
+        if (missing.erase(".rockbox" / item) == 0) {
+            throwUnreadable();
+        }
         files.push_back({package / item, deviceName(item, rules)});
         if (!targets.insert(volumeKey(files.back().target, rules)).second) { // one would overwrite the other
-            throw MarluneError(QStringLiteral("Nieprawidłowa lub niebezpieczna paczka ZIP."));
+            Storage::refusePackage();
         }
+    }
+    if (!missing.empty()) {
+        throwUnreadable();
     }
     return files;
 }
 
-using Status = struct stat;
-
-bool hasSameNumber(const Status &a, const Status &b)
+/// A folder could neither be replaced nor put back in one step.
+void requireNoFolders(const std::vector<PackageFile> &files, const std::filesystem::path &settings)
 {
-    return a.st_ino == b.st_ino;
-}
-
-/// Drivers in user space give each spelling of a name a number of its own.
-bool looksTheSame(const Status &a, const Status &b)
-{
-    return a.st_size == b.st_size && a.st_mtim.tv_sec == b.st_mtim.tv_sec && a.st_mtim.tv_nsec == b.st_mtim.tv_nsec;
-}
-
-bool isSame(
-    const std::filesystem::path &one, const std::filesystem::path &other, bool (*same)(const Status &, const Status &))
-{
-    Status a {};
-    Status b {};
-    return ::lstat(one.c_str(), &a) == 0 && ::lstat(other.c_str(), &b) == 0 && a.st_dev == b.st_dev && same(a, b);
+    for (const PackageFile &file : files) {
+        if (Files::kindOf(settings / file.target) == Files::Kind::Folder) {
+            throw MarluneError(QStringLiteral("Plik jest zajęty przez folder: ") + Files::name(file.target));
+        }
+    }
 }
 
 /// The device's files as they are in the backup, where the items of `.rockbox` stand directly in its folder.
@@ -116,31 +118,15 @@ class SavedSettings {
 public:
     SavedSettings(std::filesystem::path backup, std::filesystem::path device, Volumes::NameRules rules)
         : m_backup(std::move(backup))
-        , m_device(std::move(device))
-        , m_rules(rules)
+        , m_spelling(std::move(device), rules)
         , m_items(itemsBelow(m_backup))
     {
-        for (const auto &item : m_items) {
-            m_byKey.emplace(volumeKey(item.first, rules), item.first);
-        }
     }
 
-    /// As the device spells it: where case does not count, a file that is there keeps its letters. The disk decides
-    /// what is the same name to it; its table of letters is not ours.
+    /// As the device spells it: where case does not count, a file that is there keeps its letters.
     [[nodiscard]] std::filesystem::path spelling(const std::filesystem::path &target) const
     {
-        if (m_items.contains(target)) {
-            return target;
-        }
-        const auto [begin, end] = m_byKey.equal_range(volumeKey(target, m_rules));
-        for (const auto &same : {hasSameNumber, looksTheSame}) {
-            const auto found = std::find_if(
-                begin, end, [&](const auto &item) { return isSame(m_device / item.second, m_device / target, same); });
-            if (found != end) {
-                return found->second;
-            }
-        }
-        return target;
+        return m_spelling.of(target);
     }
     /// Of a file as it is spelled on the device.
     [[nodiscard]] std::optional<std::filesystem::path> copyOf(const std::filesystem::path &target) const
@@ -150,10 +136,8 @@ public:
 
 private:
     std::filesystem::path m_backup;
-    std::filesystem::path m_device; ///< its `.rockbox`
-    Volumes::NameRules m_rules;
+    Storage::DiskSpelling m_spelling; ///< in the device's `.rockbox`
     Items m_items;
-    std::multimap<QString, std::filesystem::path> m_byKey;
 };
 
 QByteArray contentOf(const std::filesystem::path &file)
@@ -175,21 +159,12 @@ int countThemes(const std::filesystem::path &unpacked)
         [](const Theme &theme) { return Files::kindOf(theme.url) == Files::Kind::File; }));
 }
 
-void writeFiles(const std::vector<PackageFile> &files, const std::filesystem::path &root, const SavedSettings &saved,
-    Storage::FileChanges &changes)
+void writeFiles(const std::vector<PackageFile> &files, const std::filesystem::path &settings,
+    const SavedSettings &saved, Storage::FileChanges &changes)
 {
     for (const PackageFile &file : files) {
-        const std::filesystem::path item = saved.spelling(file.target);
-        const std::filesystem::path folder = Storage::directory(".rockbox" / item.parent_path(), root);
-        const std::filesystem::path target = folder / item.filename();
-        const Files::Kind standing = Files::kindOf(target);
-        if (standing == Files::Kind::Link) {
-            throw MarluneError(QStringLiteral("Docelowy zasób jest dowiązaniem."));
-        }
-        if (standing != Files::Kind::None && !saved.copyOf(item)) {
-            throw MarluneError(QStringLiteral("Na iPodzie pojawił się plik bez kopii: ") + Files::name(target));
-        }
-        changes.write(contentOf(file.source), target);
+        changes.write(
+            contentOf(file.source), settings / saved.spelling(file.target), Storage::DeviceAnchor::Missing::Make);
     }
 }
 
@@ -200,28 +175,29 @@ namespace Storage {
 int installTheme(
     const std::filesystem::path &zip, const std::filesystem::path &root, const std::filesystem::path &backupFolder)
 {
-    (void)Device::inspect(root);
+    const DeviceAnchor device(root); // before the first look at its files
     inspectZip(zip);
     ScratchFolder scratch;
-    const std::filesystem::path unpacked = unpackZip(zip, scratch.path());
-    const std::filesystem::path package = unpacked / ".rockbox";
-    if (Files::kindOf(package) == Files::Kind::None) {
+    const UnpackedZip unpacked = unpackZip(zip, scratch.path());
+    if (Files::kindOf(unpacked.folder / ".rockbox") == Files::Kind::None) {
         throw MarluneError(QStringLiteral("ZIP musi zawierać folder .rockbox (paczka motywu Rockbox)."));
     }
-    const int count = countThemes(unpacked);
+    const int count = countThemes(unpacked.folder);
     if (count == 0) {
         throw MarluneError(QStringLiteral("Paczka nie zawiera motywu .cfg w .rockbox/themes."));
     }
     const Volumes::NameRules rules = Volumes::nameRules(root);
-    const std::vector<PackageFile> files = planFiles(package, rules);
-    backup(root, backupFolder);
+    const std::vector<PackageFile> files = planFiles(unpacked, rules);
+    requireNoFolders(files, root / ".rockbox");
+    backup(device, backupFolder);
 
-    const SavedSettings saved(backupFolder, root / ".rockbox", rules);
+    const std::filesystem::path settings = device.root() / ".rockbox";
+    const SavedSettings saved(backupFolder, settings, rules);
     const auto copyOf
-        = [&](const std::filesystem::path &file) { return saved.copyOf(file.lexically_relative(root / ".rockbox")); };
-    FileChanges changes(root, copyOf, Files::Durability::Later);
+        = [&](const std::filesystem::path &file) { return saved.copyOf(file.lexically_relative(settings)); };
+    FileChanges changes(device, copyOf, Files::Durability::Later);
     try {
-        writeFiles(files, root, saved, changes);
+        writeFiles(files, settings, saved, changes);
         scratch.remove(); // what is removed need not be brought to the medium
         changes.keep();
     } catch (...) {

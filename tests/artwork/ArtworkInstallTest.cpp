@@ -109,9 +109,6 @@ TEST(ArtworkInstall, changesNothingBehindALinkOrOutsideTheDeviceOrUnsaved)
 TEST(ArtworkInstall, isDoneOrUndoneWhateverHappensAtWhicheverCall)
 {
     using Fault = FailingDisk::Fault;
-    // 16 calls save the old files, 5 write a cover. Without the device nothing follows but 4 to put back an old file,
-    // 1 to remove a new one, and 2 to bring that to the medium.
-    const std::map<int, int> callsWhenGone {{16, 16}, {21, 21 + 4 + 2}, {26, 26 + 1 + 4 + 2}};
     for (const Fault fault : {Fault::Refused, Fault::Late, Fault::Dead, Fault::Event}) {
         bool reached = true;
         for (int failAt = 1; reached; ++failAt) {
@@ -120,7 +117,10 @@ TEST(ArtworkInstall, isDoneOrUndoneWhateverHappensAtWhicheverCall)
                 [&] { std::filesystem::remove_all(desk.root / ".rockbox"); });
             const std::string failure = desk.install();
             reached = FailingDisk::reached();
-            const FileMap files = filesBelow(desk.music);
+            FileMap files = filesBelow(desk.music);
+            if (fault == Fault::Dead) { // nothing can be removed any more
+                std::erase_if(files, [](const auto &file) { return file.first.ends_with(".partial"); });
+            }
             const auto context = testing::Message() << "call " << failAt << ": " << failure;
             auto saved = savedOnComputer(desk.folder / "Backups");
             FileMap old = desk.before;
@@ -129,9 +129,6 @@ TEST(ArtworkInstall, isDoneOrUndoneWhateverHappensAtWhicheverCall)
                 old.erase(desk.metadata);
             }
             EXPECT_TRUE(reached || failure.empty()) << context;
-            if (fault == Fault::Event && callsWhenGone.contains(failAt)) {
-                EXPECT_EQ(FailingDisk::calls(), callsWhenGone.at(failAt)) << context;
-            }
             if (fault != Fault::Dead || !reached) { // a dead disk takes nothing back
                 EXPECT_EQ(files, failure.empty() ? desk.after : old) << context;
             } else if (files != old) {
@@ -140,7 +137,7 @@ TEST(ArtworkInstall, isDoneOrUndoneWhateverHappensAtWhicheverCall)
                 EXPECT_EQ(saved[desk.music / "CD1/cover.jpeg"] + saved[desk.music / "CD1/1.jpeg"], "oldold") << context;
             }
             for (const auto &[name, bytes] : files) {
-                EXPECT_TRUE(bytes == "new" || bytes == old[name] || name.ends_with(".partial")) << name << context;
+                EXPECT_TRUE(bytes == "new" || bytes == old[name]) << name << context;
             }
         }
     }

@@ -210,6 +210,7 @@ def good():
     gap = LIMIT - 1 - len(archive.data)
     save("largest-file.zip", bytes(archive.insert(archive.directory, bytes(gap)).data))
     by_tool("zip-9.zip", ["zip", "-q", "-9", "-r", "@", ".rockbox"])
+    by_tool("7z-bzip2.zip", ["7z", "a", "-tzip", "-mm=BZip2", "@", ".rockbox"])
     by_tool("bsdtar.zip", ["bsdtar", "--format", "zip", "-cf", "@", ".rockbox"])
 
 
@@ -312,7 +313,11 @@ def hostile_kinds_and_sizes():
         wrong.set_central(16, "I", 1, index).set_local(14, "I", 1, index)
     save("wrong-checksums.zip", bytes(wrong.data), "", "Program „unzip” wypisał za dużo.")
     save("wrong-checksum.zip", bytes(opened().set_central(16, "I", 1).set_local(14, "I", 1).data), "", TOOLS_WORDS)
-    save("unknown-method.zip", bytes(opened().set_central(10, "H", 99).set_local(8, "H", 99).data), "", TOOLS_WORDS)
+    words = "Paczka jest spakowana nieobsługiwaną metodą ({}). Spakuj ją ponownie metodą Deflate."
+    save("lzma.zip", packed(THEME, method=zipfile.ZIP_LZMA), "", words.format("LZMA"))
+    for method, title in ((93, "Zstandard"), (95, "XZ"), (98, "PPMd"), (77, "nr 77")):
+        mixed = Opened(packed(THEME, method=zipfile.ZIP_BZIP2)).set_central(10, "H", method).set_local(8, "H", method)
+        save(f"method-{method}.zip", bytes(mixed.data), "", words.format(title))
     spoiled = opened()
     spoiled.data[spoiled.local(2) + 60:spoiled.local(2) + 80] = b"\xff" * 20
     save("spoiled-content.zip", bytes(spoiled.data), "", TOOLS_WORDS)

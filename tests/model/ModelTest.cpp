@@ -2,9 +2,13 @@
 #include "support/ModelDesk.h"
 
 #include "artwork/Artwork.h"
+#include "platform/DiskCalls.h"
 #include "platform/Files.h"
 
 #include <QBuffer>
+#include <QScopeGuard>
+
+#include <sys/stat.h>
 
 namespace {
 
@@ -146,6 +150,24 @@ private Q_SLOTS:
         ModelDesk::waitForJobs(model);
         QVERIFY(std::filesystem::exists(device.root / "Music/Other/Double/01 a.flac"));
         QCOMPARE(filesBelow(device.root / "Music").size(), 6U);
+
+        // Another one comes to its place, and nobody says so: the lists name nothing that it does not hold.
+        static std::filesystem::path place;
+        place = device.root;
+        stranger.artist = QStringLiteral("Third");
+        QVERIFY(!model.transferred().empty());
+        const auto restore = qScopeGuard([] { diskCalls() = DiskCalls::system(); });
+        diskCalls().mkdirat = [](int folder, const char *name, mode_t mode) {
+            std::filesystem::rename(place, place.string() + " 1");
+            std::filesystem::create_directories(place / ".rockbox");
+            diskCalls().mkdirat = ::mkdirat;
+            return ::mkdirat(folder, name, mode);
+        };
+        model.transfer(std::vector {stranger});
+        ModelDesk::waitForJobs(model);
+        QVERIFY(model.alert() && model.alert()->startsWith(QStringLiteral("W miejscu iPoda jest teraz inny dysk")));
+        QVERIFY(model.transferred().empty());
+        QVERIFY(filesBelow(place).empty());
     }
 
     void putsCoversWithTheMusicAndTakesMacFilesAway()

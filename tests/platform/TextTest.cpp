@@ -11,7 +11,8 @@
 TEST(PathText, bringsEveryNameBack)
 {
     const std::string rows[] = {"/muzyka/Żółw/01 – a.flac", "caf\xE9.mp3", "\xFF\x80\xC3", "\xC3\xB3", "\xED\xA0\x80",
-        "\xF0\x9F\x87\xB5", "\xF0\x9F\x87", "\xC0\xAF\xF5\x90", "", "a\xCC\x81"};
+        "\xF0\x9F\x87\xB5", "\xF0\x9F\x87", "\xC0\xAF\xF5\x90", "\xE0\x80\xAF", "\xF0\x80\x80\xAF", "\xF4\x90\x80\x80",
+        "", "a\xCC\x81", "\xEF\xBB\xBFstart", "\xFF\xEF\xBB\xBF"};
     for (const std::string &bytes : rows) {
         EXPECT_EQ(Files::fromText(Files::text(bytes)).native(), bytes);
     }

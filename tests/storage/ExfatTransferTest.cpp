@@ -48,6 +48,7 @@ TEST(ExfatTransfer, givesEveryFileANameThatTheDiskTakes)
         file("6/noextension", "6"),
         file("7/noextension", "7"),
         file("8/byte\xE9.flac", "8"),
+        file("9/SAME.flac", "4", "Case", "X"),
     };
     const std::map<std::string, std::string> expected {{"AC-DC- Live/What_/Who_ _ 'x' _y_ _z_.flac", "1"},
         {"Trailing/Blank/dot.flac", "2"}, {polishLetters(160) + "/" + polishLetters(160) + "/CD 1/a.flac", "3"},
@@ -56,7 +57,10 @@ TEST(ExfatTransfer, givesEveryFileANameThatTheDiskTakes)
     for (const int copied : {8, 0}) {
         const TransferResult result = Storage::transfer(files, root, [](int, int) { });
         EXPECT_EQ(result.copied, copied);
-        EXPECT_EQ(result.skipped, 8 - copied);
+        EXPECT_EQ(result.skipped, 9 - copied);
+        for (const std::filesystem::path &destination : result.destinations) {
+            EXPECT_TRUE(expected.contains(destination.lexically_relative(root / "Music"))) << destination;
+        }
         EXPECT_EQ(filesBelow(root / "Music"), expected);
     }
     const std::filesystem::path track[] = {root / "Music/case/x/noextension"};

@@ -8,6 +8,7 @@
 
 #include <sys/stat.h>
 
+#include <functional>
 #include <set>
 
 namespace {
@@ -50,29 +51,62 @@ TEST(MacMetadata, isOnlyWhatSurelyIs)
 TEST(MacMetadata, isNeverDeletedUnsavedWhateverHappensAtWhicheverCall)
 {
     using Fault = FailingDisk::Fault;
-    // mkdir and fsync of two folders, 5 calls for each copy and for the manifest, an fsync, two removals
-    constexpr int calls = 4 + 2 * 5 + 5 + 1 + 2;
-    for (const Fault fault : {Fault::Refused, Fault::Late, Fault::Dead, Fault::Event}) {
+    struct Row {
+        Fault fault;
+        std::function<void(const std::filesystem::path &)> event; ///< what another program does in this folder
+    };
+    const auto unplug = [](const std::filesystem::path &desk) { remove_all(desk / "IPOD/.rockbox"); };
+    const auto replace = [](const std::filesystem::path &desk) {
+        if (exists(desk / "IPOD/Music/._song.flac")) {
+            std::filesystem::rename(desk / "IPOD/Music/._song.flac", desk / "old");
+        }
+        std::filesystem::rename(desk / "mine", desk / "IPOD/Music/._song.flac");
+    };
+    const auto plantLink = [](const std::filesystem::path &desk) {
+        std::filesystem::rename(desk / "IPOD/Music", desk / "IPOD/moved");
+        create_directory_symlink("../outside", desk / "IPOD/Music");
+    };
+    const auto exchange = [](const std::filesystem::path &desk) {
+        std::filesystem::rename(desk / "IPOD", desk / "gone");
+        std::filesystem::rename(desk / "other", desk / "IPOD");
+    };
+    for (const Row &row : std::vector<Row> {{Fault::Refused, {}}, {Fault::Late, {}}, {Fault::Dead, {}},
+             {Fault::Event, unplug}, {Fault::Event, replace}, {Fault::Event, plantLink}, {Fault::Event, exchange}}) {
         bool reached = true;
         for (int failAt = 1; reached; ++failAt) {
-            const TemporaryFolder folder;
+            const TemporaryFolder folder("/dev/shm"); // thousands of files
+            std::set<std::string> contents {"mine"};
+            folder.write("mine", "mine");
             makeDevice(folder, "IPOD");
-            const std::filesystem::path music = folder / "IPOD/Music";
-            const std::map<std::filesystem::path, std::string> companions {
-                {music / "._song.flac", appleDouble(2'500'000)}, {music / "._\xE9.mp3", appleDouble(2'500'000)}};
-            for (const auto &[file, bytes] : companions) {
-                folder.write(file, bytes);
-                folder.write(music / file.filename().string().substr(2), "audio");
+            makeDevice(folder, "other");
+            for (const std::string music : {"IPOD/Music", "outside", "other/Music"}) {
+                for (const std::string name : {"song.flac", "\xE9.mp3"}) {
+                    const std::size_t size = name == "song.flac" ? 1'100'000 : 4096;
+                    const std::string bytes = appleDouble(size) + std::string(music).append(name);
+                    folder.write(music + "/._" + name, bytes);
+                    folder.write(music + "/" + name, "audio");
+                    contents.insert(bytes);
+                }
             }
-            const FailingDisk disk(failAt, EIO, fault, [&] { remove_all(folder / "IPOD/.rockbox"); });
+            const FailingDisk disk(failAt, EIO, row.fault, [&] { row.event(folder.path()); });
             const auto clean = [&] { return Storage::cleanupMacMetadata(folder / "IPOD", folder / "Mac"); };
             const std::string failure = failureOf(clean);
             reached = FailingDisk::reached();
-            const std::size_t left = filesBelow(music).size() - 2;
-            EXPECT_EQ(failure.empty(), !reached || (fault == Fault::Event && failAt == calls)) << failAt << failure;
-            EXPECT_TRUE(left == 2 || savedOnComputer(folder / "Mac") == companions) << "call " << failAt;
+            EXPECT_TRUE(reached == !failure.empty() || row.event) << "call " << failAt << failure;
+            std::map<std::filesystem::path, std::string> kept = savedOnComputer(folder / "Mac");
+            for (const auto &[name, bytes] : filesBelow(folder.path())) {
+                if (!name.starts_with("Mac/")) {
+                    kept[name] = bytes;
+                }
+            }
+            for (const auto &[name, bytes] : kept) {
+                contents.erase(bytes);
+            }
+            EXPECT_TRUE(contents.empty()) << "call " << failAt << ": " << contents.size() << " lost; " << failure;
+            EXPECT_EQ(filesBelow(folder / "outside").size(), 4U);
+            EXPECT_EQ(filesBelow(folder / (exists(folder / "gone") ? "IPOD" : "other")).size(), 5U);
             if (!reached) {
-                EXPECT_EQ(failAt, calls + 1);
+                EXPECT_GT(failAt, 15);
                 EXPECT_EQ(clean(), 0);
                 EXPECT_EQ(filesBelow(folder / "Mac").size(), 3U);
             }

@@ -1,9 +1,13 @@
 #include "storage/PathSafety.h"
+#include "storage/DeviceAnchor.h"
+#include "storage/FolderTree.h"
 
 #include "support/Messages.h"
 #include "support/SampleDevice.h"
 
 #include <gtest/gtest.h>
+
+#include <sys/stat.h>
 
 namespace {
 
@@ -60,7 +64,36 @@ TEST(RejectLinks, findsALinkAnywhereInATree)
     }
 }
 
-TEST(DeviceDirectory, makesMissingLevelsAndRefusesPathsThatLeaveTheDevice)
+TEST(ForEachBelow, goesNowhereElseWhateverHappensOnTheWay)
+{
+    constexpr std::size_t all = 22;
+    for (const auto &[changeAt, reached] : std::map<std::size_t, std::size_t> {{1, 1}, {2, all}, {all, all}}) {
+        const TemporaryFolder folder;
+        folder.write("outside/d/d/secret", "x");
+        std::filesystem::path deep = "tree/way";
+        for (int level = 0; level < 20; ++level) { // more than are open at a time
+            deep /= "d";
+        }
+        folder.write(deep / "leaf", "x");
+        std::size_t seen = 0;
+        const auto use = [&](const Storage::TreeItem &item) {
+            ++seen;
+            EXPECT_NE(item.path.filename(), "secret");
+            struct stat status {};
+            EXPECT_EQ(::fstatat(item.folder, item.path.filename().c_str(), &status, AT_SYMLINK_NOFOLLOW), 0);
+            if (seen == changeAt) {
+                std::filesystem::rename(folder / "tree/way", folder / "outside/way");
+                std::filesystem::create_directory_symlink("../outside", folder / "tree/way");
+            }
+        };
+        const std::string failure
+            = failureOf([&] { Storage::forEachBelow(folder / "tree", Storage::Unreadable::PassOver, use); });
+        EXPECT_EQ(seen, reached);
+        EXPECT_EQ(failure.empty(), reached < all); // it cannot come back from a folder that was moved away
+    }
+}
+
+TEST(DeviceAnchor, opensAndMakesFoldersOfTheDeviceAlone)
 {
     const TemporaryFolder folder;
     makeDevice(folder);
@@ -68,18 +101,48 @@ TEST(DeviceDirectory, makesMissingLevelsAndRefusesPathsThatLeaveTheDevice)
     std::filesystem::create_directory_symlink(folder / "elsewhere", folder / "link");
     std::filesystem::create_symlink("nowhere", folder / "dangling");
     folder.write("file", "x");
-    const auto message
-        = [&](const char *relative) { return messageOf([&] { (void)Storage::directory(relative, folder.path()); }); };
+    const Storage::DeviceAnchor anchor(folder / ""); // a separator at the end changes nothing
+    const auto make
+        = [&](const char *relative) { return anchor.folder(relative, Storage::DeviceAnchor::Missing::Make); };
     const std::pair<const char *, const char *> rows[] = {{"made/../b", "Nieprawidłowa ścieżka."},
         {"./b", "Nieprawidłowa ścieżka."}, {"link/b", "Ścieżka zawiera dowiązanie: link"},
         {"dangling/b", "Ścieżka zawiera dowiązanie: dangling"}, {"file/b", "Folder jest zajęty przez plik: file"}};
     for (const auto &[relative, refusal] : rows) {
-        EXPECT_EQ(message(relative), refusal);
+        EXPECT_EQ(messageOf([&] { make(relative); }), refusal);
     }
     EXPECT_TRUE(std::filesystem::is_empty(folder / "elsewhere"));
-    EXPECT_EQ(Storage::directory("/Music//A/", folder.path()), folder / "Music/A");
+    EXPECT_THROW((void)anchor.folder("Music/A"), std::system_error);
+    EXPECT_EQ(make("/Music//A/").path, folder / "Music/A");
+    EXPECT_EQ(make("").path, folder.path());
     EXPECT_TRUE(std::filesystem::is_directory(folder / "Music/A"));
     std::filesystem::remove_all(folder / ".rockbox");
-    EXPECT_EQ(message("new"), "Ten folder nie zawiera katalogu .rockbox.");
-    EXPECT_FALSE(std::filesystem::exists(folder / "new"));
+    EXPECT_EQ(messageOf([&] { anchor.require(); }), "Ten folder nie zawiera katalogu .rockbox.");
+}
+
+TEST(DeviceAnchor, refusesWhateverElseHasComeToTheDevicesPlace)
+{
+    const std::string another = "W miejscu iPoda jest teraz inny dysk lub folder. Podłącz iPoda ponownie.";
+    const std::string link = "Folder urządzenia nie może być dowiązaniem symbolicznym.";
+    const TemporaryFolder memory("/dev/shm"); // another disk
+    makeDevice(memory, "IPOD");
+    struct Row {
+        const char *moved;
+        std::filesystem::path comes;
+        bool asLink;
+        std::string refusal;
+    };
+    for (const Row &row : {Row {"place", memory.path(), true, another}, {"disk/IPOD", "other", true, link},
+             {"disk/IPOD", "other", false, another}}) {
+        const TemporaryFolder folder;
+        makeDevice(folder, "disk/IPOD");
+        makeDevice(folder, "other");
+        create_directory_symlink(folder / "disk", folder / "place");
+        const Storage::DeviceAnchor anchor(folder / "place/IPOD");
+        EXPECT_EQ(messageOf([&] { anchor.require(); }), "");
+        rename(folder / row.moved, folder / "moved");
+        row.asLink ? create_directory_symlink(folder / row.comes, folder / row.moved)
+                   : rename(folder / row.comes, folder / row.moved);
+        EXPECT_EQ(messageOf([&] { anchor.require(); }), row.refusal);
+        EXPECT_EQ(messageOf([&] { (void)anchor.folder(""); }), another);
+    }
 }

@@ -43,13 +43,14 @@ TEST(Playlist, namesTracksOfTheDeviceAloneAndIsNeverReplaced)
 
 TEST(Playlist, isWholeOrNotThereWhicheverCallFails)
 {
-    // A folder, then open, write, fsync, close and rename; what brings the name to the medium may fail.
-    for (int failAt = 1; failAt <= 7; ++failAt) {
+    for (int failAt = 1, reached = true; reached; ++failAt) {
         const PlaylistDesk desk;
         auto expected = filesBelow(desk.root);
         const FailingDisk disk(failAt);
-        EXPECT_EQ(desk.failure("new", {desk.root / "a.mp3"}).empty(), failAt == 7) << "call " << failAt;
-        if (failAt == 7) {
+        const bool isMade = desk.failure("new", {desk.root / "a.mp3"}).empty();
+        reached = FailingDisk::reached();
+        EXPECT_TRUE(reached || isMade); // what brings the name to the medium may fail
+        if (isMade) {
             expected["Playlists/new.m3u8"] = "#EXTM3U\n/a.mp3\n";
         }
         EXPECT_EQ(filesBelow(desk.root), expected);

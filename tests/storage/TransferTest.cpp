@@ -104,6 +104,14 @@ TEST(Transfer, refusesBeforeTheFirstByte)
     EXPECT_NE(desk.message({good, missing}), "");
     EXPECT_NE(desk.message({good, pipe}), "");
     EXPECT_EQ(desk.message({good, huge}), "Za mało wolnego miejsca na cały transfer.");
+    const TemporaryFolder memory("/dev/shm"); // other disks have no such files
+    TransferFile endless = good;
+    endless.source = memory.write("endless.flac", "");
+    std::filesystem::resize_file(endless.source, std::numeric_limits<std::int64_t>::max());
+    TransferFile link = good; // ends the run should it begin
+    link.source = memory / "link.flac";
+    std::filesystem::create_symlink(good.source, link.source);
+    EXPECT_EQ(desk.message({link, endless, endless}), "Za mało wolnego miejsca na cały transfer.");
     std::filesystem::remove_all(desk.root / ".rockbox");
     EXPECT_EQ(desk.message({good}), "Ten folder nie zawiera katalogu .rockbox.");
     EXPECT_FALSE(std::filesystem::exists(desk.root / "Music"));

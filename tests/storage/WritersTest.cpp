@@ -1,6 +1,6 @@
-#include "storage/FileChanges.h"
 #include "storage/Writers.h"
 #include "storage/Digest.h"
+#include "storage/FileChanges.h"
 
 #include "support/Messages.h"
 #include "support/SampleDevice.h"
@@ -35,26 +35,26 @@ using FileMap = std::map<std::string, std::string>;
 
 } // namespace
 
-TEST(WriteBytes, leavesTheOldFileOnAFullDisk)
+TEST(WriteAtomically, leavesTheOldFileOnAFullDisk)
 {
     const TemporaryFolder folder;
     folder.write("file", "old");
     const SmallDisk disk;
-    EXPECT_NE(failureOf([&] { Storage::writeBytes(QByteArray(300'000, 'x'), folder / "file"); }), "");
+    EXPECT_NE(failureOf([&] { Files::writeAtomically(folder / "file", QByteArray(300'000, 'x')); }), "");
     EXPECT_EQ(filesBelow(folder.path()), (FileMap {{"file", "old"}}));
 }
 
-TEST(WriteBytes, refusesFoldersAndReplacesLinksNotTheirTargets)
+TEST(WriteAtomically, refusesFoldersAndReplacesLinksNotTheirTargets)
 {
     const TemporaryFolder folder;
     folder.write("target", "precious");
     std::filesystem::create_symlink("target", folder / "link");
-    Storage::writeBytes("new", folder / "link");
+    Files::writeAtomically(folder / "link", QByteArray("new"));
     EXPECT_FALSE(std::filesystem::is_symlink(folder / "link"));
     EXPECT_EQ(fileBytes(folder / "target"), "precious");
     folder.write("folder/inside", "x");
-    EXPECT_NE(failureOf([&] { Storage::writeBytes("new", folder / "folder"); }), "");
-    EXPECT_NE(failureOf([&] { Storage::writeBytes("new", folder / "missing/file"); }), "");
+    EXPECT_NE(failureOf([&] { Files::writeAtomically(folder / "folder", QByteArray("new")); }), "");
+    EXPECT_NE(failureOf([&] { Files::writeAtomically(folder / "missing/file", QByteArray("new")); }), "");
     EXPECT_FALSE(holdsPartialFile(folder.path()));
     EXPECT_EQ(fileBytes(folder / "folder/inside"), "x");
 }
@@ -101,11 +101,12 @@ TEST(FileChanges, leaveAnotherDiskAtTheSamePlaceAlone)
     const std::filesystem::path place = folder / "place";
     create_directory_symlink(folder.path(), place);
     {
-        Storage::FileChanges changes(place / "IPOD", [](const auto &) { return std::nullopt; });
+        const Storage::DeviceAnchor device(place / "IPOD");
+        Storage::FileChanges changes(device, [](const auto &) { return std::nullopt; });
         changes.write("ours", place / "IPOD/new");
         std::filesystem::remove(place);
         create_directory_symlink(memory.path(), place);
-        EXPECT_THROW(changes.write("more", place / "IPOD/other"), std::system_error);
+        EXPECT_THROW(changes.write("more", place / "IPOD/other"), MarluneError);
     } // undoes
     EXPECT_EQ(fileBytes(memory / "IPOD/new"), "theirs");
     EXPECT_FALSE(exists(memory / "IPOD/other"));

@@ -1,6 +1,7 @@
 // What the archives made for the tests are held to is with the install of themes.
 #include "storage/ZipInspection.h"
 #include "storage/FolderTree.h"
+#include "storage/ScratchFolder.h"
 #include "storage/ZipUnpacking.h"
 
 #include "support/Archives.h"
@@ -72,10 +73,17 @@ TEST(ZipUnpacking, givesWhatItsOwnerAloneCanReadAndRemove)
     for (const char *name : {"no-permissions.zip", "setuid.zip"}) {
         const TemporaryFolder folder("/tmp"); // the folder of the run may be for one user alone
         const auto zip = folder.write("zip", fileBytes(archive(name)));
-        const TemporaryFolder scratch("/tmp");
+        const TemporaryFolder temporary("/tmp");
         std::filesystem::permissions(folder.path(), std::filesystem::perms(0755));
-        const PlainUser user(scratch.path());
-        const std::filesystem::path unpacked = Storage::unpackZip(zip, scratch.path());
+        const PlainUser user(temporary.path());
+        const std::filesystem::path before = std::filesystem::temp_directory_path();
+        ::setenv("TMPDIR", temporary.path().c_str(), 1);
+        const Storage::ScratchFolder scratch;
+        ::setenv("TMPDIR", before.c_str(), 1);
+        const std::filesystem::path unpacked = Storage::unpackZip(zip, scratch.path()).folder;
+        for (const std::filesystem::path &own : {scratch.path(), unpacked}) {
+            EXPECT_EQ(std::filesystem::status(own).permissions(), std::filesystem::perms::owner_all) << own;
+        }
         ASSERT_TRUE(std::filesystem::exists(unpacked / ".rockbox/wps/Dawn/back.bmp"));
         for (const auto &item : std::filesystem::recursive_directory_iterator(unpacked)) {
             const unsigned mode = unsigned(item.status().permissions());

@@ -10,9 +10,10 @@
 
 class FailingDisk {
 public:
-    /// Refused: the call does nothing and fails. Late: it does its work and fails all the same (open() does nothing).
-    /// Dead: it and all after it do nothing and fail. Event: something happens before it, and it works.
-    enum class Fault { Refused, Late, Dead, Event };
+    /// Refused: the call does nothing and fails. Late: it does its work and fails all the same (openat() does nothing).
+    /// Dead: it and all after it do nothing and fail. Event, EventAfter: something happens before or after it, and it
+    /// works.
+    enum class Fault { Refused, Late, Dead, Event, EventAfter };
 
     /// `failAt` counts from 1; 0 fails none. The call fails with `error`.
     explicit FailingDisk(int failAt, int error = EIO, Fault fault = Fault::Refused, std::function<void()> event = {})
@@ -22,11 +23,10 @@ public:
         s_error = error;
         s_fault = fault;
         s_event = std::move(event);
-        diskCalls() = {Call<&DiskCalls::open>::make, Call<&DiskCalls::write>::make, Call<&DiskCalls::fsync>::make,
-            Call<&DiskCalls::close>::make, Call<&DiskCalls::rename>::make, Call<&DiskCalls::renameExclusive>::make,
+        diskCalls() = {Call<&DiskCalls::write>::make, Call<&DiskCalls::fsync>::make, Call<&DiskCalls::close>::make,
             Call<&DiskCalls::mkdir>::make, Call<&DiskCalls::unlink>::make, Call<&DiskCalls::openat>::make,
-            Call<&DiskCalls::mkdirat>::make, Call<&DiskCalls::unlinkat>::make, Call<&DiskCalls::futimens>::make,
-            Call<&DiskCalls::syncfs>::make};
+            Call<&DiskCalls::renameat>::make, Call<&DiskCalls::renameExclusive>::make, Call<&DiskCalls::mkdirat>::make,
+            Call<&DiskCalls::unlinkat>::make, Call<&DiskCalls::futimens>::make, Call<&DiskCalls::syncfs>::make};
     }
     ~FailingDisk() { diskCalls() = DiskCalls::system(); }
     FailingDisk(const FailingDisk &) = delete;
@@ -34,7 +34,6 @@ public:
 
     /// Whether the call that was to fail has been made.
     [[nodiscard]] static bool reached() { return s_count >= s_failAt; }
-    [[nodiscard]] static int calls() { return s_count; }
 
 private:
     template <auto Member> struct Call;
@@ -43,12 +42,16 @@ private:
         {
             // A failing close() gives the descriptor back all the same; fsync() looks like it and changes nothing.
             const bool closes = std::is_same_v<decltype(Member), decltype(&DiskCalls::close)>;
-            const bool opens = std::is_same_v<decltype(Member), decltype(&DiskCalls::open)>
-                || std::is_same_v<decltype(Member), decltype(&DiskCalls::openat)>;
+            const bool opens = std::is_same_v<decltype(Member), decltype(&DiskCalls::openat)>;
             const bool failed = fails();
             const Result result
                 = !failed || closes || (s_fault == Fault::Late && !opens) ? (system().*Member)(arguments...) : -1;
             errno = failed ? s_error : errno;
+            if (s_fault == Fault::EventAfter && s_count == s_failAt) {
+                const int error = errno;
+                s_event();
+                errno = error;
+            }
             return failed ? -1 : result;
         }
     };
@@ -56,8 +59,10 @@ private:
     static bool fails()
     {
         const int number = ++s_count;
-        if (number == s_failAt && s_fault == Fault::Event) {
-            s_event();
+        if (s_fault == Fault::Event || s_fault == Fault::EventAfter) {
+            if (s_fault == Fault::Event && number == s_failAt) {
+                s_event();
+            }
             return false;
         }
         return s_failAt > 0 && (number == s_failAt || (number > s_failAt && s_fault == Fault::Dead));

@@ -1,0 +1,35 @@
+#include "platform/CaselessFolder.h"
+
+#include "platform/Files.h"
+
+#include <algorithm>
+
+namespace {
+
+QString caseless(const std::filesystem::path &name)
+{
+    return Files::text(name).toCaseFolded();
+}
+
+} // namespace
+
+CaselessFolder::CaselessFolder(std::filesystem::path folder)
+    : m_folder(std::move(folder))
+{
+    std::error_code failure;
+    std::filesystem::directory_iterator entry(m_folder, failure);
+    for (; !failure && entry != std::filesystem::directory_iterator(); entry.increment(failure)) {
+        std::filesystem::path name = entry->path().filename();
+        m_names[caseless(name)].push_back(std::move(name));
+    }
+}
+
+std::vector<std::filesystem::path> CaselessFolder::named(const std::filesystem::path &name) const
+{
+    std::vector<std::filesystem::path> items = m_names.value(caseless(name));
+    std::sort(items.begin(), items.end(), [&name](const auto &a, const auto &b) {
+        return std::pair(a != name, a.native()) < std::pair(b != name, b.native());
+    });
+    std::transform(items.begin(), items.end(), items.begin(), [this](const auto &item) { return m_folder / item; });
+    return items;
+}

@@ -1,0 +1,310 @@
+// Every job that writes, while another program changes the world at the n-th disk call, for each n: nothing outside the
+// device is touched, nothing on it is lost without a copy, and the user reads what happened.
+#include "themes/ThemeInstall.h"
+
+#include "artwork/ArtworkInstall.h"
+
+#include "storage/Backup.h"
+#include "storage/MacMetadata.h"
+#include "storage/Playlist.h"
+#include "storage/Transfer.h"
+
+#include "support/AnotherDisk.h"
+#include "support/Archives.h"
+#include "support/FailingDisk.h"
+#include "support/Messages.h"
+#include "support/SampleDevice.h"
+
+#include <gtest/gtest.h>
+
+#include <set>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+using Fault = FailingDisk::Fault;
+using Contents = std::set<std::string>;
+
+/// In memory where that is a place of its own.
+fs::path quickFolder()
+{
+    return fs::exists("/dev/shm") ? "/dev/shm" : fs::temp_directory_path();
+}
+
+/// The files of a device, each with bytes of its own; another one has the same names.
+void fill(const fs::path &root, const std::string &owner)
+{
+    const std::string magic("\0\5\x16\7", 4);
+    for (const char *name : {".rockbox/rockbox-info.txt", ".rockbox/config.cfg", ".rockbox/themes/Dawn.cfg",
+             ".rockbox/wps/Dawn.wps", ".rockbox/wps/Dawn/other.bmp", "Music/Artist/Album/1.mp3",
+             "Music/Artist/Album/cover.jpeg", "Music/Artist/Album/._1.mp3", "Playlists/old.m3u8"}) {
+        fs::create_directories((root / name).parent_path());
+        const bool isCompanion = fs::path(name).filename().native().starts_with("._");
+        std::ofstream(root / name) << (isCompanion ? magic : "") << owner << name;
+    }
+}
+
+/// The bytes of all files; what has a hidden name of ours is a rest.
+Contents contentsBelow(const fs::path &folder)
+{
+    Contents contents;
+    if (!fs::is_symlink(folder) && fs::exists(folder)) {
+        for (const auto &[name, bytes] : filesBelow(folder)) {
+            EXPECT_EQ(name.find(".partial"), std::string::npos) << name;
+            contents.insert(bytes);
+        }
+    }
+    return contents;
+}
+
+/// A device, a place outside that looks like one, and a computer. Folders moved away stay on the device's disk.
+struct World {
+    TemporaryFolder folder {quickFolder()};
+    fs::path root = folder / "IPOD";
+    fs::path outside = folder / "outside";
+    fs::path backups = folder / "Backups";
+    fs::path album = root / "Music/Artist/Album";
+
+    World()
+    {
+        fill(root, "device ");
+        fill(outside, "outside ");
+        folder.write("Computer/new.mp3", "new music");
+        fs::create_directories(backups);
+        fs::create_directories(folder / "moved");
+        fs::create_directories(folder / "tmp");
+        ::setenv("TMPDIR", (folder / "tmp").c_str(), 1);
+    }
+    [[nodiscard]] Contents onDevice() const
+    {
+        Contents contents = contentsBelow(root);
+        contents.merge(contentsBelow(folder / "moved"));
+        return contents;
+    }
+};
+
+struct Job {
+    std::string name;
+    std::function<void(const World &)> run;
+    std::string made; ///< on the device or the computer when it has succeeded
+    std::string taken = {}; ///< from the device by then
+    bool allOrNothing = false;
+};
+
+std::vector<Job> jobs()
+{
+    return {{"theme",
+                [](const World &world) {
+                    (void)Storage::installTheme(archive("zip-9.zip"), world.root, world.backups / "new");
+                },
+                "wps: /.rockbox/wps/Dawn.wps\n", "device .rockbox/wps/Dawn.wps", true},
+        {"cover",
+            [](const World &world) {
+                const fs::path tracks[] = {world.album / "1.mp3"};
+                Artwork::install("new cover", tracks, world.root, world.backups);
+            },
+            "new cover", "device Music/Artist/Album/cover.jpeg", true},
+        {"transfer",
+            [](const World &world) {
+                const TransferFile files[] = {{world.folder / "Computer/new.mp3", QStringLiteral("Artist"),
+                    QStringLiteral("Album"), std::nullopt}};
+                (void)Storage::transfer(files, world.root, [](int, int) { });
+            },
+            "new music"},
+        {"playlist",
+            [](const World &world) {
+                const fs::path tracks[] = {world.album / "1.mp3"};
+                (void)Storage::playlist(QStringLiteral("new"), tracks, world.root);
+            },
+            "#EXTM3U\n/Music/Artist/Album/1.mp3\n"},
+        {"backup", [](const World &world) { Storage::backup(world.root, world.backups / "new"); },
+            "device .rockbox/config.cfg"}};
+}
+
+/// What the user, or a program of theirs, destroyed and made.
+struct Edits {
+    Contents taken;
+    Contents brought;
+};
+
+/// Something that happens once, and what some of the jobs must say of it.
+struct Change {
+    std::string name;
+    std::function<Edits(const World &)> happen;
+    std::string jobs; ///< that it concerns
+    std::set<std::string> messages;
+    Fault when = Fault::Event;
+};
+
+/// An item is moved away.
+Change gone(const std::string &place, const std::string &jobs, const std::set<std::string> &messages)
+{
+    const auto happen = [place](const World &world) -> Edits {
+        fs::rename(world.root / place, world.folder / "moved/away");
+        return {};
+    };
+    return {place + " gone", happen, jobs, messages};
+}
+
+/// The same, and its name leads to the one outside.
+Change linked(const std::string &place, const std::string &jobs, const std::set<std::string> &messages)
+{
+    const auto happen = [place](const World &world) -> Edits {
+        const fs::path link = place.empty() ? world.root : world.root / place;
+        fs::rename(link, world.folder / "moved/away");
+        fs::create_symlink(place.empty() ? world.outside : world.outside / place, link);
+        return {};
+    };
+    return {"a link at " + place, happen, jobs, messages};
+}
+
+/// A file gets other bytes, in place or by another file; one that was not there appears. It happens behind a call: what
+/// happens between the last look and the step right after it cannot be seen by anybody.
+Change edited(const std::string &place, bool inPlace, const std::string &jobs, const std::set<std::string> &messages)
+{
+    const auto happen = [place, inPlace](const World &world) -> Edits {
+        const fs::path file = world.root / place;
+        const Contents old = fs::exists(file) ? Contents {fileBytes(file)} : Contents();
+        std::ofstream(inPlace ? file : world.folder / "edited") << "edited";
+        inPlace ? void() : fs::rename(world.folder / "edited", file);
+        return {old, {"edited"}};
+    };
+    return {(inPlace ? "an edit of " : "another file at ") + place, happen, jobs, messages, Fault::EventAfter};
+}
+
+/// Two at once: the second stops the job, which must not take the first for its own work.
+Change both(const Change &edit, const Change &stop, const std::string &jobs, const std::set<std::string> &messages)
+{
+    const auto happen = [edit, stop](const World &world) -> Edits {
+        const Edits edits = edit.happen(world);
+        (void)stop.happen(world);
+        return edits;
+    };
+    return {edit.name + ", " + stop.name, happen, jobs, messages, Fault::EventAfter};
+}
+
+bool holds(const Contents &all, const Contents &some)
+{
+    return std::includes(all.begin(), all.end(), some.begin(), some.end());
+}
+
+/// Compares what is left with what was there.
+void check(const World &world, const Job &job, const Contents &before, const Edits &edits, const std::string &failure)
+{
+    const Contents device = world.onDevice();
+    Contents everywhere = contentsBelow(world.backups);
+    everywhere.insert(device.begin(), device.end());
+    Contents expected = before;
+    std::erase_if(expected, [&](const std::string &bytes) { return edits.taken.contains(bytes); });
+    expected.insert(edits.brought.begin(), edits.brought.end());
+    EXPECT_TRUE(holds(everywhere, expected)) << "lost";
+    if (failure.empty()) {
+        EXPECT_TRUE(everywhere.contains(job.made) || edits.taken.contains(job.made));
+        EXPECT_FALSE(device.contains(job.taken));
+    } else if (job.allOrNothing && failure.find("\n\nKopia: ") == std::string::npos) {
+        EXPECT_EQ(device, expected);
+    }
+    EXPECT_TRUE(fs::is_empty(world.folder / "tmp"));
+}
+
+/// Has each job run with the change at the n-th call, for each n. `uncover` is called before the device is looked at.
+void tryAll(const Change &change, const std::function<void(const World &)> &uncover = [](const World &) { })
+{
+    std::set<std::string> seen;
+    for (const Job &job : jobs()) {
+        bool reached = change.jobs.find(job.name) != std::string::npos;
+        for (int call = 1; reached; ++call) {
+            const World world;
+            const Contents before = world.onDevice();
+            const Contents outside = contentsBelow(world.outside);
+            Edits edits;
+            std::string failure;
+            {
+                const FailingDisk disk(call, EIO, change.when, [&] { edits = change.happen(world); });
+                failure = failureOf([&] { job.run(world); });
+                reached = FailingDisk::reached();
+            }
+            SCOPED_TRACE(change.name + ", " + job.name + ", call " + std::to_string(call) + ": " + failure);
+            uncover(world);
+            check(world, job, before, edits, failure);
+            EXPECT_EQ(contentsBelow(world.outside), outside);
+            ASSERT_TRUE(reached || failure.empty());
+            if (testing::Test::HasFailure()) {
+                return; // the next call would fail alike
+            }
+            seen.insert(failure.substr(0, failure.find("\n\nKopia: ")));
+        }
+    }
+    seen.erase("");
+    EXPECT_EQ(seen, change.messages) << change.name;
+}
+
+const std::string rootIsLink = "Folder urządzenia nie może być dowiązaniem symbolicznym.";
+const std::string anotherDisk = "W miejscu iPoda jest teraz inny dysk lub folder. Podłącz iPoda ponownie.";
+const std::string linkOnTheWay = "Ścieżka zawiera dowiązanie: ";
+const std::string linkInBackup = "Paczka zawiera dowiązanie symboliczne.";
+const std::string linkAtFile = "Docelowy zasób jest dowiązaniem.";
+const std::string noDevice = "Ten folder nie zawiera katalogu .rockbox.";
+const std::string everyJob = "theme cover transfer playlist backup cleanup";
+
+} // namespace
+
+TEST(ChangingWorld, followsNothingThatBecomesALink)
+{
+    for (const Change &change : {linked("", everyJob, {rootIsLink, anotherDisk}),
+             linked(".rockbox", everyJob, {rootIsLink, linkOnTheWay + ".rockbox"}),
+             linked(".rockbox/themes", "theme backup", {linkInBackup, linkOnTheWay + "themes"}),
+             linked(".rockbox/wps/Dawn", "theme", {linkInBackup, linkOnTheWay + "Dawn"}),
+             linked(".rockbox/wps/Dawn.wps", "theme", {linkInBackup, linkAtFile}),
+             linked("Music/Artist", "cover transfer cleanup", {linkOnTheWay + "Artist"}),
+             linked("Music/Artist/Album", "cover transfer cleanup", {linkOnTheWay + "Album"}),
+             linked("Music/Artist/Album/cover.jpeg", "cover", {"Too many levels of symbolic links: cover.jpeg"}),
+             linked("Playlists", "playlist", {linkOnTheWay + "Playlists"}), gone(".rockbox", everyJob, {noDevice})}) {
+        tryAll(change);
+    }
+}
+
+TEST(ChangingWorld, losesNoFileOfTheUsersThatIsEditedOrAppears)
+{
+    const std::string changed = "Plik na iPodzie zmienił się po zrobieniu kopii: ";
+    const std::string album = "Music/Artist/Album/";
+    for (const bool inPlace : {true, false}) {
+        const Change theme = edited(".rockbox/themes/Dawn.cfg", inPlace, "theme backup", {changed + "Dawn.cfg"});
+        const Change cover = edited(album + "cover.jpeg", inPlace, "cover", {changed + "cover.jpeg"});
+        for (const Change &change : {theme, cover,
+                 edited(".rockbox/wps/Dawn/back.bmp", inPlace, "theme",
+                     {"Na iPodzie pojawił się plik bez kopii: back.bmp"}),
+                 edited(album + "new.mp3", inPlace, "transfer", {"File exists: new.mp3"}),
+                 edited("Playlists/new.m3u8", inPlace, "playlist",
+                     {"Playlista o tej nazwie już istnieje. Wybierz inną nazwę."}),
+                 edited(album + "._1.mp3", inPlace, "cleanup", {}),
+                 both(cover, gone(".rockbox", "", {}), "cover", {changed + "cover.jpeg", noDevice}),
+                 both(theme, linked(".rockbox/wps/Dawn.wps", "", {}), "theme",
+                     {changed + "Dawn.cfg", linkInBackup, linkAtFile})}) {
+            tryAll(change);
+        }
+    }
+}
+
+TEST(ChangingWorld, leavesAnotherDiskAtTheSamePlaceAlone)
+{
+    if (!AnotherDisk::available()) {
+        GTEST_SKIP() << "no mount namespace here";
+    }
+    std::optional<AnotherDisk> disk;
+    Contents second;
+    const auto exchange = [&](const World &world) -> Edits {
+        disk.emplace(world.root);
+        EXPECT_TRUE(disk->mounted());
+        fill(world.root, "second ");
+        second = contentsBelow(world.root);
+        return {};
+    };
+    tryAll({"another disk", exchange, everyJob, {anotherDisk}}, [&](const World &world) {
+        if (disk) {
+            EXPECT_EQ(contentsBelow(world.root), second);
+            disk.reset();
+        }
+    });
+}
