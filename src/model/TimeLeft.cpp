@@ -7,7 +7,6 @@ namespace {
 using Moment = TimeLeft::Moment;
 using Seconds = TimeLeft::Seconds;
 
-constexpr Seconds beforeFirst {4}; ///< of a job in which nothing is shown: a shorter one needs no figure
 constexpr Seconds steadyFor {3};
 constexpr Seconds quickerFor {2};
 constexpr Seconds slowerFor {5};
@@ -39,7 +38,7 @@ void TimeLeft::begin(std::vector<Expectation> stages, Moment now)
 {
     *this = {};
     m_stages = std::move(stages);
-    m_jobBegin = m_stageBegin = now;
+    m_stageBegin = now;
     m_reports = {{now, 0}};
 }
 
@@ -140,7 +139,7 @@ void TimeLeft::awaitSteadiness(Seconds left, Moment now)
     if (!m_steady || m_steady->latest - m_steady->earliest > tolerance(left)) {
         m_steady = {now, end, end};
     }
-    if (now - m_steady->since >= steadyFor && now - m_jobBegin >= beforeFirst) {
+    if (now - m_steady->since >= steadyFor) {
         m_shownEnd = end;
         m_quicker.reset();
         m_slower.reset();

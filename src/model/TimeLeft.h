@@ -56,7 +56,6 @@ private:
     void correctShown(Seconds left, Moment now);
 
     std::vector<Expectation> m_stages; ///< the present one first; empty: there is no job
-    Moment m_jobBegin;
     Moment m_stageBegin;
     std::deque<Reported> m_reports; ///< of this stage, its begin first, without those too old to tell its pace
     int m_reportCount = 0;
