@@ -18,13 +18,14 @@ MarluneModel::MarluneModel(ModelEnvironment environment, QObject *parent)
     : QObject(parent)
     , m_environment(std::move(environment))
     , m_work({.busyChanged =
-                  [this] {
-                      Q_EMIT busyChanged();
-                      Q_EMIT workingChanged();
-                  },
-          .progressChanged = [this] { Q_EMIT progressChanged(); },
-          .statusChanged = [this] { Q_EMIT statusChanged(); },
-          .alertChanged = [this] { Q_EMIT alertChanged(); }})
+                     [this] {
+                         Q_EMIT busyChanged();
+                         Q_EMIT workingChanged();
+                     },
+                 .progressChanged = [this] { Q_EMIT progressChanged(); },
+                 .statusChanged = [this] { Q_EMIT statusChanged(); },
+                 .alertChanged = [this] { Q_EMIT alertChanged(); }},
+          m_environment.clock)
 {
     forgetDuplicates();
     Settings &settings = m_environment.settings;

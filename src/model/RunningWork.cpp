@@ -2,29 +2,21 @@
 
 #include <utility>
 
-namespace {
-
-TimeLeft::Moment now()
-{
-    return TimeLeft::Moment::clock::now();
-}
-
-} // namespace
-
-RunningWork::RunningWork(Listener listener)
+RunningWork::RunningWork(Listener listener, std::function<TimeLeft::Moment()> clock)
     : m_listener(std::move(listener))
+    , m_clock(std::move(clock))
 {
 }
 
 std::optional<std::chrono::seconds> RunningWork::timeLeft()
 {
-    return m_timeLeft.at(now());
+    return m_timeLeft.at(m_clock());
 }
 
 void RunningWork::begin(const QString &status, std::vector<TimeLeft::Expectation> stages)
 {
     m_statusBefore = m_status;
-    m_timeLeft.begin(std::move(stages), now());
+    m_timeLeft.begin(std::move(stages), m_clock());
     setProgress(0);
     setBusy(true);
     setJobStatus(status);
@@ -32,7 +24,7 @@ void RunningWork::begin(const QString &status, std::vector<TimeLeft::Expectation
 
 void RunningWork::beginNextStage(const QString &status)
 {
-    m_timeLeft.beginNextStage(now());
+    m_timeLeft.beginNextStage(m_clock());
     setProgress(0);
     setJobStatus(status);
 }
@@ -45,7 +37,7 @@ void RunningWork::setJobStatus(const QString &status)
 
 void RunningWork::report(double progress, std::optional<double> share)
 {
-    m_timeLeft.report(share.value_or(progress), now());
+    m_timeLeft.report(share.value_or(progress), m_clock());
     setProgress(progress);
 }
 

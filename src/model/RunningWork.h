@@ -18,7 +18,8 @@ public:
         std::function<void()> statusChanged;
         std::function<void()> alertChanged;
     };
-    explicit RunningWork(Listener listener);
+    /// `clock` says what time it is.
+    RunningWork(Listener listener, std::function<TimeLeft::Moment()> clock);
 
     [[nodiscard]] bool busy() const { return m_busy; }
     /// Of the running job's present stage, 0 to 1; 0 where it cannot be said.
@@ -47,6 +48,7 @@ private:
     void setProgress(double progress);
 
     Listener m_listener;
+    std::function<TimeLeft::Moment()> m_clock;
     bool m_busy = false;
     double m_progress = 0;
     TimeLeft m_timeLeft;
