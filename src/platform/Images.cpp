@@ -191,13 +191,14 @@ void makeTransparent(QImage &image, QRgba64 colour)
 }
 
 /// Null where the picture cannot be read or is too large. All formats but JPEG.
-QImage decodeWhole(QByteArray bytes, std::string_view format)
+QImage decodeWhole(QByteArray bytes, const char *format)
 {
-    const std::optional<QRgba64> transparent = format == "png" ? takeTransparentColour(bytes) : std::nullopt;
-    Reader reader(bytes, format.data());
+    const std::string_view name = format;
+    const std::optional<QRgba64> transparent = name == "png" ? takeTransparentColour(bytes) : std::nullopt;
+    Reader reader(bytes, format);
     const QSize size = reader.size();
     if (size.isEmpty() || qint64(size.width()) * size.height() > mostWholePixels
-        || (format == "tiff" && isMisreadTiff(bytes))) {
+        || (name == "tiff" && isMisreadTiff(bytes))) {
         return {};
     }
     QImage image = reader.read();
@@ -229,7 +230,7 @@ std::optional<ImageFacts> imageFacts(const QByteArray &bytes)
     if (isJpeg(format)) {
         const std::optional<JpegHeader> header = readJpegHeader(bytes);
         return header ? std::optional(ImageFacts {
-                   ImageFacts::Type::Jpeg, header->width, header->height, header->progressive && header->jfif})
+                            ImageFacts::Type::Jpeg, header->width, header->height, header->progressive && header->jfif})
                       : std::nullopt;
     }
     const QSize size = Reader(bytes, format).size();

@@ -38,7 +38,7 @@ public:
         m_info.err = jpeg_std_error(&m_errors);
         m_errors.error_exit
             = [](j_common_ptr info) { std::longjmp(static_cast<Decompression *>(info->client_data)->m_leave, 1); };
-        m_errors.emit_message = [](j_common_ptr, int) {};
+        m_errors.emit_message = [](j_common_ptr, int) { };
         m_info.client_data = this;
         m_isReady = run([&bytes](jpeg_decompress_struct &info) {
             void *const self = info.client_data;
