@@ -2,6 +2,7 @@
 
 #include "ui/CoverProvider.h"
 #include "ui/DesktopPanels.h"
+#include "ui/FocusGuide.h"
 #include "ui/LibraryPresenter.h"
 #include "ui/Localization.h"
 #include "ui/MediaControls.h"
@@ -18,6 +19,7 @@
 #include "platform/Version.h"
 #include "platform/Volumes.h"
 
+#include <QAccessible>
 #include <QFontDatabase>
 #include <QGuiApplication>
 #include <QIcon>
@@ -153,8 +155,13 @@ Program::Parts::Parts(const Setup &setup)
 
 Program::Parts::~Parts()
 {
-    // The window's bindings read what is about to go.
+    // The window's bindings read what is about to go. A screen reader is not told of each control that goes: Qt would
+    // ask the menus for parents that have gone already.
+    const auto told = QAccessible::installUpdateHandler([](QAccessibleEvent *) { });
     qDeleteAll(engine.rootObjects());
+    QAccessible::installUpdateHandler(told);
+    // The rows of lists are deleted later, and an animation in one of them would go on without the engine.
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
 Program::Program(const Setup &setup)
@@ -201,6 +208,7 @@ void prepareEngine(QQmlEngine &engine, std::shared_ptr<const CoverStore> covers)
     engine.addImageProvider(QStringLiteral("cover"), new CoverProvider(std::move(covers)));
     engine.addImageProvider(QStringLiteral("shadow"), new ShadowProvider);
     engine.addImageProvider(QStringLiteral("symbol"), new Symbols::Provider);
+    engine.singletonInstance<FocusGuide *>(qmlTypeId("Marlune", 1, 0, "FocusGuide")); // at work from the start
 }
 
 Setup Setup::forUser()

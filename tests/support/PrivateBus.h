@@ -12,10 +12,10 @@
 #include <stdexcept>
 #include <string>
 
-/// For a process that must not outlive the test, even one that crashes.
-inline void dieWithThisProcess(QProcess &process)
+/// For a process that must not outlive the test, even one that crashes. One with children of its own is asked to end.
+inline void dieWithThisProcess(QProcess &process, int by = SIGKILL)
 {
-    process.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });
+    process.setChildProcessModifier([by] { ::prctl(PR_SET_PDEATHSIG, by); });
 }
 
 class PrivateBus {

@@ -4,6 +4,7 @@
 #include "ui/CoverProvider.h"
 
 #include <QAbstractItemModelTester>
+#include <QImage>
 #include <QSignalSpy>
 
 namespace {
@@ -60,8 +61,20 @@ private Q_SLOTS:
         QVERIFY(grid.value(1, AlbumListModel::HighResolutionRole).toBool());
         QVERIFY(!grid.value(2, AlbumListModel::HighResolutionRole).toBool());
         QVERIFY(grid.covers->find(grid.value(2, AlbumListModel::CoverRole).toString()));
+
         grid.rows.forget(2); // and its cover is let go
         QTRY_COMPARE(grid.covers->size(), 0);
+        for (const QColor color : {Qt::red, Qt::blue}) {
+            const QVariant before = grid.value(1, AlbumListModel::CoverRole);
+            const std::filesystem::path picture = grid.desk.folder / "picture.png";
+            QImage chosen(20, 20, QImage::Format_RGB32);
+            chosen.fill(color);
+            QVERIFY(chosen.save(QString::fromStdString(picture.string())));
+            grid.model->chooseArtwork(*grid.model->albums()->at(1), false);
+            grid.desk.panels.answer({picture});
+            QTRY_VERIFY(grid.value(1, AlbumListModel::CoverRole) != before);
+            ModelDesk::waitForJobs(*grid.model);
+        }
     }
 
     void keepsItsRowsWhenAlbumsComeAndGo()

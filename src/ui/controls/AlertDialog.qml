@@ -12,6 +12,7 @@ Sheet {
 
     signal dismissed
 
+    title: "Marlune"
     onMessageChanged: root.message === "" ? root.close() : root.open()
     Component.onCompleted: if (root.message !== "") root.open()
     onOpened: accept.forceActiveFocus(Qt.PopupFocusReason)
@@ -20,12 +21,12 @@ Sheet {
     contentItem: Column {
         spacing: Tokens.space.regular
         Accessible.role: Accessible.AlertMessage
-        Accessible.name: heading.text + ". " + body.text
+        Accessible.name: root.title + ". " + root.message
 
         Text {
             id: heading
             width: root.widest
-            text: "Marlune"
+            text: root.title
             textFormat: Text.PlainText
             font: Tokens.type.title2
             color: Tokens.color.text

@@ -31,7 +31,7 @@ T.Button {
     Accessible.description: root.text !== "" ? root.toolTip : ""
     Keys.onReturnPressed: root.clicked()
     Keys.onEnterPressed: root.clicked()
-    onHoveredChanged: root.hovered ? Hints.show(root, root.toolTip) : Hints.hide(root)
+    onHoveredChanged: root.hovered ? Hints.show(root, root.toolTip || (label.truncated ? root.text : "")) : Hints.hide(root)
 
     contentItem: Item {
         implicitWidth: (picture.visible ? picture.width : 0) + (label.visible ? label.implicitWidth : 0)

@@ -25,6 +25,7 @@ T.ComboBox {
     focusPolicy: Qt.StrongFocus
     opacity: root.enabled ? 1 : Tokens.color.disabled
     Accessible.name: root.title
+    Accessible.description: root.displayText
     // On release, where the template takes Return for "close".
     Keys.onReleased: event => {
         if ((event.key === Qt.Key_Return || event.key === Qt.Key_Enter) && !root.popup.visible) {
@@ -33,6 +34,7 @@ T.ComboBox {
         }
     }
     onActivated: index => root.picked(root.values[index])
+    onHoveredChanged: root.hovered ? Hints.show(root, shown.truncated ? root.displayText : "") : Hints.hide(root)
 
     contentItem: Row {
         spacing: Tokens.space.tight - 2
@@ -46,6 +48,7 @@ T.ComboBox {
             anchors.verticalCenter: parent.verticalCenter
         }
         Text {
+            id: shown
             width: Math.min(implicitWidth, root.availableWidth - heading.width - parent.spacing - Tokens.height.symbol)
             text: root.displayText
             textFormat: Text.PlainText
@@ -76,16 +79,14 @@ T.ComboBox {
             shown: root.visualFocus
         }
     }
-    delegate: MenuItem {
+    delegate: ChoiceItem {
         required property int index
         required property string modelData
 
         width: ListView.view?.width ?? implicitWidth
         text: L10n.text(modelData)
         marked: root.currentIndex === index
-        markable: true
         highlighted: root.highlightedIndex === index
-        Accessible.role: Accessible.ListItem
     }
     popup: T.Popup {
         y: root.height + Tokens.space.hair
@@ -93,6 +94,7 @@ T.ComboBox {
         implicitHeight: contentItem.implicitHeight + 2 * padding
         padding: Tokens.space.hair
         margins: Tokens.space.tight
+        onAboutToShow: contentItem.parent.Accessible.name = root.title
 
         contentItem: ListView {
             clip: true
@@ -100,6 +102,8 @@ T.ComboBox {
             model: root.delegateModel
             currentIndex: root.highlightedIndex
             highlightMoveDuration: 0
+            Accessible.role: Accessible.List
+            Accessible.name: root.title
         }
         background: MenuGround {}
         enter: Transition {

@@ -1,4 +1,4 @@
-// The title of a menu in the menu bar.
+// The title of a menu in the menu bar. The letter that opens it is underlined while the key for that is held down.
 import QtQuick
 import QtQuick.Templates as T
 import Marlune
@@ -10,12 +10,11 @@ T.MenuBarItem {
     implicitHeight: Tokens.height.small
     horizontalPadding: Tokens.space.tight + 2
     font: Tokens.type.subheadline
-    Accessible.name: label.text
+    Accessible.name: root.text.replace("&", "")
 
     contentItem: Text {
-        id: label
-        text: root.text.replace("&", "")
-        textFormat: Text.PlainText
+        text: FocusGuide.lettersShown ? root.text.replace(/&(.)/, "<u>$1</u>") : root.text.replace("&", "")
+        textFormat: Text.StyledText
         font: root.font
         color: Tokens.color.text
         verticalAlignment: Text.AlignVCenter

@@ -1,4 +1,4 @@
-// An entry of a menu or of a list of choices.
+// An entry of a menu.
 import QtQuick
 import QtQuick.Templates as T
 import Marlune
@@ -6,13 +6,9 @@ import Marlune
 T.MenuItem {
     id: root
 
-    property bool markable: false ///< room for a check mark
-    property bool marked: false
-
     implicitWidth: Math.max(200, implicitContentWidth + leftPadding + rightPadding)
     implicitHeight: Tokens.height.regular
-    leftPadding: root.markable ? Tokens.space.tight + Tokens.height.symbol + Tokens.space.hair : Tokens.space.regular
-    rightPadding: Tokens.space.regular
+    horizontalPadding: Tokens.space.regular
     font: Tokens.type.subheadline
     opacity: root.enabled ? 1 : Tokens.color.disabled
     Accessible.name: label.text
@@ -27,6 +23,7 @@ T.MenuItem {
             text: root.text.replace("&", "")
             font: root.font
             color: root.highlighted ? Tokens.color.textOnAccent : Tokens.color.text
+            Accessible.ignored: true
         }
         Text {
             id: keys
@@ -41,13 +38,5 @@ T.MenuItem {
     background: Rectangle {
         radius: Tokens.radius.control - 2
         color: root.highlighted ? Tokens.color.accent : "transparent"
-
-        Icon {
-            x: Tokens.space.tight
-            anchors.verticalCenter: parent.verticalCenter
-            visible: root.marked
-            symbol: "checkmark"
-            color: root.highlighted ? Tokens.color.textOnAccent : Tokens.color.text
-        }
     }
 }

@@ -1,4 +1,4 @@
-// A thin scroll bar, there while it is of use.
+// A thin scroll bar, there while it is of use. Stands beside what it scrolls, and takes the wheel for it.
 import QtQuick
 import QtQuick.Templates as T
 import Marlune
@@ -11,6 +11,14 @@ T.ScrollBar {
     padding: 2
     minimumSize: 0.06
     visible: root.policy !== T.ScrollBar.AlwaysOff && root.size < 1
+
+    readonly property real notch: 60 * root.size / Math.max(1, root.height) ///< one of the wheel's
+
+    WheelHandler {
+        target: null
+        onWheel: event => root.position = Math.max(0, Math.min(1 - root.size,
+            root.position - event.angleDelta.y / 120 * root.notch))
+    }
 
     contentItem: Rectangle {
         implicitWidth: 6

@@ -1,20 +1,17 @@
-// One value of a segmented picker.
+// One value of a segmented picker. A radio button to those who do not see it.
 import QtQuick
 import QtQuick.Templates as T
 import Marlune
 
-T.AbstractButton {
+T.RadioButton {
     id: root
 
     readonly property real textWidth: label.implicitWidth
 
-    checkable: false
-    focusPolicy: root.checked ? Qt.StrongFocus : Qt.ClickFocus
+    focusPolicy: root.checked || root.activeFocus ? Qt.StrongFocus : Qt.ClickFocus // what has the focus has to stay a stop
     font: root.checked ? Tokens.type.subheadlineStrong : Tokens.type.subheadline
-    Accessible.role: Accessible.RadioButton
     Accessible.name: root.text
-    Accessible.checkable: true
-    Accessible.checked: root.checked
+    onHoveredChanged: root.hovered ? Hints.show(root, label.truncated ? root.text : "") : Hints.hide(root)
 
     contentItem: Text {
         id: label

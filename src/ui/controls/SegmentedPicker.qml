@@ -5,10 +5,9 @@
 pragma ComponentBehavior: Bound
 
 import QtQuick
-import QtQuick.Templates as T
 import Marlune
 
-T.Control {
+Item { // a Control's role would be its own
     id: root
 
     required property string title
@@ -44,11 +43,12 @@ T.Control {
     Keys.onLeftPressed: root.pick(root.values.indexOf(root.value) - 1)
     Keys.onRightPressed: root.pick(root.values.indexOf(root.value) + 1)
 
-    background: Rectangle {
+    Rectangle {
+        anchors.fill: parent
         radius: Tokens.radius.control
         color: Tokens.color.field
     }
-    contentItem: Row {
+    Row {
         Repeater {
             id: segments
             model: root.values

@@ -1,13 +1,13 @@
-// A small panel over the dimmed window. Escape closes it and gives the focus back to where it came from.
+// A small panel over the dimmed window, a dialog with its title as name. Escape closes it and gives the focus back to
+// where it came from.
 import QtQuick
 import QtQuick.Templates as T
 import Marlune
 
-T.Popup {
+T.Dialog {
     id: root
 
     property Item cameFrom: null
-    property int cameBy: Qt.OtherFocusReason
 
     parent: T.Overlay.overlay
     anchors.centerIn: parent
@@ -20,11 +20,8 @@ T.Popup {
     implicitWidth: implicitContentWidth + leftPadding + rightPadding
     implicitHeight: implicitContentHeight + topPadding + bottomPadding
 
-    onAboutToShow: {
-        root.cameFrom = root.parent?.Window.activeFocusItem ?? null;
-        root.cameBy = (root.cameFrom as T.Control)?.focusReason ?? Qt.PopupFocusReason;
-    }
-    onClosed: root.cameFrom?.forceActiveFocus(root.cameBy)
+    onAboutToShow: root.cameFrom = root.parent?.Window.activeFocusItem ?? null
+    onClosed: (root.cameFrom?.enabled ? root.cameFrom : root.cameFrom?.nextItemInFocusChain())?.forceActiveFocus(Qt.PopupFocusReason)
 
     background: Rectangle {
         radius: Tokens.radius.sheet

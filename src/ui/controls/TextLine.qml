@@ -10,6 +10,8 @@ Text {
     color: Tokens.color.text
     elide: Text.ElideRight
     maximumLineCount: 1
+    Accessible.role: Accessible.StaticText
+    Accessible.name: root.text
 
     HoverHandler {
         enabled: root.truncated

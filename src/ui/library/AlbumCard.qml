@@ -1,8 +1,9 @@
 // One album in the grid. Shows what it is given, reports clicks, decides nothing.
 import QtQuick
+import QtQuick.Templates as T
 import Marlune
 
-Item {
+T.ItemDelegate {
     id: root
 
     required property string albumTitle
@@ -16,7 +17,6 @@ Item {
     required property string cover
     required property bool deviceSide
     property int coverDecodeSide: Math.round(root.width)
-    property bool ringShown: false
 
     signal toggled
     signal played
@@ -24,11 +24,13 @@ Item {
     signal menuWanted
 
     implicitHeight: root.width + Tokens.space.regular + words.implicitHeight
-    Accessible.role: Accessible.ListItem
     Accessible.name: root.albumTitle + ", " + root.artist
     Accessible.description: root.format + ", " + root.countAndSize + (root.discs === "" ? "" : ", " + root.discs)
     Accessible.selected: root.selected
     Accessible.onPressAction: root.toggled()
+    Keys.onSpacePressed: root.toggled()
+    Keys.onReturnPressed: root.toggled()
+    Keys.onEnterPressed: root.toggled()
 
     HoverHandler {
         id: hover
@@ -51,7 +53,7 @@ Item {
             NumberAnimation { duration: Tokens.motion.state; easing.type: Easing.OutCubic }
         }
         FocusRing {
-            shown: root.ringShown
+            shown: root.visualFocus
             around: Tokens.radius.cover
         }
         CoverPlayButton {
@@ -59,7 +61,7 @@ Item {
             anchors.right: parent.right
             anchors.bottom: parent.bottom
             anchors.margins: Tokens.space.tight
-            shown: hover.hovered || root.ringShown || root.playing
+            shown: hover.hovered || root.visualFocus || root.playing
             playing: root.playing
             onNeared: root.playNeared()
             onClicked: root.played()
@@ -75,12 +77,14 @@ Item {
             width: parent.width
             text: root.albumTitle
             font: Tokens.type.bodyStrong
+            Accessible.ignored: true
         }
         TextLine {
             width: parent.width
             text: root.artist
             font: Tokens.type.caption
             color: Tokens.color.textMuted
+            Accessible.ignored: true
         }
         AlbumFacts {
             width: parent.width
@@ -103,6 +107,7 @@ Item {
                 text: root.discs
                 font: Tokens.type.caption2
                 color: Tokens.color.textMuted
+                Accessible.ignored: true
             }
         }
         Button {

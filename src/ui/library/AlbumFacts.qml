@@ -47,5 +47,6 @@ Row {
         text: root.countAndSize
         font: Tokens.type.caption2
         color: Tokens.color.textMuted
+        Accessible.ignored: true
     }
 }

@@ -1,12 +1,12 @@
-// The albums as tiles in as many columns as fit. One stop for the Tab key: the arrows move, Space and Return queue the
-// album, P plays or pauses it, the menu key opens its menu.
+// The albums as tiles in as many columns as fit. One stop for the Tab key: the arrows and Page Up and Down move, Space and
+// Return queue the album, P plays or pauses it, the menu key or Shift+F10 opens its menu.
 pragma ComponentBehavior: Bound
 
 import QtQuick
 import QtQuick.Templates as T
 import Marlune
 
-T.Control {
+FocusScope {
     id: root
 
     required property AlbumListModel albums
@@ -20,36 +20,43 @@ T.Control {
     readonly property int room: Math.floor(root.width) - 2 * root.around
     readonly property int columns: Math.max(1, Math.floor((root.room + root.columnSpacing) / (root.tileSize + root.columnSpacing)))
     readonly property int cardWidth: Math.floor((root.room - (root.columns - 1) * root.columnSpacing) / root.columns)
+    readonly property int rowsOfAPage: Math.max(1, Math.floor(view.height / view.cellHeight))
     property int decodeSide: 0 ///< the width of a card once it rests
 
+    /// Makes another album the current one, which takes the focus with it: whole rows away, as far as there are, and steps.
+    function walk(rows: int, steps: int) {
+        const above = Math.floor(view.currentIndex / root.columns);
+        const below = Math.floor((view.count - 1 - view.currentIndex) / root.columns);
+        const row = view.currentIndex + Math.max(-above, Math.min(rows, below)) * root.columns + steps;
+        view.currentIndex = Math.max(0, Math.min(row, view.count - 1));
+    }
     function openMenuOfCurrent() {
+        const card = view.currentItem as AlbumCard;
         menu.row = view.currentIndex;
-        menu.playing = (view.currentItem as AlbumCard).playing;
-        menu.popup(view.currentItem, Tokens.space.wide, Tokens.space.wide);
+        menu.playing = card?.playing ?? false;
+        menu.popup(card, Tokens.space.wide, Tokens.space.wide);
     }
 
-    focusPolicy: Qt.StrongFocus
     Accessible.role: Accessible.List
     Accessible.name: L10n.text("Albumy")
     onCardWidthChanged: root.decodeSide === 0 && root.width > 0 ? root.decodeSide = root.cardWidth : settle.restart()
     Keys.onPressed: event => {
-        const moved = {
-            [Qt.Key_Left]: () => view.moveCurrentIndexLeft(),
-            [Qt.Key_Right]: () => view.moveCurrentIndexRight(),
-            [Qt.Key_Up]: () => view.moveCurrentIndexUp(),
-            [Qt.Key_Down]: () => view.moveCurrentIndexDown(),
-            [Qt.Key_Home]: () => view.currentIndex = 0,
-            [Qt.Key_End]: () => view.currentIndex = view.count - 1,
-            [Qt.Key_Space]: () => root.albums.toggle(view.currentIndex),
-            [Qt.Key_Return]: () => root.albums.toggle(view.currentIndex),
-            [Qt.Key_Enter]: () => root.albums.toggle(view.currentIndex),
+        const action = {
+            [Qt.Key_Left]: () => root.walk(0, -1),
+            [Qt.Key_Right]: () => root.walk(0, 1),
+            [Qt.Key_Up]: () => root.walk(-1, 0),
+            [Qt.Key_Down]: () => root.walk(1, 0),
+            [Qt.Key_PageUp]: () => root.walk(-root.rowsOfAPage, 0),
+            [Qt.Key_PageDown]: () => root.walk(root.rowsOfAPage, 0),
+            [Qt.Key_Home]: () => root.walk(0, -view.count),
+            [Qt.Key_End]: () => root.walk(0, view.count),
             [Qt.Key_P]: () => root.albums.play(view.currentIndex),
-            [Qt.Key_Menu]: () => root.openMenuOfCurrent()
+            [Qt.Key_Menu]: () => root.openMenuOfCurrent(),
+            [Qt.Key_F10]: event.modifiers & Qt.ShiftModifier ? () => root.openMenuOfCurrent() : null
         }[event.key];
-        if (moved) {
-            root.focusReason = Qt.TabFocusReason;
-            moved();
-            event.accepted = true;
+        event.accepted = view.count > 0 && Boolean(action);
+        if (event.accepted) {
+            action();
         }
     }
 
@@ -80,7 +87,8 @@ T.Control {
         deviceSide: false
     }
 
-    contentItem: Item {
+    Item {
+        anchors.fill: parent
         clip: true // here, since shadows and the ring reach beyond the view
 
         GridView {
@@ -97,7 +105,7 @@ T.Control {
             reuseItems: true
             boundsBehavior: Flickable.StopAtBounds
             keyNavigationEnabled: false
-            highlightMoveDuration: Tokens.motion.appear
+            highlightFollowsCurrentItem: false // what has the focus is followed, and with room for its ring
             model: root.albums
             T.ScrollBar.vertical: ScrollBar {
                 parent: root
@@ -112,7 +120,8 @@ T.Control {
                 width: root.cardWidth
                 deviceSide: root.deviceSide
                 coverDecodeSide: root.decodeSide
-                ringShown: root.visualFocus && GridView.isCurrentItem
+                focusPolicy: GridView.isCurrentItem || activeFocus ? Qt.StrongFocus : Qt.ClickFocus
+                onActiveFocusChanged: if (activeFocus && index >= 0) view.currentIndex = index
                 onToggled: root.albums.toggle(index)
                 onPlayNeared: root.albums.preparePlay()
                 onPlayed: root.albums.play(index)
@@ -120,13 +129,6 @@ T.Control {
                     menu.row = index;
                     menu.playing = card.playing;
                     menu.popup(); // at the pointer
-                }
-
-                TapHandler {
-                    onTapped: {
-                        view.currentIndex = card.index;
-                        root.forceActiveFocus(Qt.MouseFocusReason);
-                    }
                 }
             }
         }

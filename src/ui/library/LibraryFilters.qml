@@ -73,6 +73,7 @@ ColumnLayout {
 
             Shortcut {
                 sequence: "Ctrl+F"
+                enabled: search.visible // not on another page
                 onActivated: search.forceActiveFocus(Qt.ShortcutFocusReason)
             }
         }

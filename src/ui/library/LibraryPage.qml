@@ -42,6 +42,7 @@ Item {
                         font: Tokens.type.of(28, Font.Bold)
                         fontSizeMode: Text.HorizontalFit
                         minimumPixelSize: Tokens.type.title.pixelSize
+                        Accessible.role: Accessible.Heading
                     }
                     TextLine {
                         objectName: "countsText"
@@ -97,15 +98,12 @@ Item {
                     detailFont: Tokens.type.caption
                 }
             }
-            Text {
+            TextBlock {
                 objectName: "hiResNote"
                 Layout.fillWidth: true
                 visible: root.library.highResolutionListed
                 text: L10n.text("Hi-Res opisuje plik źródłowy. Odtwarzanie i wyjście audio zależą od sprzętu i Rockbox.")
-                textFormat: Text.PlainText
                 font: Tokens.type.caption2
-                color: Tokens.color.textMuted
-                wrapMode: Text.Wrap
             }
         }
     }

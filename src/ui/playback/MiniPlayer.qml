@@ -145,9 +145,9 @@ Item {
         restoreMode: Binding.RestoreNone
     }
 
-    component Time: Text {
+    component Time: TextLine {
         Layout.preferredWidth: Math.max(implicitWidth, widest.advanceWidth)
-        textFormat: Text.PlainText
+        elide: Text.ElideNone
         font: Tokens.type.caption
         color: Tokens.color.textMuted
 

@@ -6,7 +6,7 @@ import QtQuick.Layouts
 import QtQuick.Templates as T
 import Marlune
 
-T.Control {
+T.ItemDelegate {
     id: root
 
     required property string kind
@@ -28,7 +28,6 @@ T.Control {
     horizontalPadding: Tokens.space.wide
     verticalPadding: Tokens.space.regular
     focusPolicy: root.current || root.activeFocus ? Qt.StrongFocus : Qt.ClickFocus // what has the focus has to stay a stop
-    Accessible.role: Accessible.ListItem
     Accessible.name: root.title + ". " + root.detail
     Accessible.description: root.places
 
@@ -47,23 +46,20 @@ T.Control {
                 Layout.fillWidth: true
                 text: root.title
                 font: Tokens.type.headline
+                Accessible.ignored: true
             }
-            Text {
+            TextBlock {
                 Layout.fillWidth: true
                 text: root.detail
-                textFormat: Text.PlainText
-                font: Tokens.type.subheadline
-                color: Tokens.color.textMuted
-                wrapMode: Text.Wrap
+                Accessible.ignored: true
             }
-            Text {
+            TextBlock {
                 Layout.fillWidth: true
                 visible: text !== ""
                 text: root.places
-                textFormat: Text.PlainText
                 font: Tokens.type.caption2
-                color: Tokens.color.textMuted
                 wrapMode: Text.WrapAtWordBoundaryOrAnywhere
+                Accessible.ignored: true
             }
             Flow {
                 Layout.fillWidth: true
@@ -90,7 +86,7 @@ T.Control {
                 }
                 Button {
                     objectName: "openAlbumButton"
-                    visible: !root.isOfCovers
+                    visible: false // until there is a sheet that it opens
                     measure: Button.Small
                     focusPolicy: root.current || activeFocus ? Qt.StrongFocus : Qt.ClickFocus
                     text: L10n.text("Otwórz album")

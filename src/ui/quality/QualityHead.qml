@@ -8,6 +8,7 @@ FocusScope {
 
     required property MarluneModel model
     required property QualityPresenter quality
+    required property Flickable scrolledBy ///< the list that it moves with
 
     implicitHeight: stack.implicitHeight
 
@@ -22,15 +23,12 @@ FocusScope {
             font: Tokens.type.of(28, Font.Bold)
             fontSizeMode: Text.HorizontalFit
             minimumPixelSize: Tokens.type.title.pixelSize
+            Accessible.role: Accessible.Heading
         }
-        Text {
+        TextBlock {
             Layout.fillWidth: true
             Layout.topMargin: 2
             text: L10n.text("Sprawdź kolekcję i napraw okładki dla Rockbox. Poprzednie obrazy z iPoda są zachowywane w kopii na Macu.")
-            textFormat: Text.PlainText
-            font: Tokens.type.subheadline
-            color: Tokens.color.textMuted
-            wrapMode: Text.Wrap
         }
         QualityControls {
             Layout.fillWidth: true
@@ -50,6 +48,7 @@ FocusScope {
                 id: heading
                 text: L10n.text("Problemy")
                 font: Tokens.type.title2
+                Accessible.role: Accessible.Heading
             }
             KindCounts {
                 id: counts

@@ -13,15 +13,12 @@ Item {
     required property QualityPresenter quality
 
     readonly property int around: 24
+    readonly property int rowsOfAPage: Math.max(1, Math.floor(view.height / ((view.currentItem?.height ?? 0) + view.spacing)) - 1)
 
     /// Makes another row the one that the keyboard is at.
     function walk(row: int) {
         view.currentIndex = Math.max(0, Math.min(row, view.count - 1));
-        const item = view.currentItem as IssueRow;
-        item?.forceActiveFocus(Qt.TabFocusReason);
-        if (item) {
-            item.focusReason = Qt.TabFocusReason; // the view may have given it the focus for another
-        }
+        view.currentItem?.forceActiveFocus(Qt.TabFocusReason);
     }
 
     clip: true
@@ -36,7 +33,7 @@ Item {
         width: view.width
         model: root.model
         quality: root.quality
-        onActiveFocusChanged: if (activeFocus) view.contentY = view.originY - view.topMargin
+        scrolledBy: view
     }
     ListView {
         id: view
@@ -50,7 +47,7 @@ Item {
         cacheBuffer: 400
         boundsBehavior: Flickable.StopAtBounds
         keyNavigationEnabled: false
-        highlightMoveDuration: Tokens.motion.appear
+        highlightFollowsCurrentItem: false // what has the focus is followed, and with room for its ring
         model: root.quality.issues
         Accessible.role: Accessible.List
         Accessible.name: L10n.text("Problemy")
@@ -73,8 +70,14 @@ Item {
             Keys.onUpPressed: root.walk(index - 1)
             Keys.onDownPressed: root.walk(index + 1)
             Keys.onPressed: event => {
-                if (event.key === Qt.Key_Home || event.key === Qt.Key_End) {
-                    root.walk(event.key === Qt.Key_Home ? 0 : view.count - 1);
+                const row = {
+                    [Qt.Key_Home]: 0,
+                    [Qt.Key_End]: view.count - 1,
+                    [Qt.Key_PageUp]: index - root.rowsOfAPage,
+                    [Qt.Key_PageDown]: index + root.rowsOfAPage
+                }[event.key];
+                if (row !== undefined) {
+                    root.walk(row);
                     event.accepted = true;
                 }
             }

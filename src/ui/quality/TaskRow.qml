@@ -23,6 +23,7 @@ GridLayout {
         verticalAlignment: Text.AlignVCenter
         text: root.title
         font: Tokens.type.subheadlineStrong
+        Accessible.role: Accessible.Heading
     }
     ColumnLayout {
         Layout.fillWidth: true
@@ -33,14 +34,11 @@ GridLayout {
             Layout.fillWidth: true
             spacing: Tokens.space.tight
         }
-        Text {
+        TextBlock {
             Layout.fillWidth: true
             visible: text !== ""
             text: root.note
-            textFormat: Text.PlainText
             font: Tokens.type.caption
-            color: Tokens.color.textMuted
-            wrapMode: Text.Wrap
         }
     }
 }

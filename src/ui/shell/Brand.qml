@@ -28,13 +28,10 @@ Item {
             text: L10n.text("Marlune")
             font: Tokens.type.of(23, Font.Bold)
         }
-        Text {
+        TextBlock {
             width: Math.min(parent.width, 100 * Tokens.type.scale) // two even lines
             text: L10n.text("Muzyka. Motywy. Twój iPod.")
-            textFormat: Text.PlainText
             font: Tokens.type.of(10, Font.Normal)
-            color: Tokens.color.textMuted
-            wrapMode: Text.Wrap
         }
     }
 }

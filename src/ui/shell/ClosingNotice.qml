@@ -20,15 +20,13 @@ Rectangle {
         width: root.width - 52
         spacing: Tokens.space.regular
 
-        Text {
+        TextBlock {
             id: words
             objectName: "closingNotice"
             Layout.fillWidth: true
             text: L10n.text("Okno zamknie się samo, gdy tylko praca dobiegnie końca. Żaden zapis nie zostanie przerwany.")
-            textFormat: Text.PlainText
-            font: Tokens.type.subheadline
             color: Tokens.color.text
-            wrapMode: Text.Wrap
+            Accessible.ignored: true // said by the notice
         }
         Button {
             objectName: "stayOpenButton"

@@ -49,10 +49,9 @@ ColumnLayout {
                 color: Tokens.color.warning
                 side: Tokens.height.symbol - 2
             }
-            Text {
+            TextLine {
                 objectName: "testFolder"
                 text: L10n.text("Folder testowy")
-                textFormat: Text.PlainText
                 font: Tokens.type.caption
                 color: Tokens.color.warning
             }

@@ -38,13 +38,13 @@ Rectangle {
             width: flick.width
             spacing: 18
 
-            Text {
+            TextBlock {
                 id: heading
                 Layout.fillWidth: true
                 text: L10n.text("Twój iPod")
-                textFormat: Text.PlainText
                 font: Tokens.type.of(25, Font.Bold)
                 color: Tokens.color.text
+                Accessible.role: Accessible.Heading
             }
             RowLayout {
                 id: state
@@ -56,10 +56,9 @@ Rectangle {
                     radius: 3.5
                     color: root.shell.connected ? Tokens.color.good : Tokens.color.textMuted
                 }
-                Text {
+                TextLine {
                     objectName: "connectionText"
                     text: L10n.text(root.shell.connected ? "Połączony" : "Czeka na połączenie")
-                    textFormat: Text.PlainText
                     font: Tokens.type.caption
                     color: Tokens.color.textMuted
                 }
@@ -85,16 +84,12 @@ Rectangle {
                 names: root.shell.offeredDevices
                 onChosen: place => root.shell.selectOffered(place)
             }
-            Text {
+            TextBlock {
                 id: hint
                 objectName: "connectHint"
                 Layout.fillWidth: true
                 visible: !root.shell.connected && !offered.visible
                 text: L10n.text("Podłącz iPoda przez USB. Rockbox powinien być widoczny jako dysk na Macu.")
-                textFormat: Text.PlainText
-                font: Tokens.type.subheadline
-                color: Tokens.color.textMuted
-                wrapMode: Text.Wrap
                 lineHeight: 1.2
             }
         }

@@ -14,12 +14,12 @@ ColumnLayout {
 
     spacing: Tokens.space.tight
 
-    Text {
+    TextBlock {
         Layout.fillWidth: true
         text: L10n.text("Znalezione urządzenia")
-        textFormat: Text.PlainText
         font: Tokens.type.of(13, Font.DemiBold)
         color: Tokens.color.text
+        Accessible.role: Accessible.Heading
     }
     Repeater {
         model: root.names

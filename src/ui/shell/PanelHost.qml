@@ -79,6 +79,7 @@ Item {
             choice.close();
         }
 
+        title: L10n.text(root.panels.prompt)
         onAboutToShow: choice.chosen = choice.none
         onOpened: folderButton.forceActiveFocus(Qt.PopupFocusReason)
         // The dialog comes once the sheet has given the focus back: it would else lose its own to the window.
@@ -87,19 +88,17 @@ Item {
         contentItem: ColumnLayout {
             spacing: Tokens.space.regular
 
-            Text {
+            TextBlock {
                 Layout.preferredWidth: 320
-                text: L10n.text(root.panels.prompt)
-                textFormat: Text.PlainText
+                text: choice.title
                 font: Tokens.type.title2
                 color: Tokens.color.text
+                Accessible.role: Accessible.Heading
             }
-            Text {
+            TextBlock {
                 Layout.preferredWidth: 320
                 text: L10n.text("Co chcesz wskazać?")
-                textFormat: Text.PlainText
                 font: Tokens.type.body
-                color: Tokens.color.textMuted
             }
             Button {
                 id: folderButton

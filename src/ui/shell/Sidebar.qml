@@ -15,9 +15,7 @@ Rectangle {
 
     function open(row: int) {
         if (row >= 0 && row < rows.count) {
-            const target = rows.itemAt(row);
-            target.forceActiveFocus(Qt.TabFocusReason);
-            flick.contentY = Math.max(Math.min(flick.contentY, target.y), target.y + target.height - flick.height);
+            rows.itemAt(row).forceActiveFocus(Qt.TabFocusReason);
             root.sections.open(row);
         }
     }
@@ -77,21 +75,16 @@ Rectangle {
             visible: root.height > brand.implicitHeight + list.implicitHeight + footer.implicitHeight + 22 + 40 + 2 * 30
             spacing: 5
 
-            Text {
+            TextBlock {
                 Layout.fillWidth: true
                 text: L10n.text("Twoja muzyka, na własność.")
-                textFormat: Text.PlainText
                 font: Tokens.type.of(12, Font.Medium)
                 color: Tokens.color.text
-                wrapMode: Text.Wrap
             }
-            Text {
+            TextBlock {
                 Layout.fillWidth: true
                 text: L10n.text("Zaprojektowany dla Rockbox.")
-                textFormat: Text.PlainText
                 font: Tokens.type.caption2
-                color: Tokens.color.textMuted
-                wrapMode: Text.Wrap
             }
         }
     }

@@ -3,7 +3,7 @@ import QtQuick
 import QtQuick.Templates as T
 import Marlune
 
-T.AbstractButton {
+T.TabButton {
     id: root
 
     required property string title
@@ -16,10 +16,10 @@ T.AbstractButton {
     implicitHeight: implicitContentHeight + topPadding + bottomPadding
     horizontalPadding: 13
     verticalPadding: 11
+    checkable: false // the model says which one is open
     text: L10n.text(root.title)
-    focusPolicy: root.current ? Qt.StrongFocus : Qt.ClickFocus
+    focusPolicy: root.current || root.activeFocus ? Qt.StrongFocus : Qt.ClickFocus // what has the focus has to stay a stop
     font: root.current ? Tokens.type.headline : Tokens.type.body
-    Accessible.role: Accessible.PageTab
     Accessible.name: root.text
     Accessible.selected: root.current
     Keys.onReturnPressed: root.clicked()
@@ -42,6 +42,7 @@ T.AbstractButton {
             text: root.text
             font: root.font
             color: root.ink
+            Accessible.ignored: true
         }
     }
     background: Rectangle {

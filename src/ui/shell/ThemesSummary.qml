@@ -24,16 +24,13 @@ ColumnLayout {
             Layout.fillWidth: true
             text: L10n.text("Motywy Rockbox")
             font: Tokens.type.of(13, Font.DemiBold)
+            Accessible.role: Accessible.Heading
         }
     }
-    Text {
+    TextBlock {
         objectName: "themeCount"
         Layout.fillWidth: true
         text: root.count
-        textFormat: Text.PlainText
-        font: Tokens.type.subheadline
-        color: Tokens.color.textMuted
-        wrapMode: Text.Wrap
     }
     Button {
         objectName: "browseThemesButton"

@@ -11,9 +11,23 @@ Rectangle {
 
     signal quit
 
+    function openFirstMenu() {
+        (menus.itemAt(0) as MenuBarItem).triggered();
+    }
+
     implicitHeight: Tokens.height.regular + Tokens.space.tight
     color: Tokens.color.window
 
+    Shortcut {
+        sequence: "F10"
+        onActivated: root.openFirstMenu()
+    }
+    Connections {
+        target: FocusGuide
+        function onMenusWanted() {
+            root.openFirstMenu();
+        }
+    }
     T.MenuBar {
         id: menus
         anchors.left: parent.left

@@ -87,10 +87,9 @@ Item {
                 Accessible.role: Accessible.StatusBar
                 Accessible.name: text
             }
-            Text {
+            TextLine {
                 visible: text !== ""
                 text: root.shell.remaining
-                textFormat: Text.PlainText
                 font: Tokens.type.caption2
                 color: Tokens.color.textMuted
             }

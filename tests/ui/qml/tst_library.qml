@@ -62,12 +62,12 @@ PageTest {
         mouseClick(tile(0), 20, 20);
         compare(root.bench.queuedTracks(), 0); // only the tile's button queues it
         const steps = [[Qt.Key_Right, 1], [Qt.Key_Down, 1 + columns], [Qt.Key_Left, columns], [Qt.Key_Up, 0],
-            [Qt.Key_End, 6], [Qt.Key_Home, 0]];
+            [Qt.Key_End, 6], [Qt.Key_Down, 6], [Qt.Key_Home, 0], [Qt.Key_PageDown, columns], [Qt.Key_PageUp, 0]];
         for (const [key, expected] of steps) {
             keyClick(key);
             compare(grid.currentIndex, expected);
         }
-        verify(tile(0).ringShown);
+        tryVerify(() => tile(0).visualFocus);
         keyClick(Qt.Key_Space);
         compare(root.bench.queuedTracks(), 2);
         keyClick(Qt.Key_Right);
@@ -76,6 +76,17 @@ PageTest {
         compare(tile(1).Accessible.name, "Album B, Wykonawca");
         mouseClick(findChild(tile(1), "queueButton"));
         compare(root.bench.queuedTracks(), 2);
+        for (const [key, modifier] of [[Qt.Key_Menu, Qt.NoModifier], [Qt.Key_F10, Qt.ShiftModifier]]) {
+            keyClick(key, modifier);
+            tryVerify(() => !tile(1).activeFocus); // but the menu
+            keyClick(Qt.Key_Escape);
+            tryVerify(() => tile(1).visualFocus);
+        }
+        root.bench.model.search = "zzz";
+        tryCompare(grid, "count", 0);
+        for (const key of [Qt.Key_Menu, Qt.Key_Down]) {
+            keyClick(key); // nothing is there to act on
+        }
     }
 
     function test_anAlbumIsPlayedByKeyboardAndMouse() {
@@ -108,6 +119,28 @@ PageTest {
         root.bench.addAlbum("Zespół", "Ostatni");
         tryCompare(grid, "count", 10);
         compare(grid.contentY, place);
+    }
+
+    function test_whatHasTheFocusIsInSightAndThePageShown() {
+        open(3);
+        DesktopScheme.textScale = 1.5;
+        root.page.height = 300;
+        part("addMusicButton").forceActiveFocus(Qt.TabFocusReason);
+        const first = root.page.Window.activeFocusItem;
+        let stops = 0;
+        do {
+            const item = root.page.Window.activeFocusItem;
+            const top = () => item.mapToItem(root.page, 0, 0).y;
+            tryVerify(() => top() >= 3 && top() + Math.min(item.height, 280) <= 297, 1000, String(item));
+            keyClick(Qt.Key_Tab);
+        } while (root.page.Window.activeFocusItem !== first && ++stops < 20);
+        verify(stops > 5 && stops < 20);
+        keyClick(Qt.Key_F, Qt.ControlModifier);
+        verify(part("searchField").activeFocus);
+        first.forceActiveFocus();
+        root.page.visible = false;
+        keyClick(Qt.Key_F, Qt.ControlModifier);
+        verify(!part("searchField").activeFocus);
     }
 
     function test_filesCanBeDroppedAnywhere() {

@@ -16,6 +16,12 @@ PageTest {
         }
     }
     Component {
+        id: topBarComponent
+        TopBar {
+            width: root.width
+        }
+    }
+    Component {
         id: barComponent
         TransferBar {}
     }
@@ -49,6 +55,30 @@ PageTest {
         compare(root.bench.model.section, "Poradnik");
         verify(root.bench.shell.inspectorShown);
         compare(rows[6].Accessible.name, "Poradnik");
+    }
+
+    function test_altAndF10OpenTheMenus() {
+        const bar = make(topBarComponent, { model: root.bench.model, shell: root.bench.shell });
+        const refresh = findChild(bar, "refreshButton");
+        const title = below(bar).find(item => item instanceof MenuBarItem);
+        const underlined = () => below(title).some(item => String(item.text).includes("<u>P</u>"));
+        for (const keys of [["F10"], ["Alt"], ["Alt", "P"]]) {
+            refresh.forceActiveFocus(Qt.TabFocusReason);
+            verify(!underlined());
+            if (keys[0] === "F10") {
+                keyClick(Qt.Key_F10);
+            } else {
+                keyPress(Qt.Key_Alt, Qt.AltModifier);
+                verify(underlined());
+                if (keys.length > 1) {
+                    keyClick(Qt.Key_P, Qt.AltModifier);
+                }
+                keyRelease(Qt.Key_Alt);
+            }
+            tryVerify(() => title.menu.opened, 1000, String(keys));
+            keyClick(Qt.Key_Escape);
+            tryVerify(() => !title.menu.visible && refresh.visualFocus, 1000, String(keys));
+        }
     }
 
     function test_onlyADiskIsOfferedToBeEjected() {

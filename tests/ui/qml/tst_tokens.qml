@@ -61,11 +61,4 @@ TestCase {
     function test_contrastOfBlackOnWhiteIs21() {
         fuzzyCompare(contrast(Qt.color("black"), Qt.color("white")), 21, 0.01);
     }
-
-    function test_motionFollowsTheDesktop() {
-        verify(Tokens.motion.appear > 0);
-        DesktopScheme.reducedMotion = true;
-        compare(Tokens.motion.appear + Tokens.motion.state, 0);
-        DesktopScheme.reducedMotion = false;
-    }
 }

@@ -1,0 +1,138 @@
+// What a screen reader is given: the real window's tree and events, read from the accessibility bus.
+#include "NewUser.h"
+#include "ScreenReader.h"
+
+#include <QGuiApplication>
+
+namespace {
+
+ScreenReader *reader = nullptr;
+
+/// "role: name" of what is shown in these trees; a selected or checked one with a star.
+QStringList shownIn(const std::vector<AccessibleNode> &nodes)
+{
+    QStringList result;
+    for (const AccessibleNode &node : nodes) {
+        if (node.is(AccessibleNode::Showing)) {
+            const bool chosen = node.is(AccessibleNode::Selected) || node.is(AccessibleNode::Checked);
+            result.append(node.role + QStringLiteral(": ") + node.name + (chosen ? QStringLiteral("*") : QString()));
+        }
+        result += shownIn(node.children);
+    }
+    return result;
+}
+
+/// Those of `wanted` that are not among what is shown now, and what is shown without a role or a name.
+QStringList amissNow(const QStringList &wanted)
+{
+    const QStringList shown = shownIn(reader->windows());
+    QStringList result;
+    for (const QString &one : wanted) {
+        if (!shown.contains(one)) {
+            result.append(QStringLiteral("no ") + one);
+        }
+    }
+    for (const QString &one : shown) {
+        if (one.startsWith(u"filler") || (one.endsWith(u": ") && one != u"scroll bar: " && one != u"menu bar: ")) {
+            result.append(QStringLiteral("bare ") + one);
+        }
+    }
+    return result;
+}
+
+/// The same, once it has had the time to be as wanted.
+QStringList amiss(const QStringList &wanted)
+{
+    QStringList result;
+    (void)QTest::qWaitFor(
+        [&] {
+            result = amissNow(wanted);
+            return result.isEmpty();
+        },
+        10'000);
+    return result;
+}
+
+/// Whether the latest object that got the focus is this one, by "role: name", or soon will be.
+bool reported(const char *what)
+{
+    return QTest::qWaitFor([what] {
+        const QStringList focused = reader->takeFocused();
+        return !focused.isEmpty() && focused.back() == QString::fromUtf8(what);
+    });
+}
+
+} // namespace
+
+class AccessibilityTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        MarluneApp::prepareApplication();
+        QTRY_VERIFY_WITH_TIMEOUT(reader->connect(), 30'000);
+    }
+
+    void tellsWhatEachThingOnItsPagesIs()
+    {
+        NewUser user;
+        user.begin(sample / "Music/Low Tide Almanac");
+        const QStringList library = {QStringLiteral("page tab list: Działy"), QStringLiteral("page tab: Muzyka*"),
+            QStringLiteral("page tab: Motywy"), QStringLiteral("heading: Twoja muzyka"),
+            QStringLiteral("label: Albumy: 1 · Utwory: 8"), QStringLiteral("panel: Źródło"),
+            QStringLiteral("radio button: Na Macu*"), QStringLiteral("radio button: FLAC"),
+            QStringLiteral("check box: Hi-Res"), QStringLiteral("combo box: Sortuj"), QStringLiteral("list: Albumy"),
+            QStringLiteral("list item: Soundings, Low Tide Almanac*"), QStringLiteral("label: 8 utworów · 1,6 MB"),
+            QStringLiteral("heading: Twój iPod"), QStringLiteral("label: Połączony"), QStringLiteral("label: IPOD")};
+        QCOMPARE(amiss(library), QStringList());
+        user.program.model().setSection(Section::Quality);
+        const QStringList quality = {QStringLiteral("page tab: Porządek*"),
+            QStringLiteral("heading: Porządek w kolekcji"), QStringLiteral("label: Okładki: 1"),
+            QStringLiteral("radio button: Wszystko*"), QStringLiteral("list: Problemy"),
+            QStringLiteral("list item: Soundings. Duża okładka — przygotuj wersję 500 × 500 dla iPoda.")};
+        QCOMPARE(amiss(quality), QStringList());
+    }
+
+    void tellsOfAPickersChoicesAndOfAMessage()
+    {
+        NewUser user;
+        user.begin(sample / "Music/Low Tide Almanac");
+        user.clickNamed("sortPicker");
+        QCOMPARE(amiss({QStringLiteral("list: Sortuj"), QStringLiteral("list item: Rozmiar")}), QStringList());
+        QTest::keyClick(user.program.window(), Qt::Key_Escape);
+        user.clickNamed("transferButton");
+        QTRY_VERIFY_WITH_TIMEOUT(user.item("alertOk"), 30'000);
+        QCOMPARE(amiss({QStringLiteral("dialog: Marlune"),
+                     QStringLiteral("alert message: Marlune. ") + *user.program.model().alert()}),
+            QStringList());
+        QVERIFY(reported("push button: OK"));
+        user.clickNamed("alertOk");
+        QTRY_VERIFY(!user.item("alertOk"));
+    }
+
+    void tellsWhereTheArrowsLead()
+    {
+        NewUser user;
+        user.begin(sample / "Music/Mira Vossler");
+        QTRY_VERIFY(user.count() > 1 && user.tile("Paper Moons"));
+        QTest::mouseClick(user.program.window(), Qt::LeftButton, Qt::NoModifier,
+            user.tile("Paper Moons")->mapToScene({20, 20}).toPoint());
+        QVERIFY(reported("list item: Paper Moons, Mira Vossler"));
+        QTest::keyClick(user.program.window(), Qt::Key_Home);
+        QVERIFY(reported("list item: Glass Gardens, Mira Vossler"));
+        user.click(user.item("formatPicker"));
+        QTest::keyClick(user.program.window(), Qt::Key_Left);
+        QVERIFY(reported("radio button: FLAC"));
+    }
+};
+
+int main(int argc, char **argv)
+{
+    ScreenReader made;
+    reader = &made;
+    const QGuiApplication application(argc, argv);
+    AccessibilityTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+#include "AccessibilityTest.moc"

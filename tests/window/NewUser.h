@@ -1,0 +1,114 @@
+// The window of a new user with a copy of the sample iPod, moved by mouse and keyboard only.
+#pragma once
+
+#include "support/CannedServer.h"
+#include "support/ModelDesk.h"
+
+#include "ui/MarluneApp.h"
+
+#include <QQuickItem>
+#include <QQuickWindow>
+
+inline const std::filesystem::path sample = MARLUNE_SAMPLE;
+
+/// The visible item of this name, wherever it hangs, popups included; null if there is none.
+inline QQuickItem *findItem(QQuickItem *root, const QString &name)
+{
+    if (!root->isVisible() || root->objectName() == name) {
+        return root->isVisible() ? root : nullptr;
+    }
+    QQuickItem *found = nullptr;
+    for (QQuickItem *child : root->childItems()) {
+        found = found ? found : findItem(child, name);
+    }
+    return found;
+}
+
+struct NewUser {
+    TemporaryFolder folder;
+    KeptPanels panels;
+    CoverSearch covers;
+    std::filesystem::path device = folder / "IPOD";
+    MarluneApp::Program program;
+
+    explicit NewUser(const CoverServices &services = {})
+        : covers(services)
+        , program(setup())
+    {
+        std::filesystem::copy(sample / "iPod", device, std::filesystem::copy_options::recursive);
+        program.window()->setGeometry(0, 0, 1260, 820); // a screen without hardware can be smaller
+    }
+
+    [[nodiscard]] MarluneApp::Setup setup()
+    {
+        return {.settingsFile = folder / "config/settings.json",
+            .supportFolder = folder / "data",
+            .deviceDiscovery = [] { return std::vector<Device> {}; },
+            .ejectVolume = [](const std::filesystem::path &) {},
+            .themeSite = {},
+            .covers = &covers,
+            .audioOutput = "null",
+            .panels = &panels};
+    }
+
+    [[nodiscard]] QQuickItem *item(const char *name, QQuickItem *below = nullptr) const
+    {
+        return findItem(below ? below : program.window()->contentItem(), QString::fromLatin1(name));
+    }
+    [[nodiscard]] int count() const { return item("albumGrid") ? item("albumGrid")->property("count").toInt() : 0; }
+    [[nodiscard]] QQuickItem *tile(const char *title) const
+    {
+        for (int i = 0; i < count(); ++i) {
+            QQuickItem *tile = nullptr; // stays so for a row that is scrolled out of sight
+            QMetaObject::invokeMethod(
+                item("albumGrid"), "itemAtIndex", Q_RETURN_ARG(QQuickItem *, tile), Q_ARG(int, i));
+            if (tile && tile->property("albumTitle").toString() == QString::fromUtf8(title)) {
+                return tile;
+            }
+        }
+        return nullptr;
+    }
+
+    void click(QQuickItem *target) const
+    {
+        QVERIFY(target);
+        const QPointF centre = target->mapToScene({target->width() / 2, target->height() / 2});
+        QVERIFY(program.window()->contentItem()->contains(centre));
+        QTest::mouseClick(program.window(), Qt::LeftButton, Qt::NoModifier, centre.toPoint());
+    }
+
+    void clickNamed(const char *name) const
+    {
+        QTRY_VERIFY2(item(name) && item(name)->isEnabled(), name);
+        click(item(name));
+    }
+
+    void searchFor(const char *text) const
+    {
+        click(item("searchField"));
+        QTest::keyClick(program.window(), Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClick(program.window(), Qt::Key_Delete);
+        for (const QChar c : QString::fromUtf8(text)) {
+            QTest::sendKeyEvent(QTest::Click, program.window(), Qt::Key(c.toUpper().unicode()), c, Qt::NoModifier);
+        }
+    }
+
+    /// Chooses the device and adds this music.
+    void begin(const std::filesystem::path &music)
+    {
+        QVERIFY(QTest::qWaitForWindowExposed(program.window()));
+        clickNamed("chooseDeviceButton");
+        panels.answer({device});
+        QTRY_COMPARE(shownText("deviceName"), std::string("IPOD"));
+        QVERIFY(!item("transferButton")->isEnabled());
+        clickNamed("addMusicButton");
+        panels.answer({music});
+        QTRY_VERIFY_WITH_TIMEOUT(!program.model().busy(), 30'000);
+    }
+
+    [[nodiscard]] std::string shownText(const char *name) const
+    {
+        const QQuickItem *found = item(name);
+        return found ? found->property("text").toString().toStdString() : std::string();
+    }
+};
