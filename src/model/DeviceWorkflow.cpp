@@ -26,14 +26,12 @@ std::vector<Device> discoverDevices()
 
 void MarluneModel::refresh()
 {
-    if (m_refreshing) {
+    if (!m_finder.begin()) {
         return;
     }
-    m_refreshing = true;
-    m_leftMeanwhile.clear();
     runRefresh();
-    QTimer::singleShot(m_environment.discoveryPatience, this, [this, discovery = ++m_discoveries] {
-        if (m_refreshing && m_discoveries == discovery) {
+    QTimer::singleShot(m_environment.discoveryPatience, this, [this, discovery = m_finder.latest()] {
+        if (m_finder.isRunning(discovery)) {
             m_work.setStatus(
                 QStringLiteral("Urządzenie nie odpowiada. Możesz nadal korzystać z biblioteki i poradnika."));
         }
@@ -44,7 +42,6 @@ void MarluneModel::refresh()
 QCoro::Task<> MarluneModel::runRefresh()
 {
     const QPointer<MarluneModel> self(this);
-    const int choices = m_choices;
     std::vector<Device> found;
     try {
         auto discover = [discovery = m_environment.deviceDiscovery] { return discovery(); };
@@ -53,45 +50,35 @@ QCoro::Task<> MarluneModel::runRefresh()
         found.clear(); // no device could be read: the list is empty
     }
     if (self) {
-        landDevices(std::move(found), m_choices != choices);
+        landDevices(std::move(found));
     }
 }
 
 /// For changes that this model knows of: a discovery under way may have looked too early, so one more follows it.
 void MarluneModel::rediscover()
 {
-    m_refreshAgain = m_refreshing;
+    m_finder.repeatAfterwards();
     refresh();
 }
 
-void MarluneModel::landDevices(std::vector<Device> found, bool chosenMeanwhile)
+void MarluneModel::landDevices(std::vector<Device> found)
 {
-    m_refreshing = false;
-    std::erase_if(found, [this](const Device &device) {
-        return std::find(m_leftMeanwhile.begin(), m_leftMeanwhile.end(), device.root) != m_leftMeanwhile.end();
-    });
-    const bool changed = m_devices != found;
-    m_devices = std::move(found);
-    if (m_device && m_device->isVolume) {
-        const auto same = std::find_if(
-            m_devices.begin(), m_devices.end(), [this](const Device &device) { return device.root == m_device->root; });
-        if (same != m_devices.end()) {
-            setDevice(*same);
-        } else if (chosenMeanwhile) {
-            m_refreshAgain = true; // what became of the chosen disk the next discovery sees
-        } else if (!m_ejecting) {
-            disconnect();
-        }
+    using Selection = DeviceFinder::Outcome::Selection;
+    const DeviceFinder::Outcome outcome = m_finder.finish(std::move(found), m_device, m_ejecting.has_value());
+    if (outcome.selection == Selection::Update) {
+        setDevice(outcome.update);
+    } else if (outcome.selection == Selection::Lost) {
+        disconnect();
     }
-    if (!m_device && m_devices.size() == 1) {
+    if (!m_device && outcome.sole) {
         forgetThemePreviews(); // those of the device before
-        setDevice(m_devices.front());
+        setDevice(outcome.sole);
     }
     loadDeviceContent();
-    if (changed) {
+    if (outcome.listChanged) {
         Q_EMIT devicesChanged();
     }
-    if (std::exchange(m_refreshAgain, false)) {
+    if (outcome.again) {
         refresh();
     }
 }
@@ -137,7 +124,7 @@ void MarluneModel::clearDeviceMusic()
 {
     setTransferred({});
     if (libraryOnDevice()) {
-        forgetDuplicates();
+        m_duplicates.forget();
     }
     m_browsing.clearDevice();
     tracksWereChanged();
@@ -156,7 +143,7 @@ void MarluneModel::disconnect()
 
 void MarluneModel::select(const Device &device)
 {
-    ++m_choices;
+    m_finder.onChoice();
     if (!m_device || m_device->root != device.root) {
         clearDeviceMusic();
         forgetThemePreviews();
@@ -182,10 +169,10 @@ void MarluneModel::chooseDevice()
 QCoro::Task<> MarluneModel::runChoice(std::filesystem::path folder)
 {
     const QPointer<MarluneModel> self(this);
-    const int choice = ++m_choices;
+    const int choice = m_finder.onChoice();
     auto inspect = [folder = Files::standardised(folder)] { return Device::inspect(folder); };
     const auto device = co_await attempt(inspect, JobPriority::Discovery);
-    if (!self || m_choices != choice) { // a later choice was answered sooner
+    if (!self || !m_finder.isLatestChoice(choice)) { // a later choice was answered sooner
         co_return;
     }
     if (device.failure) {
@@ -237,7 +224,7 @@ QCoro::Task<> MarluneModel::runEject(Device device)
         m_playback.stop();
         clearDeviceMusic();
         m_work.setStatus(QStringLiteral("Możesz odłączyć iPoda"));
-        m_leftMeanwhile.push_back(device.root);
+        m_finder.onDiskLeft(device.root);
     }
     rediscover();
 }
@@ -249,7 +236,7 @@ void MarluneModel::volumeMounted()
 
 void MarluneModel::volumeUnmounted(const std::filesystem::path &mountPoint)
 {
-    m_leftMeanwhile.push_back(mountPoint);
+    m_finder.onDiskLeft(mountPoint);
     if (m_ejecting && *m_ejecting == mountPoint) {
         m_unmountedWhileEjecting = true; // our own doing: the eject tells how it ended
     } else if (m_device && m_device->root == mountPoint) {

@@ -139,7 +139,7 @@ void MarluneModel::landImport(std::vector<Track> read, bool fromDevice, bool enq
         storeLibraryPaths();
         setLibraryOnDevice(false);
     }
-    forgetDuplicates();
+    m_duplicates.forget();
     if (count > 0) {
         tracksWereChanged();
         Q_EMIT selectionChanged();
@@ -156,7 +156,7 @@ void MarluneModel::scanDeviceMusic()
     }
     m_browsing.clearDevice();
     setLibraryOnDevice(true);
-    forgetDuplicates();
+    m_duplicates.forget();
     tracksWereChanged();
     Q_EMIT selectionChanged();
     beginImport([root = m_device->root] { return deviceMusicFolders(root); }, true, false);
@@ -182,7 +182,7 @@ void MarluneModel::forget(const Album &album)
         ids.insert(track.id);
     }
     m_browsing.remove(ids);
-    forgetDuplicates();
+    m_duplicates.forget();
     storeLibraryPaths();
     tracksWereChanged();
     Q_EMIT selectionChanged();

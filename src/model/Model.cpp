@@ -26,8 +26,9 @@ MarluneModel::MarluneModel(ModelEnvironment environment, QObject *parent)
                  .statusChanged = [this] { Q_EMIT statusChanged(); },
                  .alertChanged = [this] { Q_EMIT alertChanged(); }},
           m_environment.clock)
+    , m_duplicates({.issuesChanged = [this] { Q_EMIT duplicateIssuesChanged(); },
+          .statusChanged = [this] { Q_EMIT duplicateStatusChanged(); }})
 {
-    forgetDuplicates();
     Settings &settings = m_environment.settings;
     m_viewMode = settings.text(QStringLiteral("viewMode")).value_or(viewModeText(ViewMode::Albums));
     if (const std::optional<QString> sortMode = settings.text(QStringLiteral("sortMode"))) {
@@ -58,7 +59,7 @@ MarluneModel::~MarluneModel()
 {
     m_environment.settings.onWriteFailure({});
     m_contentReading.request_stop();
-    m_duplicateCheck.request_stop();
+    m_duplicates.stop();
     (void)BackgroundJobs::drain(drainPatience);
 }
 

@@ -13,10 +13,10 @@
 
 #include "model/Browsing.h"
 #include "model/DeviceContent.h"
+#include "model/DeviceFinder.h"
+#include "model/DuplicateCheck.h"
 #include "model/RunningWork.h"
 #include "model/Section.h"
-
-#include "quality/QualityIssue.h"
 
 #include "themes/Catalogue.h"
 
@@ -94,7 +94,7 @@ public:
     void setSection(Section section);
 
     // Devices.
-    [[nodiscard]] const std::vector<Device> &devices() const { return m_devices; }
+    [[nodiscard]] const std::vector<Device> &devices() const { return m_finder.devices(); }
     [[nodiscard]] const std::optional<Device> &device() const { return m_device; }
     /// Files copied to the selected device since it was selected, by path.
     [[nodiscard]] const std::vector<std::filesystem::path> &transferred() const { return m_transferred; }
@@ -150,10 +150,10 @@ public:
 
     // Collection quality.
     /// Files of the active tracks that are identical, as the last check found them.
-    [[nodiscard]] const std::vector<QualityIssue> &duplicateIssues() const { return m_duplicateIssues; }
-    [[nodiscard]] QString duplicateStatus() const { return m_duplicateStatus; }
+    [[nodiscard]] const std::vector<QualityIssue> &duplicateIssues() const { return m_duplicates.issues(); }
+    [[nodiscard]] QString duplicateStatus() const { return m_duplicates.status(); }
     /// Whether those are all that there are: a check of the active tracks came to its end.
-    [[nodiscard]] bool duplicatesChecked() const { return m_duplicatesChecked; }
+    [[nodiscard]] bool duplicatesChecked() const { return m_duplicates.isComplete(); }
     /// Compares the active tracks' files by their content, which takes minutes on a device. What a check finds about
     /// tracks that are not shown any more by then is dropped.
     Q_INVOKABLE void checkDuplicates();
@@ -239,7 +239,7 @@ public:
     // Progress and messages.
     [[nodiscard]] bool busy() const { return m_work.busy(); }
     /// Whether something is under way that the end of the program would cut off; a check for duplicates only reads.
-    [[nodiscard]] bool working() const { return (busy() && !m_checkingDuplicates) || m_writingPlaylist; }
+    [[nodiscard]] bool working() const { return (busy() && !m_duplicates.isRunning()) || m_writingPlaylist; }
     /// Ends the work that waits for the network; what is being written goes on to its end. For a window that closes.
     void endCoverRequests() { m_coverRequest.reset(); }
     /// Of the running job's present stage, 0 to 1; 0 where it cannot be said.
@@ -329,8 +329,6 @@ private:
     void forgetThemePreviews();
     void abandonDeviceContent();
     void setChoice(const QString &prefix, const QString &id);
-    void setDuplicates(const QString &status, std::optional<std::vector<QualityIssue>> found = {});
-    void forgetDuplicates();
     void tracksWereChanged();
     void setArtwork(const QSet<QUuid> &ids, const QByteArray &image, bool onDevice);
     void storeLibraryPaths();
@@ -352,7 +350,7 @@ private:
     void beginImport(ImportSource source, bool fromDevice, bool enqueue);
     QCoro::Task<> runImport(ImportSource source, bool fromDevice, bool enqueue);
     QCoro::Task<> runCleanup(Device device);
-    QCoro::Task<> runDuplicateCheck(std::vector<Track> tracks);
+    QCoro::Task<> runDuplicateCheck(std::vector<Track> tracks, std::stop_token stop);
     QCoro::Task<> runTransfer(std::shared_ptr<const PlannedTransfer> transfer);
     QCoro::Task<> runPlaylist(std::filesystem::path root);
     QCoro::Task<> runBackup(std::filesystem::path root, std::filesystem::path destination);
@@ -377,8 +375,7 @@ private:
         return a.native() < b.native();
     }
     void noteTransferred(int visit, std::vector<std::filesystem::path> files);
-    /// `chosenMeanwhile`: the user has chosen a device since this discovery began, which may not have seen it.
-    void landDevices(std::vector<Device> found, bool chosenMeanwhile);
+    void landDevices(std::vector<Device> found);
     void landContent(DeviceContent read);
     void landPreviews(const ThemePreviews &found);
     void rediscover();
@@ -388,16 +385,12 @@ private:
 
     ModelEnvironment m_environment;
     RunningWork m_work;
+    DuplicateCheck m_duplicates;
     Playback m_playback {m_environment.audioOutput};
     Section m_section = Section::Music;
-    std::vector<Device> m_devices;
+    DeviceFinder m_finder;
     std::optional<Device> m_device;
     Browsing m_browsing;
-    std::vector<QualityIssue> m_duplicateIssues;
-    QString m_duplicateStatus;
-    std::stop_source m_duplicateCheck; ///< ends the present check early; its results are of no use then
-    bool m_checkingDuplicates = false;
-    bool m_duplicatesChecked = false;
     std::vector<std::filesystem::path> m_backups;
     std::vector<std::filesystem::path> m_transferred;
     DeviceContent m_content;
@@ -413,12 +406,7 @@ private:
     std::unique_ptr<QObject> m_coverRequest; ///< owns the exchange about covers; its end ends that
     QString m_viewMode;
     double m_tileSize = 0;
-    int m_choices = 0; ///< of a device, so far
     int m_visit = 0; ///< counts selected devices: another one may come to the same place
-    bool m_refreshing = false;
-    int m_discoveries = 0; ///< begun so far
-    bool m_refreshAgain = false; ///< a disk came or went while a discovery was under way
-    std::vector<std::filesystem::path> m_leftMeanwhile; ///< disks that went since that discovery began
     std::optional<std::filesystem::path> m_ejecting; ///< root of the volume that is on its way out
     bool m_unmountedWhileEjecting = false;
 };
