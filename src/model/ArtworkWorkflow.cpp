@@ -65,7 +65,7 @@ std::vector<Album> repairableAlbums(
 {
     QSet<QUuid> flawed;
     for (const QualityIssue &issue : CollectionQuality::inspect(tracks, deviceRoot)) {
-        if (issue.kind == QualityKind::covers) {
+        if (issue.kind == QualityKind::Covers) {
             for (const Track &track : issue.tracks) {
                 flawed.insert(track.id);
             }

@@ -3,8 +3,8 @@
 #include "artwork/Artwork.h"
 #include "library/AlbumGrouping.h"
 
-#include "platform/Files.h"
 #include "platform/CaselessFolder.h"
+#include "platform/Files.h"
 
 #include <QHash>
 #include <QStringList>
@@ -120,7 +120,7 @@ std::vector<QualityIssue> inspect(const std::vector<Track> &tracks,
         }
         const AlbumTracks albumTracks = tracksOf(album, tracks);
         if (const auto finding = coverFinding(albumTracks, deviceRoot.has_value(), images)) {
-            QualityIssue &issue = issues.emplace_back(QualityIssue {QualityKind::covers, album.title, *finding, {}});
+            QualityIssue &issue = issues.emplace_back(QualityIssue {QualityKind::Covers, album.title, *finding, {}});
             for (const Track *track : albumTracks) {
                 issue.tracks.push_back(*track);
             }
@@ -132,9 +132,9 @@ std::vector<QualityIssue> inspect(const std::vector<Track> &tracks,
         }
         if (!Files::exists(track.url)) {
             const QString gone = QStringLiteral("Plik nie jest już dostępny w zapisanej lokalizacji.");
-            issues.push_back({QualityKind::files, track.title, gone, {track}});
+            issues.push_back({QualityKind::Files, track.title, gone, {track}});
         } else if (const auto finding = tagFinding(track.info.tags)) {
-            issues.push_back({QualityKind::tags, track.title, *finding, {track}});
+            issues.push_back({QualityKind::Tags, track.title, *finding, {track}});
         }
     }
     sortIssues(issues);

@@ -88,7 +88,7 @@ QualityIssue issueOf(const Group &identical)
 {
     const Track &first = *identical.front();
     const auto copies = std::int64_t(identical.size()) - 1;
-    QualityIssue issue {.kind = QualityKind::duplicates,
+    QualityIssue issue {.kind = QualityKind::Duplicates,
         .title = QString::number(identical.size()) + QStringLiteral(" identyczne pliki · ") + first.title,
         .detail = QStringLiteral("Zgodne bajt w bajt (SHA-256). Zajętość dodatkowych kopii: ")
             + byteCount(presentSize(first) * copies) + u'.',

@@ -6,6 +6,21 @@
 #include <algorithm>
 #include <string_view>
 
+QString qualityKindText(QualityKind kind)
+{
+    switch (kind) {
+    case QualityKind::Covers:
+        return QStringLiteral("Okładki");
+    case QualityKind::Tags:
+        return QStringLiteral("Tagi");
+    case QualityKind::Files:
+        return QStringLiteral("Pliki");
+    case QualityKind::Duplicates:
+        return QStringLiteral("Duplikaty");
+    }
+    Q_UNREACHABLE();
+}
+
 QString QualityIssue::id() const
 {
     std::vector<std::string_view> paths;
@@ -14,7 +29,7 @@ QString QualityIssue::id() const
         paths.push_back(track.url.native());
     }
     std::sort(paths.begin(), paths.end());
-    QString id = kind;
+    QString id = qualityKindText(kind);
     for (const std::string_view path : paths) {
         id += QChar(u'\0') + Files::text(path);
     }
@@ -23,6 +38,6 @@ QString QualityIssue::id() const
 
 void sortIssues(std::vector<QualityIssue> &issues)
 {
-    TextOrder::stableSort(
-        issues, [](const QualityIssue &issue) { return QString(issue.kind + issue.title + issue.id()); });
+    TextOrder::stableSort(issues,
+        [](const QualityIssue &issue) { return QString(qualityKindText(issue.kind) + issue.title + issue.id()); });
 }

@@ -3,27 +3,26 @@
 
 #include "library/Track.h"
 
+#include <array>
+#include <cstdint>
 #include <vector>
 
-/// The groups of findings; each stands for itself in records and on the page.
-namespace QualityKind {
-
-inline const QString covers = QStringLiteral("Okładki");
-inline const QString tags = QStringLiteral("Tagi");
-inline const QString files = QStringLiteral("Pliki");
-inline const QString duplicates = QStringLiteral("Duplikaty");
-
-} // namespace QualityKind
+/// The groups of findings.
+enum class QualityKind : std::uint8_t { Covers, Tags, Files, Duplicates };
+inline constexpr std::array allQualityKinds {
+    QualityKind::Covers, QualityKind::Tags, QualityKind::Files, QualityKind::Duplicates};
+/// The text that stands for the group in records and on the page.
+[[nodiscard]] QString qualityKindText(QualityKind kind);
 
 struct QualityIssue {
-    QString kind; ///< one of QualityKind
+    QualityKind kind = QualityKind::Covers;
     QString title; ///< the album or track that it is about
     QString detail; ///< the finding, for the user
     std::vector<Track> tracks; ///< those concerned
 
     bool operator==(const QualityIssue &) const = default;
 
-    /// Identity in lists: the kind and the sorted paths of the tracks, joined by NUL.
+    /// Identity in lists: the kind's text and the sorted paths of the tracks, joined by NUL.
     [[nodiscard]] QString id() const;
 };
 

@@ -36,19 +36,13 @@ AlbumListModel::AlbumListModel(MarluneModel &model, std::shared_ptr<CoverStore> 
     , m_model(model)
     , m_covers(std::move(covers))
 {
-    for (QTimer *timer : {&m_listChange, &m_selectionChange}) {
-        timer->setSingleShot(true);
-        timer->setInterval(0);
-    }
-    connect(&m_listChange, &QTimer::timeout, this, &AlbumListModel::refreshIfDue);
-    connect(&m_selectionChange, &QTimer::timeout, this, &AlbumListModel::refreshSelection);
     connect(&m_model, &MarluneModel::browsingChanged, this, [this] {
         m_isOutdated = true;
         m_listChange.start();
     });
     connect(&m_model, &MarluneModel::sectionChanged, this, &AlbumListModel::refreshIfDue);
-    connect(&m_model, &MarluneModel::busyChanged, &m_listChange, qOverload<>(&QTimer::start));
-    connect(&m_model, &MarluneModel::selectionChanged, &m_selectionChange, qOverload<>(&QTimer::start));
+    m_listChange.follow(m_model, &MarluneModel::busyChanged);
+    m_selectionChange.follow(m_model, &MarluneModel::selectionChanged);
     for (const auto signal : {&Playback::currentChanged, &Playback::playingChanged}) {
         connect(&m_model.playback(), signal, this, &AlbumListModel::refreshPlaying);
     }

@@ -11,7 +11,8 @@
 #include "ui/CoverStore.h"
 #include "ui/RowListModel.h"
 
-#include <QTimer>
+#include "platform/BurstTimer.h"
+
 #include <QtQml/qqmlregistration.h>
 
 #include <memory>
@@ -92,6 +93,6 @@ private:
     std::shared_ptr<const AlbumList> m_albums; ///< what m_rows were made of
     std::vector<Row> m_rows;
     bool m_isOutdated = false; ///< the model's albums have changed since
-    QTimer m_listChange;
-    QTimer m_selectionChange;
+    BurstTimer m_listChange {[this] { refreshIfDue(); }};
+    BurstTimer m_selectionChange {[this] { refreshSelection(); }};
 };

@@ -66,9 +66,6 @@ void scrollIntoView(QQuickItem &item)
 FocusGuide::FocusGuide(QObject *parent)
     : QObject(parent)
 {
-    m_settling.setSingleShot(true);
-    m_settling.setInterval(0);
-    connect(&m_settling, &QTimer::timeout, this, &FocusGuide::settle);
     connect(qGuiApp, &QGuiApplication::focusObjectChanged, this, &FocusGuide::onFocusChanged);
     qGuiApp->installEventFilter(this);
 }

@@ -5,12 +5,13 @@
 // window) the ring is shown if it was a key that brought it. UI thread.
 #pragma once
 
+#include "platform/BurstTimer.h"
+
 #include <QList>
 #include <QObject>
 #include <QPointer>
 #include <QQuickItem>
 #include <QQuickWindow>
-#include <QTimer>
 #include <QtQml/qqmlregistration.h>
 
 class FocusGuide : public QObject {
@@ -39,7 +40,7 @@ private:
     void handOn();
     void showLetters(bool shown);
 
-    QTimer m_settling; ///< runs in the turn after a change of the focus
+    BurstTimer m_settling {[this] { settle(); }}; ///< runs in the turn after a change of the focus
     QPointer<QQuickWindow> m_window;
     QPointer<QQuickItem> m_last; ///< the last control that had the focus
     QList<QPointer<QQuickItem>> m_around; ///< what m_last lies in, from the inside out

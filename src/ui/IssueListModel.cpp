@@ -14,7 +14,7 @@ constexpr std::size_t mostPlaces = 4;
 
 QString placesOf(const QualityIssue &issue)
 {
-    if (issue.kind == QualityKind::covers) {
+    if (issue.kind == QualityKind::Covers) {
         return {};
     }
     QStringList places;
@@ -53,11 +53,11 @@ QVariant IssueListModel::data(const QModelIndex &index, int role) const
     }
     switch (role) {
     case KindRole:
-        return shown->kind;
+        return qualityKindText(shown->kind);
     case Qt::DisplayRole:
     case TitleRole:
         // A duplicate's title tells their number too; that of an album or a track is a name, which is not translated.
-        return shown->kind == QualityKind::duplicates ? AppLocalizer::text(shown->title) : shown->title;
+        return shown->kind == QualityKind::Duplicates ? AppLocalizer::text(shown->title) : shown->title;
     case DetailRole:
         return AppLocalizer::text(shown->detail);
     case HasPictureRole:

@@ -39,13 +39,8 @@ MediaControls::MediaControls(Playback &playback, QDBusConnection bus, QObject *p
     new MediaRootAdaptor(this);
     new MediaPlayerAdaptor(this);
     m_bus.registerObject(object, this, QDBusConnection::ExportAdaptors);
-    m_change.setSingleShot(true);
-    m_change.setInterval(0);
-    connect(&m_change, &QTimer::timeout, this, &MediaControls::publish);
-    for (const auto signal : {&Playback::currentChanged, &Playback::playingChanged, &Playback::positionChanged,
-             &Playback::durationChanged, &Playback::volumeChanged}) {
-        connect(&m_playback, signal, &m_change, qOverload<>(&QTimer::start));
-    }
+    m_change.follow(m_playback, &Playback::currentChanged, &Playback::playingChanged, &Playback::positionChanged,
+        &Playback::durationChanged, &Playback::volumeChanged);
     publish();
 }
 

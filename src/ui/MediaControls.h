@@ -6,9 +6,10 @@
 
 #include "playback/Playback.h"
 
+#include "platform/BurstTimer.h"
+
 #include <QDBusConnection>
 #include <QObject>
-#include <QTimer>
 #include <QVariantMap>
 
 class MediaControls : public QObject {
@@ -36,7 +37,7 @@ private:
 
     Playback &m_playback;
     QDBusConnection m_bus;
-    QTimer m_change;
+    BurstTimer m_change {[this] { publish(); }};
     QVariantMap m_told;
     bool m_named = false;
 };

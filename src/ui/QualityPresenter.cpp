@@ -22,18 +22,9 @@ QualityPresenter::QualityPresenter(MarluneModel &model, QObject *parent)
     , m_model(model)
     , m_filter(everything)
 {
-    for (QTimer *timer : {&m_inspection, &m_change}) { // once for a burst of changes
-        timer->setSingleShot(true);
-        timer->setInterval(0);
-    }
-    connect(&m_inspection, &QTimer::timeout, this, &QualityPresenter::inspectIfShown);
-    connect(&m_change, &QTimer::timeout, this, &QualityPresenter::refresh);
     connect(&m_model, &MarluneModel::libraryOnDeviceChanged, this, &QualityPresenter::forget);
-    const auto inspectAfter
-        = [this](auto signal) { connect(&m_model, signal, &m_inspection, qOverload<>(&QTimer::start)); };
-    inspectAfter(&MarluneModel::sectionChanged);
-    inspectAfter(&MarluneModel::libraryOnDeviceChanged);
-    inspectAfter(&MarluneModel::tracksChanged);
+    m_inspection.follow(
+        m_model, &MarluneModel::sectionChanged, &MarluneModel::libraryOnDeviceChanged, &MarluneModel::tracksChanged);
     connect(&m_model, &MarluneModel::artworkChanged, this, [this] {
         if (!m_model.busy()) { // otherwise more may follow, and the job's end is soon enough
             m_inspection.start();
@@ -51,19 +42,16 @@ QualityPresenter::QualityPresenter(MarluneModel &model, QObject *parent)
             m_inspection.start();
         }
     });
-    const auto refreshAfter
-        = [this](auto signal) { connect(&m_model, signal, &m_change, qOverload<>(&QTimer::start)); };
-    refreshAfter(&MarluneModel::tracksChanged);
-    refreshAfter(&MarluneModel::libraryOnDeviceChanged);
-    refreshAfter(&MarluneModel::deviceChanged);
-    refreshAfter(&MarluneModel::busyChanged);
+    m_change.follow(m_model, &MarluneModel::tracksChanged, &MarluneModel::libraryOnDeviceChanged,
+        &MarluneModel::deviceChanged, &MarluneModel::busyChanged, &MarluneModel::duplicateStatusChanged);
     connect(&m_model, &MarluneModel::duplicateIssuesChanged, this, &QualityPresenter::takeDuplicates);
-    refreshAfter(&MarluneModel::duplicateStatusChanged);
 }
 
 QStringList QualityPresenter::kinds() const
 {
-    return {QualityKind::covers, QualityKind::tags, QualityKind::files, QualityKind::duplicates};
+    QStringList kinds;
+    std::transform(allQualityKinds.begin(), allQualityKinds.end(), std::back_inserter(kinds), qualityKindText);
+    return kinds;
 }
 
 QStringList QualityPresenter::filters() const
@@ -74,8 +62,8 @@ QStringList QualityPresenter::filters() const
 QStringList QualityPresenter::counts() const
 {
     QStringList counts;
-    for (const QString &kind : kinds()) {
-        const bool isDuplicates = kind == QualityKind::duplicates;
+    for (const QualityKind kind : allQualityKinds) {
+        const bool isDuplicates = kind == QualityKind::Duplicates;
         const bool isKnown = isDuplicates ? m_model.duplicatesChecked() : m_inspected;
         const auto found = isDuplicates
             ? std::ptrdiff_t(m_model.duplicateIssues().size())
@@ -95,7 +83,7 @@ void QualityPresenter::setFilter(const QString &filter)
 
 bool QualityPresenter::lacksDuplicateCheck() const
 {
-    return m_filter == QualityKind::duplicates && !m_model.duplicatesChecked();
+    return m_filter == qualityKindText(QualityKind::Duplicates) && !m_model.duplicatesChecked();
 }
 
 bool QualityPresenter::clean() const
@@ -117,7 +105,7 @@ QString QualityPresenter::emptyDetail() const
     if (!clean()) {
         return {};
     }
-    if (m_filter == QualityKind::duplicates) {
+    if (m_filter == qualityKindText(QualityKind::Duplicates)) {
         return AppLocalizer::text(m_model.duplicateStatus());
     }
     return m_model.duplicatesChecked()
@@ -186,10 +174,11 @@ void QualityPresenter::refresh()
 {
     IssueListModel::Issues shown;
     if (!withoutMusic()) {
-        const auto isShown = [this](const QString &kind) { return m_filter == everything || m_filter == kind; };
+        const auto isShown
+            = [this](QualityKind kind) { return m_filter == everything || m_filter == qualityKindText(kind); };
         std::copy_if(m_found.begin(), m_found.end(), std::back_inserter(shown),
             [&](const auto &issue) { return isShown(issue->kind); });
-        if (isShown(QualityKind::duplicates)) {
+        if (isShown(QualityKind::Duplicates)) {
             shown.insert(shown.end(), m_duplicates.begin(), m_duplicates.end());
         }
     }

@@ -9,8 +9,9 @@
 
 #include "ui/IssueListModel.h"
 
+#include "platform/BurstTimer.h"
+
 #include <QObject>
-#include <QTimer>
 
 class QualityPresenter : public QObject {
     Q_OBJECT
@@ -73,8 +74,8 @@ private:
 
     MarluneModel &m_model;
     IssueListModel m_issues;
-    QTimer m_inspection;
-    QTimer m_change;
+    BurstTimer m_inspection {[this] { inspectIfShown(); }};
+    BurstTimer m_change {[this] { refresh(); }};
     QString m_filter;
     IssueListModel::Issues m_found; ///< by the last inspection
     IssueListModel::Issues m_duplicates; ///< by the last check for them

@@ -13,17 +13,9 @@ ShellPresenter::ShellPresenter(MarluneModel &model, QObject *parent)
     , m_model(model)
     , m_sections(model)
 {
-    m_change.setSingleShot(true);
-    m_change.setInterval(0);
-    connect(&m_change, &QTimer::timeout, this, &ShellPresenter::refresh);
-    const auto follow = [this](auto signal) { connect(&m_model, signal, &m_change, qOverload<>(&QTimer::start)); };
-    follow(&MarluneModel::devicesChanged);
-    follow(&MarluneModel::deviceChanged);
-    follow(&MarluneModel::themesChanged);
-    follow(&MarluneModel::selectionChanged);
-    follow(&MarluneModel::tracksChanged);
-    follow(&MarluneModel::progressChanged);
-    follow(&MarluneModel::workingChanged);
+    m_change.follow(m_model, &MarluneModel::devicesChanged, &MarluneModel::deviceChanged, &MarluneModel::themesChanged,
+        &MarluneModel::selectionChanged, &MarluneModel::tracksChanged, &MarluneModel::progressChanged,
+        &MarluneModel::workingChanged);
     connect(&m_model, &MarluneModel::sectionChanged, this, &ShellPresenter::sectionChanged);
     connect(&m_model, &MarluneModel::busyChanged, this, &ShellPresenter::onBusyChanged);
     connect(&m_model, &MarluneModel::workingChanged, this, &ShellPresenter::closeWhenDone, Qt::QueuedConnection);

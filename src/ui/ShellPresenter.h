@@ -5,6 +5,8 @@
 
 #include "ui/SectionListModel.h"
 
+#include "platform/BurstTimer.h"
+
 #include <QObject>
 #include <QStringList>
 #include <QTimer>
@@ -97,7 +99,7 @@ private:
 
     MarluneModel &m_model;
     SectionListModel m_sections;
-    QTimer m_change;
+    BurstTimer m_change {[this] { refresh(); }};
     std::size_t m_queuedTracks = 0;
     std::int64_t m_queuedBytes = 0;
     QTimer m_clock; ///< runs while there is work

@@ -48,7 +48,7 @@ std::vector<std::string> texts(const std::vector<QualityIssue> &issues)
 {
     std::vector<std::string> result;
     for (const QualityIssue &issue : issues) {
-        const QString line = issue.kind + QStringLiteral(": ") + issue.title + QStringLiteral(", ")
+        const QString line = qualityKindText(issue.kind) + QStringLiteral(": ") + issue.title + QStringLiteral(", ")
             + QString::number(issue.tracks.size()) + QStringLiteral(": ") + issue.detail;
         result.push_back(line.simplified().toStdString());
     }
