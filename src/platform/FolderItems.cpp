@@ -13,20 +13,24 @@ QString caseless(const std::filesystem::path &name)
 
 } // namespace
 
-FolderItems::FolderItems(std::filesystem::path folder)
-    : m_folder(std::move(folder))
+FolderItems::Names FolderItems::list() const
 {
+    Names names;
     std::error_code failure;
     std::filesystem::directory_iterator entry(m_folder, failure);
     for (; !failure && entry != std::filesystem::directory_iterator(); entry.increment(failure)) {
         std::filesystem::path name = entry->path().filename();
-        m_names[caseless(name)].push_back(std::move(name));
+        names[caseless(name)].push_back(std::move(name));
     }
+    return names;
 }
 
 std::vector<std::filesystem::path> FolderItems::named(const std::filesystem::path &name) const
 {
-    std::vector<std::filesystem::path> items = m_names.value(caseless(name));
+    if (!m_names) {
+        m_names = list();
+    }
+    std::vector<std::filesystem::path> items = m_names->value(caseless(name));
     std::sort(items.begin(), items.end(), [&name](const auto &a, const auto &b) {
         return std::pair(a != name, a.native()) < std::pair(b != name, b.native());
     });
