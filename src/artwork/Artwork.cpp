@@ -1,7 +1,7 @@
 #include "artwork/Artwork.h"
 
-#include "platform/Files.h"
 #include "platform/CaselessFolder.h"
+#include "platform/Files.h"
 #include "platform/Images.h"
 #include "platform/MarluneError.h"
 
@@ -17,9 +17,15 @@ constexpr int coverQuality = 90;
 constexpr std::array sidecarExtensions {".jpeg", ".jpg", ".bmp"};
 constexpr std::array folderCoverNames {"cover.jpeg", "cover.jpg", "cover.bmp", "folder.jpg"};
 
-bool anyExists(const std::vector<std::filesystem::path> &items)
+/// Links are followed. The usual spelling is asked for first: to list the folder takes longer.
+template <typename Names> bool anyExists(const CaselessFolder &items, const Names &names)
 {
-    return std::any_of(items.begin(), items.end(), Files::exists); // a link may lead nowhere
+    const auto isThere = [](const std::filesystem::path &file) { return Files::exists(file); };
+    return std::any_of(names.begin(), names.end(), [&](const auto &name) { return isThere(items.folder() / name); })
+        || std::any_of(names.begin(), names.end(), [&](const auto &name) {
+               const auto spellings = items.named(name);
+               return std::any_of(spellings.begin(), spellings.end(), isThere);
+           });
 }
 
 } // namespace
@@ -66,16 +72,15 @@ bool externalCoverExists(const Track &track)
 
 bool ownCoverExists(const Track &track, const CaselessFolder &items)
 {
-    const std::filesystem::path name = track.url.filename();
-    return std::any_of(sidecarExtensions.begin(), sidecarExtensions.end(), [&](const char *extension) {
-        return anyExists(items.named(std::filesystem::path(name).replace_extension(extension)));
-    });
+    std::array<std::filesystem::path, sidecarExtensions.size()> names;
+    std::transform(sidecarExtensions.begin(), sidecarExtensions.end(), names.begin(),
+        [&track](const char *extension) { return track.url.filename().replace_extension(extension); });
+    return anyExists(items, names);
 }
 
 bool folderCoverExists(const CaselessFolder &items)
 {
-    return std::any_of(folderCoverNames.begin(), folderCoverNames.end(),
-        [&items](const char *name) { return anyExists(items.named(name)); });
+    return anyExists(items, folderCoverNames);
 }
 
 QByteArray baselineJPEG(const QByteArray &data)

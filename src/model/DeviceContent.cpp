@@ -3,6 +3,7 @@
 #include "model/Model.h"
 
 #include "platform/Files.h"
+#include "platform/FolderItems.h"
 
 #include <QPointer>
 
@@ -17,13 +18,12 @@ constexpr std::int64_t mostThemeSettings = 16'000'000;
 std::vector<std::filesystem::path> playlistsBelow(const std::filesystem::path &root)
 {
     std::vector<std::filesystem::path> playlists;
-    std::error_code failure;
-    std::filesystem::directory_iterator entry(root / "Playlists", failure);
-    for (; !failure && entry != std::filesystem::directory_iterator(); entry.increment(failure)) {
-        const QString extension = Files::extension(entry->path()).toLower();
+    for (const Files::FolderItem &item : Files::readableItemsOf(root / "Playlists")) {
+        std::filesystem::path path = root / "Playlists" / item.name;
+        const QString extension = Files::extension(path).toLower();
         const bool listed = extension == QLatin1String("m3u") || extension == QLatin1String("m3u8");
-        if (listed && !Files::isDirectory(entry->path())) {
-            playlists.push_back(entry->path());
+        if (listed && !Files::isDirectory(path)) {
+            playlists.push_back(std::move(path));
         }
     }
     std::sort(playlists.begin(), playlists.end());

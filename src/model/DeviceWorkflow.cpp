@@ -2,6 +2,7 @@
 #include "model/Model.h"
 
 #include "platform/Files.h"
+#include "platform/FolderItems.h"
 #include "platform/MarluneError.h"
 #include "platform/Volumes.h"
 
@@ -86,11 +87,9 @@ void MarluneModel::landDevices(std::vector<Device> found)
 void MarluneModel::readBackups()
 {
     std::vector<std::filesystem::path> backups;
-    std::error_code failure;
-    std::filesystem::directory_iterator entry(backupRoot(), failure);
-    for (; !failure && entry != std::filesystem::directory_iterator(); entry.increment(failure)) {
-        if (!entry->path().filename().native().starts_with('.')) {
-            backups.push_back(entry->path());
+    for (const Files::FolderItem &item : Files::readableItemsOf(backupRoot())) {
+        if (!item.name.starts_with('.')) {
+            backups.push_back(backupRoot() / item.name);
         }
     }
     // Their names begin with the date.

@@ -4,7 +4,7 @@
 
 #include "storage/PathSafety.h"
 
-#include "platform/Files.h"
+#include "platform/FolderItems.h"
 
 #include <algorithm>
 #include <array>
@@ -15,24 +15,22 @@ namespace {
 constexpr std::array<std::string_view, 7> foldersWithoutMusic {
     "Calendars", "Contacts", "Notes", "Photos", "System Volume Information", "Android", "LOST.DIR"};
 
-bool isHidden(const std::filesystem::path &item)
+bool isHidden(const std::string &name)
 {
-    return item.filename().native().starts_with('.');
+    return name.starts_with('.');
 }
 
 void addFolder(const std::filesystem::path &folder, std::vector<std::filesystem::path> &files)
 {
-    std::error_code failure;
-    std::filesystem::directory_iterator entry(folder, failure);
-    for (; !failure && entry != std::filesystem::directory_iterator(); entry.increment(failure)) {
-        std::error_code unknown; // an entry that cannot be asked is neither file nor folder
-        if (isHidden(entry->path()) || entry->is_symlink(unknown)) {
+    for (const Files::FolderItem &item : Files::readableItemsOf(folder)) {
+        std::filesystem::path path = folder / item.name;
+        if (isHidden(item.name)) {
             continue;
         }
-        if (entry->is_directory(unknown)) {
-            addFolder(entry->path(), files);
-        } else if (hasAudioExtension(entry->path()) && entry->is_regular_file(unknown)) {
-            files.push_back(entry->path());
+        if (item.kind == Files::Kind::Folder) {
+            addFolder(path, files);
+        } else if (item.kind == Files::Kind::File && hasAudioExtension(path)) {
+            files.push_back(std::move(path));
         }
     }
 }
@@ -44,7 +42,7 @@ std::vector<std::filesystem::path> scanAudio(const std::vector<std::filesystem::
     std::vector<std::filesystem::path> files;
     for (const std::filesystem::path &given : urls) {
         const std::filesystem::path url = given.has_filename() ? given : given.parent_path();
-        if (isSymbolicLink(url) || isHidden(url)) {
+        if (isSymbolicLink(url) || isHidden(url.filename().native())) {
             continue;
         }
         if (Files::isDirectory(url)) {
@@ -59,15 +57,11 @@ std::vector<std::filesystem::path> scanAudio(const std::vector<std::filesystem::
 std::vector<std::filesystem::path> deviceMusicFolders(const std::filesystem::path &root)
 {
     std::vector<std::filesystem::path> folders;
-    std::error_code failure;
-    std::filesystem::directory_iterator entry(root, failure);
-    for (; !failure && entry != std::filesystem::directory_iterator(); entry.increment(failure)) {
-        std::error_code unknown;
-        const std::string name = entry->path().filename().native();
+    for (const Files::FolderItem &item : Files::readableItemsOf(root)) {
         const bool isOther
-            = std::find(foldersWithoutMusic.begin(), foldersWithoutMusic.end(), name) != foldersWithoutMusic.end();
-        if (!isHidden(entry->path()) && !isOther && entry->is_directory(unknown)) {
-            folders.push_back(entry->path());
+            = std::find(foldersWithoutMusic.begin(), foldersWithoutMusic.end(), item.name) != foldersWithoutMusic.end();
+        if (item.kind == Files::Kind::Folder && !isHidden(item.name) && !isOther) {
+            folders.push_back(root / item.name);
         }
     }
     return folders;

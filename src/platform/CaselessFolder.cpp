@@ -1,6 +1,6 @@
 #include "platform/CaselessFolder.h"
 
-#include "platform/Files.h"
+#include "platform/FolderItems.h"
 
 #include <algorithm>
 
@@ -13,20 +13,21 @@ QString caseless(const std::filesystem::path &name)
 
 } // namespace
 
-CaselessFolder::CaselessFolder(std::filesystem::path folder)
-    : m_folder(std::move(folder))
+CaselessFolder::Names CaselessFolder::list() const
 {
-    std::error_code failure;
-    std::filesystem::directory_iterator entry(m_folder, failure);
-    for (; !failure && entry != std::filesystem::directory_iterator(); entry.increment(failure)) {
-        std::filesystem::path name = entry->path().filename();
-        m_names[caseless(name)].push_back(std::move(name));
+    Names names;
+    for (const Files::FolderItem &item : Files::readableItemsOf(m_folder)) {
+        names[caseless(item.name)].emplace_back(item.name);
     }
+    return names;
 }
 
 std::vector<std::filesystem::path> CaselessFolder::named(const std::filesystem::path &name) const
 {
-    std::vector<std::filesystem::path> items = m_names.value(caseless(name));
+    if (!m_names) {
+        m_names = list();
+    }
+    std::vector<std::filesystem::path> items = m_names->value(caseless(name));
     std::sort(items.begin(), items.end(), [&name](const auto &a, const auto &b) {
         return std::pair(a != name, a.native()) < std::pair(b != name, b.native());
     });

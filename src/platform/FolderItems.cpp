@@ -23,6 +23,28 @@ Files::Kind kindOfEntry(int folder, const dirent &entry)
     }
 }
 
+/// Appends all that the open folder holds; the system's error where that ends early, otherwise 0.
+int appendItems(int folder, std::vector<Files::FolderItem> &items)
+{
+    // The stream has a place of its own in the folder, and closes its own descriptor.
+    Files::Descriptor own(::openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    const std::unique_ptr<DIR, int (*)(DIR *)> stream(own.get() < 0 ? nullptr : ::fdopendir(own.get()), ::closedir);
+    if (!stream) {
+        return errno;
+    }
+    (void)own.release();
+    errno = 0;
+    while (const dirent *const found = ::readdir(stream.get())) {
+        std::string name = found->d_name;
+        if (name != "." && name != "..") {
+            const Files::Kind kind = kindOfEntry(folder, *found);
+            items.push_back({std::move(name), kind});
+        }
+        errno = 0;
+    }
+    return errno;
+}
+
 } // namespace
 
 namespace Files {
@@ -40,25 +62,22 @@ Folder openFolder(const std::filesystem::path &path, int from)
 
 std::vector<FolderItem> itemsOf(const Folder &folder)
 {
-    // The stream has a place of its own in the folder, and closes its own descriptor.
-    Descriptor own(::openat(folder.descriptor.get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    const std::unique_ptr<DIR, int (*)(DIR *)> stream(own.get() < 0 ? nullptr : ::fdopendir(own.get()), ::closedir);
-    if (!stream) {
-        throwFailure(errno, folder.path);
-    }
-    (void)own.release();
     std::vector<FolderItem> items;
-    errno = 0;
-    while (const dirent *const found = ::readdir(stream.get())) {
-        std::string name = found->d_name;
-        if (name != "." && name != "..") {
-            const Kind kind = kindOfEntry(folder.descriptor.get(), *found);
-            items.push_back({std::move(name), kind});
-        }
-        errno = 0;
+    if (const int error = appendItems(folder.descriptor.get(), items); error != 0) {
+        throwFailure(error, folder.path);
     }
-    if (errno != 0) {
-        throwFailure(errno, folder.path);
+    return items;
+}
+
+std::vector<FolderItem> readableItemsOf(const std::filesystem::path &folder)
+{
+    std::vector<FolderItem> items;
+    const Descriptor opened(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (opened.get() >= 0) {
+        try {
+            (void)appendItems(opened.get(), items);
+        } catch (const std::system_error &) { // an item that the disk does not describe, behind those that it does
+        }
     }
     return items;
 }

@@ -22,5 +22,8 @@ struct FolderItem {
 /// All that the open folder holds, hidden items too, in the disk's order. Listed before any of it is worked on,
 /// because a folder that changes while it is read may leave out items.
 [[nodiscard]] std::vector<FolderItem> itemsOf(const Folder &folder);
+/// The same for those who show what there is: a link to the folder is followed, and what cannot be read is missing.
+/// Never throws.
+[[nodiscard]] std::vector<FolderItem> readableItemsOf(const std::filesystem::path &folder);
 
 } // namespace Files
