@@ -37,7 +37,7 @@ bool cameByItself(int reason)
 }
 
 /// Moves `view` as little as needed for all of `item` to be seen, or its beginning where it is too large.
-void scrollTo(QQuickItem &view, QQuickItem &item)
+void scrollTo(QQuickItem &view, const QQuickItem &item)
 {
     const auto *content = view.property("contentItem").value<QQuickItem *>();
     if (!content || view.height() <= 0) {
@@ -53,7 +53,7 @@ void scrollTo(QQuickItem &view, QQuickItem &item)
     const double now = view.property("contentY").toDouble();
     const double wanted = std::min(std::max(now, bottom - view.height()), top.y());
     const double possible = std::max(least, std::min(wanted, most));
-    if (possible != now && wanted != now) {
+    if (wanted != now && possible != now) {
         view.setProperty("contentY", possible);
     }
 }
@@ -176,6 +176,18 @@ void FocusGuide::settle()
     }
     remember(*item);
     scrollIntoView(*item);
+    m_framesToFollow = 5;
+    connect(window, &QQuickWindow::afterAnimating, this, &FocusGuide::onFrame, Qt::UniqueConnection);
+}
+
+/// A list guesses where a row is until it has made those before it, and they have found their heights.
+void FocusGuide::onFrame()
+{
+    if (m_last && m_framesToFollow-- > 0) {
+        scrollIntoView(*m_last);
+    } else if (m_window) {
+        disconnect(m_window, &QQuickWindow::afterAnimating, this, &FocusGuide::onFrame);
+    }
 }
 
 /// Whether the keyboard has nothing to act on. A menu or sheet that has just opened looks for itself.
