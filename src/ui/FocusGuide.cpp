@@ -21,6 +21,15 @@ bool usable(const QQuickItem &item)
     return item.isVisible() && item.isEnabled() && (item.activeFocusOnTab() || !item.isFocusScope());
 }
 
+/// The menu or sheet that it lies in or is, if any.
+QQuickItem *popupOf(QQuickItem *item)
+{
+    while (item && !item->inherits("QQuickPopupItem")) {
+        item = item->parentItem();
+    }
+    return item;
+}
+
 /// Neither the mouse nor a key has put the focus there: something that had taken it has given it back.
 bool cameByItself(int reason)
 {
@@ -28,7 +37,7 @@ bool cameByItself(int reason)
 }
 
 /// Moves `view` as little as needed for all of `item` to be seen, or its beginning where it is too large.
-void scrollTo(QQuickItem &view, QQuickItem &item)
+void scrollTo(QQuickItem &view, const QQuickItem &item)
 {
     const auto *content = view.property("contentItem").value<QQuickItem *>();
     if (!content || view.height() <= 0) {
@@ -44,7 +53,7 @@ void scrollTo(QQuickItem &view, QQuickItem &item)
     const double now = view.property("contentY").toDouble();
     const double wanted = std::min(std::max(now, bottom - view.height()), top.y());
     const double possible = std::max(least, std::min(wanted, most));
-    if (possible != now && wanted != now) {
+    if (wanted != now && possible != now) {
         view.setProperty("contentY", possible);
     }
 }
@@ -70,7 +79,7 @@ FocusGuide::FocusGuide(QObject *parent)
     qGuiApp->installEventFilter(this);
 }
 
-bool FocusGuide::eventFilter(QObject * /*watched*/, QEvent *event)
+bool FocusGuide::eventFilter(QObject *watched, QEvent *event)
 {
     switch (event->type()) {
     case QEvent::ShortcutOverride: // all that there is of a key that is a shortcut
@@ -93,9 +102,13 @@ bool FocusGuide::eventFilter(QObject * /*watched*/, QEvent *event)
         m_byKey = false;
         [[fallthrough]];
     case QEvent::Wheel:
-    case QEvent::FocusOut:
         m_altAlone = false;
-        showLetters(false);
+        break;
+    case QEvent::FocusOut:
+        if (watched->isWindowType()) { // the key is let go elsewhere
+            m_altAlone = false;
+            showLetters(false);
+        }
         break;
     default:
         break;
@@ -127,6 +140,11 @@ void FocusGuide::remember(QQuickItem &item)
         disconnect(m_last, &QQuickItem::visibleChanged, this, nullptr);
     }
     connect(&item, &QQuickItem::visibleChanged, this, &FocusGuide::onFocusChanged); // what is hidden keeps the focus
+    QQuickItem *popup = popupOf(&item);
+    if (!m_popup && popup) {
+        m_before = m_last;
+    }
+    m_popup = popup;
     m_last = &item;
     m_window = item.window();
     m_around.clear();
@@ -142,8 +160,7 @@ void FocusGuide::settle()
     if (!window) {
         return; // another program has the keyboard
     }
-    if (const QQuickItem *now = window->activeFocusItem();
-        now && m_window == window && !usable(*now) && !now->inherits("QQuickPopupItem")) {
+    if (isLost(*window)) {
         handOn();
     }
     QQuickItem *item = window->activeFocusItem();
@@ -156,13 +173,39 @@ void FocusGuide::settle()
     }
     remember(*item);
     scrollIntoView(*item);
+    m_framesToFollow = 5;
+    connect(window, &QQuickWindow::afterAnimating, this, &FocusGuide::onFrame, Qt::UniqueConnection);
 }
 
-/// Back to the last one, which a menu had taken it from. Where that was disabled or hidden: to the next control. Where
-/// it was deleted or its page hidden: to the first control of what is left around it.
+/// A list guesses where a row is until it has made those before it, and they have found their heights.
+void FocusGuide::onFrame()
+{
+    if (m_last && m_framesToFollow-- > 0) {
+        scrollIntoView(*m_last);
+    } else if (m_window) {
+        disconnect(m_window, &QQuickWindow::afterAnimating, this, &FocusGuide::onFrame);
+    }
+}
+
+/// Whether the keyboard has nothing to act on. A menu or sheet that has just opened looks for itself.
+bool FocusGuide::isLost(const QQuickWindow &window) const
+{
+    QQuickItem *now = window.activeFocusItem();
+    if (!now || m_window != &window || usable(*now)) {
+        return false;
+    }
+    const QQuickItem *popup = popupOf(now);
+    return !popup || (popup == m_popup && !(m_last && usable(*m_last)));
+}
+
+/// Back to what had it before a menu or sheet, or to the last one. Where that was disabled or hidden: to the next
+/// control. Where it was deleted or its page hidden: to the first control of what is left around it.
 void FocusGuide::handOn()
 {
     const auto reason = m_ringed || m_byKey ? Qt::TabFocusReason : Qt::OtherFocusReason;
+    if (m_popup && !m_popup->isVisible() && m_before) {
+        remember(*m_before);
+    }
     if (m_last && usable(*m_last)) {
         m_last->forceActiveFocus(reason);
         return;

@@ -37,6 +37,8 @@ private:
     void onFocusChanged();
     void remember(QQuickItem &item);
     void settle();
+    void onFrame();
+    [[nodiscard]] bool isLost(const QQuickWindow &window) const;
     void handOn();
     void showLetters(bool shown);
 
@@ -44,6 +46,9 @@ private:
     QPointer<QQuickWindow> m_window;
     QPointer<QQuickItem> m_last; ///< the last control that had the focus
     QList<QPointer<QQuickItem>> m_around; ///< what m_last lies in, from the inside out
+    QPointer<QQuickItem> m_popup; ///< the menu or sheet that m_last lies in
+    QPointer<QQuickItem> m_before; ///< what had the focus before that opened
+    int m_framesToFollow = 0;
     bool m_ringed = false; ///< it showed its ring
     bool m_byKey = false; ///< the latest input was a key
     bool m_altAlone = false;

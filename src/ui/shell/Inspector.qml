@@ -11,15 +11,16 @@ Rectangle {
     required property ShellPresenter shell
 
     readonly property int lowestDrawing: 135 ///< a lower window is scrolled
+    readonly property int ringRoom: 4 ///< for the focus ring at the edges of what is scrolled
 
     color: Tokens.color.window
 
     Flickable {
         id: flick
         anchors.fill: parent
-        anchors.margins: 24
-        anchors.bottomMargin: buttons.height + 24 + 18
-        contentHeight: stack.implicitHeight
+        anchors.margins: 24 - root.ringRoom
+        anchors.bottomMargin: buttons.height + 24 + 18 - root.ringRoom
+        contentHeight: stack.implicitHeight + 2 * root.ringRoom
         boundsBehavior: Flickable.StopAtBounds
         clip: contentHeight > height
         T.ScrollBar.vertical: ScrollBar {
@@ -35,7 +36,9 @@ Rectangle {
             readonly property real othersHeight: heading.implicitHeight + state.implicitHeight + 16 + 3 * spacing
                 + (summary.visible ? summary.implicitHeight : (offered.visible ? offered.implicitHeight : hint.implicitHeight))
 
-            width: flick.width
+            x: root.ringRoom
+            y: root.ringRoom
+            width: flick.width - 2 * root.ringRoom
             spacing: 18
 
             TextBlock {
@@ -67,7 +70,7 @@ Rectangle {
                 Layout.alignment: Qt.AlignHCenter
                 Layout.topMargin: 8
                 Layout.bottomMargin: 8
-                Layout.preferredHeight: Math.max(root.lowestDrawing, Math.min(implicitHeight, flick.height - stack.othersHeight))
+                Layout.preferredHeight: Math.max(root.lowestDrawing, Math.min(implicitHeight, flick.height - 2 * root.ringRoom - stack.othersHeight))
                 Layout.preferredWidth: Layout.preferredHeight / 1.5
                 lit: root.shell.connected
             }

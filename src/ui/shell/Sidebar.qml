@@ -42,6 +42,8 @@ Rectangle {
             boundsBehavior: Flickable.StopAtBounds
             interactive: contentHeight > height
             clip: interactive
+            topMargin: interactive ? Tokens.space.hair : 0 // room for the ring
+            bottomMargin: topMargin
 
             ColumnLayout {
                 id: list

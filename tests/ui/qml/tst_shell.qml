@@ -76,6 +76,9 @@ PageTest {
                 keyRelease(Qt.Key_Alt);
             }
             tryVerify(() => title.menu.opened, 1000, String(keys));
+            keyClick(Qt.Key_Down);
+            keyClick(Qt.Key_Down);
+            tryVerify(() => title.menu.currentIndex === 1, 1000, String(keys));
             keyClick(Qt.Key_Escape);
             tryVerify(() => !title.menu.visible && refresh.visualFocus, 1000, String(keys));
         }
