@@ -164,7 +164,7 @@ QCoro::Task<> MarluneModel::runTransfer(std::shared_ptr<const TransferPlan> plan
         }
         setStatus(QStringLiteral("Porządkuję pliki pomocnicze macOS…"));
         setProgress(0);
-        auto clean = [plan] { (void)Storage::cleanupMacMetadata(plan->root, plan->backupRoot); };
+        auto clean = [plan, device] { (void)Storage::cleanupMacMetadata(*device, plan->backupRoot); };
         co_await background(clean);
     } catch (const std::exception &) {
         failure = std::current_exception();
