@@ -26,18 +26,6 @@ bool isContinuation(unsigned char byte)
     return (byte & 0xC0) == 0x80;
 }
 
-void writeNew(const std::filesystem::path &file, int folder, std::span<const char> bytes, Files::Durability durability)
-{
-    Files::Descriptor descriptor = Files::createExclusively(file, folder);
-    Files::writeFully(descriptor.get(), bytes);
-    if (durability == Files::Durability::Now) {
-        Files::synchronise(descriptor.get());
-    }
-    if (diskCalls().close(descriptor.release()) != 0) {
-        Files::throwFailure(errno, file);
-    }
-}
-
 /// EINVAL: some network and FUSE file systems cannot do this to a folder.
 bool folderReachesMedium(int folder)
 {
@@ -372,6 +360,18 @@ std::filesystem::path temporaryName(const QByteArray &purpose)
     return ".marlune-" + purpose.toStdString() + newIdentifier() + ".partial";
 }
 
+void writeNew(const std::filesystem::path &file, std::span<const char> bytes, Durability durability, int from)
+{
+    Descriptor descriptor = createExclusively(file, from);
+    writeFully(descriptor.get(), bytes);
+    if (durability == Durability::Now) {
+        synchronise(descriptor.get());
+    }
+    if (diskCalls().close(descriptor.release()) != 0) {
+        throwFailure(errno, file);
+    }
+}
+
 void place(const Folder &folder, const std::filesystem::path &name, Placing placing, const FileMaker &make)
 {
     const std::filesystem::path temporary = temporaryName();
@@ -395,7 +395,7 @@ void writeAtomically(const Folder &folder, const std::filesystem::path &name, Pl
     std::span<const char> bytes, Durability durability)
 {
     place(folder, name, placing,
-        [&](const std::filesystem::path &file, int from) { writeNew(file, from, bytes, durability); });
+        [&](const std::filesystem::path &file, int from) { writeNew(file, bytes, durability, from); });
 }
 
 void writeAtomically(const std::filesystem::path &path, std::span<const char> bytes)

@@ -109,6 +109,8 @@ void synchroniseName(const std::filesystem::path &file);
 [[nodiscard]] std::filesystem::path temporaryName(const QByteArray &purpose = {});
 /// Whether a writer returns when the medium has the bytes, or leaves that to synchroniseVolume().
 enum class Durability : std::uint8_t { Now, Later };
+/// Makes a file of these bytes, as createExclusively() does. On failure what was written of it stays.
+void writeNew(const std::filesystem::path &file, std::span<const char> bytes, Durability durability, int from);
 enum class Placing : std::uint8_t {
     Replace, ///< what stands at the name goes
     Create ///< fails with EEXIST if the name is taken, be it by a dangling link

@@ -81,12 +81,12 @@ bool FileChanges::equalsCopy(const std::filesystem::path &file, const Files::Fol
     return copy && digest(file.filename(), folder.descriptor.get()) == digest(*copy);
 }
 
-/// Whether there is a file by this name; then its copy is as it is.
-bool FileChanges::requireSaved(const std::filesystem::path &file, const Files::Folder &folder) const
+/// Throws where a file by this name would be lost.
+void FileChanges::requireSaved(const std::filesystem::path &file, const Files::Folder &folder) const
 {
     switch (Files::kindOf(file.filename(), folder.descriptor.get())) {
     case Files::Kind::None:
-        return false;
+        return;
     case Files::Kind::File:
         break;
     case Files::Kind::Link:
@@ -100,22 +100,28 @@ bool FileChanges::requireSaved(const std::filesystem::path &file, const Files::F
     if (!equalsCopy(file, folder)) {
         throw MarluneError(QStringLiteral("Plik na iPodzie zmienił się po zrobieniu kopii: ") + Files::name(file));
     }
-    return true;
 }
 
-// A change is noted before it is tried: a call can fail after the disk has done its work.
+// The last look comes right before the step that cannot be taken back. A change is noted before it is tried: a call can
+// fail after the disk has done its work.
 
 void FileChanges::write(const QByteArray &bytes, const std::filesystem::path &file, DeviceAnchor::Missing folders)
 {
     (void)m_device.require();
     const Files::Folder folder = folderOf(file, folders);
-    const Files::Placing placing = requireSaved(file, folder) ? Files::Placing::Replace : Files::Placing::Create;
-    m_changes.push_back({file, digestOf(bytes)});
+    const std::filesystem::path name = file.filename();
+    const bool isThere = Files::kindOf(name, folder.descriptor.get()) != Files::Kind::None;
+    const std::size_t before = m_changes.size();
+    const auto make = [&](const std::filesystem::path &temporary, int from) {
+        Files::writeNew(temporary, bytes, m_durability, from);
+        requireSaved(file, folder);
+        m_changes.push_back({file, digestOf(bytes)});
+    };
     try {
-        Files::writeAtomically(folder, file.filename(), placing, bytes, m_durability);
+        Files::place(folder, name, isThere ? Files::Placing::Replace : Files::Placing::Create, make);
     } catch (const std::system_error &failure) {
         if (failure.code() == std::errc::file_exists) { // another program's, be it of the same bytes
-            m_changes.pop_back();
+            m_changes.resize(before);
         }
         throw;
     }
@@ -125,7 +131,7 @@ void FileChanges::remove(const std::filesystem::path &file)
 {
     (void)m_device.require();
     const Files::Folder folder = folderOf(file);
-    (void)requireSaved(file, folder);
+    requireSaved(file, folder);
     m_changes.push_back({file, std::nullopt});
     unlinkIn(folder, file.filename());
 }
@@ -148,16 +154,22 @@ void FileChanges::putBack(const Change &change) const
 {
     const Files::Folder folder = folderOf(change.file);
     const std::filesystem::path name = change.file.filename();
-    const bool isThere = Files::kindOf(name, folder.descriptor.get()) != Files::Kind::None;
-    if (isThere && equalsCopy(change.file, folder)) {
+    const auto isThere = [&] { return Files::kindOf(name, folder.descriptor.get()) != Files::Kind::None; };
+    const auto requireOwn = [&] {
+        if (isThere() && digest(name, folder.descriptor.get()) != change.made) {
+            Files::throwFailure(EEXIST, change.file); // another program's
+        }
+    };
+    if (isThere() && equalsCopy(change.file, folder)) {
         return; // it was never changed
     }
-    if (isThere && digest(name, folder.descriptor.get()) != change.made) {
-        Files::throwFailure(EEXIST, change.file); // another program's
-    }
     if (const std::optional<std::filesystem::path> copy = m_copyOf(change.file)) {
-        copyOver(*copy, folder, name, m_durability);
-    } else if (isThere) {
+        Files::place(folder, name, Files::Placing::Replace, [&](const std::filesystem::path &temporary, int from) {
+            copyToNew(Files::openForReading(*copy), temporary, m_durability, from);
+            requireOwn();
+        });
+    } else if (isThere()) {
+        requireOwn();
         unlinkIn(folder, name);
     }
 }

@@ -59,7 +59,7 @@ private:
     [[nodiscard]] Files::Folder folderOf(
         const std::filesystem::path &file, DeviceAnchor::Missing missing = DeviceAnchor::Missing::Refuse) const;
     [[nodiscard]] bool equalsCopy(const std::filesystem::path &file, const Files::Folder &folder) const;
-    [[nodiscard]] bool requireSaved(const std::filesystem::path &file, const Files::Folder &folder) const;
+    void requireSaved(const std::filesystem::path &file, const Files::Folder &folder) const;
     [[nodiscard]] bool undo() noexcept;
     void putBack(const Change &change) const;
     void synchronise() const;

@@ -5,26 +5,18 @@
 namespace Storage {
 
 void copyToNew(
-    const Files::Descriptor &source, const std::filesystem::path &destination, int from, Files::Durability durability)
+    const Files::Descriptor &source, const std::filesystem::path &destination, Files::Durability durability, int folder)
 {
-    const Files::Descriptor to = Files::createExclusively(destination, from);
+    const Files::Descriptor to = Files::createExclusively(destination, folder);
     copyBlocks(source.get(), to.get());
     if (durability == Files::Durability::Now) {
         Files::synchronise(to.get());
     }
 }
 
-void copyAudioBytes(const std::filesystem::path &source, const std::filesystem::path &destination, int from)
+void copyAudioBytes(const std::filesystem::path &source, const std::filesystem::path &destination, int folder)
 {
-    copyToNew(Files::openForReading(source), destination, from);
-}
-
-void copyOver(const std::filesystem::path &source, const Files::Folder &folder, const std::filesystem::path &name,
-    Files::Durability durability)
-{
-    Files::place(folder, name, Files::Placing::Replace, [&](const std::filesystem::path &file, int from) {
-        copyToNew(Files::openForReading(source), file, from, durability);
-    });
+    copyToNew(Files::openForReading(source), destination, Files::Durability::Now, folder);
 }
 
 } // namespace Storage

@@ -13,16 +13,13 @@
 namespace Storage {
 
 /// Copies what is still to be read of `source` to a name that must not exist, in blocks of 1 MiB. Neither times nor
-/// other attributes are copied. A relative destination is counted from the open folder `from`. On failure the
+/// other attributes are copied. A relative destination is counted from the open folder `folder`. On failure the
 /// incomplete destination stays: the caller holds its name and removes it.
-void copyToNew(const Files::Descriptor &source, const std::filesystem::path &destination, int from = AT_FDCWD,
-    Files::Durability durability = Files::Durability::Now);
+void copyToNew(const Files::Descriptor &source, const std::filesystem::path &destination,
+    Files::Durability durability = Files::Durability::Now, int folder = AT_FDCWD);
 
-/// The same of a whole file; links to it are followed.
-void copyAudioBytes(const std::filesystem::path &source, const std::filesystem::path &destination, int from = AT_FDCWD);
-
-/// Replaces the file `name` of an open folder atomically by a copy of a file of any size.
-void copyOver(const std::filesystem::path &source, const Files::Folder &folder, const std::filesystem::path &name,
-    Files::Durability durability);
+/// The same of a whole file; links are followed.
+void copyAudioBytes(
+    const std::filesystem::path &source, const std::filesystem::path &destination, int folder = AT_FDCWD);
 
 } // namespace Storage

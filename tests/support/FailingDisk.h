@@ -11,8 +11,9 @@
 class FailingDisk {
 public:
     /// Refused: the call does nothing and fails. Late: it does its work and fails all the same (openat() does nothing).
-    /// Dead: it and all after it do nothing and fail. Event: something happens before it, and it works.
-    enum class Fault { Refused, Late, Dead, Event };
+    /// Dead: it and all after it do nothing and fail. Event, EventAfter: something happens before or after it, and it
+    /// works.
+    enum class Fault { Refused, Late, Dead, Event, EventAfter };
 
     /// `failAt` counts from 1; 0 fails none. The call fails with `error`.
     explicit FailingDisk(int failAt, int error = EIO, Fault fault = Fault::Refused, std::function<void()> event = {})
@@ -47,6 +48,11 @@ private:
             const Result result
                 = !failed || closes || (s_fault == Fault::Late && !opens) ? (system().*Member)(arguments...) : -1;
             errno = failed ? s_error : errno;
+            if (s_fault == Fault::EventAfter && s_count == s_failAt) {
+                const int error = errno;
+                s_event();
+                errno = error;
+            }
             return failed ? -1 : result;
         }
     };
@@ -54,8 +60,10 @@ private:
     static bool fails()
     {
         const int number = ++s_count;
-        if (number == s_failAt && s_fault == Fault::Event) {
-            s_event();
+        if (s_fault == Fault::Event || s_fault == Fault::EventAfter) {
+            if (s_fault == Fault::Event && number == s_failAt) {
+                s_event();
+            }
             return false;
         }
         return s_failAt > 0 && (number == s_failAt || (number > s_failAt && s_fault == Fault::Dead));
