@@ -231,7 +231,7 @@ Descriptor openForReading(const std::filesystem::path &path, Links links, int fr
     struct stat status {};
     const auto requireRegular = [&] {
         if (!S_ISREG(status.st_mode)) {
-            throwFailure(S_ISDIR(status.st_mode) ? EISDIR : EINVAL, path);
+            throwFailure(S_ISDIR(status.st_mode) ? EISDIR : S_ISLNK(status.st_mode) ? ELOOP : EINVAL, path);
         }
     };
     const bool follows = links == Links::Follow;

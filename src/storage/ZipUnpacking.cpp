@@ -45,18 +45,18 @@ constexpr Method methods[]
 void copyPackage(
     const std::filesystem::path &zip, const Storage::ZipContents &contents, const std::filesystem::path &copy)
 {
-    constexpr std::int64_t blockBytes = 0x100000;
+    constexpr std::int64_t partBytes = 0x100000;
     const RegularFile source = RegularFile::openOrThrow(zip);
     const Files::Descriptor destination = Files::createExclusively(copy);
-    std::vector<char> block(blockBytes);
+    std::vector<char> block(partBytes);
     auto entry = contents.entries.begin();
     const std::int64_t end = contents.directoryEnd + commentLength;
-    for (std::int64_t at = 0; at < end; at += blockBytes) {
-        const std::size_t count = source.readAt(at, {block.data(), std::size_t(std::min(blockBytes, end - at))});
+    for (std::int64_t at = 0; at < end; at += partBytes) {
+        const std::size_t count = source.readAt(at, {block.data(), std::size_t(std::min(partBytes, end - at))});
         if (source.failure()) {
             throw std::filesystem::filesystem_error("read", zip, source.failure());
         }
-        for (; entry != contents.entries.end() && entry->header + madeBySystem < at + blockBytes; ++entry) {
+        for (; entry != contents.entries.end() && entry->header + madeBySystem < at + partBytes; ++entry) {
             block[std::size_t(entry->header + madeBySystem - at)] = unixSystem;
         }
         Files::writeFully(destination.get(), {block.data(), count});

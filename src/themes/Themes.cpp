@@ -1,11 +1,10 @@
 #include "themes/Themes.h"
 
-#include "storage/PathSafety.h"
-
-#include "platform/Files.h"
+#include "platform/FolderItems.h"
 #include "platform/TextOrder.h"
 
 #include <algorithm>
+#include <system_error>
 
 QString Theme::id() const
 {
@@ -23,18 +22,16 @@ std::vector<Theme> themes(const std::filesystem::path &root)
 {
     const std::filesystem::path folder = root / ".rockbox" / "themes";
     std::vector<Theme> themes;
-    if (isSymbolicLink(folder)) {
-        return themes;
-    }
-    std::error_code failure;
-    std::filesystem::directory_iterator entry(folder, failure);
-    for (; !failure && entry != std::filesystem::directory_iterator(); entry.increment(failure)) {
-        std::error_code unknown; // what cannot be queried counts as no link
-        if (Files::extension(entry->path()).toLower() == QLatin1String("cfg") && !entry->is_symlink(unknown)) {
-            themes.push_back({entry->path()});
+    try {
+        for (const Files::FolderItem &item : Files::itemsOf(Files::openFolder(folder))) {
+            if (item.kind != Files::Kind::Link && Files::extension(item.name).toLower() == QLatin1String("cfg")) {
+                themes.push_back({folder / item.name});
+            }
         }
+    } catch (const std::system_error &) {
+        return {}; // no folder, a link to one, or one that cannot be read
     }
-    // By bytes first: names that differ in case alone would else stand in the disk's own, accidental order.
+    // By bytes first: names that differ in case alone would otherwise be in the disk's own, accidental order.
     std::sort(themes.begin(), themes.end(), [](const Theme &a, const Theme &b) { return a.url < b.url; });
     TextOrder::stableSort(themes, [](const Theme &theme) { return theme.name(); });
     return themes;

@@ -36,10 +36,13 @@ private:
     static bool enterNamespace()
     {
         const uid_t user = ::getuid();
+        const gid_t group = ::getgid();
         if (::unshare(user == 0 ? CLONE_NEWNS : CLONE_NEWUSER | CLONE_NEWNS) != 0) {
             return false;
         }
         if (user != 0) {
+            std::ofstream("/proc/self/setgroups") << "deny";
+            std::ofstream("/proc/self/gid_map") << "0 " << group << " 1\n";
             std::ofstream("/proc/self/uid_map") << "0 " << user << " 1\n";
         }
         return ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
