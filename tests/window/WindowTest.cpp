@@ -213,7 +213,7 @@ private Q_SLOTS:
         QTRY_COMPARE_WITH_TIMEOUT(model.status(), QStringLiteral("Sprawdzanie duplikatów zakończone"), 30'000);
         const std::vector<QualityIssue> left = CollectionQuality::inspect(model.tracks(), std::nullopt);
         QVERIFY(std::none_of(
-            left.begin(), left.end(), [](const QualityIssue &issue) { return issue.kind == QualityKind::covers; }));
+            left.begin(), left.end(), [](const QualityIssue &issue) { return issue.kind == QualityKind::Covers; }));
         QTRY_COMPARE(
             user.item("issueList")->property("count").toULongLong(), left.size() + model.duplicateIssues().size());
     }
