@@ -20,7 +20,7 @@ class DeviceAnchor {
 public:
     /// Throws as require() does, or the system's failure where the root cannot be opened. Not explicit: a job that is
     /// given a path takes its anchor at once.
-    DeviceAnchor(const std::filesystem::path &root); // NOLINT(google-explicit-constructor)
+    DeviceAnchor(const std::filesystem::path &root);
 
     [[nodiscard]] const std::filesystem::path &root() const { return m_root; }
 

@@ -1,6 +1,5 @@
 #include "storage/Writers.h"
 #include "storage/Digest.h"
-#include "storage/FileChanges.h"
 
 #include "support/Messages.h"
 #include "support/SampleDevice.h"
@@ -88,26 +87,4 @@ TEST(Digest, isTheStandards)
     }
     EXPECT_NE(failureOf([&] { (void)Storage::digest(folder / "missing"); }), "");
     EXPECT_NE(failureOf([&] { (void)Storage::digest(folder.path()); }), "");
-}
-
-TEST(FileChanges, leaveAnotherDiskAtTheSamePlaceAlone)
-{
-    const TemporaryFolder folder;
-    const TemporaryFolder memory("/dev/shm");
-    for (const TemporaryFolder *disk : {&folder, &memory}) {
-        makeDevice(*disk, "IPOD");
-    }
-    memory.write("IPOD/new", "theirs");
-    const std::filesystem::path place = folder / "place";
-    create_directory_symlink(folder.path(), place);
-    {
-        const Storage::DeviceAnchor device(place / "IPOD");
-        Storage::FileChanges changes(device, [](const auto &) { return std::nullopt; });
-        changes.write("ours", place / "IPOD/new");
-        std::filesystem::remove(place);
-        create_directory_symlink(memory.path(), place);
-        EXPECT_THROW(changes.write("more", place / "IPOD/other"), MarluneError);
-    } // undoes
-    EXPECT_EQ(fileBytes(memory / "IPOD/new"), "theirs");
-    EXPECT_FALSE(exists(memory / "IPOD/other"));
 }
