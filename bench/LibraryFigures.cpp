@@ -3,10 +3,10 @@
 #include "Peers.h"
 
 #include "library/AlbumGrouping.h"
-#include "model/LibraryScan.h"
+#include "library/LibraryScan.h"
+#include "library/TrackReader.h"
 #include "model/Model.h"
-#include "model/TrackReader.h"
-#include "platform/TextOrder.h"
+#include "platform/text/TextOrder.h"
 
 #include <QCoreApplication>
 

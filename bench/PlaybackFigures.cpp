@@ -1,7 +1,7 @@
 // How soon a track is heard after it was asked for.
 #include "Figures.h"
 
-#include "model/LibraryScan.h"
+#include "library/LibraryScan.h"
 #include "playback/Playback.h"
 
 #include <QCoreApplication>

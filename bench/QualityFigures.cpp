@@ -2,9 +2,9 @@
 #include "Figures.h"
 
 #include "artwork/Artwork.h"
-#include "model/LibraryScan.h"
-#include "model/TrackReader.h"
-#include "platform/CaselessFolder.h"
+#include "library/LibraryScan.h"
+#include "library/TrackReader.h"
+#include "platform/files/CaselessFolder.h"
 #include "quality/CollectionQuality.h"
 
 #include <QBuffer>

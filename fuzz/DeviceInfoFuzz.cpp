@@ -4,7 +4,7 @@
 #include "storage/Device.h"
 #include "storage/PathSafety.h"
 
-#include "platform/Files.h"
+#include "platform/files/Files.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {

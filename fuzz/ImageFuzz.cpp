@@ -3,7 +3,7 @@
 
 #include "FuzzFile.h"
 
-#include "platform/Images.h"
+#include "media/pictures/Images.h"
 #include "platform/MarluneError.h"
 
 #include <algorithm>

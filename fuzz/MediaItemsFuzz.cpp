@@ -1,5 +1,5 @@
 // Any bytes as an audio file. The first byte chooses the extension, the rest is the file.
-#include "platform/MediaAsset.h"
+#include "media/files/MediaAsset.h"
 
 #include "FuzzFile.h"
 

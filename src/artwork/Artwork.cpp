@@ -1,9 +1,9 @@
 #include "artwork/Artwork.h"
 
-#include "platform/CaselessFolder.h"
-#include "platform/Files.h"
-#include "platform/Images.h"
+#include "media/pictures/Images.h"
 #include "platform/MarluneError.h"
+#include "platform/files/CaselessFolder.h"
+#include "platform/files/Files.h"
 
 #include <algorithm>
 #include <array>

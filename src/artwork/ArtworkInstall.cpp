@@ -7,8 +7,8 @@
 #include "storage/PathSafety.h"
 #include "storage/SavedFiles.h"
 
-#include "platform/Files.h"
 #include "platform/MarluneError.h"
+#include "platform/files/Files.h"
 
 #include <sys/stat.h>
 

@@ -7,7 +7,7 @@
 
 #include "storage/DeviceAnchor.h"
 
-#include "platform/Volumes.h"
+#include "platform/volumes/Volumes.h"
 
 #include <QByteArray>
 

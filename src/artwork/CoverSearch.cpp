@@ -1,10 +1,10 @@
 #include "artwork/CoverSearch.h"
 
-#include "platform/Background.h"
-#include "platform/Characters.h"
-#include "platform/Http.h"
 #include "platform/MarluneError.h"
 #include "platform/Version.h"
+#include "platform/tasks/Background.h"
+#include "platform/text/Characters.h"
+#include "platform/web/Http.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>

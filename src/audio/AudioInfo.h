@@ -1,11 +1,11 @@
 // All that one audio file says of itself, technical and tag-like, and the labels under which pages show it.
 #pragma once
 
-#include "platform/MediaAsset.h"
+#include "media/files/MediaAsset.h"
 
 #include <QByteArray>
-#include <QMap>
 #include <QJsonObject>
+#include <QMap>
 #include <QString>
 
 #include <cstdint>

@@ -2,8 +2,8 @@
 #include "audio/AudioInfo.h"
 #include "audio/TagNumbers.h"
 
-#include "platform/Files.h"
 #include "platform/MarluneError.h"
+#include "platform/files/Files.h"
 
 #include <cmath>
 #include <system_error>

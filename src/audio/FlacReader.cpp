@@ -2,9 +2,9 @@
 #include "audio/AudioInfo.h"
 #include "audio/TagNumbers.h"
 
-#include "platform/FlacBlocks.h"
+#include "media/files/FlacBlocks.h"
 #include "platform/MarluneError.h"
-#include "platform/RegularFile.h"
+#include "platform/files/RegularFile.h"
 
 #include <algorithm>
 #include <system_error>

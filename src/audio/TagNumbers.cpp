@@ -1,6 +1,6 @@
 #include "audio/TagNumbers.h"
 
-#include "platform/Characters.h"
+#include "platform/text/Characters.h"
 
 #include <algorithm>
 

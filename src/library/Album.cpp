@@ -2,8 +2,8 @@
 
 #include "library/AlbumGrouping.h"
 
-#include "platform/Files.h"
-#include "platform/Images.h"
+#include "media/pictures/Images.h"
+#include "platform/files/Files.h"
 
 #include <map>
 

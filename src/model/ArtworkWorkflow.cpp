@@ -2,8 +2,8 @@
 //
 // All end in applyArtwork(): the picture becomes the form that is always safe, goes beside the music where the album
 // is on the device, and then into the store on the computer. Only after that do the settings and the tracks name it.
+#include "library/TrackReader.h"
 #include "model/Model.h"
-#include "model/TrackReader.h"
 
 #include "quality/CollectionQuality.h"
 
@@ -12,9 +12,9 @@
 
 #include "library/AlbumGrouping.h"
 
-#include "platform/Files.h"
 #include "platform/MarluneError.h"
-#include "platform/Sha256.h"
+#include "platform/files/Files.h"
+#include "platform/files/Sha256.h"
 
 #include <QPointer>
 

@@ -3,8 +3,8 @@
 
 #include "storage/Backup.h"
 
-#include "platform/Files.h"
 #include "platform/MarluneError.h"
+#include "platform/files/Files.h"
 
 #include <QDateTime>
 #include <QPointer>

@@ -2,7 +2,7 @@
 
 #include "library/AlbumGrouping.h"
 
-#include "platform/TextOrder.h"
+#include "platform/text/TextOrder.h"
 
 #include <algorithm>
 

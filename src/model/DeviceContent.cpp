@@ -2,8 +2,8 @@
 #include "model/DeviceContent.h"
 #include "model/Model.h"
 
-#include "platform/Files.h"
-#include "platform/FolderItems.h"
+#include "platform/files/Files.h"
+#include "platform/files/FolderItems.h"
 
 #include <QPointer>
 

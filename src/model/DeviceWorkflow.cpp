@@ -1,10 +1,10 @@
 // How devices are found, chosen, lost and ejected.
 #include "model/Model.h"
 
-#include "platform/Files.h"
-#include "platform/FolderItems.h"
 #include "platform/MarluneError.h"
-#include "platform/Volumes.h"
+#include "platform/files/Files.h"
+#include "platform/files/FolderItems.h"
+#include "platform/volumes/Volumes.h"
 
 #include <QPointer>
 #include <QTimer>

@@ -1,10 +1,10 @@
 // Files and folders become tracks of the library or of the device.
-#include "model/LibraryScan.h"
+#include "library/LibraryScan.h"
+#include "library/TrackReader.h"
 #include "model/Model.h"
-#include "model/TrackReader.h"
 
-#include "platform/Files.h"
 #include "platform/MarluneError.h"
+#include "platform/files/Files.h"
 
 #include <QPointer>
 

@@ -1,7 +1,7 @@
 #include "model/Model.h"
 
-#include "platform/Files.h"
-#include "platform/Volumes.h"
+#include "platform/files/Files.h"
+#include "platform/volumes/Volumes.h"
 
 #include <QPointer>
 

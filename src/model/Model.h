@@ -22,9 +22,9 @@
 
 #include "storage/Device.h"
 
-#include "platform/Background.h"
-#include "platform/Panels.h"
-#include "platform/Settings.h"
+#include "platform/desktop/Panels.h"
+#include "platform/files/Settings.h"
+#include "platform/tasks/Background.h"
 
 #include <QObject>
 #include <QSet>

@@ -5,9 +5,9 @@
 
 #include "themes/ThemeInstall.h"
 
-#include "platform/Files.h"
-#include "platform/Images.h"
+#include "media/pictures/Images.h"
 #include "platform/MarluneError.h"
+#include "platform/files/Files.h"
 
 #include <QPointer>
 

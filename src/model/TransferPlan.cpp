@@ -2,7 +2,7 @@
 
 #include "library/AlbumGrouping.h"
 
-#include "model/TrackReader.h"
+#include "library/TrackReader.h"
 
 #include <QHash>
 

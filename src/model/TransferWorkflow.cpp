@@ -10,8 +10,8 @@
 #include "storage/MacMetadata.h"
 #include "storage/Transfer.h"
 
-#include "platform/Files.h"
 #include "platform/MarluneError.h"
+#include "platform/files/Files.h"
 
 #include <QPointer>
 

@@ -1,6 +1,6 @@
 #include "platform/MarluneError.h"
 
-#include "platform/Files.h"
+#include "platform/files/Files.h"
 
 #include <filesystem>
 #include <system_error>

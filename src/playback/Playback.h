@@ -10,7 +10,7 @@
 
 #include "library/Track.h"
 
-#include "platform/AudioOutput.h"
+#include "media/sound/AudioOutput.h"
 
 #include <QObject>
 #include <QTimer>

@@ -3,8 +3,8 @@
 #include "artwork/Artwork.h"
 #include "library/AlbumGrouping.h"
 
-#include "platform/CaselessFolder.h"
-#include "platform/Files.h"
+#include "platform/files/CaselessFolder.h"
+#include "platform/files/Files.h"
 
 #include <QHash>
 #include <QStringList>

@@ -3,8 +3,8 @@
 
 #include "storage/Digest.h"
 
-#include "platform/ByteCount.h"
-#include "platform/Files.h"
+#include "platform/files/Files.h"
+#include "platform/text/ByteCount.h"
 
 #include <sys/stat.h>
 

@@ -1,7 +1,7 @@
 #include "quality/QualityIssue.h"
 
-#include "platform/Files.h"
-#include "platform/TextOrder.h"
+#include "platform/files/Files.h"
+#include "platform/text/TextOrder.h"
 
 #include <algorithm>
 #include <string_view>

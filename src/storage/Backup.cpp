@@ -4,9 +4,9 @@
 #include "storage/FolderTree.h"
 #include "storage/PathSafety.h"
 
-#include "platform/DiskCalls.h"
-#include "platform/Files.h"
 #include "platform/MarluneError.h"
+#include "platform/files/DiskCalls.h"
+#include "platform/files/Files.h"
 
 #include <QDateTime>
 

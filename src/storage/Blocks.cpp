@@ -1,6 +1,6 @@
 #include "storage/Blocks.h"
 
-#include "platform/Files.h"
+#include "platform/files/Files.h"
 
 #include <fcntl.h>
 

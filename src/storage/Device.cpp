@@ -2,10 +2,10 @@
 
 #include "storage/PathSafety.h"
 
-#include "platform/Files.h"
 #include "platform/MarluneError.h"
-#include "platform/PlainText.h"
-#include "platform/Volumes.h"
+#include "platform/files/Files.h"
+#include "platform/text/PlainText.h"
+#include "platform/volumes/Volumes.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 #include "storage/DeviceAnchor.h"
 
-#include "platform/DiskCalls.h"
 #include "platform/MarluneError.h"
+#include "platform/files/DiskCalls.h"
 
 #include <fcntl.h>
 

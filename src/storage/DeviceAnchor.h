@@ -7,7 +7,7 @@
 
 #include "storage/Device.h"
 
-#include "platform/Files.h"
+#include "platform/files/Files.h"
 
 #include <sys/stat.h>
 

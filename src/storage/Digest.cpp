@@ -2,7 +2,7 @@
 
 #include "storage/Blocks.h"
 
-#include "platform/Files.h"
+#include "platform/files/Files.h"
 
 namespace Storage {
 

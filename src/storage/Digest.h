@@ -1,7 +1,7 @@
 // The SHA-256 of a file's content. Blocking; any thread but the UI's.
 #pragma once
 
-#include "platform/Sha256.h"
+#include "platform/files/Sha256.h"
 
 #include <fcntl.h>
 

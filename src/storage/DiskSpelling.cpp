@@ -2,7 +2,7 @@
 
 #include "storage/PathSafety.h"
 
-#include "platform/FolderItems.h"
+#include "platform/files/FolderItems.h"
 
 #include <sys/stat.h>
 

@@ -4,7 +4,7 @@
 // Blocking; an object belongs to one thread, any but the UI's.
 #pragma once
 
-#include "platform/Volumes.h"
+#include "platform/volumes/Volumes.h"
 
 #include <QString>
 

@@ -3,8 +3,8 @@
 #include "storage/Digest.h"
 #include "storage/Writers.h"
 
-#include "platform/DiskCalls.h"
 #include "platform/MarluneError.h"
+#include "platform/files/DiskCalls.h"
 
 #include <algorithm>
 #include <cerrno>

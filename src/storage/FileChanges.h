@@ -9,8 +9,8 @@
 
 #include "storage/DeviceAnchor.h"
 
-#include "platform/Files.h"
-#include "platform/Sha256.h"
+#include "platform/files/Files.h"
+#include "platform/files/Sha256.h"
 
 #include <QByteArray>
 

@@ -2,9 +2,9 @@
 
 #include "storage/Blocks.h"
 
-#include "platform/DiskCalls.h"
-#include "platform/FolderItems.h"
 #include "platform/MarluneError.h"
+#include "platform/files/DiskCalls.h"
+#include "platform/files/FolderItems.h"
 
 #include <sys/stat.h>
 

@@ -4,7 +4,7 @@
 // Blocking; no state; any thread but the UI's.
 #pragma once
 
-#include "platform/FolderItems.h"
+#include "platform/files/FolderItems.h"
 
 #include <filesystem>
 #include <functional>

@@ -5,8 +5,8 @@
 #include "storage/PathSafety.h"
 #include "storage/SavedFiles.h"
 
-#include "platform/DiskCalls.h"
-#include "platform/Files.h"
+#include "platform/files/DiskCalls.h"
+#include "platform/files/Files.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>

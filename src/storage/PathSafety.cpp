@@ -2,9 +2,9 @@
 
 #include "storage/FolderTree.h"
 
-#include "platform/Characters.h"
-#include "platform/Files.h"
 #include "platform/MarluneError.h"
+#include "platform/files/Files.h"
+#include "platform/text/Characters.h"
 
 #include <algorithm>
 

@@ -3,7 +3,7 @@
 // Blocking, no state, any thread but the UI's.
 #pragma once
 
-#include "platform/Volumes.h"
+#include "platform/volumes/Volumes.h"
 
 #include <QString>
 

@@ -3,9 +3,9 @@
 #include "storage/DeviceAnchor.h"
 #include "storage/PathSafety.h"
 
-#include "platform/Files.h"
 #include "platform/MarluneError.h"
-#include "platform/Volumes.h"
+#include "platform/files/Files.h"
+#include "platform/volumes/Volumes.h"
 
 #include <cerrno>
 #include <string>

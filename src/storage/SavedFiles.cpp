@@ -3,7 +3,7 @@
 #include "storage/ComputerDisk.h"
 #include "storage/Writers.h"
 
-#include "platform/Files.h"
+#include "platform/files/Files.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>

@@ -5,7 +5,7 @@
 // UI's.
 #pragma once
 
-#include "platform/Files.h"
+#include "platform/files/Files.h"
 
 #include <QString>
 

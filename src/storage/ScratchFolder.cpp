@@ -3,7 +3,7 @@
 #include "storage/ComputerDisk.h"
 #include "storage/FolderTree.h"
 
-#include "platform/DiskCalls.h"
+#include "platform/files/DiskCalls.h"
 
 #include <cerrno>
 

@@ -5,8 +5,8 @@
 #include "storage/PathSafety.h"
 #include "storage/Writers.h"
 
-#include "platform/Files.h"
 #include "platform/MarluneError.h"
+#include "platform/files/Files.h"
 
 #include <sys/stat.h>
 

@@ -4,7 +4,7 @@
 // system's own.
 #pragma once
 
-#include "platform/Files.h"
+#include "platform/files/Files.h"
 
 #include <fcntl.h>
 

@@ -1,7 +1,7 @@
 #include "storage/ZipInspection.h"
 
 #include "platform/MarluneError.h"
-#include "platform/RegularFile.h"
+#include "platform/files/RegularFile.h"
 
 #include <QSet>
 #include <QStringTokenizer>

@@ -6,10 +6,10 @@
 #include "storage/SystemTool.h"
 #include "storage/ZipInspection.h"
 
-#include "platform/DiskCalls.h"
-#include "platform/Files.h"
 #include "platform/MarluneError.h"
-#include "platform/RegularFile.h"
+#include "platform/files/DiskCalls.h"
+#include "platform/files/Files.h"
+#include "platform/files/RegularFile.h"
 
 #include <sys/stat.h>
 

@@ -1,8 +1,8 @@
 #include "themes/Catalogue.h"
 
-#include "platform/Background.h"
-#include "platform/Http.h"
 #include "platform/MarluneError.h"
+#include "platform/tasks/Background.h"
+#include "platform/web/Http.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 #include "themes/Catalogue.h"
 
-#include "platform/Characters.h"
+#include "platform/text/Characters.h"
 
 #include <QHash>
 #include <QRegularExpression>

@@ -1,7 +1,7 @@
 #include "themes/Configuration.h"
 
-#include "platform/Files.h"
-#include "platform/PlainText.h"
+#include "platform/files/Files.h"
+#include "platform/text/PlainText.h"
 
 namespace {
 

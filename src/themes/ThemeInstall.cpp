@@ -12,9 +12,9 @@
 #include "storage/ZipInspection.h"
 #include "storage/ZipUnpacking.h"
 
-#include "platform/Files.h"
 #include "platform/MarluneError.h"
-#include "platform/RegularFile.h"
+#include "platform/files/Files.h"
+#include "platform/files/RegularFile.h"
 
 #include <algorithm>
 #include <map>

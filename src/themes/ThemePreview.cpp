@@ -1,7 +1,7 @@
 #include "themes/ThemePreview.h"
 
-#include "platform/Files.h"
-#include "platform/Sha256.h"
+#include "platform/files/Files.h"
+#include "platform/files/Sha256.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 #include "themes/Themes.h"
 
-#include "platform/FolderItems.h"
-#include "platform/TextOrder.h"
+#include "platform/files/FolderItems.h"
+#include "platform/text/TextOrder.h"
 
 #include <algorithm>
 #include <system_error>

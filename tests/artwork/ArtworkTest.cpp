@@ -1,6 +1,6 @@
 // The store of covers, the checks of what Rockbox can show, and the conversion into what it can.
 #include "artwork/Artwork.h"
-#include "platform/Images.h"
+#include "media/pictures/Images.h"
 
 #include "support/Messages.h"
 #include "support/SampleDevice.h"

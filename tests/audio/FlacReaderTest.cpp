@@ -1,6 +1,6 @@
 #include "audio/AudioInfo.h"
 
-#include "platform/Files.h"
+#include "platform/files/Files.h"
 
 #include "support/FlacBytes.h"
 #include "support/Messages.h"

@@ -3,7 +3,7 @@
 
 #include "library/AlbumGrouping.h"
 #include "model/Browsing.h"
-#include "platform/TextOrder.h"
+#include "platform/text/TextOrder.h"
 
 #include <QRandomGenerator>
 

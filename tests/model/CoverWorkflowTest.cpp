@@ -3,8 +3,8 @@
 #include "support/FailingDisk.h"
 #include "support/ModelDesk.h"
 
-#include "platform/Files.h"
-#include "platform/Images.h"
+#include "media/pictures/Images.h"
+#include "platform/files/Files.h"
 
 #include "artwork/Artwork.h"
 

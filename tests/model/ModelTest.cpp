@@ -2,8 +2,8 @@
 #include "support/ModelDesk.h"
 
 #include "artwork/Artwork.h"
-#include "platform/DiskCalls.h"
-#include "platform/Files.h"
+#include "platform/files/DiskCalls.h"
+#include "platform/files/Files.h"
 
 #include <QBuffer>
 #include <QScopeGuard>

@@ -3,7 +3,7 @@
 #include "support/CataloguePage.h"
 #include "support/ModelDesk.h"
 
-#include "platform/Files.h"
+#include "platform/files/Files.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 // Opening and revealing, with a file manager of the test's own on a private session bus.
-#include "platform/Desktop.h"
-#include "platform/TerminationRequests.h"
+#include "platform/desktop/Desktop.h"
+#include "platform/desktop/TerminationRequests.h"
 #include "support/Eventually.h"
 #include "support/PrivateBus.h"
 

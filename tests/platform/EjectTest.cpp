@@ -1,6 +1,6 @@
 // Ejecting against a stand-in of the disk service on a bus of the test's own.
 #include "platform/MarluneError.h"
-#include "platform/Volumes.h"
+#include "platform/volumes/Volumes.h"
 #include "support/Eventually.h"
 #include "support/Messages.h"
 #include "support/PrivateBus.h"

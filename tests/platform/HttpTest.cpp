@@ -1,7 +1,7 @@
 // Requests to a server of the test's own: what comes back, and what ends them.
-#include "platform/Http.h"
+#include "platform/web/Http.h"
 
-#include "platform/Background.h"
+#include "platform/tasks/Background.h"
 
 #include "support/CannedServer.h"
 #include "support/Eventually.h"

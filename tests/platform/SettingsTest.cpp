@@ -1,6 +1,6 @@
-#include "platform/Settings.h"
+#include "platform/files/Settings.h"
 
-#include "platform/Files.h"
+#include "platform/files/Files.h"
 
 #include "support/FailingDisk.h"
 #include "support/SampleDevice.h"

@@ -1,7 +1,7 @@
 // Names as text, and the order and search of texts.
-#include "platform/ByteCount.h"
-#include "platform/Files.h"
-#include "platform/TextOrder.h"
+#include "platform/files/Files.h"
+#include "platform/text/ByteCount.h"
+#include "platform/text/TextOrder.h"
 
 #include "support/Messages.h"
 #include "support/TemporaryFolder.h"

@@ -1,6 +1,6 @@
 // The mount table's text, and real mounts where the process may make them.
-#include "platform/Volumes.h"
-#include "platform/MountTable.h"
+#include "platform/volumes/Volumes.h"
+#include "platform/volumes/MountTable.h"
 #include "support/Eventually.h"
 #include "support/ExfatVolume.h"
 

@@ -1,6 +1,6 @@
 #include "storage/Device.h"
 
-#include "platform/Volumes.h"
+#include "platform/volumes/Volumes.h"
 
 #include "support/Messages.h"
 #include "support/SampleDevice.h"

@@ -2,7 +2,7 @@
 #include "storage/Playlist.h"
 #include "storage/Transfer.h"
 
-#include "platform/Volumes.h"
+#include "platform/volumes/Volumes.h"
 
 #include "support/ExfatVolume.h"
 #include "support/Messages.h"

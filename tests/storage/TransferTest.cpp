@@ -1,6 +1,6 @@
 #include "storage/Transfer.h"
 
-#include "platform/Volumes.h"
+#include "platform/volumes/Volumes.h"
 
 #include "support/FailingDisk.h"
 #include "support/Messages.h"

@@ -1,7 +1,7 @@
 // Makes the n-th disk call of a test fail, and counts them. One at a time; the calls come back at destruction.
 #pragma once
 
-#include "platform/DiskCalls.h"
+#include "platform/files/DiskCalls.h"
 
 #include <atomic>
 #include <cerrno>

@@ -3,7 +3,7 @@
 
 #include "SampleDevice.h"
 
-#include "platform/Files.h"
+#include "platform/files/Files.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>

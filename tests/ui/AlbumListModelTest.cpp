@@ -1,7 +1,7 @@
 // The rows of the album grid under real changes of a real model, watched by Qt's own tester.
-#include "ui/AlbumListModel.h"
+#include "ui/library/AlbumListModel.h"
 #include "support/ModelDesk.h"
-#include "ui/CoverProvider.h"
+#include "ui/pictures/CoverProvider.h"
 
 #include <QAbstractItemModelTester>
 #include <QImage>

@@ -1,5 +1,5 @@
 // The look that the desktop asks for, from a settings portal of the test's own on a private session bus.
-#include "ui/DesktopScheme.h"
+#include "ui/theme/DesktopScheme.h"
 #include "support/PrivateBus.h"
 
 #include <QDBusArgument>

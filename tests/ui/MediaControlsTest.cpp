@@ -1,5 +1,5 @@
 // The player as the desktop sees it, over a private bus.
-#include "ui/MediaControls.h"
+#include "ui/playback/MediaControls.h"
 #include "support/PrivateBus.h"
 #include "support/WaveFile.h"
 

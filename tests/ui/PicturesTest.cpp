@@ -1,8 +1,8 @@
 // Covers and symbols: what is drawn, and for how long covers are held.
 #include "support/Messages.h"
 #include "support/TemporaryFolder.h"
-#include "ui/CoverProvider.h"
-#include "ui/Symbols.h"
+#include "ui/pictures/CoverProvider.h"
+#include "ui/pictures/Symbols.h"
 
 #include <gtest/gtest.h>
 

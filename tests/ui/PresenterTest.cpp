@@ -1,10 +1,10 @@
 // What the pages are told by their presenters, over a real model.
 #include "platform/MarluneError.h"
 #include "support/ModelDesk.h"
-#include "ui/DesktopPanels.h"
-#include "ui/LibraryPresenter.h"
-#include "ui/QualityPresenter.h"
-#include "ui/ShellPresenter.h"
+#include "ui/library/LibraryPresenter.h"
+#include "ui/quality/QualityPresenter.h"
+#include "ui/shell/DesktopPanels.h"
+#include "ui/shell/ShellPresenter.h"
 
 #include <QAbstractItemModelTester>
 #include <QSignalSpy>

@@ -1,11 +1,11 @@
 // Runs the tests in qml/ against the pages' own module. `Bench` gives them a real model with albums of real files.
 #include "support/ModelDesk.h"
-#include "ui/DesktopPanels.h"
-#include "ui/LibraryPresenter.h"
 #include "ui/MarluneApp.h"
-#include "ui/PlaybackPresenter.h"
-#include "ui/QualityPresenter.h"
-#include "ui/ShellPresenter.h"
+#include "ui/library/LibraryPresenter.h"
+#include "ui/playback/PlaybackPresenter.h"
+#include "ui/quality/QualityPresenter.h"
+#include "ui/shell/DesktopPanels.h"
+#include "ui/shell/ShellPresenter.h"
 
 #include <QMimeData>
 #include <QQmlEngine>

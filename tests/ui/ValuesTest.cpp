@@ -1,8 +1,8 @@
 // Wording, row changes and file addresses: values in, values out.
 #include "support/Messages.h"
 #include "ui/LocalPath.h"
-#include "ui/RowChanges.h"
-#include "ui/Wording.h"
+#include "ui/lists/RowChanges.h"
+#include "ui/words/Wording.h"
 
 #include <gtest/gtest.h>
 

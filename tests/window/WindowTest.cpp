@@ -3,8 +3,8 @@
 #include "NewUser.h"
 
 #include "artwork/Artwork.h"
-#include "platform/DiskCalls.h"
 #include "platform/MarluneError.h"
+#include "platform/files/DiskCalls.h"
 #include "quality/CollectionQuality.h"
 
 #include <QProcess>

@@ -1,0 +1,68 @@
+#include "library/LibraryScan.h"
+
+#include "library/AudioExtensions.h"
+
+#include "storage/PathSafety.h"
+
+#include "platform/files/FolderItems.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+namespace {
+
+constexpr std::array<std::string_view, 7> foldersWithoutMusic {
+    "Calendars", "Contacts", "Notes", "Photos", "System Volume Information", "Android", "LOST.DIR"};
+
+bool isHidden(const std::string &name)
+{
+    return name.starts_with('.');
+}
+
+void addFolder(const std::filesystem::path &folder, std::vector<std::filesystem::path> &files)
+{
+    for (const Files::FolderItem &item : Files::readableItemsOf(folder)) {
+        std::filesystem::path path = folder / item.name;
+        if (isHidden(item.name)) {
+            continue;
+        }
+        if (item.kind == Files::Kind::Folder) {
+            addFolder(path, files);
+        } else if (item.kind == Files::Kind::File && hasAudioExtension(path)) {
+            files.push_back(std::move(path));
+        }
+    }
+}
+
+} // namespace
+
+std::vector<std::filesystem::path> scanAudio(const std::vector<std::filesystem::path> &urls)
+{
+    std::vector<std::filesystem::path> files;
+    for (const std::filesystem::path &given : urls) {
+        const std::filesystem::path url = given.has_filename() ? given : given.parent_path();
+        if (isSymbolicLink(url) || isHidden(url.filename().native())) {
+            continue;
+        }
+        if (Files::isDirectory(url)) {
+            addFolder(url, files);
+        } else if (hasAudioExtension(url)) {
+            files.push_back(url);
+        }
+    }
+    return files;
+}
+
+std::vector<std::filesystem::path> deviceMusicFolders(const std::filesystem::path &root)
+{
+    std::vector<std::filesystem::path> folders;
+    for (const Files::FolderItem &item : Files::readableItemsOf(root)) {
+        const bool isOther
+            = std::find(foldersWithoutMusic.begin(), foldersWithoutMusic.end(), item.name) != foldersWithoutMusic.end();
+        if (item.kind == Files::Kind::Folder && !isHidden(item.name) && !isOther) {
+            folders.push_back(root / item.name);
+        }
+    }
+    return folders;
+}

@@ -1,0 +1,91 @@
+#include "ui/library/LibraryPresenter.h"
+
+#include "ui/LocalPath.h"
+#include "ui/words/Localization.h"
+
+namespace {
+
+constexpr int searchPauseMilliseconds = 150;
+
+QStringList textsOf(const auto &values, const auto &textOf)
+{
+    QStringList texts;
+    std::transform(values.begin(), values.end(), std::back_inserter(texts), textOf);
+    return texts;
+}
+
+} // namespace
+
+LibraryPresenter::LibraryPresenter(MarluneModel &model, std::shared_ptr<CoverStore> covers, QObject *parent)
+    : QObject(parent)
+    , m_model(model)
+    , m_albums(model, std::move(covers))
+{
+    m_searchPause.setSingleShot(true);
+    m_searchPause.setInterval(searchPauseMilliseconds);
+    connect(&m_searchPause, &QTimer::timeout, this, [this] { m_model.setSearch(m_searchText); });
+    connect(&m_albums, &AlbumListModel::refreshed, this, &LibraryPresenter::refreshContent);
+    connect(&m_model, &MarluneModel::deviceChanged, this, &LibraryPresenter::canReadDeviceChanged);
+    connect(&m_model, &MarluneModel::busyChanged, this, &LibraryPresenter::canReadDeviceChanged);
+    refreshContent();
+}
+
+QStringList LibraryPresenter::formats() const
+{
+    return textsOf(allFormatFilters, formatFilterText);
+}
+
+QStringList LibraryPresenter::sortModes() const
+{
+    return textsOf(allSortModes, sortModeText);
+}
+
+QString LibraryPresenter::counts() const
+{
+    return AppLocalizer::text(QStringLiteral("Albumy: ") + QString::number(m_content.albums)
+        + QStringLiteral(" · Utwory: ") + QString::number(m_content.tracks));
+}
+
+bool LibraryPresenter::canReadDevice() const
+{
+    return m_model.device().has_value() && !m_model.busy();
+}
+
+void LibraryPresenter::refreshContent()
+{
+    Content content {.albums = m_model.albums()->size(), .withoutMusic = m_model.activeTracks().empty()};
+    for (const Track &track : m_model.activeTracks()) { // counted in place: the filtered list would be sorted copies
+        if (m_model.matches(track)) {
+            ++content.tracks;
+            content.highResolution = content.highResolution || isHighResolution(track.info);
+        }
+    }
+    if (m_content != content) {
+        m_content = content;
+        Q_EMIT contentChanged();
+    }
+}
+
+void LibraryPresenter::searchSoon(const QString &text)
+{
+    m_searchText = text;
+    if (text.isEmpty()) {
+        m_searchPause.stop();
+        m_model.setSearch(text);
+    } else {
+        m_searchPause.start();
+    }
+}
+
+void LibraryPresenter::importDropped(const QList<QUrl> &urls)
+{
+    std::vector<std::filesystem::path> paths;
+    for (const QUrl &url : urls) {
+        if (const std::optional<std::filesystem::path> path = localPath(url)) {
+            paths.push_back(*path);
+        }
+    }
+    if (!paths.empty()) {
+        m_model.importURLs(paths, false, true);
+    }
+}

@@ -1,0 +1,46 @@
+// The base of list models whose rows follow something else, and change in as few steps as they can, so that a view
+// keeps its place. UI thread.
+#pragma once
+
+#include "ui/lists/RowChanges.h"
+
+#include <QAbstractListModel>
+
+#include <algorithm>
+
+class RowListModel : public QAbstractListModel {
+protected:
+    using QAbstractListModel::QAbstractListModel;
+
+    /// Makes the identities of `rows` those of `wanted`. True if that was done in steps: rows that stayed are still the
+    /// old ones, and it is the caller who exchanges them and tells what changed in them. False: all rows are new.
+    template <typename Row, typename IdOf>
+    [[nodiscard]] bool changeRows(std::vector<Row> &rows, const std::vector<Row> &wanted, const IdOf &idOf)
+    {
+        constexpr std::size_t mostSteps = 48; // past that a view is done sooner with all rows anew
+        const auto ids = [&](const std::vector<Row> &of) {
+            std::vector<QString> result(of.size());
+            std::transform(of.begin(), of.end(), result.begin(), idOf);
+            return result;
+        };
+        const auto steps = RowChanges::plan(ids(rows), ids(wanted), mostSteps);
+        if (!steps) {
+            beginResetModel();
+            rows = wanted;
+            endResetModel();
+            return false;
+        }
+        for (const auto &[kind, first, count] : *steps) {
+            if (kind == RowChanges::Step::Kind::Remove) {
+                beginRemoveRows({}, first, first + count - 1);
+                rows.erase(rows.begin() + first, rows.begin() + first + count);
+                endRemoveRows();
+            } else {
+                beginInsertRows({}, first, first + count - 1);
+                rows.insert(rows.begin() + first, wanted.begin() + first, wanted.begin() + first + count);
+                endInsertRows();
+            }
+        }
+        return true;
+    }
+};

@@ -1,0 +1,106 @@
+#include "ui/pictures/Symbols.h"
+
+#include <QPainter>
+#include <QSvgRenderer>
+
+#include <algorithm>
+#include <array>
+
+namespace Symbols {
+
+namespace {
+
+struct Entry {
+    const char *name;
+    const char *file; ///< below the icon set's folder, without ".svg"
+};
+
+constexpr std::array table {
+    Entry {"arrow.clockwise", "regular/arrow-clockwise"},
+    Entry {"arrow.down.to.line", "regular/arrow-line-down"},
+    Entry {"backward.end.fill", "fill/skip-back-fill"},
+    Entry {"book.closed", "regular/book"},
+    Entry {"checkmark", "regular/check"},
+    Entry {"checkmark.circle", "regular/check-circle"},
+    Entry {"checkmark.circle.fill", "fill/check-circle-fill"},
+    Entry {"chevron.up.chevron.down", "regular/caret-up-down"},
+    Entry {"clock.arrow.circlepath", "regular/clock-counter-clockwise"},
+    Entry {"doc.badge.ellipsis", "regular/file-x"},
+    Entry {"doc.on.doc", "regular/copy"},
+    Entry {"eject.fill", "fill/eject-fill"},
+    Entry {"folder", "regular/folder"},
+    Entry {"forward.end.fill", "fill/skip-forward-fill"},
+    Entry {"ipod", "regular/device-mobile-speaker"},
+    Entry {"magnifyingglass", "regular/magnifying-glass"},
+    Entry {"music.note", "regular/music-note"},
+    Entry {"music.note.list", "regular/playlist"},
+    Entry {"opticaldisc", "regular/vinyl-record"},
+    Entry {"paintbrush", "regular/paint-brush"},
+    Entry {"pause.fill", "fill/pause-fill"},
+    Entry {"photo", "regular/image"},
+    Entry {"play.fill", "fill/play-fill"},
+    Entry {"plus", "regular/plus"},
+    Entry {"plus.circle", "regular/plus-circle"},
+    Entry {"sparkles", "regular/sparkle"},
+    Entry {"speaker.wave.2", "regular/speaker-high"},
+    Entry {"square.grid.2x2", "regular/squares-four"},
+    Entry {"square.stack", "regular/stack"},
+    Entry {"tag", "regular/tag"},
+    Entry {"xmark", "regular/x"},
+    Entry {"xmark.circle.fill", "fill/x-circle-fill"},
+};
+
+} // namespace
+
+QStringList names()
+{
+    QStringList result;
+    std::transform(table.begin(), table.end(), std::back_inserter(result),
+        [](const Entry &entry) { return QString::fromLatin1(entry.name); });
+    return result;
+}
+
+QString file(const QString &name)
+{
+    const auto *const found = std::find_if(
+        table.begin(), table.end(), [&](const Entry &entry) { return name == QLatin1String(entry.name); });
+    return found != table.end() ? QStringLiteral(":/symbols/") + QLatin1String(found->file) + QStringLiteral(".svg")
+                                : QString();
+}
+
+QImage draw(const QString &name, const QColor &colour, int side)
+{
+    const QString source = file(name);
+    if (source.isEmpty()) {
+        return {};
+    }
+    QSvgRenderer renderer(source);
+    QImage image(side, side, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    renderer.render(&painter, QRectF(0, 0, side, side));
+    painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
+    painter.fillRect(image.rect(), colour);
+    painter.end();
+    return image;
+}
+
+Provider::Provider()
+    : QQuickImageProvider(QQuickImageProvider::Image)
+{
+}
+
+QImage Provider::requestImage(const QString &id, QSize *size, const QSize &requestedSize)
+{
+    constexpr int defaultSide = 16;
+    constexpr int largestSide = 1024;
+    const int wanted = std::max(requestedSize.width(), requestedSize.height());
+    const int side = std::min(wanted > 0 ? wanted : defaultSide, largestSide);
+    const QImage image = draw(id.section(u'/', 0, 0), QColor(u'#' + id.section(u'/', 1, 1)), side);
+    if (size) {
+        *size = image.size();
+    }
+    return image;
+}
+
+} // namespace Symbols
