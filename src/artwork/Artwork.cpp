@@ -3,6 +3,7 @@
 #include "media/pictures/Images.h"
 #include "platform/MarluneError.h"
 #include "platform/files/CaselessFolder.h"
+#include "platform/files/FileWriting.h"
 #include "platform/files/Files.h"
 
 #include <algorithm>

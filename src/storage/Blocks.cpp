@@ -1,5 +1,6 @@
 #include "storage/Blocks.h"
 
+#include "platform/files/FileWriting.h"
 #include "platform/files/Files.h"
 
 #include <fcntl.h>

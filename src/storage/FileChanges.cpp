@@ -6,6 +6,8 @@
 #include "platform/MarluneError.h"
 #include "platform/files/DiskCalls.h"
 
+#include "platform/files/FileWriting.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <utility>

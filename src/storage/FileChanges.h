@@ -9,6 +9,7 @@
 
 #include "storage/DeviceAnchor.h"
 
+#include "platform/files/FileWriting.h"
 #include "platform/files/Files.h"
 #include "platform/files/Sha256.h"
 

@@ -6,6 +6,7 @@
 #include "storage/SavedFiles.h"
 
 #include "platform/files/DiskCalls.h"
+#include "platform/files/FileWriting.h"
 #include "platform/files/Files.h"
 
 #include <fcntl.h>

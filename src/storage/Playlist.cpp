@@ -4,6 +4,7 @@
 #include "storage/PathSafety.h"
 
 #include "platform/MarluneError.h"
+#include "platform/files/FileWriting.h"
 #include "platform/files/Files.h"
 #include "platform/volumes/Volumes.h"
 

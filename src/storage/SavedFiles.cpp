@@ -3,6 +3,7 @@
 #include "storage/ComputerDisk.h"
 #include "storage/Writers.h"
 
+#include "platform/files/FileWriting.h"
 #include "platform/files/Files.h"
 
 #include <QJsonDocument>

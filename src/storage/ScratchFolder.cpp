@@ -5,6 +5,8 @@
 
 #include "platform/files/DiskCalls.h"
 
+#include "platform/files/FileWriting.h"
+
 #include <cerrno>
 
 namespace Storage {

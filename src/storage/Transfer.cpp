@@ -6,6 +6,7 @@
 #include "storage/Writers.h"
 
 #include "platform/MarluneError.h"
+#include "platform/files/FileWriting.h"
 #include "platform/files/Files.h"
 
 #include <sys/stat.h>

@@ -2,6 +2,8 @@
 
 #include "storage/Blocks.h"
 
+#include "platform/files/FileWriting.h"
+
 namespace Storage {
 
 void copyToNew(

@@ -4,6 +4,7 @@
 // system's own.
 #pragma once
 
+#include "platform/files/FileWriting.h"
 #include "platform/files/Files.h"
 
 #include <fcntl.h>

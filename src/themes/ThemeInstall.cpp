@@ -13,6 +13,7 @@
 #include "storage/ZipUnpacking.h"
 
 #include "platform/MarluneError.h"
+#include "platform/files/FileWriting.h"
 #include "platform/files/Files.h"
 #include "platform/files/RegularFile.h"
 

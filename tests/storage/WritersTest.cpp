@@ -4,6 +4,8 @@
 #include "support/Messages.h"
 #include "support/SampleDevice.h"
 
+#include "platform/files/FileWriting.h"
+
 #include <gtest/gtest.h>
 
 #include <sys/resource.h>

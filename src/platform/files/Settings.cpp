@@ -2,6 +2,7 @@
 
 #include "platform/MarluneError.h"
 #include "platform/files/DiskCalls.h"
+#include "platform/files/FileWriting.h"
 #include "platform/files/Files.h"
 
 #include <QDateTime>
