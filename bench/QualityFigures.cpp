@@ -19,7 +19,7 @@
 
 namespace {
 
-constexpr int mostTracks = 7200;
+constexpr int maxTracks = 7200;
 
 QByteArray fitCover()
 {
@@ -41,7 +41,7 @@ std::vector<Track> deviceTracks(const std::filesystem::path &library, const std:
     }
     std::vector<Track> tracks
         = readTracks({.urls = {music}, .known = {}, .artworkOverrides = {}, .artwork = {}}, [](int, int) { });
-    tracks.resize(std::min<std::size_t>(tracks.size(), mostTracks));
+    tracks.resize(std::min<std::size_t>(tracks.size(), maxTracks));
     const QByteArray cover = fitCover();
     std::map<std::filesystem::path, QByteArray> covers;
     for (Track &track : tracks) {

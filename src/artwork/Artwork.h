@@ -18,14 +18,14 @@ class CaselessFolder;
 namespace Artwork {
 
 /// Bytes of a picture that the user chooses. A photograph stays below it; a film chosen by mistake does not.
-inline constexpr std::int64_t largestFile = 64'000'000;
+inline constexpr std::int64_t maxFileBytes = 64'000'000;
 
 /// The store's folder below the user's folder for application data.
 [[nodiscard]] std::filesystem::path cacheRoot(const std::filesystem::path &supportFolder);
 
 /// Keeps the bytes as they are under `key`.jpg in the store, in place of any earlier ones, and returns where. Makes the
 /// store if it is missing. The key is a file name of the caller's making. Throws std::system_error; the earlier file
-/// then stands.
+/// then stays.
 std::filesystem::path cache(const QByteArray &data, const QString &key, const std::filesystem::path &supportFolder);
 
 /// Why an image will not do on the device, for the user; absent if it will. Decodes no pixels.

@@ -57,7 +57,7 @@ std::filesystem::path sidecarOf(std::filesystem::path track)
     return track.replace_extension(".jpeg");
 }
 
-/// Those that show nothing else than the folder's old cover or the new one.
+/// Those that show nothing but the folder's old cover or the new one.
 Paths replacedSidecars(const QByteArray &data, std::span<const std::filesystem::path> tracks,
     const std::filesystem::path &cover, const Artwork::InstallView &view)
 {
@@ -104,7 +104,7 @@ std::filesystem::path placeOf(const std::filesystem::path &file, const std::file
     return root / *place;
 }
 
-/// Throws if that cannot be told: what might be there must not be overwritten unsaved.
+/// Throws if that cannot be known: what might be there must not be overwritten unsaved.
 bool stands(const std::filesystem::path &file)
 {
     return Files::kindOf(file) != Files::Kind::None;

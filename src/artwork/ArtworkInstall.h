@@ -1,6 +1,6 @@
 // Puts one finished cover beside the music of one album on the device, where the firmware looks for it.
 //
-// Either the cover stands in all of the album's folders afterwards, or the files are as they were: every place is
+// Either the cover is in all of the album's folders afterwards, or the files are as they were: every place is
 // checked before the first is written, what will change is copied to the computer, and a failure half way is undone.
 // Blocking; no state; any thread but the UI's; no two installs on one device at a time.
 #pragma once
@@ -41,7 +41,7 @@ struct InstallView {
     Volumes::NameRules rules, const InstallView &view);
 
 /// Makes and carries out the plan for the album of these `tracks` on the device. `data` is written as it is.
-/// What stood at the changed places is copied to a new folder "Covers-UUID" with a manifest under `backupRoot`, which
+/// What was at the changed places is copied to a new folder "Covers-UUID" with a manifest under `backupRoot`, which
 /// stays in every case. The metadata files that macOS left beside the targets are removed.
 /// Throws MarluneError (no track, no device, a place outside the device or behind a link) or the system's failure.
 void install(const QByteArray &data, std::span<const std::filesystem::path> tracks, const Storage::DeviceAnchor &device,

@@ -19,8 +19,8 @@
 namespace {
 
 /// Bytes; what is larger is refused.
-constexpr std::int64_t largestAnswer = 999'999;
-constexpr std::int64_t largestImage = 7'999'999;
+constexpr std::int64_t maxAnswer = 999'999;
+constexpr std::int64_t maxImage = 7'999'999;
 
 constexpr std::int64_t leastScore = 95; ///< of a match
 
@@ -162,7 +162,7 @@ QString withoutAccents(const QString &text)
 }
 
 /// What is compared of a name. Letters that are no base with an accent stay as they are: "ł" is not "l".
-QString normalised(const QString &text)
+QString normalized(const QString &text)
 {
     QString folded = withoutAccents(text).toCaseFolded(); // one letter for each
     return lettersAndNumbers(folded.replace(u'ß', QLatin1String("ss")));
@@ -200,10 +200,10 @@ bool CoverCandidate::matches(const QString &wantedArtist, const QString &wantedT
     if (primaryType.value_or(QStringLiteral("Album")) != QLatin1String("Album") || !score || *score < leastScore) {
         return false;
     }
-    const QString soughtArtist = normalised(wantedArtist);
-    const QString soughtTitle = normalised(wantedTitle);
-    return !soughtArtist.isEmpty() && !soughtTitle.isEmpty() && normalised(artist()) == soughtArtist
-        && normalised(title) == soughtTitle;
+    const QString artistToFind = normalized(wantedArtist);
+    const QString titleToFind = normalized(wantedTitle);
+    return !artistToFind.isEmpty() && !titleToFind.isEmpty() && normalized(artist()) == artistToFind
+        && normalized(title) == titleToFind;
 }
 
 CoverSearch::CoverSearch(CoverServices services)
@@ -242,7 +242,7 @@ QCoro::Task<> CoverSearch::reserveSearchSlot(QObject &owner)
     const QPointer<QObject> living(&owner);
     using Clock = std::chrono::steady_clock;
     const auto start = std::max(m_nextRequest, Clock::now());
-    m_nextRequest = start + m_services.spacing; // before any wait: who comes meanwhile stands behind this one
+    m_nextRequest = start + m_services.spacing; // before any wait: who comes meanwhile waits behind this one
     for (auto now = Clock::now(); now < start; now = Clock::now()) {
         co_await pause(std::chrono::ceil<std::chrono::milliseconds>(start - now), *living);
     }
@@ -282,7 +282,7 @@ QCoro::Task<std::vector<CoverCandidate>> CoverSearch::search(
         co_return *known;
     }
     Http::Request request {.url = searchAddress(m_services.catalogue, wanted),
-        .largestBody = largestAnswer,
+        .maxBodyBytes = maxAnswer,
         .silence = m_services.catalogueSilence,
         // The service turns away who does not tell what it is for.
         .userAgent = "Marlune/" + shortProductVersion().toLatin1() + " (personal macOS Rockbox library manager)"};
@@ -308,7 +308,7 @@ QCoro::Task<QByteArray> CoverSearch::image(const CoverCandidate &candidate, QObj
         throw MarluneError(QStringLiteral("Nieprawidłowy identyfikator albumu."));
     }
     Http::Request request {.url = candidate.artworkURL(m_services),
-        .largestBody = largestImage,
+        .maxBodyBytes = maxImage,
         .silence = m_services.archiveSilence,
         .redirects = Http::Redirects::AnyHost}; // the images lie with another host
     const Http::Response response = co_await ask(request, Pace::Free, owner);

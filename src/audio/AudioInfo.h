@@ -14,7 +14,7 @@
 #include <vector>
 
 struct AudioInfo {
-    QString codec; ///< short format label: "FLAC", "ALAC", "AAC", else the extension in upper case
+    QString codec; ///< short format label: "FLAC", "ALAC", "AAC", otherwise the extension in upper case
     std::int64_t sampleRate = 0; ///< Hz, 0 if unknown
     std::int64_t bitDepth = 0; ///< bits a sample, 0 if unknown or lossy
     double duration = 0; ///< seconds
@@ -22,7 +22,7 @@ struct AudioInfo {
     std::int64_t trackNumber = 0;
     std::int64_t discNumber = 0;
     QString year; ///< the first four characters of the date tag
-    QMap<QString, QString> tags; ///< upper-case keys; FLAC: all comments, else TITLE, ARTIST, ALBUM, ALBUMARTIST
+    QMap<QString, QString> tags; ///< upper-case keys; FLAC: all comments, otherwise TITLE, ARTIST, ALBUM, ALBUMARTIST
     std::optional<QByteArray> picture; ///< the embedded picture, encoded
 
     bool operator==(const AudioInfo &) const = default;

@@ -137,7 +137,7 @@ AudioInfo AudioInfo::readFLAC(const std::filesystem::path &path)
         const std::optional<std::uint64_t> type = header.number(1);
         const std::optional<std::uint64_t> length = header.number(3);
         if (!type || !length) {
-            break; // the file ends at a block's header: what has been read stands
+            break; // the file ends at a block's header: what has been read stays
         }
         isLast = (*type & 0x80) != 0;
         position += 4;

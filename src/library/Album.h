@@ -23,7 +23,7 @@ struct Album {
 
     bool operator==(const Album &) const = default;
 
-    /// groupID, else artist, NUL, title, NUL, folder of the first track (empty without tracks).
+    /// groupID, otherwise artist, NUL, title, NUL, folder of the first track (empty without tracks).
     [[nodiscard]] QString id() const;
     /// The first artwork bytes among the tracks; later tracks are not asked even if these are no picture.
     [[nodiscard]] std::optional<QByteArray> artworkBytes() const;

@@ -55,7 +55,7 @@ struct Folder {
 struct Name {
     QString exact; ///< canonical form
     QString cleaned;
-    QString keyed; ///< the cleaned text as it stands in a key
+    QString keyed; ///< the cleaned text as it is in a key
     bool namesDisc = false;
 
     static Name album(const QString &text)

@@ -154,7 +154,7 @@ std::vector<Track> readTracks(TrackImport import, const ImportProgress &progress
 {
     constexpr int progressInterval = 20; // files
     std::vector<std::filesystem::path> files = scanAudio(import.urls);
-    std::transform(files.begin(), files.end(), files.begin(), Files::standardised);
+    std::transform(files.begin(), files.end(), files.begin(), Files::standardized);
     TextOrder::stableSort(files, [](const std::filesystem::path &file) { return Files::text(file); });
     TrackReader reader(std::move(import.artworkOverrides), import.artwork);
     std::vector<Track> tracks;

@@ -20,7 +20,7 @@
 /// What one import starts from.
 struct TrackImport {
     std::vector<std::filesystem::path> urls; ///< files and folders
-    std::unordered_set<std::string> known; ///< standardised paths of tracks that are there already
+    std::unordered_set<std::string> known; ///< standardized paths of tracks that are there already
     QMap<QString, QString> artworkOverrides; ///< overrideKey() to the path of a chosen cover
     std::vector<QByteArray> artwork; ///< covers held already, for new tracks to share
 };

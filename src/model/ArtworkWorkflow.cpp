@@ -42,8 +42,8 @@ QString storeKey(const Album &album)
 /// large for a picture.
 std::optional<QByteArray> chosenPicture(const std::filesystem::path &file)
 {
-    std::optional<QByteArray> bytes = Files::readBelow(file, Artwork::largestFile);
-    if (!bytes && Files::size(file).value_or(0) >= Artwork::largestFile) {
+    std::optional<QByteArray> bytes = Files::readBelow(file, Artwork::maxFileBytes);
+    if (!bytes && Files::size(file).value_or(0) >= Artwork::maxFileBytes) {
         throw MarluneError(QStringLiteral("Obraz jest nieobsługiwany."));
     }
     return bytes;
@@ -129,11 +129,11 @@ QCoro::Task<> MarluneModel::applyArtwork(Album album, QByteArray data, CoverPlac
     };
     const PreparedCover cover = co_await background(prepare);
     if (self) {
-        noteArtwork(album, cover, place.onDevice);
+        recordArtwork(album, cover, place.onDevice);
     }
 }
 
-void MarluneModel::noteArtwork(const Album &album, const PreparedCover &cover, bool onDevice)
+void MarluneModel::recordArtwork(const Album &album, const PreparedCover &cover, bool onDevice)
 {
     QMap<QString, QString> overrides;
     const QString stored = Files::text(cover.stored);

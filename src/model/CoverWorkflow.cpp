@@ -134,7 +134,7 @@ QCoro::Task<> MarluneModel::runCoverSearch(std::vector<Album> albums, CoverPlace
             break;
         }
         CoverFinding finding = CoverFinding::Unavailable;
-        if (isReachable(place)) { // else the network need not be asked
+        if (isReachable(place)) { // otherwise the network need not be asked
             auto searching = findCover(album, place);
             finding = co_await searching;
             if (!self) {

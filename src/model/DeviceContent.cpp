@@ -13,7 +13,7 @@
 namespace {
 
 /// Bytes of all themes' settings together. Thousands of themes stay below it; a disk full of nonsense does not.
-constexpr std::int64_t mostThemeSettings = 16'000'000;
+constexpr std::int64_t maxThemeSettings = 16'000'000;
 
 std::vector<std::filesystem::path> playlistsBelow(const std::filesystem::path &root)
 {
@@ -37,7 +37,7 @@ DeviceContent readDeviceContent(
 {
     DeviceContent content;
     content.themes = Storage::themes(root);
-    std::int64_t settingsLeft = mostThemeSettings;
+    std::int64_t settingsLeft = maxThemeSettings;
     for (const Theme &theme : content.themes) {
         if (stop.stop_requested()) {
             return content;
@@ -101,11 +101,11 @@ QCoro::Task<> MarluneModel::runContentLoad(std::filesystem::path root)
     if (m_environment.settings.textsWithPrefix(ThemePreview::settingsPrefix()) != chosen) {
         loadDeviceContent(); // the reading began before the user's last choice of a picture
     } else {
-        landContent(std::move(read));
+        applyContent(std::move(read));
     }
 }
 
-void MarluneModel::landContent(DeviceContent read)
+void MarluneModel::applyContent(DeviceContent read)
 {
     // Previews that came from elsewhere stay.
     ThemePreviews previews = m_content.themePreviews;

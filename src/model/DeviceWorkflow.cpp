@@ -31,7 +31,7 @@ void MarluneModel::refresh()
         return;
     }
     runRefresh();
-    QTimer::singleShot(m_environment.discoveryPatience, this, [this, discovery = m_finder.latest()] {
+    QTimer::singleShot(m_environment.discoveryTimeout, this, [this, discovery = m_finder.latest()] {
         if (m_finder.isRunning(discovery)) {
             m_work.setStatus(
                 QStringLiteral("Urządzenie nie odpowiada. Możesz nadal korzystać z biblioteki i poradnika."));
@@ -51,7 +51,7 @@ QCoro::Task<> MarluneModel::runRefresh()
         found.clear(); // no device could be read: the list is empty
     }
     if (self) {
-        landDevices(std::move(found));
+        applyDevices(std::move(found));
     }
 }
 
@@ -62,7 +62,7 @@ void MarluneModel::rediscover()
     refresh();
 }
 
-void MarluneModel::landDevices(std::vector<Device> found)
+void MarluneModel::applyDevices(std::vector<Device> found)
 {
     using Selection = DeviceFinder::Outcome::Selection;
     const DeviceFinder::Outcome outcome = m_finder.finish(std::move(found), m_device, m_ejecting.has_value());
@@ -126,7 +126,7 @@ void MarluneModel::clearDeviceMusic()
         m_duplicates.forget();
     }
     m_browsing.clearDevice();
-    tracksWereChanged();
+    onTracksChanged();
     Q_EMIT selectionChanged();
 }
 
@@ -169,7 +169,7 @@ QCoro::Task<> MarluneModel::runChoice(std::filesystem::path folder)
 {
     const QPointer<MarluneModel> self(this);
     const int choice = m_finder.onChoice();
-    auto inspect = [folder = Files::standardised(folder)] { return Device::inspect(folder); };
+    auto inspect = [folder = Files::standardized(folder)] { return Device::inspect(folder); };
     const auto device = co_await attempt(inspect, JobPriority::Discovery);
     if (!self || !m_finder.isLatestChoice(choice)) { // a later choice was answered sooner
         co_return;
@@ -237,7 +237,7 @@ void MarluneModel::volumeUnmounted(const std::filesystem::path &mountPoint)
 {
     m_finder.onDiskLeft(mountPoint);
     if (m_ejecting && *m_ejecting == mountPoint) {
-        m_unmountedWhileEjecting = true; // our own doing: the eject tells how it ended
+        m_unmountedWhileEjecting = true; // our own doing: the eject reports how it ended
     } else if (m_device && m_device->root == mountPoint) {
         disconnect();
     }

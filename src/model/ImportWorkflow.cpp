@@ -73,7 +73,7 @@ TrackImport MarluneModel::prepareImport(bool fromDevice) const
     const std::vector<Track> &held = fromDevice ? deviceTracks() : tracks();
     TrackImport import;
     for (const Track &track : held) {
-        import.known.insert(Files::standardised(track.url).native());
+        import.known.insert(Files::standardized(track.url).native());
     }
     import.artworkOverrides = m_environment.settings.textMap(QStringLiteral("artworkOverrides"));
     import.artwork = artworkOf(held);
@@ -124,11 +124,11 @@ QCoro::Task<> MarluneModel::runImport(ImportSource source, bool fromDevice, bool
                 ? QStringLiteral("iPod został zmieniony podczas odczytu. Odczytaj muzykę jeszcze raz.")
                 : QStringLiteral("iPod został odłączony"));
     } else {
-        landImport(std::move(*read), fromDevice, enqueue);
+        applyImport(std::move(*read), fromDevice, enqueue);
     }
 }
 
-void MarluneModel::landImport(std::vector<Track> read, bool fromDevice, bool enqueue)
+void MarluneModel::applyImport(std::vector<Track> read, bool fromDevice, bool enqueue)
 {
     const std::size_t count = read.size();
     if (!fromDevice && enqueue) {
@@ -141,7 +141,7 @@ void MarluneModel::landImport(std::vector<Track> read, bool fromDevice, bool enq
     }
     m_duplicates.forget();
     if (count > 0) {
-        tracksWereChanged();
+        onTracksChanged();
         Q_EMIT selectionChanged();
     }
     m_work.end();
@@ -157,7 +157,7 @@ void MarluneModel::scanDeviceMusic()
     m_browsing.clearDevice();
     setLibraryOnDevice(true);
     m_duplicates.forget();
-    tracksWereChanged();
+    onTracksChanged();
     Q_EMIT selectionChanged();
     beginImport([root = m_device->root] { return deviceMusicFolders(root); }, true, false);
 }
@@ -184,6 +184,6 @@ void MarluneModel::forget(const Album &album)
     m_browsing.remove(ids);
     m_duplicates.forget();
     storeLibraryPaths();
-    tracksWereChanged();
+    onTracksChanged();
     Q_EMIT selectionChanged();
 }

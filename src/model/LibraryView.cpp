@@ -1,7 +1,7 @@
 // What the pages do with what is browsed: choices that are kept, and who hears of a change.
 #include "model/Model.h"
 
-void MarluneModel::tracksWereChanged()
+void MarluneModel::onTracksChanged()
 {
     Q_EMIT tracksChanged();
     Q_EMIT browsingChanged();

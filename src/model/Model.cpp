@@ -10,7 +10,7 @@
 namespace {
 
 constexpr double defaultTileSize = 170;
-constexpr std::chrono::seconds drainPatience {3};
+constexpr std::chrono::seconds drainTimeout {3};
 
 } // namespace
 
@@ -60,7 +60,7 @@ MarluneModel::~MarluneModel()
     m_environment.settings.onWriteFailure({});
     m_contentReading.request_stop();
     m_duplicates.stop();
-    (void)BackgroundJobs::drain(drainPatience);
+    (void)BackgroundJobs::drain(drainTimeout);
 }
 
 void MarluneModel::setSection(Section section)

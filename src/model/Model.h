@@ -59,7 +59,7 @@ struct ModelEnvironment {
     /// Whether the library of the last run comes back.
     bool restoreLibrary = true;
     /// After this long a discovery counts as hanging, and the user is told.
-    std::chrono::milliseconds discoveryPatience = std::chrono::seconds(5);
+    std::chrono::milliseconds discoveryTimeout = std::chrono::seconds(5);
     /// Tells the time by which the time left is estimated.
     std::function<TimeLeft::Moment()> clock = TimeLeft::Moment::clock::now;
 };
@@ -250,7 +250,7 @@ public:
     [[nodiscard]] const std::optional<QString> &alert() const { return m_work.alert(); }
     Q_INVOKABLE void dismissAlert();
 
-    // What the platform tells.
+    // What the platform reports.
     void volumeMounted();
     void volumeUnmounted(const std::filesystem::path &mountPoint);
 
@@ -329,7 +329,7 @@ private:
     void forgetThemePreviews();
     void abandonDeviceContent();
     void setChoice(const QString &prefix, const QString &id);
-    void tracksWereChanged();
+    void onTracksChanged();
     void setArtwork(const QSet<QUuid> &ids, const QByteArray &image, bool onDevice);
     void storeLibraryPaths();
     void readBackups();
@@ -359,7 +359,7 @@ private:
     [[nodiscard]] static PreparedCover prepareCover(const Album &album, const QByteArray &data, const CoverPlace &place,
         const std::filesystem::path &supportFolder, const std::filesystem::path &backupRoot);
     QCoro::Task<> applyArtwork(Album album, QByteArray data, CoverPlace place);
-    void noteArtwork(const Album &album, const PreparedCover &cover, bool onDevice);
+    void recordArtwork(const Album &album, const PreparedCover &cover, bool onDevice);
     void saveCoverSource(const CoverCandidate &candidate, const Album &album);
     QCoro::Task<> runArtworkChoice(Album album, PictureSource source, CoverPlace place);
     QCoro::Task<> fetchCover(CoverCandidate candidate, Album album, CoverPlace place);
@@ -367,21 +367,21 @@ private:
     QCoro::Task<CoverFinding> findCover(Album album, CoverPlace place);
     QCoro::Task<> runCoverSearch(std::vector<Album> albums, CoverPlace place);
     QCoro::Task<> runRepair(CoverPlace place);
-    void landTransfer(
+    void applyTransfer(
         const PlannedTransfer &transfer, TransferResult result, bool isThere, const std::exception_ptr &failure);
     /// The order of paths as plain text; their own goes by components.
     [[nodiscard]] static bool isBeforeAsText(const std::filesystem::path &a, const std::filesystem::path &b)
     {
         return a.native() < b.native();
     }
-    void noteTransferred(int visit, std::vector<std::filesystem::path> files);
-    void landDevices(std::vector<Device> found);
-    void landContent(DeviceContent read);
-    void landPreviews(const ThemePreviews &found);
+    void addTransferred(int visit, std::vector<std::filesystem::path> files);
+    void applyDevices(std::vector<Device> found);
+    void applyContent(DeviceContent read);
+    void applyPreviews(const ThemePreviews &found);
     void rediscover();
     [[nodiscard]] TrackImport prepareImport(bool fromDevice) const;
     void restoreLibrary();
-    void landImport(std::vector<Track> read, bool fromDevice, bool enqueue);
+    void applyImport(std::vector<Track> read, bool fromDevice, bool enqueue);
 
     ModelEnvironment m_environment;
     RunningWork m_work;

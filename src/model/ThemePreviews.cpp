@@ -28,7 +28,7 @@ QCoro::Task<> MarluneModel::runPreviewFetch()
         co_return;
     }
     if (found) {
-        landPreviews(*found);
+        applyPreviews(*found);
         setThemePreviewStatus(QStringLiteral("Podglądy katalogowe: ") + QString::number(found->size())
             + QStringLiteral(". Wersja motywu może różnić się od zainstalowanej."));
     } else {
@@ -36,7 +36,7 @@ QCoro::Task<> MarluneModel::runPreviewFetch()
     }
 }
 
-void MarluneModel::landPreviews(const ThemePreviews &found)
+void MarluneModel::applyPreviews(const ThemePreviews &found)
 {
     const QString chosen = ThemePreview::chosen({}).source;
     ThemePreviews previews = m_content.themePreviews;

@@ -17,7 +17,7 @@ namespace {
 std::optional<QByteArray> readPicture(const std::filesystem::path &file)
 {
     constexpr int side = 64; // it need not be looked at, only be there
-    std::optional<QByteArray> bytes = Files::readBelow(file, Artwork::largestFile);
+    std::optional<QByteArray> bytes = Files::readBelow(file, Artwork::maxFileBytes);
     if (bytes && decodeImage(*bytes, side).isNull()) {
         bytes.reset();
     }

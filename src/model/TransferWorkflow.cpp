@@ -102,12 +102,12 @@ QCoro::Task<> MarluneModel::runTransfer(std::shared_ptr<const PlannedTransfer> t
         isThere = !seen.failure;
     }
     if (self) {
-        landTransfer(*transfer, std::move(result), isThere, failure);
+        applyTransfer(*transfer, std::move(result), isThere, failure);
     }
 }
 
 /// `isThere`: the device that the files went to is still at its place.
-void MarluneModel::landTransfer(
+void MarluneModel::applyTransfer(
     const PlannedTransfer &transfer, TransferResult result, bool isThere, const std::exception_ptr &failure)
 {
     if (!isThere && m_visit == transfer.visit) {
@@ -122,7 +122,7 @@ void MarluneModel::landTransfer(
     } else {
         m_browsing.dequeue(transfer.plan.ids);
         Q_EMIT selectionChanged();
-        noteTransferred(transfer.visit, std::move(result.destinations));
+        addTransferred(transfer.visit, std::move(result.destinations));
         m_work.setStatus(QStringLiteral("Wgrano: ") + QString::number(result.copied)
             + QStringLiteral(". Pominięto identyczne: ") + QString::number(result.skipped) + u'.');
         m_work.setAlert(m_work.status()
@@ -133,7 +133,7 @@ void MarluneModel::landTransfer(
     refresh();
 }
 
-void MarluneModel::noteTransferred(int visit, std::vector<std::filesystem::path> files)
+void MarluneModel::addTransferred(int visit, std::vector<std::filesystem::path> files)
 {
     if (m_visit != visit) {
         return; // the list is the selected device's

@@ -7,7 +7,7 @@
 
 #include <stdexcept>
 
-/// Thrown with a complete Polish sentence, shown to the user as it stands.
+/// Thrown with a complete Polish sentence, shown to the user as it is.
 class MarluneError : public std::runtime_error {
 public:
     explicit MarluneError(const QString &message)
@@ -23,5 +23,5 @@ private:
 };
 
 /// The text to show for any failure that a job lets through: a MarluneError's own message, a system failure's
-/// description (with the names it concerns, where it has them), else what the exception says of itself.
+/// description (with the names it concerns, where it has them), otherwise what the exception says of itself.
 [[nodiscard]] QString describeFailure(const std::exception_ptr &failure);

@@ -1,4 +1,4 @@
-// The product's version, as the build was told it. Any thread.
+// The product's version, as the build has it. Any thread.
 #pragma once
 
 #include <QString>

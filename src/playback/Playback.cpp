@@ -43,10 +43,10 @@ double within(double value, double most)
 Playback::Playback(const QByteArray &output, QObject *parent)
     : QObject(parent)
     , m_output(
-          {.started = [this](double duration) { noteStart(duration); },
-              .moved = [this](double seconds) { notePosition(seconds); },
-              .ended = [this] { noteEnd(); },
-              .failed = [this](AudioOutput::Failure failure, const QString &reason) { noteFailure(failure, reason); }},
+          {.started = [this](double duration) { onStart(duration); },
+              .moved = [this](double seconds) { onPosition(seconds); },
+              .ended = [this] { onEnd(); },
+              .failed = [this](AudioOutput::Failure failure, const QString &reason) { onFailure(failure, reason); }},
           output)
 {
     m_output.setVolume(m_volume);
@@ -170,7 +170,7 @@ void Playback::seek(double seconds)
     } else {
         m_output.seek(m_position);
     }
-    Q_EMIT sought();
+    Q_EMIT seeked();
 }
 
 void Playback::next()
@@ -208,7 +208,7 @@ std::function<void()> Playback::release(const std::filesystem::path &root)
     return closed;
 }
 
-void Playback::noteStart(double duration)
+void Playback::onStart(double duration)
 {
     m_audio = Audio::Open;
     setDuration(duration > 0 ? duration : m_current->info.duration); // not every format tells the player
@@ -216,7 +216,7 @@ void Playback::noteStart(double duration)
     m_timer.start(firstPositionInterval);
 }
 
-void Playback::notePosition(double seconds)
+void Playback::onPosition(double seconds)
 {
     if (m_audio != Audio::Open) { // moved to its end since it was asked
         return;
@@ -227,9 +227,9 @@ void Playback::notePosition(double seconds)
     setPosition(m_duration > 0 ? within(seconds, m_duration) : seconds);
 }
 
-void Playback::noteEnd()
+void Playback::onEnd()
 {
-    const bool wasPlaying = m_playing; // else it was paused in its last moment
+    const bool wasPlaying = m_playing; // otherwise it was paused in its last moment
     m_timer.stop();
     m_audio = Audio::Ended;
     setPlaying(false);
@@ -239,7 +239,7 @@ void Playback::noteEnd()
     }
 }
 
-void Playback::noteFailure(AudioOutput::Failure failure, const QString &reason)
+void Playback::onFailure(AudioOutput::Failure failure, const QString &reason)
 {
     m_timer.stop();
     m_audio = Audio::Absent;

@@ -64,12 +64,12 @@ Q_SIGNALS:
     void errorChanged();
     void volumeChanged();
     /// The user, not time, has moved the position.
-    void sought();
+    void seeked();
 
 private:
     static constexpr double restartAfterSeconds = 3;
 
-    /// What stands behind `current`.
+    /// What is behind `current`.
     enum class Audio : std::uint8_t {
         Absent, ///< nothing is loaded, or it has failed
         Opening,
@@ -87,10 +87,10 @@ private:
     void setPaused(bool paused);
     void close();
     void clear();
-    void noteStart(double duration);
-    void noteEnd();
-    void noteFailure(AudioOutput::Failure failure, const QString &reason);
-    void notePosition(double seconds);
+    void onStart(double duration);
+    void onEnd();
+    void onFailure(AudioOutput::Failure failure, const QString &reason);
+    void onPosition(double seconds);
     void setCurrent(std::optional<Track> track);
     void setPlaying(bool playing);
     void setPosition(double position);
@@ -108,5 +108,5 @@ private:
     std::vector<Track> m_queue;
     std::int64_t m_index = 0;
     std::optional<std::filesystem::path> m_released;
-    AudioOutput m_output; // last: it tells nothing once the rest is gone
+    AudioOutput m_output; // last: it reports nothing once the rest is gone
 };

@@ -14,7 +14,7 @@
 namespace CollectionQuality {
 
 /// Albums whose cover Rockbox cannot show, tracks whose tags were not read, and files that are gone, sorted. With
-/// `deviceRoot` the tracks are those of the device, where a cover has to stand beside the music. Does not fail. Ends
+/// `deviceRoot` the tracks are those of the device, where a cover has to be beside the music. Does not fail. Ends
 /// soon, with an empty list, once `stop` is requested.
 [[nodiscard]] std::vector<QualityIssue> inspect(const std::vector<Track> &tracks,
     const std::optional<std::filesystem::path> &deviceRoot, const std::stop_token &stop = {});

@@ -61,7 +61,7 @@ public:
     /// Whether the file that `path` leads to is new to this run.
     [[nodiscard]] bool add(const std::filesystem::path &path)
     {
-        if (!m_paths.insert(Files::standardised(path).native()).second) {
+        if (!m_paths.insert(Files::standardized(path).native()).second) {
             return false;
         }
         struct stat status {};

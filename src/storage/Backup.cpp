@@ -18,7 +18,7 @@
 
 namespace {
 
-/// They stand directly in a backup, which a roll-back relies on.
+/// They are directly in a backup, which a roll-back relies on.
 constexpr const char *savedItems[]
     = {"config.cfg", "themes", "wps", "sbs", "fonts", "icons", "backdrops", "eqs", "fmpresets"};
 
@@ -26,7 +26,7 @@ constexpr const char *savedItems[]
 /// letters where case does not count.
 bool liesOn(const std::filesystem::path &root, const std::filesystem::path &destination)
 {
-    const std::filesystem::path base = Files::standardised(root);
+    const std::filesystem::path base = Files::standardized(root);
     if (destination == base || destination.native().starts_with(base.native() + "/")) {
         return true;
     }
@@ -110,7 +110,7 @@ namespace Storage {
 
 void backup(const DeviceAnchor &device, const std::filesystem::path &destination)
 {
-    const std::filesystem::path target = Files::standardised(destination);
+    const std::filesystem::path target = Files::standardized(destination);
     if (liesOn(device.root(), target)) {
         throw MarluneError(QStringLiteral("Zapisz kopię poza iPodem."));
     }
@@ -127,7 +127,7 @@ void backup(const DeviceAnchor &device, const std::filesystem::path &destination
         removeTree(temporary);
         throw;
     }
-    Files::synchroniseName(target);
+    Files::syncName(target);
 }
 
 } // namespace Storage

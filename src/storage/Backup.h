@@ -12,7 +12,7 @@ namespace Storage {
 
 /// Makes the folder `destination`, outside the device, of the items that hold settings and themes in the
 /// `.rockbox` of the device, those of them that are there, and a README.txt. The parent of `destination` must exist.
-/// Throws MarluneError or std::system_error; then nothing stands at `destination` that did not stand there before.
+/// Throws MarluneError or std::system_error; then nothing exists at `destination` that was not there before.
 void backup(const DeviceAnchor &device, const std::filesystem::path &destination);
 
 } // namespace Storage

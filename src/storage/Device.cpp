@@ -10,7 +10,7 @@
 namespace {
 
 /// The firmware writes a few hundred bytes; a larger file is not its own.
-constexpr std::int64_t largestInfoFile = 1'000'000;
+constexpr std::int64_t maxInfoFile = 1'000'000;
 
 } // namespace
 
@@ -24,7 +24,7 @@ Device Device::inspect(const std::filesystem::path &folder)
         throw MarluneError(QStringLiteral("Folder urządzenia nie może być dowiązaniem symbolicznym."));
     }
     const Volumes::Capacity capacity = Volumes::capacity(folder);
-    const QByteArray info = Files::readBelow(candidate / "rockbox-info.txt", largestInfoFile).value_or(QByteArray());
+    const QByteArray info = Files::readBelow(candidate / "rockbox-info.txt", maxInfoFile).value_or(QByteArray());
     return {.root = folder,
         .name = Files::name(folder),
         .version = versionFrom(info),

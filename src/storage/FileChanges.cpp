@@ -67,7 +67,7 @@ bool FileChanges::undo() noexcept
     // Exactly in reverse: then each old file finds the room on a full disk that its successor was given.
     std::for_each(
         m_changes.rbegin(), m_changes.rend(), [&](const Change &change) { attempt([&] { putBack(change); }); });
-    attempt([this] { synchronise(); });
+    attempt([this] { sync(); });
     m_changes.clear();
     return complete;
 }
@@ -140,15 +140,15 @@ void FileChanges::remove(const std::filesystem::path &file)
 
 void FileChanges::keep()
 {
-    synchronise();
+    sync();
     m_changes.clear();
 }
 
-void FileChanges::synchronise() const
+void FileChanges::sync() const
 {
     if (!m_changes.empty()) { // the names, even where each file is there already
         const std::filesystem::path &last = m_changes.back().file;
-        Files::synchroniseVolume(folderOf(last), last.filename());
+        Files::syncVolume(folderOf(last), last.filename());
     }
 }
 

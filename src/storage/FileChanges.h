@@ -63,7 +63,7 @@ private:
     void requireSaved(const std::filesystem::path &file, const Files::Folder &folder) const;
     [[nodiscard]] bool undo() noexcept;
     void putBack(const Change &change) const;
-    void synchronise() const;
+    void sync() const;
 
     const DeviceAnchor &m_device;
     CopyOf m_copyOf;

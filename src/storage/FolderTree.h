@@ -13,7 +13,7 @@ namespace Storage {
 
 /// Copies `name`, a file or a folder with all it holds, from the open folder `from` into the open folder `to`, where
 /// the name must be free. Files keep their content and their time of change; owners and modes are not copied, so that
-/// a copy can always be removed. Quick for thousands of small files: nothing is synchronised, that is the caller's.
+/// a copy can always be removed. Quick for thousands of small files: nothing is synced, that is the caller's.
 /// Throws MarluneError at a link, otherwise std::system_error, also for what is neither file nor folder; what was
 /// copied by then stays.
 void copyTree(int from, const std::filesystem::path &name, int to);

@@ -1,6 +1,6 @@
 // Finds and removes the companion files in which macOS keeps a file's extended attributes on a FAT disk.
 //
-// Beside "song.flac" stands "._song.flac", which the firmware takes for a track. Only what is surely such a companion
+// Beside "song.flac" lies "._song.flac", which the firmware takes for a track. Only what is surely such a companion
 // is touched, no link is followed, and nothing is deleted before copies of all of it are on the computer. A file that
 // is no longer what was copied stays. Blocking; no state; any thread but the UI's. Failures are the device's anchor's
 // or the system's.

@@ -10,8 +10,8 @@
 
 namespace {
 
-constexpr qsizetype longestName = 160; // characters
-constexpr qsizetype longestFatName = 255; // UTF-16 units
+constexpr qsizetype maxName = 160; // characters
+constexpr qsizetype maxFatName = 255; // UTF-16 units
 
 const QString nameless = QStringLiteral("Bez nazwy");
 
@@ -78,7 +78,7 @@ QString safeName(const QString &name)
     if (result.isEmpty() || result == QLatin1String(".") || result == QLatin1String("..")) {
         return nameless;
     }
-    return firstCharacters(result, longestName);
+    return firstCharacters(result, maxName);
 }
 
 QString volumeName(const QString &name, Volumes::NameRules rules, const QString &ending)
@@ -86,9 +86,9 @@ QString volumeName(const QString &name, Volumes::NameRules rules, const QString 
     if (rules == Volumes::NameRules::Posix) {
         return name + ending;
     }
-    QString result = withoutLoneSurrogates(cut(name, longestFatName - ending.size()) + ending);
+    QString result = withoutLoneSurrogates(cut(name, maxFatName - ending.size()) + ending);
     std::transform(result.begin(), result.end(), result.begin(), fatCharacter);
-    result = cut(result, longestFatName);
+    result = cut(result, maxFatName);
     const auto dropped = [](QChar c) { return c == u'.' || c == u' '; };
     while (!result.isEmpty() && dropped(result.back())) {
         result.chop(1);

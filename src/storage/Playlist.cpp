@@ -17,7 +17,7 @@ namespace {
 /// A path as the firmware knows it, from the device's root.
 std::string devicePath(const std::filesystem::path &track, const std::string &prefix)
 {
-    const std::string path = Files::standardised(track).native();
+    const std::string path = Files::standardized(track).native();
     if (!path.starts_with(prefix) || path.find_first_of("\n\r") != std::string::npos) { // a line break ends an entry
         throw MarluneError(QStringLiteral("Playlista może zawierać wyłącznie utwory z wybranego iPoda."));
     }
@@ -31,7 +31,7 @@ std::string devicePath(const std::filesystem::path &track, const std::string &pr
 
 std::string playlistText(std::span<const std::filesystem::path> tracks, const std::filesystem::path &root)
 {
-    const std::string prefix = Files::standardised(root).native() + "/";
+    const std::string prefix = Files::standardized(root).native() + "/";
     std::string text = "#EXTM3U\n";
     for (const std::filesystem::path &track : tracks) {
         text += devicePath(track, prefix) + "\n";
@@ -74,7 +74,7 @@ std::filesystem::path playlist(
         }
         throw;
     }
-    Files::synchroniseName(folder);
+    Files::syncName(folder);
     return folder.path / file;
 }
 

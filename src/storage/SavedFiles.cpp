@@ -37,7 +37,7 @@ SavedFiles saveFiles(std::span<const std::filesystem::path> files, const std::fi
         }
         const QByteArray json = QJsonDocument(manifest).toJson(QJsonDocument::Compact);
         Files::writeAtomically(saved.folder / "manifest.json", json);
-        Files::synchroniseFolder(saved.folder);
+        Files::syncFolder(saved.folder);
     });
     return saved;
 }

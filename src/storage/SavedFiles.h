@@ -38,8 +38,8 @@ using OpenFile = std::function<Files::Descriptor(const std::filesystem::path &fi
 
 /// Copies `files`, of whatever size, into a new folder under `backupRoot`, which is made with its parents if missing.
 /// When this returns, the copies, the manifest and the folders' entries for them are on the medium.
-/// Throws at the first failure, also for what is no regular file: MarluneError where the computer's disk is full, else
-/// std::system_error. The incomplete folder stays.
+/// Throws at the first failure, also for what is no regular file: MarluneError where the computer's disk is full,
+/// otherwise std::system_error. The incomplete folder stays.
 [[nodiscard]] SavedFiles saveFiles(std::span<const std::filesystem::path> files,
     const std::filesystem::path &backupRoot, const SavedNames &names, const OpenFile &open = openUnlinked);
 

@@ -12,8 +12,8 @@
 namespace {
 
 constexpr int watchInterval = 100; // milliseconds
-constexpr qsizetype mostWords = 1'000; // UTF-16 units
-constexpr int longestDeath = 5'000; // milliseconds; a program can be stuck in a disk that does not answer
+constexpr qsizetype maxWords = 1'000; // UTF-16 units
+constexpr int maxKillMilliseconds = 5'000; // milliseconds; a program can be stuck in a disk that does not answer
 
 QProcessEnvironment cleanEnvironment()
 {
@@ -36,8 +36,8 @@ void start(QProcess &process, const Storage::ToolBounds &bounds)
             ::_exit(noSuchFolder);
         }
         ::setsid(); // without a terminal of its own it finds none to ask at
-        if (bounds.largestFile >= 0) {
-            const rlimit limit {.rlim_cur = rlim_t(bounds.largestFile), .rlim_max = rlim_t(bounds.largestFile)};
+        if (bounds.maxFileBytes >= 0) {
+            const rlimit limit {.rlim_cur = rlim_t(bounds.maxFileBytes), .rlim_max = rlim_t(bounds.maxFileBytes)};
             ::setrlimit(RLIMIT_FSIZE, &limit);
         }
     });
@@ -50,7 +50,7 @@ void start(QProcess &process, const Storage::ToolBounds &bounds)
 
 struct ToolOutput {
     QByteArray result;
-    QByteArray words; ///< where they stand apart
+    QByteArray words; ///< where they are apart
 };
 
 ToolOutput outputOf(QProcess &process, const Storage::ToolBounds &bounds)
@@ -67,10 +67,10 @@ ToolOutput outputOf(QProcess &process, const Storage::ToolBounds &bounds)
     while (process.state() != QProcess::NotRunning) {
         process.waitForReadyRead(watchInterval);
         read();
-        if (output.result.size() + output.words.size() > bounds.mostOutput) {
+        if (output.result.size() + output.words.size() > bounds.maxOutput) {
             refuse(QStringLiteral("Program „%1” wypisał za dużo."));
         }
-        if (time.elapsed() > bounds.patience.count()) {
+        if (time.elapsed() > bounds.timeout.count()) {
             refuse(QStringLiteral("Program „%1” nie zakończył pracy."));
         }
         if (time.elapsed() - watched >= watchInterval) {
@@ -92,7 +92,7 @@ QString decoded(const QByteArray &bytes)
 /// An alert has room for the end of it, where the reason is.
 QString shortened(const QString &words)
 {
-    return words.size() > mostWords ? u'…' + words.last(mostWords) : words;
+    return words.size() > maxWords ? u'…' + words.last(maxWords) : words;
 }
 
 } // namespace
@@ -110,7 +110,7 @@ QString run(const QString &tool, const QStringList &arguments, const ToolBounds 
         output = outputOf(process, bounds);
     } catch (...) {
         process.kill();
-        process.waitForFinished(longestDeath);
+        process.waitForFinished(maxKillMilliseconds);
         throw;
     }
     if (process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0) {

@@ -18,12 +18,13 @@ namespace Storage {
 /// Where a program runs, and what it may take. One that takes more is ended.
 struct ToolBounds {
     std::filesystem::path folder = "."; ///< it runs in this folder
-    std::int64_t largestFile = -1; ///< no file that it writes grows beyond these bytes; -1: no limit
-    std::int64_t mostOutput = 32 << 20; ///< bytes
-    bool merged = true; ///< both outputs are the result and a failure's words; else each is one of them, in this order
+    std::int64_t maxFileBytes = -1; ///< no file that it writes grows beyond these bytes; -1: no limit
+    std::int64_t maxOutput = 32 << 20; ///< bytes
+    bool merged
+        = true; ///< both outputs are the result and a failure's words; otherwise each is one of them, in this order
     /// The message where it fails without a word, or with words that are no UTF-8.
     QString wordless = QStringLiteral("Błąd narzędzia systemowego.");
-    std::chrono::milliseconds patience = std::chrono::minutes(10);
+    std::chrono::milliseconds timeout = std::chrono::minutes(10);
     /// Called again and again while the program runs, and once after that. By throwing it ends the program.
     std::function<void()> watch = [] { };
 };

@@ -153,7 +153,7 @@ TransferResult transfer(
         progress(int(result.destinations.size()), int(files.size()));
     }
     if (result.copied > 0) {
-        Files::synchroniseVolume(device.folder(""), "."); // each file is there by now, its name perhaps not
+        Files::syncVolume(device.folder(""), "."); // each file is there by now, its name perhaps not
     }
     return result;
 }

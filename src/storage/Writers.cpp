@@ -12,7 +12,7 @@ void copyToNew(
     const Files::Descriptor to = Files::createExclusively(destination, from);
     copyBlocks(source.get(), to.get());
     if (durability == Files::Durability::Now) {
-        Files::synchronise(to.get());
+        Files::sync(to.get());
     }
 }
 

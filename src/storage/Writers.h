@@ -1,6 +1,6 @@
 // The writers that never leave a half-written file under a final name and never overwrite one by accident.
 //
-// Blocking until the medium has the bytes, unless told that this can wait; any thread but the UI's. Failures are the
+// Blocking until the medium has the bytes, unless the caller lets this wait; any thread but the UI's. Failures are the
 // system's own.
 #pragma once
 

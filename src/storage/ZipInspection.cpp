@@ -21,7 +21,7 @@ struct RecordKind {
 constexpr RecordKind localHeader {0x04034B50, 30}; // APPNOTE.TXT, section 4.3.7
 constexpr RecordKind centralHeader {0x02014B50, 46}; // section 4.3.12
 constexpr RecordKind endRecord {0x06054B50, 22}; // section 4.3.16
-constexpr std::int64_t longestComment = 0xFFFF;
+constexpr std::int64_t maxComment = 0xFFFF;
 constexpr qsizetype deepestName = 64; // no theme has so many folders in one another
 
 constexpr std::uint32_t encrypted = 1; // section 4.4.4
@@ -72,11 +72,11 @@ struct Directory {
     int entries = 0;
 };
 
-/// The end record stands behind all else, and only its comment behind it. A comment can hold the record's signature,
+/// The end record comes behind all else, and only its comment behind it. A comment can hold the record's signature,
 /// so the one that counts is the last whose comment ends where the file does.
 Directory findDirectory(const RegularFile &file)
 {
-    const std::int64_t start = std::max<std::int64_t>(0, file.size() - endRecord.bytes - longestComment);
+    const std::int64_t start = std::max<std::int64_t>(0, file.size() - endRecord.bytes - maxComment);
     const Bytes tail(file, start, file.size() - start);
     std::int64_t at = tail.size() - endRecord.bytes;
     const auto isEndRecord = [&] {
@@ -91,14 +91,14 @@ Directory findDirectory(const RegularFile &file)
     const std::uint32_t entries = tail.number16(at + 10);
     const bool inOnePart = tail.number16(at + 4) == 0 && tail.number16(at + 6) == 0 && tail.number16(at + 8) == entries;
     const Directory directory {.begin = tail.number32(at + 16), .end = start + at, .entries = int(entries)};
-    if (entries < 1 || entries > Storage::mostPackageEntries || !inOnePart
+    if (entries < 1 || entries > Storage::maxPackageEntries || !inOnePart
         || directory.begin + std::int64_t(tail.number32(at + 12)) != directory.end) {
         Storage::refusePackage();
     }
     return directory;
 }
 
-/// Equal for names that some disk takes for one: FAT compares capital letters, others small ones, and some do not tell
+/// Equal for names that some disk takes for one: FAT compares capital letters, others small ones, and some do not say
 /// a letter with its accent from the two written one after the other.
 QByteArray caseless(QByteArrayView name)
 {
@@ -162,7 +162,7 @@ private:
             Storage::refusePackage();
         }
         m_unpacked += m_records.number32(m_at + 24);
-        if (m_unpacked > Storage::largestPackage) {
+        if (m_unpacked > Storage::maxPackage) {
             throw MarluneError(QStringLiteral("Rozpakowany motyw przekracza 100 MB."));
         }
         const std::int64_t nameLength = m_records.number16(m_at + 28);
@@ -195,7 +195,7 @@ private:
         requireSafe(name);
     }
 
-    /// The name stands once more in front of the content; what reads the archive from its start sees that one.
+    /// The name is there once more in front of the content; what reads the archive from its start sees that one.
     void inspectLocalHeader(std::int64_t position, QByteArrayView name) const
     {
         const Bytes header(m_file, position, localHeader.bytes + name.size());
@@ -227,7 +227,7 @@ void refusePackage()
 ZipContents inspectZip(const std::filesystem::path &url)
 {
     const RegularFile file = RegularFile::openOrThrow(url);
-    if (file.size() < endRecord.bytes || file.size() >= largestPackage) {
+    if (file.size() < endRecord.bytes || file.size() >= maxPackage) {
         refusePackage();
     }
     const Directory directory = findDirectory(file);
@@ -238,10 +238,10 @@ void validateZipListing(const QString &listing)
 {
     const auto names = QStringView(listing).tokenize(u'\n', Qt::SkipEmptyParts);
     int count = 0;
-    for (auto name = names.begin(); name != names.end() && count <= mostPackageEntries; ++name) {
+    for (auto name = names.begin(); name != names.end() && count <= maxPackageEntries; ++name) {
         ++count;
     }
-    if (count < 1 || count > mostPackageEntries) {
+    if (count < 1 || count > maxPackageEntries) {
         throw MarluneError(QStringLiteral("Paczka jest pusta lub zawiera zbyt wiele plików."));
     }
     for (const QStringView name : names) {

@@ -14,9 +14,9 @@
 namespace Storage {
 
 /// What a package may hold when it is unpacked, and its file must be smaller than: 100 MiB.
-inline constexpr std::int64_t largestPackage = 104'857'600;
+inline constexpr std::int64_t maxPackage = 104'857'600;
 /// Files and folders together.
-inline constexpr int mostPackageEntries = 5'000;
+inline constexpr int maxPackageEntries = 5'000;
 
 /// What was read of an archive that was accepted.
 struct ZipContents {
@@ -35,7 +35,7 @@ struct ZipContents {
 
 /// Accepts an archive of 1 to 5000 plain files and folders, whole, in one part, not encrypted, without ZIP64, whose
 /// sizes add up to 100 MiB or less, and whose names are safe, of 64 folders at most, the same in both places where they
-/// stand, and different on a disk that takes capital and small letters for the same. Throws MarluneError with the
+/// are written, and different on a disk that takes capital and small letters for the same. Throws MarluneError with the
 /// reason, or the system's failure where the file cannot be read.
 ZipContents inspectZip(const std::filesystem::path &url);
 

@@ -113,7 +113,7 @@ void requireFewFolders(const Storage::ZipContents &contents)
         folders += std::count(own, name.end(), '/');
         before = name;
     }
-    if (folders > Storage::mostPackageEntries) {
+    if (folders > Storage::maxPackageEntries) {
         throw MarluneError(QStringLiteral("Paczka jest pusta lub zawiera zbyt wiele plików."));
     }
 }
@@ -130,7 +130,7 @@ void requireRoom(const std::filesystem::path &unpacked)
             Files::throwFailure(errno, item.path);
         }
     });
-    if (bytes > Storage::largestPackage) {
+    if (bytes > Storage::maxPackage) {
         throw MarluneError(QStringLiteral("Rozpakowany motyw przekracza 100 MB."));
     }
 }
@@ -209,10 +209,10 @@ void unpack(
         Files::throwFailure(errno, unpacked);
     }
     Storage::ToolBounds bounds {.folder = scratch};
-    // One byte too many, so that it is told from a file that just fits.
-    bounds.largestFile = Storage::largestPackage + 1;
+    // One byte too many, so that it differs from a file that just fits.
+    bounds.maxFileBytes = Storage::maxPackage + 1;
     bounds.wordless = methodRefusal(contents);
-    bounds.mostOutput = 0x10000; // it says nothing as long as all is well
+    bounds.maxOutput = 0x10000; // it says nothing as long as all is well
     bounds.watch = [&unpacked] {
         try {
             requireRoom(unpacked);

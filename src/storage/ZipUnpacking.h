@@ -12,7 +12,7 @@ namespace Storage {
 
 struct UnpackedZip {
     std::filesystem::path folder;
-    std::set<std::filesystem::path> files; ///< below it, counted from it, normalised: those that were inspected
+    std::set<std::filesystem::path> files; ///< below it, counted from it, normalized: those that were inspected
 };
 
 /// Unpacks `zip` below the private, empty folder `scratch`, which is the caller's to remove, and returns what came out

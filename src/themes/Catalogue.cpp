@@ -36,7 +36,7 @@ QUrl listPage(const QUrl &root, const QString &target)
 
 QCoro::Task<ThemePreviews> catalog(std::vector<Theme> themes, QString target, Site site, QObject &owner)
 {
-    Http::Request request {.url = listPage(site.root, target), .largestBody = maxPageBytes, .silence = site.silence};
+    Http::Request request {.url = listPage(site.root, target), .maxBodyBytes = maxPageBytes, .silence = site.silence};
     const Http::Response response = co_await Http::get(request, owner);
     auto parse = [response, themes, root = site.root] {
         if (response.status != 200 || !response.body || !QUtf8StringView(*response.body).isValidUtf8()) {

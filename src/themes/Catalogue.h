@@ -20,7 +20,7 @@ struct Site {
 /// The list of all themes for a kind of device, such as "ipodvideo".
 [[nodiscard]] QUrl listPage(const QUrl &root, const QString &target);
 
-/// The kind taken where the device does not tell its own.
+/// The kind taken where the device does not say its own.
 [[nodiscard]] QString defaultTarget();
 
 /// The previews that the catalogue at `site` has for these themes, on its page for this kind of device. UI thread;

@@ -115,7 +115,7 @@ private:
     }
 
     static constexpr QStringView cellEnd = u"</td>";
-    /// How far behind a picture its theme's author can stand, in characters.
+    /// How far behind a picture its theme's author can be, in characters.
     static constexpr qsizetype authorDistance = 10'000;
 
     QStringView m_html;
@@ -132,7 +132,7 @@ struct Picture {
     qsizetype end; ///< of the first occurrence of its text
 };
 
-/// Places in a list, by the normalised names of themes.
+/// Places in a list, by the normalized names of themes.
 using Names = QHash<QString, qsizetype>;
 
 /// The places of the themes on the page that have one of these names, by the ids that the page gives them.

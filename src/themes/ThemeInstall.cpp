@@ -114,7 +114,7 @@ void requireNoFolders(const std::vector<PackageFile> &files, const std::filesyst
     }
 }
 
-/// The device's files as they are in the backup, where the items of `.rockbox` stand directly in its folder.
+/// The device's files as they are in the backup, where the items of `.rockbox` are directly in its folder.
 class SavedSettings {
 public:
     SavedSettings(std::filesystem::path backup, std::filesystem::path device, Volumes::NameRules rules)

@@ -77,7 +77,7 @@ TEST(FlacReader, readsEachBlockAndRefusesWhatDoesNotFitTogether)
         {block(0, std::string(33, 'x')), "0 0 0"}, {block(0, std::string(35, 'x')), "0 0 0"},
         {block(0, streamInfo(0, 16, 1000)), "0 16 0"},
         {info + block(0, streamInfo(1048575, 16, 0xFFFFFFFFF)), "1048575 16 65536.1"},
-        // Comments; of lengths that lie what came before them stands.
+        // Comments; of lengths that lie what came before them stays.
         {block(4, comments({"title=A=B", "=x", "novalue", "empty=", "żó=1", "bad\xFF=1"})),
             "0 0 0 =x EMPTY= TITLE=A=B ŻÓ=1"},
         {block(4, comments({"\uFEFFtitle=A", "ARTIST=\uFEFFB"})), "0 0 0 ARTIST=\uFEFFB \uFEFFTITLE=A"},
@@ -86,7 +86,7 @@ TEST(FlacReader, readsEachBlockAndRefusesWhatDoesNotFitTogether)
         {block(4, comments(std::vector<std::string>(10'000, "a=1"))), "0 0 0"},
         {block(4, list.substr(0, list.size() - 1)), "0 0 0 A=1"}, {block(4, little(0xFFFFFFFF) + "x"), "0 0 0"},
         {block(4, little(0) + little(2) + little(3) + "a=1" + little(0xFFFFFFFF)), "0 0 0 A=1"},
-        // The last front cover, else the first picture, of at most 10 million bytes.
+        // The last front cover, otherwise the first picture, of at most 10 million bytes.
         {pictures({4, 3, 5}), "0 0 0 1"}, {pictures({4, 5}), "0 0 0 0"}, {pictures({3, 3}), "0 0 0 1"},
         {pictures({3, 4}), "0 0 0 0"}, {pictures({4}) + block(6, picture(3, largest)), "0 0 0 " + largest},
         {pictures({4}) + block(6, picture(3, largest + 'p')), "0 0 0 0"},

@@ -236,7 +236,7 @@ TEST(MediaAsset, ReadsId3v2InAllItsForms)
             {{"TPE1", "P"}}},
         {"cut", v4, artist + "TIT2"s + bigEndian(100, 7) + "\0\0\3T"s, {{"TPE1", "P"}}},
         {"padding", v4, artist + std::string(30, '\0'), {{"TPE1", "P"}}},
-        // The first front cover, else the first picture, none of more than 10 MB.
+        // The first front cover, otherwise the first picture, none of more than 10 MB.
         {"front behind", v4, cover(4, "back") + cover(3, "front") + cover(3, "second"), {{"APIC", "front"}}},
         {"no front", v4, cover(4, "back") + cover(5, "leaf"), {{"APIC", "back"}}},
         {"too large", v4, cover(3, largest + 'x') + cover(4, largest), {{"APIC", largest}}},

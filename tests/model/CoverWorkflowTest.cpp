@@ -142,7 +142,7 @@ private Q_SLOTS:
         };
         const auto exchange = [](CoverDesk &desk, MarluneModel &model) { model.volumeUnmounted(desk.device.root); };
         const auto leave = [](CoverDesk &, MarluneModel &model) { model.endCoverRequests(); };
-        // What happens at which request, and what is told.
+        // What happens at which request, and what is reported.
         const std::tuple<std::function<void(CoverDesk &, MarluneModel &)>, std::size_t, const char *> rows[] = {
             {lose, 1, "Do wyboru ręcznie: 0. Niedostępne: 3."}, {exchange, 2, "Do wyboru ręcznie: 0. Niedostępne: 3."},
             {leave, 1, "Do wyboru ręcznie: 0. Niedostępne: 1."}};
@@ -221,7 +221,7 @@ private Q_SLOTS:
         choose(desk.folder.write("none.png", "no picture"));
         QCOMPARE(model->status(), failed);
         QCOMPARE(model->alert(), std::optional(QStringLiteral("Nie można odczytać obrazu.")));
-        std::filesystem::resize_file(desk.folder.write("film.png", ""), Artwork::largestFile);
+        std::filesystem::resize_file(desk.folder.write("film.png", ""), Artwork::maxFileBytes);
         choose(desk.folder / "film.png");
         QCOMPARE(model->alert(), std::optional(QStringLiteral("Obraz jest nieobsługiwany.")));
         QVERIFY(desk.settings.textMap(overridesKey).isEmpty());

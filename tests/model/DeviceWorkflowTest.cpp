@@ -164,7 +164,7 @@ private Q_SLOTS:
             hanging.wait();
             return std::vector {device};
         };
-        environment.discoveryPatience = std::chrono::milliseconds(30);
+        environment.discoveryTimeout = std::chrono::milliseconds(30);
         MarluneModel model(std::move(environment));
         QTRY_VERIFY(model.status().startsWith(QStringLiteral("Urządzenie nie odpowiada.")));
         desk.folder.write("Computer/a.mp3", "x");
@@ -248,7 +248,7 @@ private Q_SLOTS:
             Connected connected;
             auto &[desk, device, model] = connected;
             desk.ejector = [&, gone = unmounts, refused = fails](const std::filesystem::path &root) {
-                if (gone) { // the kernel tells of it before the drive has let go
+                if (gone) { // the kernel reports it before the drive has let go
                     desk.found->clear();
                     postToUi([&model, root] { model->volumeUnmounted(root); });
                 }

@@ -68,12 +68,12 @@ protected:
     }
 
     /// The text of the failure, empty on success. On a thread without an event loop, as the program calls it.
-    std::future<std::string> ejectLater(std::chrono::milliseconds patience = 20s)
+    std::future<std::string> ejectLater(std::chrono::milliseconds timeout = 20s)
     {
         return std::async(std::launch::async,
-            [mountPoint = m_mountPoint, patience] { return messageOf([&] { Volumes::eject(mountPoint, patience); }); });
+            [mountPoint = m_mountPoint, timeout] { return messageOf([&] { Volumes::eject(mountPoint, timeout); }); });
     }
-    std::string ejectNow(std::chrono::milliseconds patience = 20s) { return ejectLater(patience).get(); }
+    std::string ejectNow(std::chrono::milliseconds timeout = 20s) { return ejectLater(timeout).get(); }
 
     /// What the service was called for, a line each.
     [[nodiscard]] std::string calls() const { return std::filesystem::exists(m_log) ? fileBytes(m_log) : ""; }
@@ -128,10 +128,10 @@ TEST_F(EjectTest, ARefusalSaysWhyAndHowTheDiskIsLeftAndCallsNothingMore)
 TEST_F(EjectTest, SilenceLeavesTheStateOpenAndCallsNothingMore)
 {
     for (const auto &[step, expected] : {std::pair("--unmount"s, unmounted), std::pair("--eject"s, ejected)}) {
-        for (const auto &[silence, patience] : {std::pair("-delay=30", 2'000ms), std::pair("-exit", 20'000ms)}) {
+        for (const auto &[silence, timeout] : {std::pair("-delay=30", 2'000ms), std::pair("-exit", 20'000ms)}) {
             startService(step + silence);
             const auto start = std::chrono::steady_clock::now();
-            EXPECT_THAT(ejectNow(patience), testing::ContainsRegex("[Nn]ie wiadomo, czy")) << step << silence;
+            EXPECT_THAT(ejectNow(timeout), testing::ContainsRegex("[Nn]ie wiadomo, czy")) << step << silence;
             EXPECT_LT(std::chrono::steady_clock::now() - start, 15s);
             EXPECT_TRUE(eventually([&] { return calls() == expected; })) << step << silence << calls();
         }

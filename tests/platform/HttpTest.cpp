@@ -34,12 +34,12 @@ QCoro::Task<> run(Http::Request request, QObject *owner, Fetched *outcome)
 }
 
 /// Long waits, because server and client share a thread that may be held up.
-Fetched fetch(const QUrl &url, Http::Redirects redirects = Http::Redirects::SameOrigin, std::int64_t largestBody = 1000,
-    std::chrono::milliseconds silence = 10s)
+Fetched fetch(const QUrl &url, Http::Redirects redirects = Http::Redirects::SameOrigin,
+    std::int64_t maxBodyBytes = 1000, std::chrono::milliseconds silence = 10s)
 {
     QObject owner;
     Fetched outcome;
-    run({.url = url, .largestBody = largestBody, .silence = silence, .patience = 4 * silence, .redirects = redirects},
+    run({.url = url, .maxBodyBytes = maxBodyBytes, .silence = silence, .timeout = 4 * silence, .redirects = redirects},
         &owner, &outcome);
     EXPECT_TRUE(eventually([&] { return outcome.done; }));
     return outcome;

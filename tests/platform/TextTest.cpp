@@ -26,7 +26,7 @@ TEST(PathText, takesNamesApart)
     EXPECT_EQ(Files::baseName("/a/b.tar.gz"), QStringLiteral("b.tar"));
     EXPECT_EQ(Files::extension("/a/b.tar.gz"), QStringLiteral("gz"));
     EXPECT_EQ(Files::extension("/a.b/c") + Files::extension("/a/.hidden"), QString());
-    EXPECT_EQ(Files::standardised("/../a/./b//c/../d/").native(), "/a/b/d");
+    EXPECT_EQ(Files::standardized("/../a/./b//c/../d/").native(), "/a/b/d");
 }
 
 TEST(ReadBelow, refusesWhatIsTooLargeOrNoFile)
@@ -64,7 +64,7 @@ TEST(TextOrder, isThatOfAFileManager)
 
 TEST(ByteCount, isShortAndInTheShownLanguage)
 {
-    EXPECT_EQ(byteCount(999'499).simplified(), QStringLiteral("999 kB")); // whichever blank stands there
+    EXPECT_EQ(byteCount(999'499).simplified(), QStringLiteral("999 kB")); // whichever blank is there
     EXPECT_EQ(byteCount(999'500).simplified(), QStringLiteral("1,0 MB"));
     EXPECT_EQ(byteCount(999'949'999).simplified(), QStringLiteral("999,9 MB"));
     EXPECT_EQ(byteCount(999'950'000).simplified(), QStringLiteral("1,00 GB"));

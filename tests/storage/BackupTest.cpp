@@ -84,7 +84,7 @@ TEST(Backup, isWholeOrNotThereWhateverHappensAtWhicheverCall)
             const FailingDisk disk(failAt, EIO, fault, plant);
             const std::string failure = desk.failure();
             reached = FailingDisk::reached();
-            // Without a file's time or the name's synchronising it is whole all the same.
+            // Without a file's time or the name's syncing it is whole all the same.
             EXPECT_TRUE(failure.empty() ? desk.isComplete() : desk.nothingWasMade()) << "call " << failAt << failure;
             ASSERT_TRUE(reached || failure.empty()) << failAt;
         }

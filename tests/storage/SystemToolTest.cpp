@@ -43,11 +43,11 @@ TEST(SystemTool, passesArgumentsAsTheyAreAndNothingElse)
 TEST(SystemTool, endsAProgramThatGoesBeyondItsBounds)
 {
     const TemporaryFolder folder;
-    EXPECT_EQ(messageOf([] { runShell("exec yes", {.mostOutput = 1'000'000}); }), "Program „sh” wypisał za dużo.");
+    EXPECT_EQ(messageOf([] { runShell("exec yes", {.maxOutput = 1'000'000}); }), "Program „sh” wypisał za dużo.");
     for (const char *hangs : {"exec sleep 100", "exec >&- 2>&-; exec sleep 100"}) {
-        EXPECT_EQ(messageOf([&] { runShell(hangs, {.patience = 100ms}); }), "Program „sh” nie zakończył pracy.");
+        EXPECT_EQ(messageOf([&] { runShell(hangs, {.timeout = 100ms}); }), "Program „sh” nie zakończył pracy.");
     }
-    Storage::ToolBounds bounds {.folder = folder.path(), .largestFile = 1'000'000};
+    Storage::ToolBounds bounds {.folder = folder.path(), .maxFileBytes = 1'000'000};
     EXPECT_NE(messageOf([&] { runShell("head -c 2000000 /dev/zero >large", bounds); }), "");
     EXPECT_EQ(std::filesystem::file_size(folder / "large"), 1'000'000U);
     bounds.watch

@@ -7,9 +7,9 @@
 #include <functional>
 
 /// Whether `condition` came true within ten seconds, or as many milliseconds as given.
-inline bool eventually(const std::function<bool()> &condition, int patience = 10'000)
+inline bool eventually(const std::function<bool()> &condition, int timeout = 10'000)
 {
-    for (QDeadlineTimer deadline(patience); !deadline.hasExpired();) {
+    for (QDeadlineTimer deadline(timeout); !deadline.hasExpired();) {
         if (condition()) {
             return true;
         }

@@ -77,7 +77,7 @@ TEST(CoverStore, namesABufferOnceAndForgetsItWithItsLastHolder)
 
 TEST(Symbols, everyNameInUseHasADrawing)
 {
-    // Names stand in QML as `symbol: … "name" …` and in the sections' table.
+    // Names are in QML as `symbol: … "name" …` and in the sections' table.
     const QRegularExpression mention(
         QStringLiteral(R"re(symbol\w*:[^\n]*|case Section::\w+:\s+return QStringLiteral\("[a-z.]+"\))re"));
     const QRegularExpression name(QStringLiteral(R"re("([a-z0-9.]+)")re"));

@@ -1,4 +1,4 @@
-// What the pages are told by their presenters, over a real model.
+// What the pages get from their presenters, over a real model.
 #include "platform/MarluneError.h"
 #include "support/ModelDesk.h"
 #include "ui/library/LibraryPresenter.h"

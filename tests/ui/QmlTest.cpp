@@ -93,7 +93,7 @@ public:
         QDropEvent drop(middle(item), Qt::CopyAction, &m_dragged, Qt::LeftButton, Qt::NoModifier);
         QCoreApplication::sendEvent(item->window(), &drop);
     }
-    /// Texts below `root` that do not stand there whole: with an ellipsis, wider than their item, or taller.
+    /// Texts below `root` that are not shown whole: with an ellipsis, wider than their item, or taller.
     [[nodiscard]] Q_INVOKABLE QStringList clippedTexts(QQuickItem *root) const
     {
         QStringList result;

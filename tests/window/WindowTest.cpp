@@ -241,7 +241,7 @@ private Q_SLOTS:
     void goesOnWhenTheDeviceIsTakenAwayInTheMiddle()
     {
         // Set before any thread of the program runs.
-        diskCalls().fsync = synchroniseAndPullOut;
+        diskCalls().fsync = syncAndPullOut;
         const auto restore = qScopeGuard([] { diskCalls() = DiskCalls::system(); });
         NewUser user;
         MarluneModel &model = user.program.model();
@@ -297,18 +297,18 @@ private:
     }
 
     /// The disk is pulled out while the third file is on its way to it.
-    static int synchroniseAndPullOut(int descriptor)
+    static int syncAndPullOut(int descriptor)
     {
         const std::string link = "/proc/self/fd/" + std::to_string(descriptor);
         const std::string file = std::filesystem::read_symlink(link).string();
-        if (file.find("/IPOD/Music/") != std::string::npos && ++s_synchronised == 3) {
+        if (file.find("/IPOD/Music/") != std::string::npos && ++s_synced == 3) {
             std::filesystem::remove_all(s_device / ".rockbox");
         }
         return ::fsync(descriptor);
     }
 
     static inline std::filesystem::path s_device;
-    static inline std::atomic<int> s_synchronised = 0;
+    static inline std::atomic<int> s_synced = 0;
 };
 
 QTEST_MAIN(WindowTest)

@@ -11,7 +11,7 @@ namespace {
 
 using Kind = AudioContent::Kind;
 
-constexpr int mostTags = 4;
+constexpr int maxTags = 4;
 constexpr std::size_t id3HeaderSize = 10;
 constexpr std::size_t oggHeaderSize = 27; // before the segment table (RFC 3533, section 6)
 
@@ -25,7 +25,7 @@ std::string_view textAt(BoundedStream &stream, std::int64_t position, std::size_
 std::int64_t endOfTags(BoundedStream &stream)
 {
     std::int64_t position = 0;
-    for (int tags = 0; tags < mostTags; ++tags) {
+    for (int tags = 0; tags < maxTags; ++tags) {
         const std::string_view header = textAt(stream, position, id3HeaderSize);
         if (header.size() < id3HeaderSize || !header.starts_with("ID3")) {
             break;

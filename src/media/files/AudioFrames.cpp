@@ -8,9 +8,9 @@ namespace AudioFrames {
 namespace {
 
 constexpr std::size_t bufferSize = 65'536;
-constexpr std::size_t longestFrame = 8'192; // a search looks ahead and goes back by no more
-constexpr std::int64_t longestCount = 64LL << 20;
-constexpr std::int64_t longestJunk = 1 << 20;
+constexpr std::size_t maxFrame = 8'192; // a search looks ahead and goes back by no more
+constexpr std::int64_t maxCount = 64LL << 20;
+constexpr std::int64_t maxJunk = 1 << 20;
 constexpr std::int64_t shortRun = 32'768;
 
 // Rows: MPEG-1 layers I, II, III, then MPEG-2 and 2.5 layer I, layers II and III.
@@ -70,7 +70,7 @@ public:
         : m_file(file)
         , m_kind(kind)
         , m_position(position)
-        , m_window(file, bufferSize, longestFrame)
+        , m_window(file, bufferSize, maxFrame)
     {
     }
 
@@ -109,7 +109,7 @@ private:
 
     std::optional<Frame> findFrame()
     {
-        const std::int64_t limit = std::min(m_position + longestJunk, m_file.size());
+        const std::int64_t limit = std::min(m_position + maxJunk, m_file.size());
         for (std::int64_t position = m_position; position < limit; ++position) {
             const std::optional<Frame> frame = fittingFrame(position);
             if (frame && isConfirmed(position, *frame)) {
@@ -151,7 +151,7 @@ std::optional<double> seconds(const RegularFile &file, Kind kind, std::int64_t p
     while (const std::optional<Frame> frame = walk.next()) {
         samples += frame->samples;
         sampleRate = frame->sampleRate;
-        if (walk.position() - position > longestCount) {
+        if (walk.position() - position > maxCount) {
             const double partRead
                 = double(walk.position() - position) / double(std::max(file.size(), walk.position()) - position);
             return double(samples) / sampleRate / partRead;

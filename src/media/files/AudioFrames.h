@@ -1,4 +1,4 @@
-// The frames of MPEG audio and raw AAC (ADTS): where the length of a file stands nowhere, it is counted from these.
+// The frames of MPEG audio and raw AAC (ADTS): where the length of a file is written nowhere, it is counted from these.
 //
 // MPEG audio: ISO 11172-3, section 2.4, and ISO 13818-3; ADTS: ISO 14496-3, section 1.A.2. Blocking, never throws.
 #pragma once

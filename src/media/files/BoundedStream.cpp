@@ -4,13 +4,13 @@
 
 namespace {
 
-constexpr std::int64_t largestBlock = 16 << 20;
+constexpr std::int64_t maxBlock = 16 << 20;
 constexpr std::uintptr_t deepestStack = 262'144;
 constexpr unsigned long tagHeaderSize = 10;
 constexpr unsigned long atomHeaderSize = 8;
-constexpr std::size_t mostParts = 8; // ID3v2 tags, and atoms with covers
+constexpr std::size_t maxParts = 8; // ID3v2 tags, and atoms with covers
 
-/// How far the calling function's stack frame stands from other frames of the same thread.
+/// How far the calling function's stack frame is from other frames of the same thread.
 [[gnu::always_inline]] inline std::uintptr_t stackPosition()
 {
     return reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0));
@@ -43,7 +43,8 @@ BoundedStream::Window &BoundedStream::windowFor(std::int64_t position, std::size
             || (held.length > 0 && position < held.start && position + std::int64_t(length) >= held.start);
         oldest = held.lastUse < oldest->lastUse ? &held : oldest;
     }
-    // TagLib searches the file's end backwards in small steps: then the window ends, and else begins, at the request.
+    // TagLib searches the file's end backwards in small steps: then the window ends, and otherwise begins, at the
+    // request.
     const std::int64_t last = std::max<std::int64_t>(0, m_file.size() - std::int64_t(window));
     const std::int64_t start = isBackwards ? position + std::int64_t(length) - std::int64_t(window) : position;
     oldest->start = std::min(position, std::clamp<std::int64_t>(start, 0, last));
@@ -67,7 +68,7 @@ TagLib::ByteVector BoundedStream::readBlock(unsigned long length)
     if (wanted == 0 || isExhausted() || isWithheld(length)) {
         return {};
     }
-    const auto allowed = std::size_t(std::min({wanted, largestBlock, m_bytesLeft}));
+    const auto allowed = std::size_t(std::min({wanted, maxBlock, m_bytesLeft}));
     TagLib::ByteVector block;
     if (allowed <= window / 2) {
         const std::span<const char> bytes = at(m_position, allowed);
@@ -79,7 +80,7 @@ TagLib::ByteVector BoundedStream::readBlock(unsigned long length)
     --m_blocksLeft;
     m_bytesLeft -= block.size();
     m_position += block.size();
-    noteHeader(block, length);
+    checkHeader(block, length);
     return block;
 }
 
@@ -101,14 +102,14 @@ bool BoundedStream::isWithheld(unsigned long length)
     return false;
 }
 
-void BoundedStream::noteHeader(const TagLib::ByteVector &block, unsigned long length)
+void BoundedStream::checkHeader(const TagLib::ByteVector &block, unsigned long length)
 {
     m_pendingTag.position = -1;
     if (length == tagHeaderSize && block.size() == length && block.startsWith("ID3")
-        && m_id3v2Bodies.size() < mostParts) {
+        && m_id3v2Bodies.size() < maxParts) {
         m_pendingTag
             = {m_position, 0, static_cast<unsigned char>(block.at(3)), static_cast<unsigned char>(block.at(5))};
-    } else if (length == atomHeaderSize && block.containsAt("covr", 4) && m_coverHeaders.size() < mostParts) {
+    } else if (length == atomHeaderSize && block.containsAt("covr", 4) && m_coverHeaders.size() < maxParts) {
         m_coverHeaders.push_back(m_position);
     } else if (length > atomHeaderSize && block.containsAt("stsd", 4)) { // it reads the whole atom of the first sound
         m_mp4Descriptions = m_position - block.size() + std::int64_t(atomHeaderSize);

@@ -6,7 +6,7 @@
 // - a parser that calls itself for nested pieces stops when it is 256 KiB deep in the stack.
 //
 // ID3v2 tags and MP4 covers are not handed to TagLib at all: it would read each picture twice, inflate compressed
-// frames without a limit and nest chapters without one. They seem to be empty there; where they stand is noted.
+// frames without a limit and nest chapters without one. They seem to be empty there; where they are is noted.
 #pragma once
 
 #include "platform/files/RegularFile.h"
@@ -65,7 +65,7 @@ public:
 private:
     [[nodiscard]] bool isExhausted() const;
     [[nodiscard]] bool isWithheld(unsigned long length);
-    void noteHeader(const TagLib::ByteVector &block, unsigned long length);
+    void checkHeader(const TagLib::ByteVector &block, unsigned long length);
 
     const RegularFile &m_file;
     std::int64_t m_position = 0;

@@ -11,15 +11,15 @@ namespace Id3v2 {
 
 namespace {
 
-constexpr int mostFrames = 5000;
-constexpr std::int64_t largestCoded = 16 << 20; // bytes of a tag that are decoded in memory
+constexpr int maxFrames = 5000;
+constexpr std::int64_t maxCoded = 16 << 20; // bytes of a tag that are decoded in memory
 constexpr unsigned tagUnsynchronised = 0x80;
 constexpr unsigned tagHasExtendedHeader = 0x40;
 constexpr std::uint64_t frontCover = 3;
-constexpr std::int64_t longestPictureHeader = 1024;
+constexpr std::int64_t maxPictureHeader = 1024;
 
-/// Takes out the zero that stands behind each byte 0xFF.
-QByteArray resynchronised(const QByteArray &bytes)
+/// Takes out the zero that follows each byte 0xFF.
+QByteArray resynced(const QByteArray &bytes)
 {
     QByteArray plain;
     plain.reserve(bytes.size());
@@ -59,7 +59,7 @@ public:
         return {at(position, length), ByteOrder::Big};
     }
 
-    /// Cut short where the tag makes more than largestCoded bytes of copies necessary.
+    /// Cut short where the tag makes more than maxCoded bytes of copies necessary.
     [[nodiscard]] QByteArray copy(std::int64_t position, std::int64_t length)
     {
         const std::int64_t count = std::clamp<std::int64_t>(size() - position, 0, std::min(length, m_codedLeft));
@@ -72,7 +72,7 @@ public:
         return bytes;
     }
 
-    /// The picture at this place, not read if it stands in the file as it is.
+    /// The picture at this place, not read if it is in the file as it is.
     [[nodiscard]] Picture picture(std::int64_t position, std::int64_t length, bool isFrontCover)
     {
         if (m_decoded) {
@@ -83,7 +83,7 @@ public:
 
     void decode()
     {
-        m_decoded = resynchronised(copy(0, m_size));
+        m_decoded = resynced(copy(0, m_size));
         m_codedLeft = m_decoded->size(); // pieces of it do not overlap
     }
 
@@ -91,7 +91,7 @@ private:
     BoundedStream &m_stream;
     std::int64_t m_start;
     std::int64_t m_size;
-    std::int64_t m_codedLeft = largestCoded;
+    std::int64_t m_codedLeft = maxCoded;
     std::optional<QByteArray> m_decoded;
 };
 
@@ -100,7 +100,7 @@ bool isFrameId(QByteArrayView id)
     return std::all_of(id.begin(), id.end(), [](char c) { return (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9'); });
 }
 
-/// One frame: where its content stands, and whether it can be read as it stands there.
+/// One frame: where its content is, and whether it can be read as it is there.
 struct Frame {
     std::string id;
     std::int64_t position = 0;
@@ -234,7 +234,7 @@ public:
             const std::uint64_t size = m_bytes.cursorAt(0, 4).number(4, m_version == 3 ? 8 : 7).value_or(0);
             position = std::int64_t(size) + (m_version == 3 ? 4 : 0);
         }
-        for (int frames = 0; frames < mostFrames; ++frames) {
+        for (int frames = 0; frames < maxFrames; ++frames) {
             const std::optional<Frame> frame = frameAt(m_bytes, position, m_version, isUnsynchronised);
             if (!frame || frame->end > m_bytes.size()) {
                 break;
@@ -266,7 +266,7 @@ private:
             return;
         }
         if (frame.isUnsynchronised) {
-            const QByteArray plain = resynchronised(m_bytes.copy(frame.position, frame.length));
+            const QByteArray plain = resynced(m_bytes.copy(frame.position, frame.length));
             m_content.texts.push_back(textItem(*field, texts(plain)));
         } else {
             m_content.texts.push_back(textItem(*field, texts(m_bytes.at(frame.position, frame.length))));
@@ -281,13 +281,13 @@ private:
             if (coded.size() < frame.length) {
                 return;
             }
-            const QByteArray plain = resynchronised(coded);
+            const QByteArray plain = resynced(coded);
             if (const auto start = pictureStart(plain, isShortForm)) {
                 m_content.pictures.push_back(
                     {.isFrontCover = start->isFrontCover, .own = plain.mid(qsizetype(start->offset))});
             }
         } else if (const auto start
-            = pictureStart(m_bytes.at(frame.position, std::min(frame.length, longestPictureHeader)), isShortForm)) {
+            = pictureStart(m_bytes.at(frame.position, std::min(frame.length, maxPictureHeader)), isShortForm)) {
             const auto offset = std::int64_t(start->offset);
             m_content.pictures.push_back(
                 m_bytes.picture(frame.position + offset, frame.length - offset, start->isFrontCover));

@@ -18,7 +18,7 @@ using Kind = AudioContent::Kind;
 
 // Beyond these a header is damaged; callers may turn what is below into whole numbers.
 constexpr double highestSampleRate = 100e6; // Hz
-constexpr double longestSeconds = 100e6; // three years
+constexpr double maxSeconds = 100e6; // three years
 
 } // namespace
 
@@ -60,7 +60,7 @@ void MediaAsset::Reading::open()
     if (facts.stream && facts.stream->sampleRate > highestSampleRate) {
         facts.stream.reset();
     }
-    if (!(facts.seconds <= longestSeconds)) {
+    if (!(facts.seconds <= maxSeconds)) {
         facts.seconds = 0;
     }
 }

@@ -17,7 +17,7 @@
 /// What is known of the first audio stream; 0 where the format does not say.
 struct AudioStream {
     double sampleRate = 0; ///< Hz
-    std::uint32_t formatId = 0; ///< four-character code, one of AudioFormat's, else 0
+    std::uint32_t formatId = 0; ///< four-character code, one of AudioFormat's, otherwise 0
     std::uint32_t formatFlags = 0; ///< Apple Lossless: source depth, 1 = 16, 2 = 20, 3 = 24, 4 = 32 bits
     std::uint32_t bitsPerChannel = 0; ///< 0 for lossy streams
 
@@ -50,14 +50,14 @@ public:
     MediaAsset(MediaAsset &&) noexcept;
     MediaAsset &operator=(MediaAsset &&) noexcept;
 
-    /// Above 0 and below 10^8, else absent.
+    /// Above 0 and below 10^8, otherwise absent.
     [[nodiscard]] std::optional<double> durationSeconds();
     /// Absent unless its sample rate is known: above 0 and at most 10^8 Hz.
     [[nodiscard]] std::optional<AudioStream> firstAudioStream();
     /// A later item takes the place of an earlier one with its identifier. So the tag that counts most comes last (an
-    /// MP3 file may have three), and pictures come last of all, the one to show (the first front cover, else the first
-    /// picture) behind the others: none above 10,000,000 bytes, all together at most 32,000,000. Several artists of
-    /// one tag are one text, joined by ", ".
+    /// MP3 file may have three), and pictures come last of all, the one to show (the first front cover, otherwise the
+    /// first picture) behind the others: none above 10,000,000 bytes, all together at most 32,000,000. Several artists
+    /// of one tag are one text, joined by ", ".
     [[nodiscard]] std::vector<MetadataItem> metadata();
 
 private:

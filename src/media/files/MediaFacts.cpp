@@ -69,8 +69,7 @@ MetadataItem textItem(const TextField &field, const QStringList &values)
 
 void appendPictures(std::vector<MetadataItem> &items, std::span<const Picture> pictures, const RegularFile &file)
 {
-    const auto isTaken
-        = [](const Picture &picture) { return sizeOf(picture) > 0 && sizeOf(picture) <= largestPicture; };
+    const auto isTaken = [](const Picture &picture) { return sizeOf(picture) > 0 && sizeOf(picture) <= maxPicture; };
     auto shown = std::find_if(pictures.begin(), pictures.end(),
         [&](const Picture &picture) { return picture.isFrontCover && isTaken(picture); });
     if (shown == pictures.end()) {
@@ -80,7 +79,7 @@ void appendPictures(std::vector<MetadataItem> &items, std::span<const Picture> p
         return;
     }
     const QString identifier = QString::fromLatin1(TagId::picture.data(), qsizetype(TagId::picture.size()));
-    std::int64_t left = largestPictures - sizeOf(*shown);
+    std::int64_t left = maxPictures - sizeOf(*shown);
     for (const Picture &picture : pictures) {
         if (&picture != &*shown && isTaken(picture) && sizeOf(picture) <= left) {
             left -= sizeOf(picture);

@@ -60,8 +60,8 @@ struct Picture {
 };
 
 /// Encoded pictures above this size in bytes are left out, and so are those past this sum.
-inline constexpr std::int64_t largestPicture = 10'000'000;
-inline constexpr std::int64_t largestPictures = 32'000'000;
+inline constexpr std::int64_t maxPicture = 10'000'000;
+inline constexpr std::int64_t maxPictures = 32'000'000;
 
 [[nodiscard]] AudioStream appleLosslessStream(int sampleRate, std::uint32_t sourceDepth);
 
@@ -69,5 +69,6 @@ inline constexpr std::int64_t largestPictures = 32'000'000;
 /// first that is not empty counts.
 [[nodiscard]] MetadataItem textItem(const TextField &field, const QStringList &values);
 
-/// Appends the pictures, best tag's first, so that the one to show comes last: the first front cover, else the first.
+/// Appends the pictures, best tag's first, so that the one to show comes last: the first front cover, otherwise the
+/// first.
 void appendPictures(std::vector<MetadataItem> &items, std::span<const Picture> pictures, const RegularFile &file);

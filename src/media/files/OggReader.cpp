@@ -15,16 +15,16 @@ using Kind = AudioContent::Kind;
 
 constexpr std::size_t pageHeaderSize = 27;
 constexpr std::uint64_t granuleOffset = 6; // in a page; the stream's serial number comes behind it
-constexpr std::size_t largestPage = pageHeaderSize + 255 + 65'025; // 255 segments of 255 bytes
-constexpr qsizetype largestCommentHeader = 16 << 20;
-constexpr int mostPages = 20'000;
+constexpr std::size_t maxPage = pageHeaderSize + 255 + 65'025; // 255 segments of 255 bytes
+constexpr qsizetype maxCommentHeader = 16 << 20;
+constexpr int maxPages = 20'000;
 constexpr std::int64_t unknownPosition = -1;
 constexpr int opusSampleRate = 48'000; // that of all positions and of the decoder, whatever was encoded
 
 struct Page {
     std::int64_t granule = unknownPosition;
     std::uint32_t serial = 0;
-    std::int64_t body = 0; ///< where the packets' bytes stand
+    std::int64_t body = 0; ///< where the packets' bytes are
     std::int64_t end = 0;
     std::size_t firstPiece = 0; ///< bytes up to the end of the first packet that ends here, or of the page
     bool endsPacket = false;
@@ -83,7 +83,7 @@ std::optional<std::int64_t> lastGranuleIn(std::string_view tail, std::uint32_t s
 }
 
 /// The last position in samples that the stream's pages name, looked for at the file's end. The last page is seldom
-/// larger than a few KiB and never larger than largestPage.
+/// larger than a few KiB and never larger than maxPage.
 std::optional<std::int64_t> lastGranule(BoundedStream &stream, std::uint32_t serial)
 {
     const auto start
@@ -92,21 +92,21 @@ std::optional<std::int64_t> lastGranule(BoundedStream &stream, std::uint32_t ser
         = lastGranuleIn(viewAt(stream, start(BoundedStream::window), BoundedStream::window), serial)) {
         return granule;
     }
-    FileWindow window(stream.file(), 2 * largestPage, 0);
-    return lastGranuleIn(viewAt(window, start(2 * largestPage), 2 * largestPage), serial);
+    FileWindow window(stream.file(), 2 * maxPage, 0);
+    return lastGranuleIn(viewAt(window, start(2 * maxPage), 2 * maxPage), serial);
 }
 
 /// The second packet of the stream that begins at `position`: the first has a page of its own.
 QByteArray commentPacket(const RegularFile &file, std::int64_t position)
 {
-    FileWindow window(file, largestPage, 0);
+    FileWindow window(file, maxPage, 0);
     const std::optional<Page> first = pageAt(window, position);
     QByteArray packet;
     if (!first) {
         return packet;
     }
     position = first->end;
-    for (int pages = 0; pages < mostPages; ++pages) {
+    for (int pages = 0; pages < maxPages; ++pages) {
         const std::optional<Page> page = pageAt(window, position);
         if (!page) {
             break;
@@ -114,7 +114,7 @@ QByteArray commentPacket(const RegularFile &file, std::int64_t position)
         if (page->serial == first->serial) {
             const std::string_view piece = viewAt(window, page->body, page->firstPiece);
             packet.append(piece.data(), qsizetype(piece.size()));
-            if (page->endsPacket || packet.size() > largestCommentHeader) {
+            if (page->endsPacket || packet.size() > maxCommentHeader) {
                 break;
             }
         }

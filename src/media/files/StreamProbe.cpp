@@ -15,19 +15,19 @@ namespace StreamProbe {
 namespace {
 
 constexpr int bufferSize = 16 * 1024;
-constexpr std::int64_t mostBytes = 16 << 20;
-constexpr std::size_t largestAllocation = 128 << 20;
+constexpr std::int64_t maxBytes = 16 << 20;
+constexpr std::size_t maxAllocation = 128 << 20;
 constexpr std::int64_t farthest = std::int64_t(1)
     << 62; // a position behind the file's end is one where nothing is read
 constexpr int appleLosslessCookieSize = 36;
 constexpr int appleLosslessDepthOffset = 17; // in the cookie: 12 bytes of atom header, frame length (4), version (1)
 
-/// The file from `start` on: what stands before is not libavformat's to read.
+/// The file from `start` on: what comes before is not libavformat's to read.
 struct Source {
     const RegularFile &file;
     std::int64_t start = 0;
     std::int64_t position = 0;
-    std::int64_t bytesLeft = mostBytes;
+    std::int64_t bytesLeft = maxBytes;
 };
 
 int readSource(void *opaque, std::uint8_t *buffer, int size)
@@ -211,7 +211,7 @@ Answer probe(const RegularFile &file, std::int64_t start, const char *container)
     static std::once_flag prepared;
     std::call_once(prepared, [] {
         av_log_set_level(AV_LOG_QUIET);
-        av_max_alloc(largestAllocation);
+        av_max_alloc(maxAllocation);
     });
     Source source {file, start};
     Opened opened(source);
@@ -219,7 +219,7 @@ Answer probe(const RegularFile &file, std::int64_t start, const char *container)
         return {};
     }
     Answer answer {factsOf(opened.format()), {}};
-    // Reads and decodes a little of the sound, so it comes only where the headers do not tell everything.
+    // Reads and decodes a little of the sound, so it comes only where the headers do not say everything.
     if ((!answer.facts.stream || answer.facts.seconds <= 0)
         && avformat_find_stream_info(&opened.format(), nullptr) >= 0) {
         answer.facts = factsOf(opened.format());

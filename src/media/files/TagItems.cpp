@@ -127,7 +127,7 @@ void Collector::add(const TagLib::APE::Tag &tag)
     std::vector<Picture> pictures;
     for (const auto &[key, item] : items) {
         if (item.type() == TagLib::APE::Item::Binary && key.startsWith("COVER ART")) {
-            // A file name and a NUL stand before the picture's bytes.
+            // A file name and a NUL come before the picture's bytes.
             const TagLib::ByteVector value = item.binaryData();
             const int nameEnd = value.find('\0');
             if (nameEnd >= 0) {
@@ -163,10 +163,10 @@ void Collector::add(const TagLib::Ogg::XiphComment &tag, const TagLib::List<TagL
 std::vector<Picture> mp4Covers(BoundedStream &stream, const Mp4CoverBody &body)
 {
     constexpr std::int64_t dataHeaderSize = 16;
-    constexpr std::size_t mostCovers = 64;
+    constexpr std::size_t maxCovers = 64;
     std::vector<Picture> covers;
     const std::int64_t end = std::min<std::int64_t>(body.position + body.length, stream.length());
-    for (std::int64_t position = body.position; end - position > dataHeaderSize && covers.size() < mostCovers;) {
+    for (std::int64_t position = body.position; end - position > dataHeaderSize && covers.size() < maxCovers;) {
         const std::span<const char> header = stream.at(position, std::size_t(dataHeaderSize));
         if (header.size() < std::size_t(dataHeaderSize)) {
             break;

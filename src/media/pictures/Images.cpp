@@ -21,8 +21,8 @@
 namespace {
 
 /// For the formats that are decoded whole: 256 MB at 32 bits a pixel.
-constexpr qint64 mostWholePixels = 64 << 20;
-constexpr int mostWholeMegabytes = 256;
+constexpr qint64 maxWholePixels = 64 << 20;
+constexpr int maxWholeMegabytes = 256;
 
 /// The name of a picture's format by its first bytes, null if it is none of ours. Others are not tried: Qt would take
 /// vector formats too, which may name further files.
@@ -55,7 +55,7 @@ QImage prepared(QSize size, QImage::Format format)
 {
     const qint64 bitsPerPixel = QImage::toPixelFormat(format).bitsPerPixel();
     if (format == QImage::Format_Invalid
-        || qint64(size.width()) * size.height() * bitsPerPixel / 8 > qint64(mostWholeMegabytes) << 20) {
+        || qint64(size.width()) * size.height() * bitsPerPixel / 8 > qint64(maxWholeMegabytes) << 20) {
         return {};
     }
     QImage image(size, format);
@@ -74,7 +74,7 @@ public:
         : m_bytes(bytes)
         , m_buffer(&m_bytes)
     {
-        static const bool isLimited = (QImageReader::setAllocationLimit(mostWholeMegabytes), true);
+        static const bool isLimited = (QImageReader::setAllocationLimit(maxWholeMegabytes), true);
         Q_UNUSED(isLimited)
         m_buffer.open(QIODevice::ReadOnly);
         m_reader.setAutoDetectImageFormat(false);
@@ -197,7 +197,7 @@ QImage decodeWhole(QByteArray bytes, const char *format)
     const std::optional<QRgba64> transparent = name == "png" ? takeTransparentColour(bytes) : std::nullopt;
     Reader reader(bytes, format);
     const QSize size = reader.size();
-    if (size.isEmpty() || qint64(size.width()) * size.height() > mostWholePixels
+    if (size.isEmpty() || qint64(size.width()) * size.height() > maxWholePixels
         || (name == "tiff" && isMisreadTiff(bytes))) {
         return {};
     }

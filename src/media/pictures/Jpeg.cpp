@@ -20,11 +20,11 @@
 
 namespace {
 
-constexpr std::int64_t mostPixels = 200'000'000;
+constexpr std::int64_t maxPixels = 200'000'000;
 /// A picture in several scans is held whole, as coefficients, before its first row comes out: 2 bytes a sample.
-constexpr long mostCoefficientBytes = 390'000'000;
+constexpr long maxCoefficientBytes = 390'000'000;
 /// Each scan may cost a walk through the whole picture for a few bytes; honest ones have about ten.
-constexpr int mostScans = 100;
+constexpr int maxScans = 100;
 
 constexpr J_COLOR_SPACE imagePixels = std::endian::native == std::endian::little ? JCS_EXT_BGRX : JCS_EXT_XRGB;
 constexpr int exifMarker = JPEG_APP0 + 1;
@@ -44,7 +44,7 @@ public:
             void *const self = info.client_data;
             jpeg_create_decompress(&info);
             info.client_data = self;
-            info.mem->max_memory_to_use = mostCoefficientBytes;
+            info.mem->max_memory_to_use = maxCoefficientBytes;
             jpeg_mem_src(&info, reinterpret_cast<const unsigned char *>(bytes.constData()),
                 static_cast<unsigned long>(bytes.size()));
         });
@@ -128,11 +128,11 @@ bool isFineEnough(const jpeg_component_info &component, const int (&missing)[DCT
         int tabled;
     };
     constexpr std::array<Place, 4> lowest {Place {0, 0}, Place {1, 1}, Place {2, 8}, Place {4, 9}};
-    constexpr int mostMissing = 8; // a pixel gets an eighth to a quarter of a coefficient (ITU-T T.81, A.3.3)
+    constexpr int maxMissing = 8; // a pixel gets an eighth to a quarter of a coefficient (ITU-T T.81, A.3.3)
     const auto needed = std::span(lowest).first(component.DCT_scaled_size == 1 ? 1 : lowest.size());
     return std::all_of(needed.begin(), needed.end(), [&](const Place &place) {
         const int bits = missing[place.scanned];
-        return bits >= 0 && ((1 << bits) - 1) * component.quant_table->quantval[place.tabled] <= mostMissing;
+        return bits >= 0 && ((1 << bits) - 1) * component.quant_table->quantval[place.tabled] <= maxMissing;
     });
 }
 
@@ -170,7 +170,7 @@ void start(jpeg_decompress_struct &info, int side)
         return;
     }
     for (int state = JPEG_ROW_COMPLETED; state != JPEG_REACHED_EOI; state = jpeg_consume_input(&info)) {
-        if (state == JPEG_SCAN_COMPLETED && (info.input_scan_number >= mostScans || isFineEnough(info))) {
+        if (state == JPEG_SCAN_COMPLETED && (info.input_scan_number >= maxScans || isFineEnough(info))) {
             break;
         }
     }
@@ -226,7 +226,7 @@ JpegPicture decodeJpeg(const QByteArray &bytes, int side)
 {
     Decompression picture(bytes);
     const jpeg_decompress_struct &info = picture.info();
-    if (!picture.readHeader(true) || std::int64_t(info.image_width) * info.image_height > mostPixels
+    if (!picture.readHeader(true) || std::int64_t(info.image_width) * info.image_height > maxPixels
         || !picture.run([side](jpeg_decompress_struct &started) { start(started, side); })) {
         return {};
     }

@@ -14,7 +14,7 @@ struct JpegHeader {
     int width = 0; ///< pixels, before any turning
     int height = 0;
     bool progressive = false;
-    bool jfif = false; ///< a JFIF marker stands in front of the picture (ITU-T T.871, section 10.1)
+    bool jfif = false; ///< a JFIF marker is in front of the picture (ITU-T T.871, section 10.1)
 };
 
 /// Absent if the bytes do not lead up to the first scan of a JPEG picture. Decodes no pixels.

@@ -43,7 +43,7 @@ constexpr std::pair<const char *, const char *> options[] = {
     {"demuxer-lavf-allow-mimetype", "no"},
     {"demuxer-lavf-o", "format_whitelist=[mp3,flac,mov,aac,ogg,wav,aiff,ape,wv,mpc,mpc8,matroska]"},
     {"cache", "no"},
-    {"gapless-audio", "no"}, // else the end comes before the last sound is out
+    {"gapless-audio", "no"}, // otherwise the end comes before the last sound is out
     {"audio-client-name", "Marlune"},
     {"ao", "pulse,pipewire,alsa"},
 };

@@ -15,18 +15,18 @@
 
 namespace {
 
-constexpr std::chrono::milliseconds enginePatience {2'000}; ///< for letting go of a file
-constexpr std::chrono::milliseconds releasePatience {3'000};
-constexpr std::chrono::milliseconds endPatience {1'000};
+constexpr std::chrono::milliseconds engineTimeout {2'000}; ///< for letting go of a file
+constexpr std::chrono::milliseconds releaseTimeout {3'000};
+constexpr std::chrono::milliseconds endTimeout {1'000};
 
 /// What a reply answers; travels with the number of the load in libmpv's "userdata".
 enum class Request : std::uint8_t { Other, Load, Duration, Output, Position, Seek };
 constexpr std::uint64_t requestKinds = 8;
 
-/// What libmpv has told of its playlist's entries so far.
+/// What libmpv has said of its playlist's entries so far.
 struct Seen {
     std::int64_t started = 0; ///< the entry begun last
-    bool loaded = false; ///< and has sound, as its head tells
+    bool loaded = false; ///< and has sound, as its head says
     bool played = false; ///< and was heard, or soon will be
     bool running = false; ///< and plays: now, or again after a seek
     std::int64_t ended = 0; ///< the entry ended last
@@ -64,21 +64,21 @@ struct AudioOutput::Parts : std::enable_shared_from_this<Parts> {
     enum class Stage : std::uint8_t { Idle, Opening, Running };
 
     void makeEngine();
-    void landEngine(std::shared_ptr<AudioEngine> engine);
+    void applyEngine(std::shared_ptr<AudioEngine> engine);
     void send();
     void command(Request request, std::initializer_list<const char *> words);
     void set(const char *property, const QByteArray &value);
     void ask(Request request, const char *property, mpv_format format);
-    void after(std::chrono::milliseconds patience, void (Parts::*judge)());
+    void after(std::chrono::milliseconds timeout, void (Parts::*judge)());
     void judgePlayer();
     void judgeOpening();
     void drain();
     void note(const mpv_event &event);
-    void noteReply(const mpv_event &event);
+    void onReply(const mpv_event &event);
     void evaluate();
     void evaluateEnd();
-    void noteSound();
-    void noteSeekDone();
+    void onSound();
+    void onSeekDone();
     void fail(Failure failure, const QString &reason);
     [[nodiscard]] std::uint64_t userdata(Request request) const
     {
@@ -87,7 +87,7 @@ struct AudioOutput::Parts : std::enable_shared_from_this<Parts> {
 
     Listener m_listener;
     QByteArray m_output;
-    std::chrono::milliseconds m_patience {};
+    std::chrono::milliseconds m_timeout {};
     std::shared_ptr<PendingEnds> m_openFiles = std::make_shared<PendingEnds>();
     std::shared_ptr<PendingEnds> m_players = std::make_shared<PendingEnds>();
     std::shared_ptr<AudioEngine> m_engine; ///< absent before the first load
@@ -98,7 +98,7 @@ struct AudioOutput::Parts : std::enable_shared_from_this<Parts> {
     Stage m_stage = Stage::Idle;
     std::shared_ptr<OfferedFile> m_file;
     double m_start = 0;
-    std::int64_t m_entry = 0; ///< of the load, once libmpv has told
+    std::int64_t m_entry = 0; ///< of the load, once libmpv has said so
     bool m_outputAsked = false;
     double m_duration = 0;
     bool m_seeking = false;
@@ -123,14 +123,14 @@ void AudioOutput::Parts::makeEngine()
     auto land = [parts = weak_from_this()](const std::shared_ptr<AudioEngine> &engine) {
         postToUi([parts, engine] {
             if (const auto self = parts.lock()) {
-                self->landEngine(engine);
+                self->applyEngine(engine);
             }
         });
     };
     auto make = [parts = weak_from_this(), wake, land, output = m_output, openFiles = m_openFiles,
                     players = m_players]() mutable {
         if (std::shared_ptr<AudioEngine> engine = AudioEngine::make(output, wake, openFiles, players);
-            !parts.expired()) { // else the program may be at its end
+            !parts.expired()) { // otherwise the program may be at its end
             land(engine);
         }
         players->end();
@@ -145,7 +145,7 @@ void AudioOutput::Parts::makeEngine()
 }
 
 /// Null where libmpv does not start.
-void AudioOutput::Parts::landEngine(std::shared_ptr<AudioEngine> engine)
+void AudioOutput::Parts::applyEngine(std::shared_ptr<AudioEngine> engine)
 {
     m_making = false;
     m_engine = std::move(engine);
@@ -157,7 +157,7 @@ void AudioOutput::Parts::landEngine(std::shared_ptr<AudioEngine> engine)
             fail(Failure::NoOutput, {});
         }
     }
-    drain(); // what it has told before it was here
+    drain(); // what it reported before it was here
 }
 
 /// Hands the wanted file to the player.
@@ -171,8 +171,8 @@ void AudioOutput::Parts::send()
     set("volume", playerVolume(m_volume));
     set("start", m_start > 0 ? number(m_start) : "none"); // a start at 0 would be a seek
     command(Request::Load, {"loadfile", address.constData(), "replace"});
-    set("pause", "no"); // after the load, else a paused file could be heard again
-    after(enginePatience, &Parts::judgePlayer);
+    set("pause", "no"); // after the load, otherwise a paused file could be heard again
+    after(engineTimeout, &Parts::judgePlayer);
 }
 
 void AudioOutput::Parts::command(Request request, std::initializer_list<const char *> words)
@@ -195,9 +195,9 @@ void AudioOutput::Parts::ask(Request request, const char *property, mpv_format f
 }
 
 /// Unless another load or unload has come by then.
-void AudioOutput::Parts::after(std::chrono::milliseconds patience, void (Parts::*judge)())
+void AudioOutput::Parts::after(std::chrono::milliseconds timeout, void (Parts::*judge)())
 {
-    QTimer::singleShot(patience, [parts = weak_from_this(), load = m_load, judge] {
+    QTimer::singleShot(timeout, [parts = weak_from_this(), load = m_load, judge] {
         if (const auto self = parts.lock()) {
             self->drain(); // this thread may be the one that was late
             if (self->m_load == load) {
@@ -264,7 +264,7 @@ void AudioOutput::Parts::note(const mpv_event &event)
         break;
     case MPV_EVENT_COMMAND_REPLY:
     case MPV_EVENT_GET_PROPERTY_REPLY:
-        noteReply(event);
+        onReply(event);
         break;
     case MPV_EVENT_SHUTDOWN:
         m_engine.reset();
@@ -277,7 +277,7 @@ void AudioOutput::Parts::note(const mpv_event &event)
     }
 }
 
-void AudioOutput::Parts::noteReply(const mpv_event &event)
+void AudioOutput::Parts::onReply(const mpv_event &event)
 {
     if (event.reply_userdata / requestKinds != m_load) {
         return;
@@ -305,7 +305,7 @@ void AudioOutput::Parts::noteReply(const mpv_event &event)
         break;
     case Request::Output: // without one the end follows, and says why
         if (good) {
-            noteSound();
+            onSound();
         }
         break;
     case Request::Position:
@@ -316,7 +316,7 @@ void AudioOutput::Parts::noteReply(const mpv_event &event)
     case Request::Seek:
         m_seekTaken = good;
         if (!good) {
-            noteSeekDone();
+            onSeekDone();
         }
         break;
     case Request::Other:
@@ -339,7 +339,7 @@ void AudioOutput::Parts::evaluate()
             ask(Request::Duration, "duration", MPV_FORMAT_DOUBLE);
             ask(Request::Output, "current-ao", MPV_FORMAT_STRING);
         } else if (m_seekTaken) {
-            noteSeekDone();
+            onSeekDone();
         }
     }
 }
@@ -356,7 +356,7 @@ void AudioOutput::Parts::evaluateEnd()
     } else if (error == MPV_ERROR_AO_INIT_FAILED) {
         fail(Failure::NoOutput, {});
     } else if (m_seen.played && !error && !diskError) {
-        noteSound(); // this thread may have been away for longer than a short file lasts
+        onSound(); // this thread may have been away for longer than a short file lasts
         if (m_load == load) {
             m_stage = Stage::Idle;
             m_listener.ended();
@@ -375,7 +375,7 @@ void AudioOutput::Parts::fail(Failure failure, const QString &reason)
     m_listener.failed(failure, reason);
 }
 
-void AudioOutput::Parts::noteSound()
+void AudioOutput::Parts::onSound()
 {
     if (m_stage == Stage::Opening) {
         m_stage = Stage::Running;
@@ -383,7 +383,7 @@ void AudioOutput::Parts::noteSound()
     }
 }
 
-void AudioOutput::Parts::noteSeekDone()
+void AudioOutput::Parts::onSeekDone()
 {
     m_seeking = false;
     m_seekTaken = false;
@@ -396,12 +396,12 @@ void AudioOutput::Parts::noteSeekDone()
     // The place is not asked for: a paused player gives it too low by what its output holds.
 }
 
-AudioOutput::AudioOutput(Listener listener, QByteArray output, std::chrono::milliseconds patience)
+AudioOutput::AudioOutput(Listener listener, QByteArray output, std::chrono::milliseconds timeout)
     : m_parts(std::make_shared<Parts>())
 {
     m_parts->m_listener = std::move(listener);
     m_parts->m_output = std::move(output);
-    m_parts->m_patience = patience;
+    m_parts->m_timeout = timeout;
 }
 
 AudioOutput::~AudioOutput()
@@ -411,7 +411,7 @@ AudioOutput::~AudioOutput()
     m_parts->m_stage = Parts::Stage::Idle;
     m_parts->m_engine.reset();
     m_parts.reset();
-    (void)players->waitForNone(endPatience);
+    (void)players->waitForNone(endTimeout);
 }
 
 void AudioOutput::prepare()
@@ -435,7 +435,7 @@ void AudioOutput::load(const std::filesystem::path &file, double startSeconds)
     parts.m_seekTaken = false;
     parts.m_nextSeek.reset();
     parts.send();
-    parts.after(parts.m_patience, &Parts::judgeOpening);
+    parts.after(parts.m_timeout, &Parts::judgeOpening);
 }
 
 void AudioOutput::setPaused(bool paused)
@@ -452,7 +452,7 @@ void AudioOutput::seek(double seconds)
     }
     m_parts->m_nextSeek = seconds;
     if (!m_parts->m_seeking) {
-        m_parts->noteSeekDone();
+        m_parts->onSeekDone();
     }
 }
 
@@ -479,12 +479,12 @@ void AudioOutput::unload()
     if (parts.m_engine) {
         parts.m_engine->withdraw();
         parts.command(Request::Other, {"stop"});
-        parts.after(enginePatience, &Parts::judgePlayer);
+        parts.after(engineTimeout, &Parts::judgePlayer);
     }
 }
 
 std::function<void()> AudioOutput::release()
 {
     unload();
-    return [openFiles = m_parts->m_openFiles] { (void)openFiles->waitForNone(releasePatience); };
+    return [openFiles = m_parts->m_openFiles] { (void)openFiles->waitForNone(releaseTimeout); };
 }

@@ -1,10 +1,10 @@
 // Plays one audio file at a time on the computer's sound output.
 //
 // UI thread; each call returns at once, whatever the disk and the sound server do, and the listener is told from the
-// event loop what became of it. Of a file that another one has replaced nothing is told any more. A file is read by the
+// event loop what became of it. Of a file that another one has replaced nothing more is reported. A file is read by the
 // bytes of its name and only if it is a regular file; nothing in it makes the player open another file or the network.
 // A player that a dead disk holds up is left to itself: the next file gets a new one, and what was to be opened is
-// called missing after a while. LC_NUMERIC must be "C", else no file can be played.
+// called missing after a while. LC_NUMERIC must be "C", otherwise no file can be played.
 #pragma once
 
 #include <QByteArray>
@@ -19,7 +19,7 @@
 class AudioOutput {
 public:
     enum class Failure : std::uint8_t {
-        NotThere, ///< nothing stands at the path, or its disk is gone or does not answer
+        NotThere, ///< nothing exists at the path, or its disk is gone or does not answer
         Refused, ///< not readable, of no known format, or without sound
         NoOutput, ///< there is no sound output, or it takes no sound
         Decoding, ///< the sound cannot be decoded, or the disk failed on the way
@@ -34,10 +34,10 @@ public:
     };
 
     /// `output` is libmpv's name of a way to put out sound: "null" plays into nothing, in real time; empty takes what
-    /// the desktop has. A file that has not begun to sound after `patience` has failed. Nothing is opened before the
+    /// the desktop has. A file that has not begun to sound after `timeout` has failed. Nothing is opened before the
     /// first load() or prepare().
     explicit AudioOutput(
-        Listener listener, QByteArray output = {}, std::chrono::milliseconds patience = std::chrono::seconds(10));
+        Listener listener, QByteArray output = {}, std::chrono::milliseconds timeout = std::chrono::seconds(10));
     /// Waits a moment for the player's end.
     ~AudioOutput();
     AudioOutput(const AudioOutput &) = delete;

@@ -17,7 +17,7 @@ namespace Desktop {
 
 namespace {
 
-constexpr int fileManagerPatienceMilliseconds = 10'000; // it may have to be started
+constexpr int fileManagerTimeoutMilliseconds = 10'000; // it may have to be started
 
 /// A file URI of the path's own bytes (RFC 8089, appendix B; RFC 3986, section 2.1). QUrl::fromLocalFile() would lose
 /// bytes that are not UTF-8.
@@ -35,13 +35,13 @@ struct Selection {
 /// The items of the first few folders, in their order.
 Selection firstFolders(const std::vector<std::filesystem::path> &paths)
 {
-    constexpr std::size_t mostFolders = 5;
+    constexpr std::size_t maxFolders = 5;
     Selection chosen;
     for (const std::filesystem::path &path : paths) {
-        std::filesystem::path item = Files::standardised(path);
+        std::filesystem::path item = Files::standardized(path);
         const std::filesystem::path folder = item.parent_path();
         const bool isKnown = std::find(chosen.folders.begin(), chosen.folders.end(), folder) != chosen.folders.end();
-        if (!isKnown && chosen.folders.size() < mostFolders) {
+        if (!isKnown && chosen.folders.size() < maxFolders) {
             chosen.folders.push_back(folder);
         } else if (!isKnown) {
             continue;
@@ -56,7 +56,7 @@ Selection firstFolders(const std::vector<std::filesystem::path> &paths)
 bool open(const std::filesystem::path &path)
 {
     // Qt starts the desktop's opener detached, so that a slow one holds up nobody.
-    return QDesktopServices::openUrl(QUrl::fromEncoded(fileUri(Files::standardised(path)), QUrl::StrictMode));
+    return QDesktopServices::openUrl(QUrl::fromEncoded(fileUri(Files::standardized(path)), QUrl::StrictMode));
 }
 
 void reveal(const std::vector<std::filesystem::path> &paths)
@@ -77,7 +77,7 @@ void reveal(const std::vector<std::filesystem::path> &paths)
         openFolders(); // a call on no bus would never be answered
         return;
     }
-    const QDBusPendingCall call = bus.asyncCall(request, fileManagerPatienceMilliseconds);
+    const QDBusPendingCall call = bus.asyncCall(request, fileManagerTimeoutMilliseconds);
 
     auto *watcher = new QDBusPendingCallWatcher(call, QCoreApplication::instance());
     QObject::connect(watcher, &QDBusPendingCallWatcher::finished, watcher, [watcher, openFolders] {

@@ -19,7 +19,7 @@ bool folderReachesMedium(int folder)
     return diskCalls().fsync(folder) == 0 || errno == EINVAL;
 }
 
-/// A failure that concerns no file, or one by its hidden name, is told with the final name.
+/// A failure that concerns no file, or one by its hidden name, is reported with the final name.
 [[noreturn]] void rethrowFor(
     const std::filesystem::path &path, const std::filesystem::path &temporary, const std::system_error &failure)
 {
@@ -58,7 +58,7 @@ void writeFully(int descriptor, std::span<const char> bytes)
     }
 }
 
-void synchronise(int descriptor)
+void sync(int descriptor)
 {
     if (diskCalls().fsync(descriptor) != 0) {
         throwFailure(errno);
@@ -74,10 +74,10 @@ void makeFolders(const std::filesystem::path &folder)
     if (diskCalls().mkdir(folder.c_str(), 0777) != 0 && errno != EEXIST) { // another job may have made it meanwhile
         throwFailure(errno, folder);
     }
-    synchroniseFolder(folder.parent_path());
+    syncFolder(folder.parent_path());
 }
 
-void synchroniseFolder(const std::filesystem::path &folder)
+void syncFolder(const std::filesystem::path &folder)
 {
     const Descriptor descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (descriptor.get() < 0 || !folderReachesMedium(descriptor.get())) {
@@ -85,15 +85,15 @@ void synchroniseFolder(const std::filesystem::path &folder)
     }
 }
 
-void synchroniseName(const Folder &folder)
+void syncName(const Folder &folder)
 {
     (void)folderReachesMedium(folder.descriptor.get());
 }
 
-void synchroniseName(const std::filesystem::path &file)
+void syncName(const std::filesystem::path &file)
 {
     try {
-        synchroniseFolder(file.parent_path());
+        syncFolder(file.parent_path());
     } catch (const std::system_error &) { // NOLINT(bugprone-empty-catch): as promised
     }
 }
@@ -113,7 +113,7 @@ void writeNew(const std::filesystem::path &file, std::span<const char> bytes, Du
     Descriptor descriptor = createExclusively(file, from);
     writeFully(descriptor.get(), bytes);
     if (durability == Durability::Now) {
-        synchronise(descriptor.get());
+        sync(descriptor.get());
     }
     if (diskCalls().close(descriptor.release()) != 0) {
         throwFailure(errno, file);
@@ -150,7 +150,7 @@ void writeAtomically(const std::filesystem::path &path, std::span<const char> by
         [&](const std::filesystem::path &file, int from) { writeNew(file, bytes, Durability::Now, from); });
 }
 
-void synchroniseVolume(const Folder &folder, const std::filesystem::path &name)
+void syncVolume(const Folder &folder, const std::filesystem::path &name)
 {
     Descriptor file;
     if (kindOf(name, folder.descriptor.get()) == Kind::File) {

@@ -24,27 +24,27 @@ namespace Files {
 /// Writes all bytes, through short writes and interruptions.
 void writeFully(int descriptor, std::span<const char> bytes);
 /// Returns when the file's data is on the medium.
-void synchronise(int descriptor);
+void sync(int descriptor);
 
 /// Makes `folder` and those above it that are missing.
 void makeFolders(const std::filesystem::path &folder);
 /// Returns when the names in `folder` are on the medium, where the file system can do that.
-void synchroniseFolder(const std::filesystem::path &folder);
+void syncFolder(const std::filesystem::path &folder);
 /// Brings a new name in the folder to the medium, where the file system can do that. By itself it gets there in some
 /// seconds, and the file is whole without it, so a failure is none of the caller's.
-void synchroniseName(const Folder &folder);
-void synchroniseName(const std::filesystem::path &file);
+void syncName(const Folder &folder);
+void syncName(const std::filesystem::path &file);
 
 /// A new UUID's text, in capitals.
 [[nodiscard]] std::string newIdentifier();
 /// A hidden name, new at each call, for a file or a folder on its way to its final name in the same folder.
 [[nodiscard]] std::filesystem::path temporaryName(const QByteArray &purpose = {});
-/// Whether a writer returns when the medium has the bytes, or leaves that to synchroniseVolume().
+/// Whether a writer returns when the medium has the bytes, or leaves that to syncVolume().
 enum class Durability : std::uint8_t { Now, Later };
 /// Makes a file of these bytes, as createExclusively() does. On failure what was written of it stays.
 void writeNew(const std::filesystem::path &file, std::span<const char> bytes, Durability durability, int from);
 enum class Placing : std::uint8_t {
-    Replace, ///< what stands at the name goes
+    Replace, ///< what is at the name goes
     Create ///< fails with EEXIST if the name is taken, be it by a dangling link
 };
 /// Writes the file `name` in the open folder `folder`.
@@ -58,6 +58,6 @@ void writeAtomically(const std::filesystem::path &path, std::span<const char> by
 /// Returns when all that was written to the volume of the folder is on the medium; for thousands of small files this
 /// takes a fraction of the time of one call for each. `name` should be one of them, because drivers in user space
 /// (FUSE) write out what they hold only when they are asked for a file; where it is none, the folder itself is asked.
-void synchroniseVolume(const Folder &folder, const std::filesystem::path &name);
+void syncVolume(const Folder &folder, const std::filesystem::path &name);
 
 } // namespace Files

@@ -24,14 +24,14 @@ namespace Files {
 /// Links are followed; any failure of the query counts as "no".
 [[nodiscard]] bool exists(const std::filesystem::path &path);
 [[nodiscard]] bool isDirectory(const std::filesystem::path &path);
-/// What stands at a path itself: a link is not followed.
+/// What is at a path itself: a link is not followed.
 enum class Kind : std::uint8_t { None, File, Folder, Link, Other };
-/// None where nothing stands; throws where the disk does not tell. A relative path is counted from the open folder
+/// None where nothing exists; throws where the disk does not say. A relative path is counted from the open folder
 /// `from`.
 [[nodiscard]] Kind kindOf(const std::filesystem::path &path, int from = AT_FDCWD);
-/// None also where the disk does not tell.
+/// None also where the disk does not say.
 [[nodiscard]] Kind kindOrNone(const std::filesystem::path &path, int from = AT_FDCWD);
-/// Size in bytes of what stands at `path` (links followed), absent if it cannot be had.
+/// Size in bytes of what is at `path` (links followed), absent if it cannot be had.
 [[nodiscard]] std::optional<std::int64_t> size(const std::filesystem::path &path);
 
 /// A file descriptor that is closed at every way out; an error of that close is ignored.
@@ -69,7 +69,7 @@ enum class Links : std::uint8_t { Follow, Refuse };
     const std::filesystem::path &path, Links links = Links::Follow, int from = AT_FDCWD);
 /// Reads until `buffer` is full or the file ends; returns the bytes read.
 [[nodiscard]] std::size_t readFully(int descriptor, std::span<char> buffer);
-/// The whole file if it is a regular one and smaller than `limit` bytes, else absent. Never throws.
+/// The whole file if it is a regular one and smaller than `limit` bytes, otherwise absent. Never throws.
 [[nodiscard]] std::optional<QByteArray> readBelow(const std::filesystem::path &path, std::int64_t limit);
 
 } // namespace Files

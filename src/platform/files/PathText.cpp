@@ -108,7 +108,7 @@ QString extension(const std::filesystem::path &path)
     return text(path.extension()).mid(1);
 }
 
-std::filesystem::path standardised(const std::filesystem::path &path)
+std::filesystem::path standardized(const std::filesystem::path &path)
 {
     std::filesystem::path result = std::filesystem::absolute(path).lexically_normal();
     return result.has_filename() || result == result.root_path() ? result : result.parent_path();

@@ -22,6 +22,6 @@ namespace Files {
 [[nodiscard]] QString extension(const std::filesystem::path &path);
 
 /// Absolute, without "." and ".." pieces, doubled or trailing separators; links are not resolved.
-[[nodiscard]] std::filesystem::path standardised(const std::filesystem::path &path);
+[[nodiscard]] std::filesystem::path standardized(const std::filesystem::path &path);
 
 } // namespace Files

@@ -18,7 +18,7 @@
 
 namespace {
 
-constexpr std::int64_t largestFile = 256'000'000;
+constexpr std::int64_t maxFileBytes = 256'000'000;
 
 struct Stored {
     std::filesystem::path file; ///< where the settings lie, links resolved: a link of the user's stays one
@@ -27,7 +27,7 @@ struct Stored {
     QString notice = {}; ///< what the user should know of the file, may be empty
 };
 
-/// Whether surely nothing stands there, not even a link to nothing. A disk that does not answer leaves it open.
+/// Whether surely nothing exists there, not even a link to nothing. A disk that does not answer leaves it open.
 bool isAbsent(const std::filesystem::path &file)
 {
     std::error_code failure;
@@ -44,7 +44,7 @@ Stored readStored(const std::filesystem::path &file)
     if (failure) {
         stored.file = file;
     }
-    const std::optional<QByteArray> bytes = failure ? std::nullopt : Files::readBelow(stored.file, largestFile);
+    const std::optional<QByteArray> bytes = failure ? std::nullopt : Files::readBelow(stored.file, maxFileBytes);
     const QJsonDocument document = QJsonDocument::fromJson(bytes.value_or(QByteArray()));
     if (document.isObject()) {
         stored.values = document.object();

@@ -5,7 +5,7 @@
 //
 // The work runs on a pool thread; the coroutine goes on where it was, on its own thread. An exception of the work
 // is thrown by the co_await. The work is taken by non-const reference and moved out, so that only a named callable
-// binds to it: GCC 12 destroys a temporary twice that stands in an expression with co_await. After each co_await
+// binds to it: GCC 12 destroys a temporary twice that is in an expression with co_await. After each co_await
 // the owner is tested (QPointer) before any member is touched, since it can be gone by then.
 #pragma once
 
@@ -133,7 +133,8 @@ template <typename Result> struct Outcome {
     std::exception_ptr failure;
 };
 
-/// background() for a job whose failure is told to the user and ends nothing: it throws nothing that the work throws.
+/// background() for a job whose failure is reported to the user and ends nothing: it throws nothing that the work
+/// throws.
 template <std::invocable Work>
 QCoro::Task<Outcome<std::invoke_result_t<Work &>>> attempt(
     Work &work, JobPriority priority = JobPriority::UserInitiated)

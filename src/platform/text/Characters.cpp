@@ -16,7 +16,7 @@ bool isLetterOrNumber(QStringView character)
     if (QChar::isLetterOrNumber(code)) {
         return true;
     }
-    // Some signs and marks are alphabetic too, such as a letter in a circle; Qt's own tables do not tell.
+    // Some signs and marks are alphabetic too, such as a letter in a circle; Qt's own tables do not say.
     static const QRegularExpression alphabetic(QStringLiteral("^\\p{Alphabetic}"));
     return (QChar::isSymbol(code) || QChar::isMark(code)) && alphabetic.match(character.toString()).hasMatch();
 }

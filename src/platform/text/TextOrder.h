@@ -21,7 +21,7 @@ void setLanguage(Language language);
 /// How numbers and units are written in that language; needs none of the system's locales.
 [[nodiscard]] QLocale locale();
 
-/// Negative, zero or positive, as a stands before, with or behind b. "a" and "A" stand together.
+/// Negative, zero or positive, as a comes before, with or behind b. "a" and "A" come together.
 [[nodiscard]] int compare(const QString &a, const QString &b);
 /// Keys of the same language compare as their texts do; cheaper from a few comparisons a text upward.
 [[nodiscard]] QCollatorSortKey key(const QString &text);

@@ -30,7 +30,7 @@ struct Mount {
 /// The lines that can be read, in their order.
 [[nodiscard]] std::vector<Mount> parse(std::string_view table);
 
-/// Whether a disk stands behind it rather than the kernel, a service or a packed program. Memory file systems are
+/// Whether a disk is behind it rather than the kernel, a service or a packed program. Memory file systems are
 /// disks only where a folder of one is mounted elsewhere.
 [[nodiscard]] bool isDisk(const Mount &mount);
 /// FAT and exFAT of the kernel, and every disk that a FUSE driver serves.

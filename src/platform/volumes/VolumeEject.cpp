@@ -30,7 +30,7 @@ namespace {
 
 using ManagedObjects = QMap<QDBusObjectPath, QMap<QString, QVariantMap>>;
 
-constexpr std::chrono::milliseconds lookupPatience = std::chrono::seconds(30); // the service may have to start first
+constexpr std::chrono::milliseconds lookupTimeout = std::chrono::seconds(30); // the service may have to start first
 
 /// A connection of one call's own. The shared one of the process stays dead once the bus was restarted.
 class SystemBus {
@@ -48,12 +48,12 @@ public:
 
     /// Waits for the answer, an error included.
     [[nodiscard]] QDBusMessage call(const QString &object, const QString &interface, const QString &method,
-        const QVariantList &arguments, std::chrono::milliseconds patience) const
+        const QVariantList &arguments, std::chrono::milliseconds timeout) const
     {
         QDBusMessage request
             = QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.UDisks2"), object, interface, method);
         request.setArguments(arguments);
-        const auto limit = std::clamp<std::int64_t>(patience.count(), 1, std::numeric_limits<int>::max());
+        const auto limit = std::clamp<std::int64_t>(timeout.count(), 1, std::numeric_limits<int>::max());
         return m_connection.call(request, QDBus::Block, int(limit));
     }
 
@@ -204,7 +204,7 @@ std::optional<MountedBlock> findMounted(const ManagedObjects &objects, const std
 MountedBlock askForMounted(const SystemBus &bus, const std::filesystem::path &mountPoint)
 {
     const QDBusMessage answer = bus.call(QStringLiteral("/org/freedesktop/UDisks2"),
-        QStringLiteral("org.freedesktop.DBus.ObjectManager"), QStringLiteral("GetManagedObjects"), {}, lookupPatience);
+        QStringLiteral("org.freedesktop.DBus.ObjectManager"), QStringLiteral("GetManagedObjects"), {}, lookupTimeout);
     const QString error = answer.errorName();
     if (error == QLatin1StringView("org.freedesktop.DBus.Error.NoReply")
         || error == QLatin1StringView("org.freedesktop.DBus.Error.Disconnected")) {
@@ -230,20 +230,20 @@ MountedBlock askForMounted(const SystemBus &bus, const std::filesystem::path &mo
 }
 
 /// Without "auth.no_user_interaction" the desktop may ask for a password.
-QDBusMessage askFor(EjectStep step, const SystemBus &bus, const MountedBlock &disk, std::chrono::milliseconds patience)
+QDBusMessage askFor(EjectStep step, const SystemBus &bus, const MountedBlock &disk, std::chrono::milliseconds timeout)
 {
     const QVariantList noOptions {QVariantMap()};
     return step == EjectStep::Unmount ? bus.call(disk.block, QStringLiteral("org.freedesktop.UDisks2.Filesystem"),
-                                            QStringLiteral("Unmount"), noOptions, patience)
+                                            QStringLiteral("Unmount"), noOptions, timeout)
                                       : bus.call(disk.drive, QStringLiteral("org.freedesktop.UDisks2.Drive"),
-                                            QStringLiteral("Eject"), noOptions, patience);
+                                            QStringLiteral("Eject"), noOptions, timeout);
 }
 
 } // namespace
 
-void eject(const std::filesystem::path &mountPoint, std::chrono::milliseconds patience)
+void eject(const std::filesystem::path &mountPoint, std::chrono::milliseconds timeout)
 {
-    const std::filesystem::path asked = Files::standardised(mountPoint);
+    const std::filesystem::path asked = Files::standardized(mountPoint);
     writeOut(asked);
 
     const SystemBus bus;
@@ -255,7 +255,7 @@ void eject(const std::filesystem::path &mountPoint, std::chrono::milliseconds pa
     }
     const MountedBlock disk = askForMounted(bus, asked);
 
-    const QDBusMessage unmounting = askFor(EjectStep::Unmount, bus, disk, patience);
+    const QDBusMessage unmounting = askFor(EjectStep::Unmount, bus, disk, timeout);
     // "NotMounted": another program was quicker, and the drive is still to be ejected.
     if (unmounting.type() != QDBusMessage::ReplyMessage
         && unmounting.errorName() != QLatin1StringView("org.freedesktop.UDisks2.Error.NotMounted")) {
@@ -266,7 +266,7 @@ void eject(const std::filesystem::path &mountPoint, std::chrono::milliseconds pa
     if (disk.drive.isEmpty() || disk.drive == QLatin1StringView("/")) {
         return;
     }
-    const QDBusMessage ejecting = askFor(EjectStep::Eject, bus, disk, patience);
+    const QDBusMessage ejecting = askFor(EjectStep::Eject, bus, disk, timeout);
     if (ejecting.type() != QDBusMessage::ReplyMessage) {
         throw MarluneError(refusalText(EjectStep::Eject, ejecting));
     }

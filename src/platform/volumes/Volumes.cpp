@@ -91,7 +91,7 @@ bool isListed(const MountTable::Mount &mount)
     if (mount.mountPoint.filename().native().starts_with('.')) {
         return false;
     }
-    // A memory disk that stands among the disks was put there to be one.
+    // A memory disk that is mounted among the disks was put there to be one.
     return MountTable::isDisk(mount) || (mount.type == "tmpfs" && isMountFolder(mount.mountPoint.parent_path()));
 }
 

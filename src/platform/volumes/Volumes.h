@@ -40,10 +40,10 @@ enum class NameRules : std::uint8_t { Posix, Fat };
 [[nodiscard]] NameRules nameRules(const std::filesystem::path &path);
 
 /// Writes out what the volume mounted at `mountPoint` still holds in memory, unmounts it and ejects its drive, in this
-/// order. May wait for the disk for minutes: `patience` is the limit for each of the last two steps, and holds for the
+/// order. May wait for the disk for minutes: `timeout` is the limit for each of the last two steps, and holds for the
 /// user's answer too, where the system asks for a password. The calling thread needs no event loop.
 /// Throws MarluneError with a text that says what happened, in what state the disk is left and what to do.
-void eject(const std::filesystem::path &mountPoint, std::chrono::milliseconds patience = std::chrono::minutes(10));
+void eject(const std::filesystem::path &mountPoint, std::chrono::milliseconds timeout = std::chrono::minutes(10));
 
 /// Tells of mounts and unmounts of what mounted() lists. A path that holds another disk than before is first reported
 /// as unmounted, then as mounted. Lives on a thread with an event loop; silent where the mount table cannot be watched.

@@ -19,7 +19,7 @@
 
 namespace {
 
-constexpr int mostRedirects = 5;
+constexpr int maxRedirects = 5;
 constexpr qint64 bufferSize = 65'536; ///< what the network may run ahead of the reader, and what is read at once
 
 bool isThisComputer(const QUrl &url)
@@ -178,7 +178,7 @@ QNetworkRequest networkRequest(const Http::Request &request)
 {
     QNetworkRequest result(request.url);
     result.setHeader(QNetworkRequest::UserAgentHeader, request.userAgent);
-    result.setRawHeader("Accept-Language", "*"); // else the user's own
+    result.setRawHeader("Accept-Language", "*"); // otherwise the user's own
     // The proxies of each place are asked for first.
     result.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
     for (const auto attribute : {QNetworkRequest::CookieLoadControlAttribute,
@@ -214,7 +214,7 @@ void receive(Exchange &exchange, QNetworkReply &reply)
 {
     std::array<char, bufferSize> piece; // NOLINT(cppcoreguidelines-pro-type-member-init): read into
     for (qint64 count = 0; !exchange.tooLarge && (count = reply.read(piece.data(), piece.size())) > 0;) {
-        exchange.tooLarge = exchange.body.size() + count > exchange.request.largestBody;
+        exchange.tooLarge = exchange.body.size() + count > exchange.request.maxBodyBytes;
         if (!exchange.tooLarge) {
             exchange.body.append(piece.data(), count);
         }
@@ -266,7 +266,7 @@ void start(const std::shared_ptr<Exchange> &exchange, QObject &owner)
     silence->setSingleShot(true);
     silence->start(exchange->request.silence);
     QObject::connect(silence, &QTimer::timeout, reply, expire);
-    QTimer::singleShot(exchange->request.patience, reply, expire);
+    QTimer::singleShot(exchange->request.timeout, reply, expire);
     const auto heard = [silence] { silence->start(); };
     QObject::connect(reply, &QNetworkReply::metaDataChanged, silence, heard);
     QObject::connect(reply, &QNetworkReply::readyRead, reply, [exchange, reply, heard] {
@@ -290,7 +290,7 @@ QCoro::Task<> runExchange(std::shared_ptr<Exchange> exchange, QDeadlineTimer dea
     } else if (!isLearned || deadline.hasExpired()) {
         exchange->failure = silenceFailure();
     } else {
-        exchange->request.patience = std::chrono::milliseconds(deadline.remainingTime());
+        exchange->request.timeout = std::chrono::milliseconds(deadline.remainingTime());
         start(exchange, *owner);
         QFuture<void> finished = exchange->finished.future();
         co_await finished;
@@ -309,7 +309,7 @@ QCoro::Task<Http::Response> Http::get(Request &request, QObject &owner)
     if (!isWeb(asked.url)) {
         throw MarluneError(QStringLiteral("Nieprawidłowy adres serwera."));
     }
-    const QDeadlineTimer deadline(asked.patience);
+    const QDeadlineTimer deadline(asked.timeout);
     for (int redirects = 0;; ++redirects) {
         const auto exchange = std::make_shared<Exchange>(asked);
         auto running = runExchange(exchange, deadline, living);
@@ -322,7 +322,7 @@ QCoro::Task<Http::Response> Http::get(Request &request, QObject &owner)
             }
             co_return response;
         }
-        if (redirects == mostRedirects || !mayLead(asked.url, *exchange->redirect, asked.redirects)) {
+        if (redirects == maxRedirects || !mayLead(asked.url, *exchange->redirect, asked.redirects)) {
             throw MarluneError(forbiddenRedirect);
         }
         asked.url = *exchange->redirect;

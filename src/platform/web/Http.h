@@ -26,11 +26,11 @@ enum class Redirects : std::uint8_t {
 
 struct Request {
     QUrl url; ///< http or https
-    std::int64_t largestBody = 0; ///< bytes
-    /// After this long without a sign of the server (or, before it is asked, of the proxy to go by), and after `patience`
-    /// in any case, the request has failed.
+    std::int64_t maxBodyBytes = 0; ///< bytes
+    /// After this long without a sign of the server (or, before it is asked, of the proxy to go by), and after
+    /// `timeout` in any case, the request has failed.
     std::chrono::milliseconds silence = std::chrono::seconds(25);
-    std::chrono::milliseconds patience = std::chrono::minutes(5);
+    std::chrono::milliseconds timeout = std::chrono::minutes(5);
     Redirects redirects = Redirects::SameOrigin; ///< five in a row at most
     QByteArray userAgent = "Marlune";
 };

@@ -1,4 +1,4 @@
-// The ring around what has the keyboard's focus. Fills its parent and stands 3 px around it.
+// The ring around what has the keyboard's focus. Fills its parent and lies 3 px around it.
 import QtQuick
 import Marlune
 

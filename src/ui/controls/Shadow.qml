@@ -1,4 +1,4 @@
-// A soft shadow below its parent, which it stands behind. One small stretched picture, shared by all of one shape.
+// A soft shadow below its parent, which it lies behind. One small stretched picture, shared by all of one shape.
 import QtQuick
 import Marlune
 

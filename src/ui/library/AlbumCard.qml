@@ -112,7 +112,7 @@ T.ItemDelegate {
         }
         Button {
             objectName: "queueButton"
-            x: -leftPadding // its symbol stands in line with the texts
+            x: -leftPadding // its symbol is in line with the texts
             kind: Button.Borderless
             measure: Button.Small
             focusPolicy: Qt.NoFocus // the grid is the keyboard's way here

@@ -39,7 +39,7 @@ ColumnLayout {
         }
         SegmentedPicker {
             objectName: "formatPicker"
-            // One row where all of it fits in some way, else a row of its own.
+            // One row where all of it fits in some way, otherwise a row of its own.
             width: Math.min(implicitWidth, filters.roomForFormats < minimumWidth ? filters.width : filters.roomForFormats)
             title: L10n.text("Format")
             values: root.library.formats
@@ -55,7 +55,7 @@ ColumnLayout {
             onToggled: root.model.hiResOnly = checked
         }
     }
-    // Search and display stand in one row where the search keeps a sensible width, else below each other.
+    // Search and display are in one row where the search keeps a sensible width, otherwise below each other.
     GridLayout {
         Layout.fillWidth: true
         columns: root.width - display.implicitWidth - columnSpacing < search.implicitWidth ? 1 : 2

@@ -75,7 +75,7 @@ Item {
 
                 AlbumGrid {
                     anchors.fill: parent
-                    anchors.leftMargin: -around // covers stand in line with what is above them
+                    anchors.leftMargin: -around // covers are in line with what is above them
                     anchors.rightMargin: -around
                     anchors.topMargin: -around
                     visible: !root.library.nothingListed

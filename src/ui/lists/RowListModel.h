@@ -17,13 +17,13 @@ protected:
     template <typename Row, typename IdOf>
     [[nodiscard]] bool changeRows(std::vector<Row> &rows, const std::vector<Row> &wanted, const IdOf &idOf)
     {
-        constexpr std::size_t mostSteps = 48; // past that a view is done sooner with all rows anew
+        constexpr std::size_t maxSteps = 48; // past that a view is done sooner with all rows anew
         const auto ids = [&](const std::vector<Row> &of) {
             std::vector<QString> result(of.size());
             std::transform(of.begin(), of.end(), result.begin(), idOf);
             return result;
         };
-        const auto steps = RowChanges::plan(ids(rows), ids(wanted), mostSteps);
+        const auto steps = RowChanges::plan(ids(rows), ids(wanted), maxSteps);
         if (!steps) {
             beginResetModel();
             rows = wanted;

@@ -15,7 +15,7 @@ namespace {
 
 constexpr qsizetype cacheBytes = 64'000'000;
 constexpr int decodingThreads = 2;
-constexpr int largestSide = 2048;
+constexpr int maxSide = 2048;
 constexpr int defaultSide = 256;
 
 } // namespace
@@ -87,7 +87,7 @@ QQuickImageResponse *CoverProvider::requestImageResponse(const QString &id, cons
 {
     auto *response = new CoverResponse;
     const int wanted = std::max(requestedSize.width(), requestedSize.height());
-    const int side = std::clamp(wanted > 0 ? wanted : defaultSide, 1, largestSide);
+    const int side = std::clamp(wanted > 0 ? wanted : defaultSide, 1, maxSide);
     BackgroundJobs::startOn(m_pool, [response, id, side, decoder = m_decoder] {
         if (!response->cancelled) {
             response->image = decoder->image(id, side);

@@ -1,4 +1,4 @@
-// The encoded covers that are on show, under short names that can stand in an image's address.
+// The encoded covers that are on show, under short names that fit into an image's address.
 //
 // Safe for use from any thread: the pages put covers in, decoding threads take them out.
 #pragma once

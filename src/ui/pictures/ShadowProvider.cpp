@@ -6,7 +6,7 @@
 namespace {
 
 constexpr double largest = 64;
-constexpr double largestRatio = 4;
+constexpr double maxRatio = 4;
 
 /// Distance from the point to the edge of a square of half side `half` with corners of `radius`; negative inside.
 double distanceToEdge(double x, double y, double half, double radius)
@@ -25,7 +25,7 @@ ShadowProvider::ShadowProvider()
 
 QImage ShadowProvider::requestImage(const QString &id, QSize *size, const QSize &)
 {
-    const double ratio = std::clamp(id.section(u'/', 2, 2).toDouble(), 1.0, largestRatio);
+    const double ratio = std::clamp(id.section(u'/', 2, 2).toDouble(), 1.0, maxRatio);
     const double radius = std::clamp(id.section(u'/', 0, 0).toDouble(), 0.0, largest);
     const double blur = std::clamp(id.section(u'/', 1, 1).toDouble(), 1.0, largest);
     const QImage image = draw(radius * ratio, blur * ratio);

@@ -93,9 +93,9 @@ Provider::Provider()
 QImage Provider::requestImage(const QString &id, QSize *size, const QSize &requestedSize)
 {
     constexpr int defaultSide = 16;
-    constexpr int largestSide = 1024;
+    constexpr int maxSide = 1024;
     const int wanted = std::max(requestedSize.width(), requestedSize.height());
-    const int side = std::min(wanted > 0 ? wanted : defaultSide, largestSide);
+    const int side = std::min(wanted > 0 ? wanted : defaultSide, maxSide);
     const QImage image = draw(id.section(u'/', 0, 0), QColor(u'#' + id.section(u'/', 1, 1)), side);
     if (size) {
         *size = image.size();

@@ -83,7 +83,7 @@ public:
         , m_controls(controls)
         , m_playback(controls->playback())
     {
-        connect(&m_playback, &Playback::sought, this, [this] { Q_EMIT Seeked(position()); });
+        connect(&m_playback, &Playback::seeked, this, [this] { Q_EMIT Seeked(position()); });
     }
 
     [[nodiscard]] QString playbackStatus() const { return told("PlaybackStatus").toString(); }

@@ -10,7 +10,7 @@
 namespace {
 
 /// A page has no room for the hundred copies of one file.
-constexpr std::size_t mostPlaces = 4;
+constexpr std::size_t maxPlaces = 4;
 
 QString placesOf(const QualityIssue &issue)
 {
@@ -18,11 +18,11 @@ QString placesOf(const QualityIssue &issue)
         return {};
     }
     QStringList places;
-    for (std::size_t i = 0; i < std::min(issue.tracks.size(), mostPlaces); ++i) {
+    for (std::size_t i = 0; i < std::min(issue.tracks.size(), maxPlaces); ++i) {
         places.append(Files::text(issue.tracks[i].url));
     }
-    if (issue.tracks.size() > mostPlaces) {
-        places.append(AppLocalizer::text(QStringLiteral("i jeszcze %1").arg(issue.tracks.size() - mostPlaces)));
+    if (issue.tracks.size() > maxPlaces) {
+        places.append(AppLocalizer::text(QStringLiteral("i jeszcze %1").arg(issue.tracks.size() - maxPlaces)));
     }
     return places.join(u'\n');
 }

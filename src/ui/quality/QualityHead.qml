@@ -39,7 +39,7 @@ FocusScope {
         GridLayout {
             Layout.fillWidth: true
             Layout.topMargin: Tokens.space.group
-            // The counts stand beside the heading where they fit.
+            // The counts are beside the heading where they fit.
             columns: heading.implicitWidth + columnSpacing + counts.wholeWidth > root.width ? 1 : 2
             columnSpacing: Tokens.space.wide
             rowSpacing: Tokens.space.tight

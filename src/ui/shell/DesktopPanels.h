@@ -34,7 +34,7 @@ public:
     [[nodiscard]] QString prompt() const { return m_request.prompt; }
     [[nodiscard]] QString message() const { return m_request.message; }
     [[nodiscard]] bool multiple() const { return m_request.multiple; }
-    /// Where the first question begins: the user's music folder, else the home folder.
+    /// Where the first question begins: the user's music folder, otherwise the home folder.
     [[nodiscard]] static QUrl startFolder();
     /// The same for pictures.
     [[nodiscard]] static QUrl picturesFolder();

@@ -1,4 +1,4 @@
-// A plain portrait of a player: body, screen with a cover, wheel. 200 wide unless told otherwise.
+// A plain portrait of a player: body, screen with a cover, wheel. 200 wide unless set otherwise.
 pragma ComponentBehavior: Bound
 
 import QtQuick

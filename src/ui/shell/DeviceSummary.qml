@@ -59,7 +59,7 @@ ColumnLayout {
     }
     Button {
         objectName: "openFolderButton"
-        Layout.leftMargin: -leftPadding // its text stands in line with the texts above
+        Layout.leftMargin: -leftPadding // its text is in line with the texts above
         kind: Button.Borderless
         symbol: "folder"
         text: L10n.text("Otwórz w Finderze")

@@ -82,7 +82,7 @@ Item {
         title: L10n.text(root.panels.prompt)
         onAboutToShow: choice.chosen = choice.none
         onOpened: folderButton.forceActiveFocus(Qt.PopupFocusReason)
-        // The dialog comes once the sheet has given the focus back: it would else lose its own to the window.
+        // The dialog comes once the sheet has given the focus back: it would otherwise lose its own to the window.
         onClosed: choice.chosen === choice.none ? root.panels.cancel() : root.show(choice.chosen)
 
         contentItem: ColumnLayout {

@@ -65,7 +65,7 @@ public:
     [[nodiscard]] QString deviceName() const;
     [[nodiscard]] QString deviceVersion() const;
     [[nodiscard]] QString deviceSpace() const;
-    /// 0 to 1; 0 for a device that tells no size.
+    /// 0 to 1; 0 for a device that does not say its size.
     [[nodiscard]] double usedShare() const;
     [[nodiscard]] bool testFolder() const;
     [[nodiscard]] QString themeCount() const;

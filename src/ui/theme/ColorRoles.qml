@@ -13,7 +13,7 @@ QtObject {
     readonly property color knob: dark ? "#C9C9CF" : "#FFFFFF" ///< what is dragged
     readonly property color field: dark ? "#12F2F2F4" : "#0D1D1D1F" ///< laid over the ground below
 
-    // What stands on them
+    // What lies on them
     readonly property color text: dark ? "#F2F2F4" : "#1D1D1F"
     readonly property color textMuted: dark ? "#A4A4AD" : "#63636A"
     readonly property color accent: dark ? "#4C9BFF" : "#0A63E0"

@@ -1,6 +1,6 @@
 // The language of what is shown, and the one operation that every visible text passes through.
 //
-// All texts stand in the code as Polish literals with their values put in. UI thread.
+// All texts are in the code as Polish literals with their values put in. UI thread.
 #pragma once
 
 #include <QLocale>

@@ -7,7 +7,7 @@
 
 namespace Wording {
 
-/// "jeszcze około 2 min"; seconds in steps of ten, so that the text stands still.
+/// "jeszcze około 2 min"; seconds in steps of ten, so that the text keeps still.
 [[nodiscard]] QString remainingText(std::chrono::seconds remaining);
 
 } // namespace Wording

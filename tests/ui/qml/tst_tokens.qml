@@ -1,4 +1,4 @@
-// Every pair of colours that stand on each other keeps its contrast (WCAG 2.1, relative luminance), in both looks.
+// Every pair of colours that lie on each other keeps its contrast (WCAG 2.1, relative luminance), in both looks.
 import QtQuick
 import QtTest
 import Marlune

@@ -1,0 +1,111 @@
+// What is decided apart from being done: the plan of a transfer, and what follows from a discovery of devices.
+#include "support/SampleTracks.h"
+
+#include "model/DeviceFinder.h"
+#include "model/TransferPlan.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+Device deviceAt(const char *root, bool isVolume = true)
+{
+    Device device;
+    device.root = root;
+    device.isVolume = isVolume;
+    return device;
+}
+
+using Selection = DeviceFinder::Outcome::Selection;
+
+struct Discovery {
+    const char *name;
+    std::vector<const char *> found;
+    const char *selected; ///< "" for none
+    bool ejecting = false;
+    const char *left = ""; ///< meanwhile
+    bool chosen = false; ///< meanwhile
+    bool repeat = false; ///< asked for meanwhile
+    Selection selection = Selection::Keep;
+    const char *sole = "";
+    bool again = false;
+};
+
+} // namespace
+
+TEST(TransferPlan, followsTheWholeLibrary)
+{
+    const std::vector<Track> library = makeTracks({{"Band/Two/CD1/1.flac", "Two", "Band", 1, 1},
+        {"Band/Two/CD2/1.flac", "Two", "Band", 2, 1}, {"Band/One/1.flac", "One", "Band", 0, 1}});
+    const Track stranger = makeTrack({"else/where.mp3", "Other", "Somebody"});
+    const TransferPlan plan = planTransfer({library[1], stranger, library[2]}, library);
+    ASSERT_EQ(plan.files.size(), 3U);
+    EXPECT_EQ(plan.files[0].discFolder, QStringLiteral("CD 2")); // though the other disc is not sent
+    EXPECT_EQ(plan.files[1].artist + plan.files[1].album, QStringLiteral("SomebodyOther"));
+    EXPECT_FALSE(plan.files[1].discFolder || plan.files[2].discFolder);
+    EXPECT_EQ(plan.ids.size(), 3);
+}
+
+TEST(TransferPlan, givesEachFoldersAlbumTheFirstCoverThatItsTracksHave)
+{
+    std::vector<Track> items = makeTracks({{"A/x/1.mp3", "x"}, {"A/x/2.mp3", "x"}, {"A/x/3.mp3", "x"},
+        {"B/x/1.mp3", "x"}, {"A/bare/1.mp3", "bare"}});
+    items[1].artwork = "second";
+    items[2].artwork = "third";
+    items[3].artwork = "elsewhere";
+    const TransferPlan plan = planTransfer(items, items);
+    std::map<QByteArray, std::vector<std::size_t>> covers;
+    for (const PlannedCover &cover : plan.covers) {
+        covers[cover.artwork] = cover.items;
+    }
+    EXPECT_EQ(covers, (std::map<QByteArray, std::vector<std::size_t>> {{"second", {0, 1, 2}}, {"elsewhere", {3}}}));
+    EXPECT_EQ(plan.stages.size(), 3U);
+    EXPECT_EQ(planTransfer({items[4]}, items).stages.size(), 2U); // no stage without a cover
+    const std::vector<std::filesystem::path> arrived {"/m/1", "/m/2"};
+    EXPECT_EQ(tracksOf({.album = {}, .artwork = {}, .items = {1, 2}}, arrived), (std::vector {arrived[1]}));
+}
+
+TEST(DeviceFinder, decidesWhatBecomesOfTheSelection)
+{
+    const Discovery rows[] = {
+        {.name = "the only one", .found = {"/a"}, .selected = "", .sole = "/a"},
+        {.name = "two", .found = {"/a", "/b"}, .selected = ""},
+        {.name = "still there", .found = {"/a", "/b"}, .selected = "/b", .selection = Selection::Update},
+        {.name = "gone", .found = {"/b"}, .selected = "/a", .selection = Selection::Lost, .sole = "/b"},
+        {.name = "on its way out", .found = {}, .selected = "/a", .ejecting = true},
+        {.name = "left meanwhile", .found = {"/a"}, .selected = "/a", .left = "/a", .selection = Selection::Lost},
+        {.name = "chosen meanwhile", .found = {}, .selected = "/a", .chosen = true, .again = true},
+        {.name = "one came meanwhile", .found = {"/a"}, .selected = "/a", .repeat = true,
+            .selection = Selection::Update, .sole = "/a", .again = true},
+    };
+    for (const Discovery &row : rows) {
+        DeviceFinder finder;
+        ASSERT_TRUE(finder.begin());
+        EXPECT_FALSE(finder.begin());
+        if (*row.left) {
+            finder.onDiskLeft(row.left);
+        }
+        if (row.chosen) {
+            finder.onChoice();
+        }
+        if (row.repeat) {
+            finder.repeatAfterwards();
+        }
+        std::vector<Device> found;
+        for (const char *root : row.found) {
+            found.push_back(deviceAt(root));
+        }
+        const auto selected = *row.selected ? std::optional(deviceAt(row.selected)) : std::nullopt;
+        const DeviceFinder::Outcome outcome = finder.finish(found, selected, row.ejecting);
+        EXPECT_EQ(outcome.selection, row.selection) << row.name;
+        EXPECT_EQ(outcome.update.has_value(), row.selection == Selection::Update) << row.name;
+        if (row.selection != Selection::Update) { // otherwise nothing is asked of it
+            EXPECT_EQ(outcome.sole ? outcome.sole->root.string() : "", row.sole) << row.name;
+        }
+        EXPECT_EQ(outcome.again, row.again) << row.name;
+        EXPECT_TRUE(finder.begin()) << row.name;
+    }
+    DeviceFinder finder;
+    ASSERT_TRUE(finder.begin());
+    EXPECT_EQ(finder.finish({}, deviceAt("/folder", false), false).selection, Selection::Keep); // a test folder
+}
