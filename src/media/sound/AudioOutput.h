@@ -16,6 +16,8 @@
 #include <functional>
 #include <memory>
 
+struct AudioSession;
+
 class AudioOutput {
 public:
     enum class Failure : std::uint8_t {
@@ -60,6 +62,5 @@ public:
     [[nodiscard]] std::function<void()> release();
 
 private:
-    struct Parts;
-    std::shared_ptr<Parts> m_parts;
+    std::shared_ptr<AudioSession> m_session;
 };
