@@ -1,11 +1,11 @@
 #include "storage/ZipInspection.h"
 
 #include "platform/MarluneError.h"
+#include "platform/files/ByteCursor.h"
 #include "platform/files/RegularFile.h"
 
 #include <QSet>
 #include <QStringTokenizer>
-#include <QtEndian>
 
 #include <sys/stat.h>
 
@@ -47,21 +47,30 @@ public:
     [[nodiscard]] std::int64_t size() const { return m_bytes.size(); }
     [[nodiscard]] QByteArrayView slice(std::int64_t offset, std::int64_t length) const
     {
-        if (offset < 0 || length < 0 || offset > size() || length > size() - offset) {
-            Storage::refusePackage();
-        }
-        return QByteArrayView(m_bytes).sliced(offset, length);
+        return given(at(offset).take(std::uint64_t(length)));
     }
     [[nodiscard]] std::uint32_t number16(std::int64_t offset) const
     {
-        return qFromLittleEndian<std::uint16_t>(slice(offset, 2).data());
+        return std::uint32_t(given(at(offset).number(2)));
     }
     [[nodiscard]] std::uint32_t number32(std::int64_t offset) const
     {
-        return qFromLittleEndian<std::uint32_t>(slice(offset, 4).data());
+        return std::uint32_t(given(at(offset).number(4)));
     }
 
 private:
+    [[nodiscard]] ByteCursor at(std::int64_t offset) const
+    {
+        return ByteCursor(m_bytes, ByteOrder::Little).at(std::uint64_t(offset));
+    }
+    template <typename Value> [[nodiscard]] static Value given(const std::optional<Value> &value)
+    {
+        if (!value) {
+            Storage::refusePackage();
+        }
+        return *value;
+    }
+
     QByteArray m_bytes;
 };
 
@@ -98,8 +107,8 @@ Directory findDirectory(const RegularFile &file)
     return directory;
 }
 
-/// Equal for names that some disk takes for one: FAT compares capital letters, others small ones, and some do not say
-/// a letter with its accent from the two written one after the other.
+/// Equal for names that some disk takes for one: FAT compares capital letters, others small ones, and some take
+/// a letter with its accent for the two written one after the other.
 QByteArray caseless(QByteArrayView name)
 {
     if (std::all_of(name.begin(), name.end(), [](char c) { return (c & 0x80) == 0; })) {
