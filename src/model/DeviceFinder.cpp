@@ -1,5 +1,8 @@
 #include "model/DeviceFinder.h"
 
+#include "platform/MarluneError.h"
+#include "platform/volumes/Volumes.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -41,4 +44,17 @@ DeviceFinder::Outcome DeviceFinder::finish(
         outcome.sole = m_devices.front();
     }
     return outcome;
+}
+
+std::vector<Device> discoverDevices()
+{
+    std::vector<Device> devices;
+    for (const std::filesystem::path &volume : Volumes::mounted()) {
+        try {
+            devices.push_back(Device::inspect(volume));
+        } catch (const MarluneError &) { // any other disk
+        } catch (const std::system_error &) { // a disk that just left
+        }
+    }
+    return devices;
 }

@@ -51,3 +51,6 @@ private:
     int m_choicesBefore = 0; ///< when the discovery began
     std::vector<std::filesystem::path> m_left; ///< since it began
 };
+
+/// The devices among all mounted volumes, in their order. A volume that cannot be read is none. Blocking.
+[[nodiscard]] std::vector<Device> discoverDevices();

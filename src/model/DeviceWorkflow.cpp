@@ -12,19 +12,6 @@
 #include <algorithm>
 #include <utility>
 
-std::vector<Device> discoverDevices()
-{
-    std::vector<Device> devices;
-    for (const std::filesystem::path &volume : Volumes::mounted()) {
-        try {
-            devices.push_back(Device::inspect(volume));
-        } catch (const MarluneError &) { // any other disk
-        } catch (const std::system_error &) { // a disk that just left
-        }
-    }
-    return devices;
-}
-
 void MarluneModel::refresh()
 {
     if (!m_finder.begin()) {

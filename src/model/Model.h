@@ -9,27 +9,19 @@
 
 #include "library/Album.h"
 
-#include "artwork/CoverSearch.h"
-
 #include "model/Browsing.h"
 #include "model/DeviceContent.h"
 #include "model/DeviceFinder.h"
 #include "model/DuplicateCheck.h"
+#include "model/ModelEnvironment.h"
 #include "model/RunningWork.h"
 #include "model/Section.h"
 
-#include "themes/Catalogue.h"
-
-#include "storage/Device.h"
-
-#include "platform/desktop/Panels.h"
-#include "platform/files/Settings.h"
 #include "platform/tasks/Background.h"
 
 #include <QObject>
 #include <QSet>
 
-#include <chrono>
 #include <deque>
 #include <functional>
 #include <stop_token>
@@ -39,33 +31,6 @@ struct TransferResult;
 namespace Storage {
 class DeviceAnchor;
 }
-
-/// What the model needs from outside.
-struct ModelEnvironment {
-    Settings &settings;
-    Panels &panels;
-    /// Finds the devices among the mounted disks; called on a background thread.
-    std::function<std::vector<Device>()> deviceDiscovery;
-    /// Unmounts and ejects the volume; blocking, called on a background thread.
-    std::function<void(const std::filesystem::path &)> ejectVolume;
-    /// The user's folder for application data; the program's own lies in "Marlune" below it.
-    std::filesystem::path supportFolder;
-    /// Where the themes' catalogue is; none: no server is asked.
-    Catalogue::Site themeSite = {};
-    /// Finds covers on the network.
-    CoverSearch &covers = CoverSearch::shared();
-    /// Where listening on the computer is heard, as AudioOutput takes it.
-    QByteArray audioOutput = {};
-    /// Whether the library of the last run comes back.
-    bool restoreLibrary = true;
-    /// After this long a discovery counts as hanging, and the user is told.
-    std::chrono::milliseconds discoveryTimeout = std::chrono::seconds(5);
-    /// Tells the time by which the time left is estimated.
-    std::function<TimeLeft::Moment()> clock = TimeLeft::Moment::clock::now;
-};
-
-/// The devices among all mounted volumes, in their order. A volume that cannot be read is none. Blocking.
-[[nodiscard]] std::vector<Device> discoverDevices();
 
 class MarluneModel : public QObject {
     Q_OBJECT
