@@ -12,6 +12,8 @@
 
 #include "library/AlbumGrouping.h"
 
+#include "storage/DeviceAnchor.h"
+
 #include "platform/MarluneError.h"
 #include "platform/files/Files.h"
 #include "platform/files/Sha256.h"
@@ -95,6 +97,17 @@ bool MarluneModel::isReachable(const CoverPlace &place) const
     return !place.onDevice || (m_device && m_visit == place.visit);
 }
 
+/// Takes hold of the device for a job that puts covers on it: a disk that comes to its place meanwhile gets none.
+/// Fails as the anchor does.
+QCoro::Task<MarluneModel::CoverPlace> MarluneModel::heldPlace(CoverPlace place)
+{
+    if (place.root && place.onDevice && isReachable(place)) {
+        auto hold = [root = *place.root] { return std::make_shared<const Storage::DeviceAnchor>(root); };
+        place.device = co_await background(hold);
+    }
+    co_return place;
+}
+
 void MarluneModel::setCoverLookup(const std::optional<Album> &album)
 {
     if (m_coverLookup != album) {
@@ -109,10 +122,10 @@ MarluneModel::PreparedCover MarluneModel::prepareCover(const Album &album, const
 {
     QByteArray image = Artwork::baselineJPEG(data);
     if (place.onDevice) {
-        if (!place.root) {
+        if (!place.device) {
             throw MarluneError(QStringLiteral("Podłącz iPoda."));
         }
-        Artwork::install(image, filesOf(album), *place.root, backupRoot);
+        Artwork::install(image, filesOf(album), *place.device, backupRoot);
     }
     std::filesystem::path stored = Artwork::cache(image, storeKey(album), supportFolder);
     return {.image = std::move(image), .stored = std::move(stored)};
@@ -122,7 +135,7 @@ QCoro::Task<> MarluneModel::applyArtwork(Album album, QByteArray data, CoverPlac
 {
     const QPointer<MarluneModel> self(this);
     if (!isReachable(place)) {
-        place.root.reset(); // the device that is there now is not where the album is
+        place.device.reset(); // the device that is there now is not where the album is
     }
     auto prepare = [album, data, place, support = m_environment.supportFolder, backups = backupRoot()] {
         return prepareCover(album, data, place, support, backups);
@@ -176,6 +189,8 @@ QCoro::Task<> MarluneModel::runArtworkChoice(Album album, PictureSource source, 
     std::optional<QByteArray> picture;
     std::exception_ptr failure;
     try {
+        auto holding = heldPlace(place);
+        place = co_await holding;
         picture = co_await background(source);
         if (self && picture) {
             auto applying = applyArtwork(album, *picture, place);
@@ -216,20 +231,26 @@ QCoro::Task<> MarluneModel::runRepair(CoverPlace place)
     auto choose = [tracks = activeTracks(), root = place.onDevice ? place.root : std::nullopt] {
         return repairableAlbums(tracks, root);
     };
-    const auto chosen = co_await attempt(choose);
+    std::vector<Album> albums;
+    std::exception_ptr failure;
+    try {
+        auto holding = heldPlace(place);
+        place = co_await holding;
+        albums = co_await background(choose);
+    } catch (const std::exception &) {
+        failure = std::current_exception();
+    }
     if (!self) {
         co_return;
     }
-    if (chosen.failure || chosen.value->empty()) {
+    if (failure || albums.empty()) {
         m_work.end();
-        m_work.setAlert(chosen.failure
-                ? describeFailure(chosen.failure)
-                : QStringLiteral("Brak dostępnych obrazów do automatycznej naprawy. Przy brakującej "
-                                 "okładce wybierz plik obrazu."));
+        m_work.setAlert(failure ? describeFailure(failure)
+                                : QStringLiteral("Brak dostępnych obrazów do automatycznej naprawy. Przy brakującej "
+                                                 "okładce wybierz plik obrazu."));
         co_return;
     }
     m_work.beginNextStage(QStringLiteral("Naprawiam dostępne okładki…"));
-    const std::vector<Album> albums = *chosen.value;
     int repaired = 0;
     int failed = 0;
     for (const Album &album : albums) {

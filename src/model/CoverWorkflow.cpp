@@ -66,6 +66,11 @@ QCoro::Task<> MarluneModel::runCoverDownload(CoverCandidate candidate, Album alb
     const QPointer<MarluneModel> self(this);
     std::exception_ptr failure;
     try {
+        auto holding = heldPlace(place);
+        place = co_await holding;
+        if (!self) {
+            co_return;
+        }
         auto fetching = fetchCover(candidate, album, place);
         co_await fetching;
     } catch (const std::exception &) {
@@ -129,6 +134,14 @@ QCoro::Task<> MarluneModel::runCoverSearch(std::vector<Album> albums, CoverPlace
     const QPointer<MarluneModel> self(this);
     std::map<CoverFinding, int> counts;
     int done = 0;
+    try {
+        auto holding = heldPlace(place);
+        place = co_await holding;
+    } catch (const std::exception &) { // without the device its albums count as unavailable
+    }
+    if (!self) {
+        co_return;
+    }
     for (const Album &album : albums) {
         if (!m_coverRequest) { // the window waits to close
             break;

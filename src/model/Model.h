@@ -267,6 +267,7 @@ private:
     struct CoverPlace {
         bool onDevice = false;
         std::optional<std::filesystem::path> root; ///< of the device
+        std::shared_ptr<const Storage::DeviceAnchor> device; ///< held from the job's begin to its end
         int visit = 0;
     };
     /// What became of one album of a search for covers.
@@ -321,6 +322,7 @@ private:
     QCoro::Task<> runBackup(std::filesystem::path root, std::filesystem::path destination);
     [[nodiscard]] CoverPlace coverPlace(std::optional<bool> onDeviceOverride = std::nullopt) const;
     [[nodiscard]] bool isReachable(const CoverPlace &place) const;
+    QCoro::Task<CoverPlace> heldPlace(CoverPlace place);
     [[nodiscard]] static PreparedCover prepareCover(const Album &album, const QByteArray &data, const CoverPlace &place,
         const std::filesystem::path &supportFolder, const std::filesystem::path &backupRoot);
     QCoro::Task<> applyArtwork(Album album, QByteArray data, CoverPlace place);

@@ -74,6 +74,9 @@ QCoro::Task<> MarluneModel::runTransfer(std::shared_ptr<const PlannedTransfer> t
     try {
         auto hold = [transfer] { return std::make_shared<const Storage::DeviceAnchor>(transfer->root); };
         device = co_await background(hold);
+        if (!self) {
+            co_return;
+        }
         auto copy = [transfer, copied, device] { return Storage::transfer(transfer->plan.files, *device, copied); };
         result = co_await background(copy);
         if (!self) {
