@@ -88,6 +88,7 @@ MarluneModel::CoverPlace MarluneModel::coverPlace(std::optional<bool> onDeviceOv
 {
     return {.onDevice = onDeviceOverride.value_or(libraryOnDevice()),
         .root = m_device ? std::optional(m_device->root) : std::nullopt,
+        .device = nullptr,
         .visit = m_visit};
 }
 

@@ -198,7 +198,6 @@ QCoro::Task<> MarluneModel::runEject(Device device)
     }
     m_ejecting.reset();
     m_playback.readmit();
-    m_work.end();
     if (outcome.failure) {
         m_work.putStatusBack();
         m_work.setAlert(describeFailure(outcome.failure));
@@ -212,6 +211,7 @@ QCoro::Task<> MarluneModel::runEject(Device device)
         m_work.setStatus(QStringLiteral("Możesz odłączyć iPoda"));
         m_finder.onDiskLeft(device.root);
     }
+    m_work.end(); // last: nobody is to see the device free for other work before it has gone
     rediscover();
 }
 

@@ -335,7 +335,7 @@ private:
     QCoro::Task<> runCoverSearch(std::vector<Album> albums, CoverPlace place);
     QCoro::Task<> runRepair(CoverPlace place);
     void applyTransfer(
-        const PlannedTransfer &transfer, TransferResult result, bool isThere, const std::exception_ptr &failure);
+        const PlannedTransfer &transfer, TransferResult result, bool isReplaced, const std::exception_ptr &failure);
     /// The order of paths as plain text; their own goes by components.
     [[nodiscard]] static bool isBeforeAsText(const std::filesystem::path &a, const std::filesystem::path &b)
     {

@@ -15,6 +15,7 @@ std::optional<std::chrono::seconds> RunningWork::timeLeft()
 
 void RunningWork::begin(const QString &status, std::vector<TimeLeft::Expectation> stages)
 {
+    Q_ASSERT(!m_busy);
     m_statusBefore = m_status;
     m_timeLeft.begin(std::move(stages), m_clock());
     setProgress(0);
@@ -50,6 +51,7 @@ void RunningWork::putStatusBack()
 
 void RunningWork::end()
 {
+    Q_ASSERT(m_busy);
     m_timeLeft = {};
     setBusy(false);
 }

@@ -1,7 +1,7 @@
 // The one long job that can be under way, and what the program says of itself: progress, status, alert.
 //
-// A job begins once, and on every way out it ends once; a second one cannot begin meanwhile. A plain part of the model,
-// of the UI thread; whoever listens hears of each change.
+// A job begins once, where busy() is false, and on every way out it ends once. A plain part of the model, of the UI
+// thread; whoever listens hears of each change.
 #pragma once
 
 #include "model/TimeLeft.h"

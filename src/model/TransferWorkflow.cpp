@@ -27,7 +27,7 @@ struct MarluneModel::PlannedTransfer {
 
 namespace {
 
-/// Says of which album a cover is none.
+/// A failure names the album whose picture is unfit for a cover.
 QByteArray preparedCover(const PlannedCover &cover)
 {
     try {
@@ -98,22 +98,18 @@ QCoro::Task<> MarluneModel::runTransfer(std::shared_ptr<const PlannedTransfer> t
     } catch (const std::exception &) {
         failure = std::current_exception();
     }
-    auto look = [device] { (void)device->require(); };
-    bool isThere = false;
-    if (device) {
-        const auto seen = co_await attempt(look);
-        isThere = !seen.failure;
-    }
+    auto look = [device] { return device && device->isReplaced(); };
+    const auto seen = co_await attempt(look);
     if (self) {
-        applyTransfer(*transfer, std::move(result), isThere, failure);
+        applyTransfer(*transfer, std::move(result), seen.value.value_or(false), failure);
     }
 }
 
-/// `isThere`: the device that the files went to is still at its place.
+/// `isReplaced`: something else is at the place of the device that the files went to.
 void MarluneModel::applyTransfer(
-    const PlannedTransfer &transfer, TransferResult result, bool isThere, const std::exception_ptr &failure)
+    const PlannedTransfer &transfer, TransferResult result, bool isReplaced, const std::exception_ptr &failure)
 {
-    if (!isThere && m_visit == transfer.visit) {
+    if (isReplaced && m_visit == transfer.visit) {
         ++m_visit; // what is at its place now, noticed or not, holds none of the files that the lists name
         clearDeviceMusic();
     }

@@ -77,6 +77,13 @@ Device DeviceAnchor::require() const
     return device;
 }
 
+bool DeviceAnchor::isReplaced() const
+{
+    struct stat present {};
+    return ::lstat(withoutSeparator(m_root).c_str(), &present) == 0
+        && (present.st_dev != m_identity.st_dev || present.st_ino != m_identity.st_ino);
+}
+
 void DeviceAnchor::requireSamePlace() const
 {
     struct stat present {};

@@ -28,6 +28,9 @@ public:
     /// another disk or another folder.
     Device require() const;
 
+    /// Whether another disk or another folder surely is at the root by now. False where nothing can be said.
+    [[nodiscard]] bool isReplaced() const;
+
     enum class Missing : std::uint8_t { Refuse, Make };
     /// Opens the folder `relative` to the root one piece after the other and follows no link; "" is the root itself.
     /// The root must be where it was; before it makes something, the device is inspected. Pieces are made as they are:

@@ -157,9 +157,9 @@ Program::Parts::~Parts()
 {
     // The window's bindings read what is about to go. A screen reader is not told of each control that goes: Qt would
     // ask the menus for parents that have gone already.
-    const auto told = QAccessible::installUpdateHandler([](QAccessibleEvent *) { });
+    const auto before = QAccessible::installUpdateHandler([](QAccessibleEvent *) { });
     qDeleteAll(engine.rootObjects());
-    QAccessible::installUpdateHandler(told);
+    QAccessible::installUpdateHandler(before);
     // The rows of lists are deleted later, and an animation in one of them would go on without the engine.
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }

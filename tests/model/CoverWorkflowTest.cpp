@@ -318,6 +318,25 @@ private Q_SLOTS:
         }
         const QStringList stored = desk.settings.textMap(overridesKey).values();
         QCOMPARE(QSet<QString>(stored.begin(), stored.end()).size(), 5); // whatever bytes tell two names apart
+
+        // Another disk that nobody reports comes to the place behind the first album: it gets nothing.
+        const std::filesystem::path root = desk.device.root;
+        desk.folder.write("IPOD/Music/B/broken/cover.jpg", picture("progressive.jpg"));
+        desk.folder.write("IPOD/Music/A/bare/cover.jpg", picture("progressive.jpg"));
+        model->scanDeviceMusic();
+        desk.waitForJobs(*model);
+        std::filesystem::copy(root, desk.folder / "Other", std::filesystem::copy_options::recursive);
+        const auto before = filesBelow(desk.folder / "Other");
+        connect(model.get(), &MarluneModel::progressChanged, [&] {
+            if (model->progress() > 0 && !std::filesystem::exists(desk.folder / "away")) {
+                std::filesystem::rename(root, desk.folder / "away");
+                std::filesystem::rename(desk.folder / "Other", root);
+            }
+        });
+        model->repairAvailableCovers();
+        desk.waitForJobs(*model);
+        QCOMPARE(model->status(), QStringLiteral("Naprawione albumy: 1. Nie udało się naprawić: 1."));
+        QVERIFY(filesBelow(root) == before);
     }
 };
 

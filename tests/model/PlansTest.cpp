@@ -1,7 +1,10 @@
-// What is decided apart from being done: the plan of a transfer, and what follows from a discovery of devices.
+// The plain parts of the model: the plan of a transfer, what follows from a discovery of devices, the running work, the
+// check for duplicates.
 #include "support/SampleTracks.h"
 
 #include "model/DeviceFinder.h"
+#include "model/DuplicateCheck.h"
+#include "model/RunningWork.h"
 #include "model/TransferPlan.h"
 
 #include <gtest/gtest.h>
@@ -48,8 +51,8 @@ TEST(TransferPlan, followsTheWholeLibrary)
 
 TEST(TransferPlan, givesEachFoldersAlbumTheFirstCoverThatItsTracksHave)
 {
-    std::vector<Track> items = makeTracks({{"A/x/1.mp3", "x"}, {"A/x/2.mp3", "x"}, {"A/x/3.mp3", "x"},
-        {"B/x/1.mp3", "x"}, {"A/bare/1.mp3", "bare"}});
+    std::vector<Track> items = makeTracks(
+        {{"A/x/1.mp3", "x"}, {"A/x/2.mp3", "x"}, {"A/x/3.mp3", "x"}, {"B/x/1.mp3", "x"}, {"A/bare/1.mp3", "bare"}});
     items[1].artwork = "second";
     items[2].artwork = "third";
     items[3].artwork = "elsewhere";
@@ -75,8 +78,13 @@ TEST(DeviceFinder, decidesWhatBecomesOfTheSelection)
         {.name = "on its way out", .found = {}, .selected = "/a", .ejecting = true},
         {.name = "left meanwhile", .found = {"/a"}, .selected = "/a", .left = "/a", .selection = Selection::Lost},
         {.name = "chosen meanwhile", .found = {}, .selected = "/a", .chosen = true, .again = true},
-        {.name = "one came meanwhile", .found = {"/a"}, .selected = "/a", .repeat = true,
-            .selection = Selection::Update, .sole = "/a", .again = true},
+        {.name = "one came meanwhile",
+            .found = {"/a"},
+            .selected = "/a",
+            .repeat = true,
+            .selection = Selection::Update,
+            .sole = "/a",
+            .again = true},
     };
     for (const Discovery &row : rows) {
         DeviceFinder finder;
@@ -108,4 +116,45 @@ TEST(DeviceFinder, decidesWhatBecomesOfTheSelection)
     DeviceFinder finder;
     ASSERT_TRUE(finder.begin());
     EXPECT_EQ(finder.finish({}, deviceAt("/folder", false), false).selection, Selection::Keep); // a test folder
+}
+
+TEST(RunningWork, putsBackNoStatusButItsOwn)
+{
+    std::vector<std::string> heard;
+    const auto hear = [&heard](const char *what) { return [&heard, what] { heard.emplace_back(what); }; };
+    RunningWork work({.busyChanged = hear("busy"),
+                         .progressChanged = hear("progress"),
+                         .statusChanged = hear("status"),
+                         .alertChanged = hear("alert")},
+        TimeLeft::Moment::clock::now);
+    const QString first = work.status();
+    for (const bool isOvertaken : {false, true}) {
+        work.begin(QStringLiteral("job"));
+        work.beginNextStage(QStringLiteral("its second stage"));
+        work.report(0.5);
+        if (isOvertaken) {
+            work.setStatus(QStringLiteral("newer"));
+        }
+        work.putStatusBack();
+        work.end();
+        EXPECT_EQ(work.status(), isOvertaken ? QStringLiteral("newer") : first);
+    }
+    EXPECT_EQ(std::ranges::count(heard, "busy"), 4);
+    EXPECT_EQ(work.progress(), 0.5); // until the next one begins
+}
+
+TEST(DuplicateCheck, knowsNothingOfOtherTracks)
+{
+    int changes = 0;
+    DuplicateCheck check({.issuesChanged = [&] { ++changes; }, .statusChanged = [] {}});
+    std::stop_token stop = check.begin();
+    check.finish({QualityIssue {}});
+    EXPECT_TRUE(check.isComplete() && check.issues().size() == 1 && !stop.stop_requested());
+    check.forget();
+    EXPECT_TRUE(!check.isComplete() && check.issues().empty() && changes == 2);
+    stop = check.begin();
+    check.forget();
+    EXPECT_TRUE(stop.stop_requested() && check.isRunning());
+    check.fail();
+    EXPECT_EQ(check.status(), DuplicateCheck::interrupted());
 }

@@ -34,7 +34,8 @@ QString PlaybackPresenter::playingTrack() const
 double PlaybackPresenter::duration() const
 {
     const std::optional<Track> &track = m_playback.current();
-    return m_playback.duration() > 0 || !track ? m_playback.duration() : track->info.duration;
+    const bool isOpening = m_playback.duration() <= 0 && track && !m_playback.error();
+    return isOpening ? track->info.duration : m_playback.duration();
 }
 
 QString PlaybackPresenter::positionText() const
