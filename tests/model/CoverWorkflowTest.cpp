@@ -321,8 +321,9 @@ private Q_SLOTS:
 
         // Another disk that nobody reports comes to the place behind the first album: it gets nothing.
         const std::filesystem::path root = desk.device.root;
-        desk.folder.write("IPOD/Music/B/broken/cover.jpg", picture("progressive.jpg"));
-        desk.folder.write("IPOD/Music/A/bare/cover.jpg", picture("progressive.jpg"));
+        std::filesystem::remove_all(root / "Music/B");
+        desk.addTrack("G", "first", picture("progressive.jpg"));
+        desk.addTrack("H", "second", picture("progressive.jpg"));
         model->scanDeviceMusic();
         desk.waitForJobs(*model);
         std::filesystem::copy(root, desk.folder / "Other", std::filesystem::copy_options::recursive);
