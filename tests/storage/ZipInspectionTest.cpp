@@ -75,8 +75,8 @@ TEST(ZipUnpacking, givesWhatItsOwnerAloneCanReadAndRemove)
         const auto zip = folder.write("zip", fileBytes(archive(name)));
         const TemporaryFolder temporary("/tmp");
         std::filesystem::permissions(folder.path(), std::filesystem::perms(0755));
-        const PlainUser user(temporary.path());
         const std::filesystem::path before = std::filesystem::temp_directory_path();
+        const PlainUser user(temporary.path());
         ::setenv("TMPDIR", temporary.path().c_str(), 1);
         const Storage::ScratchFolder scratch;
         ::setenv("TMPDIR", before.c_str(), 1);
