@@ -147,6 +147,8 @@ TEST(MediaAsset, KnowsTheSoundInAnMp4File)
         {"bands above in front", replaced(half, config, "\x2B\x8A\x08\0\0"s), {44100, AudioFormat::mpeg4Aac}},
         {"bands above behind", replaced(half, config, "\x13\x88\x56\xE5\xA0"s), {44100, AudioFormat::mpeg4Aac}},
         {"rate written out", replaced(half, config, "\x17\x80\x56\x22\x08"s), {44100, AudioFormat::mpeg4Aac}},
+        {"xHE", replaced(half, config, "\xF9\x48\x40\0\0"s), {44100, AudioFormat::mpeg4Aac}},
+        {"object type not understood", replaced(half, config, "\xF8\x88\0\0\0"s), {22050, AudioFormat::mpeg4Aac}},
         {"MP3", replaced(plain, "\x17\x40\x15"s, "\x17\x6B\x15"s), {44100}},
     };
     const TemporaryFolder folder;

@@ -96,7 +96,9 @@ Kind kindAt(BoundedStream &stream, std::int64_t position)
     if (isFrameAt(stream, AudioFrames::Kind::Adts, position)) { // a frame of FLAC begins like one of ADTS
         return Kind::Adts;
     }
-    return AudioFrames::frameAt(AudioFrames::Kind::Mpeg, head) ? Kind::Mpeg : Kind::Unknown;
+    // `head` is no longer valid here.
+    const std::span<const char> header = stream.at(position, AudioFrames::headerSize);
+    return AudioFrames::frameAt(AudioFrames::Kind::Mpeg, header) ? Kind::Mpeg : Kind::Unknown;
 }
 
 /// Formats that may begin with padding or junk, or with any atom (MP4).
@@ -122,7 +124,7 @@ AudioContent audioContent(BoundedStream &stream, std::string_view extension)
     if (kind == Kind::Unknown) {
         kind = kindByExtension(extension);
     }
-    // Whoever searches for a frame in a large file without one takes seconds.
+    // TagLib would search a large file without a single frame for seconds.
     const bool isMpeg = kind == Kind::Mpeg;
     const AudioFrames::Kind frames = isMpeg ? AudioFrames::Kind::Mpeg : AudioFrames::Kind::Adts;
     if ((isMpeg || kind == Kind::Adts) && !isFrameAt(stream, frames, start)

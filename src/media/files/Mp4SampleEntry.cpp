@@ -47,6 +47,20 @@ private:
     qsizetype m_position = 0;
 };
 
+std::uint32_t takeObjectType(Bits &bits)
+{
+    constexpr std::uint32_t escape = 31;
+    const std::uint32_t type = bits.take(5);
+    return type == escape ? 32 + bits.take(6) : type;
+}
+
+/// Those whose configuration is a GASpecificConfig: AAC in its older forms.
+bool isGeneralAudio(std::uint32_t objectType)
+{
+    constexpr std::array<std::uint32_t, 12> types {1, 2, 3, 4, 6, 7, 17, 19, 20, 21, 22, 23};
+    return std::find(types.begin(), types.end(), objectType) != types.end();
+}
+
 std::uint32_t takeSampleRate(Bits &bits)
 {
     constexpr std::array<std::uint32_t, 13> rates {
@@ -56,27 +70,34 @@ std::uint32_t takeSampleRate(Bits &bits)
     return index == writtenOut ? bits.take(24) : index < rates.size() ? rates.at(index) : 0;
 }
 
-/// The rate that an AudioSpecificConfig leads to. Spectral band replication doubles that of the core; it is announced
-/// in front of the core's configuration or, where old decoders are to play the core alone, behind it.
+/// The rate that an AudioSpecificConfig leads to, 0 for object types not known here. Spectral band replication doubles
+/// that of the core; it is announced in front of the core's configuration or, where old decoders are to play the core
+/// alone, behind it.
 std::uint32_t sampleRateOf(QByteArrayView configuration)
 {
     constexpr std::uint32_t bandReplication = 5;
     constexpr std::uint32_t parametricStereo = 29;
+    constexpr std::uint32_t unifiedSpeechAndAudio = 42; // names the rate after replication
     constexpr int syncWidth = 11;
     constexpr std::uint32_t syncExtension = 0x2B7;
     Bits bits(configuration);
-    const std::uint32_t objectType = bits.take(5);
+    const std::uint32_t objectType = takeObjectType(bits);
     const std::uint32_t coreRate = takeSampleRate(bits);
     (void)bits.take(4); // channels
+    if (objectType == unifiedSpeechAndAudio) {
+        return coreRate;
+    }
     std::uint32_t outputRate = 0;
     if (objectType == bandReplication || objectType == parametricStereo) {
         outputRate = takeSampleRate(bits);
+    } else if (!isGeneralAudio(objectType)) {
+        return 0;
     } else {
         while (bits.left() > syncWidth && bits.look(syncWidth) != syncExtension) {
             (void)bits.take(1);
         }
         (void)bits.take(syncWidth);
-        outputRate = bits.take(5) == bandReplication && bits.take(1) == 1 ? takeSampleRate(bits) : 0;
+        outputRate = takeObjectType(bits) == bandReplication && bits.take(1) == 1 ? takeSampleRate(bits) : 0;
     }
     return outputRate > 0 ? outputRate : coreRate;
 }
@@ -165,7 +186,7 @@ std::optional<AudioStream> mp4EntryStream(QByteArrayView descriptions)
     constexpr std::uint64_t listHead = 8;
     ByteCursor cursor(descriptions, ByteOrder::Big);
     cursor.skip(listHead);
-    cursor.skip(4); // the entry's size: what lies in it ends by itself
+    cursor.skip(4); // the entry's size: its content ends by itself
     const QByteArrayView format = cursor.take(4).value_or(QByteArrayView());
     cursor.skip(8);
     const std::uint64_t version = cursor.number(2).value_or(0); // QuickTime's; each adds to the entry

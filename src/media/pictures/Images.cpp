@@ -120,15 +120,14 @@ int orientationOf(QByteArrayView bytes, std::string_view format)
     if (format == "tiff") {
         return tiffOrientation(bytes).value_or(1);
     }
-    const std::optional<PictureChunk> exif = format == "png" ? pngChunk(bytes, "eXIf")
-        : format == "webp"                                   ? webpChunk(bytes, "EXIF")
-                                                             : std::nullopt;
+    const std::optional<QByteArrayView> exif = format == "png" ? pngChunk(bytes, "eXIf")
+        : format == "webp"                                     ? webpChunk(bytes, "EXIF")
+                                                               : std::nullopt;
     if (!exif) {
         return 1;
     }
     constexpr QByteArrayView jpegMark("Exif\0\0", 6); // does not belong here, but some programs leave it
-    const QByteArrayView tiff
-        = exif->content.startsWith(jpegMark) ? exif->content.sliced(jpegMark.size()) : exif->content;
+    const QByteArrayView tiff = exif->startsWith(jpegMark) ? exif->sliced(jpegMark.size()) : *exif;
     return tiffOrientation(tiff).value_or(1);
 }
 
@@ -155,28 +154,47 @@ bool isMisreadTiff(QByteArrayView tiff)
                         : samples != 2 && tiffValue(tiff, TiffTag::Planes) == separate;
 }
 
-/// Takes the transparent colour out of a PNG picture that has 16 bits a sample and no other transparency: Qt, which
-/// then expects four samples a pixel and gets three, would put them into the wrong pixels.
-std::optional<QRgba64> takeTransparentColour(QByteArray &png)
+/// Whether a PNG picture has red, green and blue of 16 bits, and no opacity.
+bool isDeepColour(QByteArrayView png)
 {
     constexpr std::uint64_t colour = 2;
-    const std::optional<PictureChunk> header = pngChunk(png, "IHDR");
-    ByteCursor format(header ? header->content : QByteArrayView(), ByteOrder::Big);
-    if (!format.skip(8) || format.number(1) != 16U || format.number(1) != colour) { // width and height come first
+    ByteCursor format(pngChunk(png, "IHDR").value_or(QByteArrayView()), ByteOrder::Big);
+    return format.skip(8) && format.number(1) == 16U && format.number(1) == colour; // width and height come first
+}
+
+QRgba64 colourOf(QByteArrayView tRns)
+{
+    ByteCursor samples(tRns, ByteOrder::Big);
+    std::array<quint16, 3> colour {};
+    for (quint16 &sample : colour) {
+        sample = quint16(samples.number(2).value_or(0));
+    }
+    return QRgba64::fromRgba64(colour[0], colour[1], colour[2], 0xFFFF);
+}
+
+/// Takes the transparent colour out of a PNG picture that has 16 bits a sample and no other transparency: Qt, which
+/// then expects four samples a pixel and gets three, would put them into the wrong pixels. A decoder heeds the first
+/// such colour, and none behind the first pixels.
+std::optional<QRgba64> takeTransparentColour(QByteArray &png)
+{
+    if (!isDeepColour(png)) {
         return std::nullopt;
     }
     std::optional<QRgba64> transparent;
-    while (const std::optional<PictureChunk> chunk = pngChunk(png, "tRNS")) {
-        ByteCursor samples(chunk->content, ByteOrder::Big);
-        const auto sample = [&samples] { return quint16(samples.number(2).value_or(0)); };
-        if (!transparent) {
-            transparent = QRgba64();
-            transparent->setRed(sample());
-            transparent->setGreen(sample());
-            transparent->setBlue(sample());
-            transparent->setAlpha(0xFFFF);
+    ByteCursor cursor = pngChunks(png);
+    QByteArray kept = png.first(qsizetype(cursor.position()));
+    while (const std::optional<PngChunk> chunk = takePngChunk(cursor)) {
+        if (chunk->type != "tRNS") {
+            kept.append(chunk->whole);
+        } else if (!transparent) {
+            transparent = colourOf(chunk->content);
         }
-        png.remove(chunk->begin, chunk->end - chunk->begin);
+        if (chunk->type == "IDAT") {
+            break;
+        }
+    }
+    if (transparent) {
+        png = kept.append(cursor.take(cursor.remaining()).value_or(QByteArrayView()));
     }
     return transparent;
 }
@@ -208,7 +226,7 @@ QImage decodeWhole(QByteArray bytes, const char *format)
     return image;
 }
 
-/// Takes the image over, so that a large one is converted where it lies.
+/// Takes the image over, so that a large one is converted where it is.
 QImage fitted(QImage &&image, int side)
 {
     image.convertTo(image.hasAlphaChannel() ? QImage::Format_ARGB32_Premultiplied : QImage::Format_RGB32);

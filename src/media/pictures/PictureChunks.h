@@ -1,16 +1,19 @@
 // The chunks that PNG and WebP pictures are made of. Pure; any thread; never throws; nothing is copied.
 #pragma once
 
-#include <QByteArrayView>
+#include "platform/files/ByteCursor.h"
 
-#include <optional>
+/// The content of the first chunk of this type of four letters, wherever it is; absent if there is none, or it is cut.
+[[nodiscard]] std::optional<QByteArrayView> pngChunk(QByteArrayView png, QByteArrayView type);
+[[nodiscard]] std::optional<QByteArrayView> webpChunk(QByteArrayView webp, QByteArrayView type);
 
-struct PictureChunk {
+struct PngChunk {
+    QByteArrayView type;
     QByteArrayView content;
-    qsizetype begin = 0; ///< in the picture, of the chunk with its frame
-    qsizetype end = 0;
+    QByteArrayView whole; ///< the content with its frame
 };
 
-/// The first chunk of this type of four letters, wherever it is; absent if there is none, or it is cut.
-[[nodiscard]] std::optional<PictureChunk> pngChunk(QByteArrayView png, QByteArrayView type);
-[[nodiscard]] std::optional<PictureChunk> webpChunk(QByteArrayView webp, QByteArrayView type);
+/// A cursor at the first chunk.
+[[nodiscard]] ByteCursor pngChunks(QByteArrayView png);
+/// The chunk at `cursor`, which is then behind it; absent, with the cursor where it was, if it is cut.
+[[nodiscard]] std::optional<PngChunk> takePngChunk(ByteCursor &cursor);

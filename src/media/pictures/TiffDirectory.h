@@ -1,5 +1,5 @@
 // The first directory of a TIFF structure, which is what Exif data is as well: how a picture has to be turned, and how
-// its samples lie. TIFF 6.0, section 2; Exif 2.32, section 4.6.2. Pure; any thread; never throws.
+// its samples are arranged. TIFF 6.0, section 2; Exif 2.32, section 4.6.2. Pure; any thread; never throws.
 #pragma once
 
 #include <QByteArrayView>

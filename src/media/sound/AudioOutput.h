@@ -1,10 +1,10 @@
 // Plays one audio file at a time on the computer's sound output.
 //
-// UI thread; each call returns at once, whatever the disk and the sound server do, and the listener is told from the
-// event loop what became of it. Of a file that another one has replaced nothing more is reported. A file is read by the
-// bytes of its name and only if it is a regular file; nothing in it makes the player open another file or the network.
-// A player that a dead disk holds up is left to itself: the next file gets a new one, and what was to be opened is
-// called missing after a while. LC_NUMERIC must be "C", otherwise no file can be played.
+// UI thread; each call returns at once, whatever the disk and the sound server do, and what became of it is reported
+// to the listener from the event loop. Of a file that another one has replaced nothing more is reported. A file is read
+// by the bytes of its name and only if it is a regular file; nothing in it makes the player open another file or the
+// network. A player that a dead disk holds up is left to itself: the next file gets a new one, and what was to be
+// opened is called missing after a while. LC_NUMERIC must be "C", otherwise no file can be played.
 #pragma once
 
 #include <QByteArray>

@@ -22,7 +22,7 @@ public:
 
     [[nodiscard]] std::uint64_t remaining() const { return std::uint64_t(rest().size()); }
     [[nodiscard]] std::uint64_t position() const { return std::uint64_t(m_position); }
-    /// A cursor over the same bytes at `position`; at their end if that lies outside.
+    /// A cursor over the same bytes at `position`; at their end if that is outside.
     [[nodiscard]] ByteCursor at(std::uint64_t position) const
     {
         ByteCursor moved = *this;

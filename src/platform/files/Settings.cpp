@@ -21,7 +21,7 @@ namespace {
 constexpr std::int64_t maxFileBytes = 256'000'000;
 
 struct Stored {
-    std::filesystem::path file; ///< where the settings lie, links resolved: a link of the user's stays one
+    std::filesystem::path file; ///< where the settings are, links resolved: a link of the user's stays one
     QJsonObject values;
     bool mayBeReplaced = true;
     QString notice = {}; ///< what the user should know of the file, may be empty

@@ -26,7 +26,7 @@
 #include <variant>
 
 enum class JobPriority : std::uint8_t {
-    Discovery, ///< of devices: what hangs on some other disk holds up none of it, nor the other way round
+    Discovery, ///< of devices; neither waits for jobs that hang with a disk nor holds them up
     Utility, ///< device content, and what is looked at by the way; may hang with the disk
     UserInitiated, ///< import and transfer
 };
