@@ -102,6 +102,11 @@ Files::Folder DeviceAnchor::folder(const std::filesystem::path &relative, Missin
     return current;
 }
 
+Files::Folder DeviceAnchor::folderOf(const std::filesystem::path &file, Missing missing) const
+{
+    return folder(file.lexically_relative(m_root).parent_path(), missing);
+}
+
 void DeviceAnchor::requireUnmoved(const Files::Folder &held) const
 {
     const Files::Folder present = folder(held.path == m_root ? "" : held.path.lexically_relative(m_root));

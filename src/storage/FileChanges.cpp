@@ -4,8 +4,6 @@
 #include "storage/Writers.h"
 
 #include "platform/MarluneError.h"
-#include "platform/files/DiskCalls.h"
-
 #include "platform/files/FileWriting.h"
 
 #include <algorithm>
@@ -19,13 +17,6 @@ Sha256::Digest digestOf(const QByteArray &bytes)
     Sha256 sha256;
     sha256.update(bytes);
     return sha256.finish();
-}
-
-void unlinkIn(const Files::Folder &folder, const std::filesystem::path &name)
-{
-    if (diskCalls().unlinkat(folder.descriptor.get(), name.c_str(), 0) != 0) {
-        Files::throwFailure(errno, folder.path / name);
-    }
 }
 
 } // namespace
@@ -72,11 +63,6 @@ bool FileChanges::undo() noexcept
     return complete;
 }
 
-Files::Folder FileChanges::folderOf(const std::filesystem::path &file, DeviceAnchor::Missing missing) const
-{
-    return m_device.folder(file.lexically_relative(m_device.root()).parent_path(), missing);
-}
-
 bool FileChanges::equalsCopy(const std::filesystem::path &file, const Files::Folder &folder) const
 {
     const std::optional<std::filesystem::path> copy = m_copyOf(file);
@@ -110,7 +96,7 @@ void FileChanges::requireSaved(const std::filesystem::path &file, const Files::F
 void FileChanges::write(const QByteArray &bytes, const std::filesystem::path &file, DeviceAnchor::Missing folders)
 {
     (void)m_device.require();
-    const Files::Folder folder = folderOf(file, folders);
+    const Files::Folder folder = m_device.folderOf(file, folders);
     const std::filesystem::path name = file.filename();
     const bool isThere = Files::kindOf(name, folder.descriptor.get()) != Files::Kind::None;
     const std::size_t before = m_changes.size();
@@ -132,10 +118,12 @@ void FileChanges::write(const QByteArray &bytes, const std::filesystem::path &fi
 void FileChanges::remove(const std::filesystem::path &file)
 {
     (void)m_device.require();
-    const Files::Folder folder = folderOf(file);
-    requireSaved(file, folder);
-    m_changes.push_back({file, std::nullopt});
-    unlinkIn(folder, file.filename());
+    const Files::Folder folder = m_device.folderOf(file);
+    (void)removeIf(folder, file.filename(), [&] {
+        requireSaved(file, folder);
+        m_changes.push_back({file, std::nullopt});
+        return true;
+    });
 }
 
 void FileChanges::keep()
@@ -148,13 +136,13 @@ void FileChanges::sync() const
 {
     if (!m_changes.empty()) { // the names, even where each file is there already
         const std::filesystem::path &last = m_changes.back().file;
-        Files::syncVolume(folderOf(last), last.filename());
+        Files::syncVolume(m_device.folderOf(last), last.filename());
     }
 }
 
 void FileChanges::putBack(const Change &change) const
 {
-    const Files::Folder folder = folderOf(change.file);
+    const Files::Folder folder = m_device.folderOf(change.file);
     const std::filesystem::path name = change.file.filename();
     const auto isThere = [&] { return Files::kindOf(name, folder.descriptor.get()) != Files::Kind::None; };
     const auto requireOwn = [&] {
@@ -171,8 +159,10 @@ void FileChanges::putBack(const Change &change) const
             requireOwn();
         });
     } else if (isThere()) {
-        requireOwn();
-        unlinkIn(folder, name);
+        (void)removeIf(folder, name, [&] {
+            requireOwn();
+            return true;
+        });
     }
 }
 

@@ -57,8 +57,6 @@ private:
         std::optional<Sha256::Digest> made; ///< of the new file; absent for one that was removed
     };
 
-    [[nodiscard]] Files::Folder folderOf(
-        const std::filesystem::path &file, DeviceAnchor::Missing missing = DeviceAnchor::Missing::Refuse) const;
     [[nodiscard]] bool equalsCopy(const std::filesystem::path &file, const Files::Folder &folder) const;
     void requireSaved(const std::filesystem::path &file, const Files::Folder &folder) const;
     [[nodiscard]] bool undo() noexcept;
