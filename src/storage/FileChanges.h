@@ -4,8 +4,7 @@
 // files. Each step, forward or back, opens its folder anew from the device's root and works in there: no link is
 // followed, and no other disk is touched. Nothing that another program has put there is lost: what does not equal its
 // copy is not replaced, nor is what appears at a name that was free, and what is not the file made here is not taken
-// back. Blocking; one object belongs to one
-// thread, any but the UI's.
+// back. Blocking; one object belongs to one thread, any but the UI's.
 #pragma once
 
 #include "storage/DeviceAnchor.h"
