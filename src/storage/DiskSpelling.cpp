@@ -91,7 +91,7 @@ const DiskSpelling::Names &DiskSpelling::namesIn(const std::filesystem::path &fo
     const auto [entry, isNew] = m_folders.try_emplace(folder);
     const std::filesystem::path place = m_root / folder;
     if (isNew && Files::kindOf(place) == Files::Kind::Folder) {
-        for (Files::FolderItem &item : Files::itemsOf(Files::openFolder(place))) {
+        for (Files::FolderItem &item : Files::itemsOf(Files::openFolder(place), Files::Undescribed::None)) {
             entry->second.emplace(volumeKey(item.name, m_rules), std::move(item.name));
         }
     }
