@@ -87,8 +87,12 @@ bool DeviceAnchor::isReplaced() const
 void DeviceAnchor::requireSamePlace() const
 {
     struct stat present {};
-    if (::lstat(m_root.c_str(), &present) != 0 || present.st_dev != m_identity.st_dev
-        || present.st_ino != m_identity.st_ino) {
+    if (::lstat(m_root.c_str(), &present) != 0) {
+        const int error = errno;
+        (void)Device::inspect(m_root); // has better words
+        Files::throwFailure(error, m_root);
+    }
+    if (present.st_dev != m_identity.st_dev || present.st_ino != m_identity.st_ino) {
         throw MarluneError(QStringLiteral("W miejscu iPoda jest teraz inny dysk lub folder. Podłącz iPoda ponownie."));
     }
 }
@@ -107,6 +111,11 @@ Files::Folder DeviceAnchor::folder(const std::filesystem::path &relative, Missin
         }
     }
     return current;
+}
+
+Files::Folder DeviceAnchor::folderOf(const std::filesystem::path &file, Missing missing) const
+{
+    return folder(file.lexically_relative(m_root).parent_path(), missing);
 }
 
 void DeviceAnchor::requireUnmoved(const Files::Folder &held) const

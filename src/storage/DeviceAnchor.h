@@ -37,6 +37,8 @@ public:
     /// safeName() is the caller's duty. Folders made before a refusal stay. Throws MarluneError, or the system's
     /// failure; with Missing::Refuse that is ENOENT for a folder that is not there.
     [[nodiscard]] Files::Folder folder(const std::filesystem::path &relative, Missing missing = Missing::Refuse) const;
+    /// The same for the folder that holds `file`, a path below the root.
+    [[nodiscard]] Files::Folder folderOf(const std::filesystem::path &file, Missing missing = Missing::Refuse) const;
 
     /// Throws MarluneError or the system's failure where the path of a folder from here by now leads to another one.
     void requireUnmoved(const Files::Folder &folder) const;

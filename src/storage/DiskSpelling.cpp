@@ -54,6 +54,17 @@ std::filesystem::path DiskSpelling::of(const std::filesystem::path &relative) co
     return result;
 }
 
+void DiskSpelling::add(const std::filesystem::path &relative)
+{
+    std::filesystem::path folder;
+    for (const std::filesystem::path &piece : relative) {
+        if (m_rules != Volumes::NameRules::Posix && known(folder, piece) != piece.native()) {
+            namesIn(folder).emplace(volumeKey(piece, m_rules), piece);
+        }
+        folder /= piece;
+    }
+}
+
 std::filesystem::path DiskSpelling::pieceOf(
     const std::filesystem::path &folder, const std::filesystem::path &piece) const
 {
@@ -86,12 +97,12 @@ std::optional<std::string> DiskSpelling::known(
     return std::nullopt;
 }
 
-const DiskSpelling::Names &DiskSpelling::namesIn(const std::filesystem::path &folder) const
+DiskSpelling::Names &DiskSpelling::namesIn(const std::filesystem::path &folder) const
 {
     const auto [entry, isNew] = m_folders.try_emplace(folder);
     const std::filesystem::path place = m_root / folder;
     if (isNew && Files::kindOf(place) == Files::Kind::Folder) {
-        for (Files::FolderItem &item : Files::itemsOf(Files::openFolder(place))) {
+        for (Files::FolderItem &item : Files::itemsOf(Files::openFolder(place), Files::Undescribed::None)) {
             entry->second.emplace(volumeKey(item.name, m_rules), std::move(item.name));
         }
     }

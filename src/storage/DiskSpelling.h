@@ -24,13 +24,17 @@ public:
     /// are listed once, and again for a name that has come since. Throws the system's failure.
     [[nodiscard]] std::filesystem::path of(const std::filesystem::path &relative) const;
 
+    /// Learns of a folder that was made after of() gave its name: without it, each of many new folders would have the
+    /// one that holds them listed anew.
+    void add(const std::filesystem::path &relative);
+
 private:
     using Names = std::multimap<QString, std::string>; ///< by their keys, which are equal where case alone differs
     [[nodiscard]] std::filesystem::path pieceOf(
         const std::filesystem::path &folder, const std::filesystem::path &piece) const;
     [[nodiscard]] std::optional<std::string> known(
         const std::filesystem::path &folder, const std::filesystem::path &piece) const;
-    [[nodiscard]] const Names &namesIn(const std::filesystem::path &folder) const;
+    [[nodiscard]] Names &namesIn(const std::filesystem::path &folder) const;
 
     std::filesystem::path m_root;
     Volumes::NameRules m_rules;

@@ -4,8 +4,6 @@
 #include "storage/Writers.h"
 
 #include "platform/MarluneError.h"
-#include "platform/files/DiskCalls.h"
-
 #include "platform/files/FileWriting.h"
 
 #include <algorithm>
@@ -19,13 +17,6 @@ Sha256::Digest digestOf(const QByteArray &bytes)
     Sha256 sha256;
     sha256.update(bytes);
     return sha256.finish();
-}
-
-void unlinkIn(const Files::Folder &folder, const std::filesystem::path &name)
-{
-    if (diskCalls().unlinkat(folder.descriptor.get(), name.c_str(), 0) != 0) {
-        Files::throwFailure(errno, folder.path / name);
-    }
 }
 
 } // namespace
@@ -57,6 +48,7 @@ void FileChanges::undoAndRethrow(const std::filesystem::path &copies)
 bool FileChanges::undo() noexcept
 {
     bool complete = true;
+    std::size_t untouched = 0;
     const auto attempt = [&complete](const auto &work) {
         try {
             work();
@@ -65,30 +57,21 @@ bool FileChanges::undo() noexcept
         }
     };
     // Exactly in reverse: then each old file finds the room on a full disk that its successor was given.
-    std::for_each(
-        m_changes.rbegin(), m_changes.rend(), [&](const Change &change) { attempt([&] { putBack(change); }); });
-    attempt([this] { sync(); });
+    std::for_each(m_changes.rbegin(), m_changes.rend(),
+        [&](const Change &change) { attempt([&] { untouched += putBack(change) ? 0 : 1; }); });
+    if (untouched < m_changes.size()) {
+        attempt([this] { sync(); });
+    }
     m_changes.clear();
     return complete;
 }
 
-Files::Folder FileChanges::folderOf(const std::filesystem::path &file, DeviceAnchor::Missing missing) const
-{
-    return m_device.folder(file.lexically_relative(m_device.root()).parent_path(), missing);
-}
-
-bool FileChanges::equalsCopy(const std::filesystem::path &file, const Files::Folder &folder) const
-{
-    const std::optional<std::filesystem::path> copy = m_copyOf(file);
-    return copy && digest(file.filename(), folder.descriptor.get()) == digest(*copy);
-}
-
-/// Throws where a file by this name would be lost.
-void FileChanges::requireSaved(const std::filesystem::path &file, const Files::Folder &folder) const
+/// How a file may be given this name; throws where one that has it would be lost.
+Files::Placing FileChanges::requireSaved(const std::filesystem::path &file, const Files::Folder &folder) const
 {
     switch (Files::kindOf(file.filename(), folder.descriptor.get())) {
     case Files::Kind::None:
-        return;
+        return Files::Placing::Create;
     case Files::Kind::File:
         break;
     case Files::Kind::Link:
@@ -96,12 +79,14 @@ void FileChanges::requireSaved(const std::filesystem::path &file, const Files::F
     default:
         Files::throwFailure(EISDIR, file);
     }
-    if (!m_copyOf(file)) {
+    const std::optional<std::filesystem::path> copy = m_copyOf(file);
+    if (!copy) {
         throw MarluneError(QStringLiteral("Na iPodzie pojawił się plik bez kopii: ") + Files::name(file));
     }
-    if (!equalsCopy(file, folder)) {
+    if (digest(file.filename(), folder.descriptor.get()) != digest(*copy)) {
         throw MarluneError(QStringLiteral("Plik na iPodzie zmienił się po zrobieniu kopii: ") + Files::name(file));
     }
+    return Files::Placing::Replace;
 }
 
 // The last look comes right before the step that cannot be taken back. A change is noted before it is tried: a call can
@@ -110,17 +95,17 @@ void FileChanges::requireSaved(const std::filesystem::path &file, const Files::F
 void FileChanges::write(const QByteArray &bytes, const std::filesystem::path &file, DeviceAnchor::Missing folders)
 {
     (void)m_device.require();
-    const Files::Folder folder = folderOf(file, folders);
+    const Files::Folder folder = m_device.folderOf(file, folders);
     const std::filesystem::path name = file.filename();
-    const bool isThere = Files::kindOf(name, folder.descriptor.get()) != Files::Kind::None;
     const std::size_t before = m_changes.size();
     const auto make = [&](const std::filesystem::path &temporary, int from) {
         Files::writeNew(temporary, bytes, m_durability, from);
-        requireSaved(file, folder);
+        const Files::Placing placing = requireSaved(file, folder);
         m_changes.push_back({file, digestOf(bytes)});
+        return placing;
     };
     try {
-        Files::place(folder, name, isThere ? Files::Placing::Replace : Files::Placing::Create, make);
+        Files::place(folder, name, make);
     } catch (const std::system_error &failure) {
         if (failure.code() == std::errc::file_exists) { // another program's, be it of the same bytes
             m_changes.resize(before);
@@ -132,10 +117,12 @@ void FileChanges::write(const QByteArray &bytes, const std::filesystem::path &fi
 void FileChanges::remove(const std::filesystem::path &file)
 {
     (void)m_device.require();
-    const Files::Folder folder = folderOf(file);
-    requireSaved(file, folder);
-    m_changes.push_back({file, std::nullopt});
-    unlinkIn(folder, file.filename());
+    const Files::Folder folder = m_device.folderOf(file);
+    (void)removeIf(folder, file.filename(), [&] {
+        requireSaved(file, folder);
+        m_changes.push_back({file, std::nullopt});
+        return true;
+    });
 }
 
 void FileChanges::keep()
@@ -148,32 +135,42 @@ void FileChanges::sync() const
 {
     if (!m_changes.empty()) { // the names, even where each file is there already
         const std::filesystem::path &last = m_changes.back().file;
-        Files::syncVolume(folderOf(last), last.filename());
+        Files::syncVolume(m_device.folderOf(last), last.filename());
     }
 }
 
-void FileChanges::putBack(const Change &change) const
+/// The same for what is put back: what has the name may only be this object's own.
+Files::Placing FileChanges::requireOwn(const Change &change, const Files::Folder &folder) const
 {
-    const Files::Folder folder = folderOf(change.file);
     const std::filesystem::path name = change.file.filename();
-    const auto isThere = [&] { return Files::kindOf(name, folder.descriptor.get()) != Files::Kind::None; };
-    const auto requireOwn = [&] {
-        if (isThere() && digest(name, folder.descriptor.get()) != change.made) {
-            Files::throwFailure(EEXIST, change.file); // another program's
-        }
-    };
-    if (isThere() && equalsCopy(change.file, folder)) {
-        return; // it was never changed
+    if (Files::kindOf(name, folder.descriptor.get()) == Files::Kind::None) {
+        return Files::Placing::Create;
     }
-    if (const std::optional<std::filesystem::path> copy = m_copyOf(change.file)) {
-        Files::place(folder, name, Files::Placing::Replace, [&](const std::filesystem::path &temporary, int from) {
-            copyToNew(Files::openForReading(*copy), temporary, from, m_durability);
-            requireOwn();
-        });
-    } else if (isThere()) {
-        requireOwn();
-        unlinkIn(folder, name);
+    if (digest(name, folder.descriptor.get()) != change.made) {
+        Files::throwFailure(EEXIST, change.file); // another program's
     }
+    return Files::Placing::Replace;
+}
+
+/// False where there was nothing to do.
+bool FileChanges::putBack(const Change &change) const
+{
+    const Files::Folder folder = m_device.folderOf(change.file);
+    const std::filesystem::path name = change.file.filename();
+    const int place = folder.descriptor.get();
+    const std::optional<std::filesystem::path> copy = m_copyOf(change.file);
+    if (!copy) {
+        return removeIf(folder, name, [&] { return requireOwn(change, folder) == Files::Placing::Replace; });
+    }
+    const Sha256::Digest old = digest(*copy);
+    if (Files::kindOf(name, place) != Files::Kind::None && digest(name, place) == old) {
+        return change.made == old; // otherwise it was never changed
+    }
+    Files::place(folder, name, [&](const std::filesystem::path &temporary, int from) {
+        copyToNew(Files::openForReading(*copy), temporary, from, m_durability);
+        return requireOwn(change, folder);
+    });
+    return true;
 }
 
 } // namespace Storage

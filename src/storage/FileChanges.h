@@ -3,8 +3,8 @@
 // What is not kept by keep() is undone in reverse when the object goes, so every way out by an exception leaves the old
 // files. Each step, forward or back, opens its folder anew from the device's root and works in there: no link is
 // followed, and no other disk is touched. Nothing that another program has put there is lost: what does not equal its
-// copy is not replaced, and what is not the file made here is not taken back. Blocking; one object belongs to one
-// thread, any but the UI's.
+// copy is not replaced, nor is what appears at a name that was free, and what is not the file made here is not taken
+// back. Blocking; one object belongs to one thread, any but the UI's.
 #pragma once
 
 #include "storage/DeviceAnchor.h"
@@ -57,12 +57,10 @@ private:
         std::optional<Sha256::Digest> made; ///< of the new file; absent for one that was removed
     };
 
-    [[nodiscard]] Files::Folder folderOf(
-        const std::filesystem::path &file, DeviceAnchor::Missing missing = DeviceAnchor::Missing::Refuse) const;
-    [[nodiscard]] bool equalsCopy(const std::filesystem::path &file, const Files::Folder &folder) const;
-    void requireSaved(const std::filesystem::path &file, const Files::Folder &folder) const;
+    Files::Placing requireSaved(const std::filesystem::path &file, const Files::Folder &folder) const;
+    Files::Placing requireOwn(const Change &change, const Files::Folder &folder) const;
     [[nodiscard]] bool undo() noexcept;
-    void putBack(const Change &change) const;
+    [[nodiscard]] bool putBack(const Change &change) const;
     void sync() const;
 
     const DeviceAnchor &m_device;

@@ -136,7 +136,8 @@ private:
     void enter(Files::Folder folder)
     {
         const Identity identity = identityOf(folder);
-        std::vector<Files::FolderItem> items = Files::itemsOf(folder);
+        std::vector<Files::FolderItem> items = Files::itemsOf(
+            folder, m_unreadable == Storage::Unreadable::Throw ? Files::Undescribed::Throw : Files::Undescribed::None);
         m_levels.push_back({std::move(folder), identity, std::move(items)});
         if (m_levels.size() > maxOpen) {
             m_levels[m_levels.size() - 1 - maxOpen].folder.descriptor = Files::Descriptor();

@@ -18,7 +18,7 @@ namespace Storage {
 /// copied by then stays.
 void copyTree(int from, const std::filesystem::path &name, int to);
 
-/// What a walk does about a folder that cannot be read.
+/// What a walk does about a folder that cannot be read, or an item that the disk does not describe.
 enum class Unreadable : std::uint8_t { Throw, PassOver };
 /// What a walk has come to. `folder`, open during the call, holds it under the last name of `path`.
 struct TreeItem {

@@ -4,9 +4,8 @@
 #include "storage/FolderTree.h"
 #include "storage/PathSafety.h"
 #include "storage/SavedFiles.h"
+#include "storage/Writers.h"
 
-#include "platform/files/DiskCalls.h"
-#include "platform/files/FileWriting.h"
 #include "platform/files/Files.h"
 
 #include <fcntl.h>
@@ -79,51 +78,18 @@ public:
     {
     }
 
-    /// False where the file stays. Its name is taken away first: then nothing else can come under it between the look
-    /// and the removal.
+    /// False where the file stays.
     [[nodiscard]] bool remove(const std::filesystem::path &file) const
     {
         (void)m_device.require();
-        const Files::Folder folder = folderOf(file);
-        const std::filesystem::path hidden = Files::temporaryName();
-        const auto putBack = [&] { return rename(folder, hidden, file.filename()); };
-        try {
-            if (const int error = rename(folder, file.filename(), hidden)) {
-                Files::throwFailure(error, file);
-            }
-            if (!isAsCopied(folder, hidden, file)) {
-                if (const int error = putBack()) {
-                    Files::throwFailure(error, folder.path / hidden);
-                }
-                return false;
-            }
-            if (diskCalls().unlinkat(folder.descriptor.get(), hidden.c_str(), 0) != 0) {
-                Files::throwFailure(errno, file);
-            }
-        } catch (...) {
-            (void)putBack();
-            throw;
-        }
-        return true;
+        const Files::Folder folder = m_device.folderOf(file);
+        return Storage::removeIf(folder, file.filename(), [&] { return isAsCopied(folder, file); });
     }
 
 private:
-    /// The number of the failure, 0 for none.
-    [[nodiscard]] static int rename(
-        const Files::Folder &folder, const std::filesystem::path &from, const std::filesystem::path &to)
-    {
-        const int place = folder.descriptor.get();
-        return diskCalls().renameExclusive(place, from.c_str(), place, to.c_str()) == 0 ? 0 : errno;
-    }
-
-    [[nodiscard]] Files::Folder folderOf(const std::filesystem::path &file) const
-    {
-        return m_device.folder(file.lexically_relative(m_device.root()).parent_path());
-    }
-
     [[nodiscard]] Files::Descriptor open(const std::filesystem::path &file)
     {
-        const Files::Folder folder = folderOf(file);
+        const Files::Folder folder = m_device.folderOf(file);
         Files::Descriptor descriptor
             = Files::openForReading(file.filename(), Files::Links::Refuse, folder.descriptor.get());
         if (::fstat(descriptor.get(), &m_copied[file]) != 0) {
@@ -132,9 +98,9 @@ private:
         return descriptor;
     }
 
-    [[nodiscard]] bool isAsCopied(
-        const Files::Folder &folder, const std::filesystem::path &name, const std::filesystem::path &file) const
+    [[nodiscard]] bool isAsCopied(const Files::Folder &folder, const std::filesystem::path &file) const
     {
+        const std::filesystem::path name = file.filename();
         const struct stat &copied = m_copied.at(file);
         struct stat present {};
         if (::fstatat(folder.descriptor.get(), name.c_str(), &present, AT_SYMLINK_NOFOLLOW) != 0) {

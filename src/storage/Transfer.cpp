@@ -130,7 +130,7 @@ TransferResult transfer(
     }
     const Volumes::NameRules rules = Volumes::nameRules(device.root());
     const Names names(rules);
-    const DiskSpelling spelling(device.root(), rules);
+    DiskSpelling spelling(device.root(), rules);
     TransferResult result;
     result.destinations.reserve(files.size());
     for (const TransferFile &file : files) {
@@ -138,7 +138,10 @@ TransferResult transfer(
         if (isSymbolicLink(file.source)) {
             throw MarluneError(QStringLiteral("Import dowiązań nie jest obsługiwany."));
         }
-        const Files::Folder folder = device.folder(names.folder(file), DeviceAnchor::Missing::Make);
+        // A playlist must not name one file in two ways.
+        const std::filesystem::path place = spelling.of(names.folder(file));
+        const Files::Folder folder = device.folder(place, DeviceAnchor::Missing::Make);
+        spelling.add(place);
         const Destination destination = findDestination(file.source, folder, names);
         if (destination.identical) {
             ++result.skipped;
@@ -146,10 +149,8 @@ TransferResult transfer(
             copyInto(file.source, folder, destination.name, device);
             ++result.copied;
         }
-        // A playlist must not name one file in two ways.
-        const std::filesystem::path asked = names.folder(file);
-        result.destinations.push_back(device.root()
-            / (destination.identical ? spelling.of(asked / destination.name) : spelling.of(asked) / destination.name));
+        result.destinations.push_back(
+            device.root() / (destination.identical ? spelling.of(place / destination.name) : place / destination.name));
         progress(int(result.destinations.size()), int(files.size()));
     }
     if (result.copied > 0) {

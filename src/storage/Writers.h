@@ -10,6 +10,7 @@
 #include <fcntl.h>
 
 #include <filesystem>
+#include <functional>
 
 namespace Storage {
 
@@ -21,5 +22,11 @@ void copyToNew(const Files::Descriptor &source, const std::filesystem::path &des
 
 /// The same of a whole file; links to it are followed.
 void copyAudioBytes(const std::filesystem::path &source, const std::filesystem::path &destination, int from = AT_FDCWD);
+
+/// Removes the file `name` if `mayGo`, asked right before, says so; its failure, too, leaves the file. Nothing is made
+/// or renamed, so this works on a full disk. What another program puts there between the look and the removal is lost:
+/// no system has one call for both.
+[[nodiscard]] bool removeIf(
+    const Files::Folder &folder, const std::filesystem::path &name, const std::function<bool()> &mayGo);
 
 } // namespace Storage

@@ -117,11 +117,13 @@ void requireNoFolders(const std::vector<PackageFile> &files, const std::filesyst
 /// The device's files as they are in the backup, where the items of `.rockbox` are directly in its folder.
 class SavedSettings {
 public:
-    SavedSettings(std::filesystem::path backup, std::filesystem::path device, Volumes::NameRules rules)
-        : m_backup(std::move(backup))
-        , m_spelling(std::move(device), rules)
-        , m_items(itemsBelow(m_backup))
+    SavedSettings(const std::filesystem::path &backup, std::filesystem::path device, Volumes::NameRules rules)
+        : m_spelling(std::move(device), rules)
     {
+        for (const auto &[item, kind] : itemsBelow(backup)) {
+            const std::filesystem::path top = *item.begin(); // as the backup names it, not the device
+            m_copies.emplace(m_spelling.of(top) / item.lexically_relative(top), backup / item);
+        }
     }
 
     /// As the device spells it: where case does not count, a file that is there keeps its letters.
@@ -132,13 +134,13 @@ public:
     /// Of a file as it is spelled on the device.
     [[nodiscard]] std::optional<std::filesystem::path> copyOf(const std::filesystem::path &target) const
     {
-        return m_items.contains(target) ? std::optional(m_backup / target) : std::nullopt;
+        const auto found = m_copies.find(target);
+        return found == m_copies.end() ? std::nullopt : std::optional(found->second);
     }
 
 private:
-    std::filesystem::path m_backup;
     Storage::DiskSpelling m_spelling; ///< in the device's `.rockbox`
-    Items m_items;
+    std::map<std::filesystem::path, std::filesystem::path> m_copies; ///< by what they are called on the device
 };
 
 QByteArray contentOf(const std::filesystem::path &file)

@@ -1,4 +1,5 @@
 #include "storage/Device.h"
+#include "storage/DeviceAnchor.h"
 
 #include "platform/volumes/Volumes.h"
 
@@ -42,6 +43,9 @@ TEST(DeviceInspection, refusesWhatIsNoDevice)
     for (const auto &[name, message] : rows) {
         EXPECT_EQ(messageOf([&] { (void)Device::inspect(folder / name); }), message) << name;
     }
+    const Storage::DeviceAnchor device(folder / "real");
+    std::filesystem::remove_all(folder / "real");
+    EXPECT_EQ(messageOf([&] { (void)device.folder(""); }), none);
 }
 
 TEST(DeviceInspection, findsTheVersionInTheInfoFileOrNone)

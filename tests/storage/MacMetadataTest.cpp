@@ -44,6 +44,10 @@ TEST(MacMetadata, isOnlyWhatSurelyIs)
 
     // Of a candidate it is removed whether the candidate exists or not, but never outside the device.
     const std::vector candidates {music / "lone", folder / "Mac/link", music / "out", music / "a", music / "lone"};
+    const FailingDisk disk(0);
+    diskCalls().renameExclusive = [](int, const char *, int, const char *) {
+        return errno = ENOSPC, -1; // a full disk has no room for another name
+    };
     EXPECT_EQ(Storage::cleanupMacMetadata(folder / "IPOD", folder / "Mac", candidates), 1);
     EXPECT_FALSE(exists(music / "._lone"));
 }
@@ -70,8 +74,9 @@ TEST(MacMetadata, isNeverDeletedUnsavedWhateverHappensAtWhicheverCall)
         std::filesystem::rename(desk / "IPOD", desk / "gone");
         std::filesystem::rename(desk / "other", desk / "IPOD");
     };
-    for (const Row &row : std::vector<Row> {{Fault::Refused, {}}, {Fault::Late, {}}, {Fault::Dead, {}},
-             {Fault::Event, unplug}, {Fault::Event, replace}, {Fault::Event, plantLink}, {Fault::Event, exchange}}) {
+    for (const Row &row :
+        std::vector<Row> {{Fault::Refused, {}}, {Fault::Late, {}}, {Fault::Dead, {}}, {Fault::Event, unplug},
+            {Fault::EventAfter, replace}, {Fault::Event, plantLink}, {Fault::Event, exchange}}) {
         bool reached = true;
         for (int failAt = 1; reached; ++failAt) {
             const TemporaryFolder folder("/dev/shm"); // thousands of files

@@ -1,6 +1,8 @@
 #include "storage/Writers.h"
 #include "storage/Digest.h"
+#include "storage/FileChanges.h"
 
+#include "support/FailingDisk.h"
 #include "support/Messages.h"
 #include "support/SampleDevice.h"
 
@@ -89,4 +91,36 @@ TEST(Digest, isTheStandards)
     }
     EXPECT_NE(failureOf([&] { (void)Storage::digest(folder / "missing"); }), "");
     EXPECT_NE(failureOf([&] { (void)Storage::digest(folder.path()); }), "");
+}
+
+TEST(FileChanges, replaceNothingThatAppearsAtAFreeName)
+{
+    static const TemporaryFolder folder;
+    static const auto appear = [] { folder.write("IPOD/Music/file", "theirs"); };
+    const auto appearBeforeTheRename = [] {
+        std::filesystem::remove(folder / "IPOD/Music/file");
+        diskCalls().renameat = [](int from, const char *name, int to, const char *newName) {
+            return appear(), DiskCalls::system().renameat(from, name, to, newName);
+        };
+        diskCalls().renameExclusive = [](int from, const char *name, int to, const char *newName) {
+            return appear(), DiskCalls::system().renameExclusive(from, name, to, newName);
+        };
+    };
+    makeDevice(folder, "IPOD");
+    for (const bool undone : {false, true}) {
+        const auto file = folder.write("IPOD/Music/file", "old");
+        const auto copy = folder.write("copy", "old");
+        const Storage::DeviceAnchor device(folder / "IPOD");
+        const FailingDisk disk(undone ? 0 : 1, EIO, FailingDisk::Fault::EventAfter, appearBeforeTheRename);
+        {
+            Storage::FileChanges changes(device, [&](const auto &) { return copy; });
+            if (undone) {
+                changes.remove(file);
+                appearBeforeTheRename();
+            } else {
+                EXPECT_EQ(failureOf([&] { changes.write("new", file); }), "File exists: file");
+            }
+        }
+        EXPECT_EQ(fileBytes(file), "theirs") << undone;
+    }
 }

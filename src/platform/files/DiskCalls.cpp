@@ -19,8 +19,8 @@ int renameExclusively(int fromFolder, const char *from, int toFolder, const char
     if (::renameat2(fromFolder, from, toFolder, to, RENAME_NOREPLACE) == 0) {
         return 0;
     }
-    // FUSE's exFAT and the older FAT drivers know no flags (EINVAL, some ENOSYS). There the name is looked at
-    // first; the device is this program's alone while it writes, so the gap between the two calls is harmless.
+    // FUSE's exFAT and the older FAT drivers know no flags (EINVAL, some ENOSYS), and have nothing better than a look
+    // at the name first. A known limit: what another program puts there between the two calls is replaced.
     if (errno != EINVAL && errno != ENOSYS) {
         return -1;
     }

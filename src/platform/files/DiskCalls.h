@@ -21,7 +21,8 @@ struct DiskCalls {
     // Each path is counted from an open folder, or from AT_FDCWD.
     int (*openat)(int folder, const char *path, int flags, mode_t mode);
     int (*renameat)(int fromFolder, const char *from, int toFolder, const char *to);
-    /// renameat() that fails with EEXIST where `to` exists, be it a dangling link.
+    /// renameat() that fails with EEXIST where `to` exists, be it a dangling link. On a driver that cannot do this in
+    /// one step, what comes to `to` in the last moment is replaced.
     int (*renameExclusive)(int fromFolder, const char *from, int toFolder, const char *to);
     int (*mkdirat)(int folder, const char *path, mode_t mode);
     int (*unlinkat)(int folder, const char *path, int flags);

@@ -120,13 +120,13 @@ void writeNew(const std::filesystem::path &file, std::span<const char> bytes, Du
     }
 }
 
-void place(const Folder &folder, const std::filesystem::path &name, Placing placing, const FileMaker &make)
+void place(const Folder &folder, const std::filesystem::path &name, const PlacingMaker &make)
 {
     const std::filesystem::path temporary = temporaryName();
     const int place = folder.descriptor.get();
-    const auto rename = placing == Placing::Create ? diskCalls().renameExclusive : diskCalls().renameat;
     try {
-        make(temporary, place);
+        const Placing placing = make(temporary, place);
+        const auto rename = placing == Placing::Create ? diskCalls().renameExclusive : diskCalls().renameat;
         if (rename(place, temporary.c_str(), place, name.c_str()) != 0) {
             throwFailure(errno, folder.path / name);
         }
@@ -137,6 +137,14 @@ void place(const Folder &folder, const std::filesystem::path &name, Placing plac
         diskCalls().unlinkat(place, temporary.c_str(), 0);
         throw;
     }
+}
+
+void place(const Folder &folder, const std::filesystem::path &name, Placing placing, const FileMaker &make)
+{
+    place(folder, name, [&](const std::filesystem::path &temporary, int from) {
+        make(temporary, from);
+        return placing;
+    });
 }
 
 void writeAtomically(const std::filesystem::path &path, std::span<const char> bytes)

@@ -52,6 +52,9 @@ using FileMaker = std::function<void(const std::filesystem::path &name, int fold
 /// Has `make` write a file of a hidden name in the folder, and gives it the name `name` in one step: whatever fails, no
 /// half of a file has that name and none stays hidden. A failure of the system names the file by its final path.
 void place(const Folder &folder, const std::filesystem::path &name, Placing placing, const FileMaker &make);
+/// The same for a maker whose last look, after its bytes are written, tells how to place them.
+using PlacingMaker = std::function<Placing(const std::filesystem::path &name, int folder)>;
+void place(const Folder &folder, const std::filesystem::path &name, const PlacingMaker &make);
 /// Replaces a file of the computer by one of these bytes in one step: whatever fails, what is there is the old file or
 /// the complete new one, and no temporary file stays. Links on the way to it are followed.
 void writeAtomically(const std::filesystem::path &path, std::span<const char> bytes);

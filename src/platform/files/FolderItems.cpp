@@ -7,7 +7,7 @@
 
 namespace {
 
-Files::Kind kindOfEntry(int folder, const dirent &entry)
+Files::Kind kindOfEntry(int folder, const dirent &entry, Files::Undescribed undescribed)
 {
     switch (entry.d_type) {
     case DT_REG:
@@ -17,14 +17,15 @@ Files::Kind kindOfEntry(int folder, const dirent &entry)
     case DT_LNK:
         return Files::Kind::Link;
     case DT_UNKNOWN: // not every file system says what an item is
-        return Files::kindOf(entry.d_name, folder);
+        return undescribed == Files::Undescribed::Throw ? Files::kindOf(entry.d_name, folder)
+                                                        : Files::kindOrNone(entry.d_name, folder);
     default:
         return Files::Kind::Other;
     }
 }
 
 /// Appends all that the open folder holds; the system's error where that ends early, otherwise 0.
-int appendItems(int folder, std::vector<Files::FolderItem> &items)
+int appendItems(int folder, std::vector<Files::FolderItem> &items, Files::Undescribed undescribed)
 {
     // The stream has a place of its own in the folder, and closes its own descriptor.
     Files::Descriptor own(::openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
@@ -37,7 +38,7 @@ int appendItems(int folder, std::vector<Files::FolderItem> &items)
     while (const dirent *const found = ::readdir(stream.get())) {
         std::string name = found->d_name;
         if (name != "." && name != "..") {
-            const Files::Kind kind = kindOfEntry(folder, *found);
+            const Files::Kind kind = kindOfEntry(folder, *found, undescribed);
             items.push_back({std::move(name), kind});
         }
         errno = 0;
@@ -60,10 +61,10 @@ Folder openFolder(const std::filesystem::path &path, int from)
     return {Descriptor(descriptor), path};
 }
 
-std::vector<FolderItem> itemsOf(const Folder &folder)
+std::vector<FolderItem> itemsOf(const Folder &folder, Undescribed undescribed)
 {
     std::vector<FolderItem> items;
-    if (const int error = appendItems(folder.descriptor.get(), items); error != 0) {
+    if (const int error = appendItems(folder.descriptor.get(), items, undescribed); error != 0) {
         throwFailure(error, folder.path);
     }
     return items;
@@ -74,10 +75,7 @@ std::vector<FolderItem> readableItemsOf(const std::filesystem::path &folder)
     std::vector<FolderItem> items;
     const Descriptor opened(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (opened.get() >= 0) {
-        try {
-            (void)appendItems(opened.get(), items);
-        } catch (const std::system_error &) { // an item that the disk does not describe, behind those that it does
-        }
+        (void)appendItems(opened.get(), items, Undescribed::None);
     }
     return items;
 }
