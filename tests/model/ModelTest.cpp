@@ -156,7 +156,7 @@ private Q_SLOTS:
         place = device.root;
         stranger.artist = QStringLiteral("Third");
         QVERIFY(!model.transferred().empty());
-        const auto restore = qScopeGuard([] { diskCalls() = DiskCalls::system(); });
+        const auto restore = qScopeGuard([] { diskCalls().mkdirat = ::mkdirat; }); // the settings' thread uses the others
         diskCalls().mkdirat = [](int folder, const char *name, mode_t mode) {
             std::filesystem::rename(place, place.string() + " 1");
             std::filesystem::create_directories(place / ".rockbox");
