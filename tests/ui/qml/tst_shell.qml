@@ -36,6 +36,9 @@ PageTest {
         id: panelsComponent
         PanelHost {}
     }
+    AlertDialog {
+        id: alert
+    }
 
     function test_sectionsAreOneStopAndArrowsOpenThem() {
         const sidebar = make(sidebarComponent, { sections: root.bench.shell.sections });
@@ -82,6 +85,15 @@ PageTest {
             keyClick(Qt.Key_Escape);
             tryVerify(() => !title.menu.visible && refresh.visualFocus, 1000, String(keys));
         }
+        alert.message = "To trzeba przeczytać.";
+        tryVerify(() => alert.opened);
+        keyClick(Qt.Key_F10);
+        keyPress(Qt.Key_Alt, Qt.AltModifier);
+        verify(!underlined());
+        keyRelease(Qt.Key_Alt);
+        verify(!title.menu.visible);
+        alert.message = "";
+        tryVerify(() => !alert.visible);
     }
 
     function test_onlyADiskIsOfferedToBeEjected() {
