@@ -30,6 +30,18 @@ QQuickItem *popupOf(QQuickItem *item)
     return item;
 }
 
+/// Whether something has to be answered first. A popup is known by its class and its properties only: its header is
+/// private.
+bool isModalOpen()
+{
+    const QWindow *window = QGuiApplication::focusWindow();
+    const QObjectList objects = window ? window->findChildren<QObject *>() : QObjectList();
+    return std::any_of(objects.cbegin(), objects.cend(), [](const QObject *object) {
+        return object->inherits("QQuickPopup") && object->property("visible").toBool()
+            && object->property("modal").toBool();
+    });
+}
+
 /// Neither the mouse nor a key has put the focus there: something that had taken it has given it back.
 bool cameByItself(int reason)
 {
@@ -82,9 +94,9 @@ FocusGuide::FocusGuide(QObject *parent)
 bool FocusGuide::eventFilter(QObject *watched, QEvent *event)
 {
     switch (event->type()) {
-    case QEvent::ShortcutOverride: // all that there is of a key that is a shortcut
+    case QEvent::ShortcutOverride: // a key that is a shortcut is not reported in any other way
     case QEvent::KeyPress: {
-        const bool alt = static_cast<QKeyEvent *>(event)->key() == Qt::Key_Alt;
+        const bool alt = static_cast<QKeyEvent *>(event)->key() == Qt::Key_Alt && !isModalOpen();
         m_byKey = true;
         m_altAlone = alt;
         showLetters(alt || (m_lettersShown && static_cast<QKeyEvent *>(event)->modifiers().testFlag(Qt::AltModifier)));
@@ -93,7 +105,7 @@ bool FocusGuide::eventFilter(QObject *watched, QEvent *event)
     case QEvent::KeyRelease:
         if (static_cast<QKeyEvent *>(event)->key() == Qt::Key_Alt) {
             showLetters(false);
-            if (std::exchange(m_altAlone, false)) {
+            if (std::exchange(m_altAlone, false) && !isModalOpen()) {
                 Q_EMIT menusWanted();
             }
         }
@@ -174,7 +186,8 @@ void FocusGuide::settle()
     remember(*item);
     scrollIntoView(*item);
     m_framesToFollow = 5;
-    connect(window, &QQuickWindow::afterAnimating, this, &FocusGuide::onFrame, Qt::UniqueConnection);
+    disconnect(m_frames);
+    m_frames = connect(window, &QQuickWindow::afterAnimating, this, &FocusGuide::onFrame);
 }
 
 /// A list guesses where a row is until it has made those before it, and they have found their heights.
@@ -182,8 +195,8 @@ void FocusGuide::onFrame()
 {
     if (m_last && m_framesToFollow-- > 0) {
         scrollIntoView(*m_last);
-    } else if (m_window) {
-        disconnect(m_window, &QQuickWindow::afterAnimating, this, &FocusGuide::onFrame);
+    } else {
+        disconnect(m_frames);
     }
 }
 

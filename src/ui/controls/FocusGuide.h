@@ -30,7 +30,7 @@ public:
 
 Q_SIGNALS:
     void lettersShownChanged();
-    /// The key for the menus was pressed alone.
+    /// The key for the menus was pressed alone, and nothing modal is open.
     void menusWanted();
 
 private:
@@ -48,6 +48,7 @@ private:
     QList<QPointer<QQuickItem>> m_around; ///< what m_last lies in, from the inside out
     QPointer<QQuickItem> m_popup; ///< the menu or sheet that m_last lies in
     QPointer<QQuickItem> m_before; ///< what had the focus before that opened
+    QMetaObject::Connection m_frames; ///< of the window whose frames are followed
     int m_framesToFollow = 0;
     bool m_ringed = false; ///< it showed its ring
     bool m_byKey = false; ///< the latest input was a key

@@ -11,6 +11,8 @@ T.MenuBarItem {
     horizontalPadding: Tokens.space.tight + 2
     font: Tokens.type.subheadline
     Accessible.name: root.text.replace("&", "")
+    // For the bar, a menu closed by a key below the pointer is still open: the next key for it would close it again.
+    onHoveredChanged: if (!root.hovered && root.highlighted && !root.menu.visible) root.menu.aboutToHide()
 
     contentItem: Text {
         text: FocusGuide.lettersShown ? root.text.replace(/&(.)/, "<u>$1</u>") : root.text.replace("&", "")

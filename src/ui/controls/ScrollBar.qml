@@ -1,4 +1,4 @@
-// A thin scroll bar, there while it is of use. Stands beside what it scrolls, and takes the wheel for it.
+// A thin scroll bar, shown while there is something to scroll. Lies beside it, and takes the wheel for it.
 import QtQuick
 import QtQuick.Templates as T
 import Marlune

@@ -1,13 +1,10 @@
-// A small panel over the dimmed window, a dialog with its title as name. Escape closes it and gives the focus back to
-// where it came from.
+// A small panel over the dimmed window, a dialog with its title as name. Escape closes it.
 import QtQuick
 import QtQuick.Templates as T
 import Marlune
 
 T.Dialog {
     id: root
-
-    property Item cameFrom: null
 
     parent: T.Overlay.overlay
     anchors.centerIn: parent
@@ -19,9 +16,6 @@ T.Dialog {
     padding: Tokens.space.group
     implicitWidth: implicitContentWidth + leftPadding + rightPadding
     implicitHeight: implicitContentHeight + topPadding + bottomPadding
-
-    onAboutToShow: root.cameFrom = root.parent?.Window.activeFocusItem ?? null
-    onClosed: (root.cameFrom?.enabled ? root.cameFrom : root.cameFrom?.nextItemInFocusChain())?.forceActiveFocus(Qt.PopupFocusReason)
 
     background: Rectangle {
         radius: Tokens.radius.sheet

@@ -25,9 +25,10 @@ FocusScope {
 
     /// Makes another album the current one, which takes the focus with it: whole rows away, as far as there are, and steps.
     function walk(rows: int, steps: int) {
-        const above = Math.floor(view.currentIndex / root.columns);
-        const below = Math.floor((view.count - 1 - view.currentIndex) / root.columns);
-        const row = view.currentIndex + Math.max(-above, Math.min(rows, below)) * root.columns + steps;
+        const from = Math.max(0, view.currentIndex); // none is current after a change of all rows
+        const above = Math.floor(from / root.columns);
+        const below = Math.floor((view.count - 1 - from) / root.columns);
+        const row = from + Math.max(-above, Math.min(rows, below)) * root.columns + steps;
         view.currentIndex = Math.max(0, Math.min(row, view.count - 1));
     }
     function openMenuOfCurrent() {

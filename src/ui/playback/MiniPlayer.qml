@@ -27,34 +27,8 @@ Item {
         width: root.width - x - 26 + Tokens.space.tight
         spacing: root.narrow ? Tokens.space.tight : Tokens.space.wide
 
-        RowLayout {
-            spacing: 0
-
-            Button {
-                objectName: "previousButton"
-                kind: Button.Borderless
-                tint: Tokens.color.text
-                symbol: "backward.end.fill"
-                toolTip: L10n.text("Poprzedni")
-                enabled: root.playback.hasPrevious
-                onClicked: root.playback.previous()
-            }
-            TrackPlayButton {
-                objectName: "playButton"
-                measure: Button.Large
-                tint: Tokens.color.text
-                playing: root.playback.playing
-                onClicked: root.playback.toggle()
-            }
-            Button {
-                objectName: "nextButton"
-                kind: Button.Borderless
-                tint: Tokens.color.text
-                symbol: "forward.end.fill"
-                toolTip: L10n.text("Następny")
-                enabled: root.playback.hasNext
-                onClicked: root.playback.next()
-            }
+        TransportButtons {
+            playback: root.playback
         }
         ColumnLayout {
             Layout.fillWidth: true

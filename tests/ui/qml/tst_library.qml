@@ -67,6 +67,11 @@ PageTest {
             keyClick(key);
             compare(grid.currentIndex, expected);
         }
+        for (const [key, expected] of [[Qt.Key_Up, 0], [Qt.Key_Down, columns], [Qt.Key_Home, 0]]) {
+            grid.currentIndex = key === Qt.Key_Home ? columns : -1; // as after a change of all rows
+            keyClick(key);
+            compare(grid.currentIndex, expected);
+        }
         tryVerify(() => tile(0).visualFocus);
         keyClick(Qt.Key_Space);
         compare(root.bench.queuedTracks(), 2);

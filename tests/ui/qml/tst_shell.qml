@@ -36,6 +36,9 @@ PageTest {
         id: panelsComponent
         PanelHost {}
     }
+    AlertDialog {
+        id: alert
+    }
 
     function test_sectionsAreOneStopAndArrowsOpenThem() {
         const sidebar = make(sidebarComponent, { sections: root.bench.shell.sections });
@@ -62,11 +65,15 @@ PageTest {
         const refresh = findChild(bar, "refreshButton");
         const title = below(bar).find(item => item instanceof MenuBarItem);
         const underlined = () => below(title).some(item => String(item.text).includes("<u>P</u>"));
-        for (const keys of [["F10"], ["Alt"], ["Alt", "P"]]) {
+        title.hoverEnabled = true; // is off on some platforms
+        for (const keys of [["mouse"], ["F10"], ["Alt"], ["Alt", "P"]]) {
             refresh.forceActiveFocus(Qt.TabFocusReason);
             verify(!underlined());
             if (keys[0] === "F10") {
                 keyClick(Qt.Key_F10);
+            } else if (keys[0] === "mouse") {
+                mouseMove(title, 5, 5);
+                mouseClick(title, 6, 6);
             } else {
                 keyPress(Qt.Key_Alt, Qt.AltModifier);
                 verify(underlined());
@@ -81,7 +88,18 @@ PageTest {
             tryVerify(() => title.menu.currentIndex === 1, 1000, String(keys));
             keyClick(Qt.Key_Escape);
             tryVerify(() => !title.menu.visible && refresh.visualFocus, 1000, String(keys));
+            mouseMove(bar, 300, bar.height - 1);
+            tryVerify(() => !title.highlighted, 1000, String(keys));
         }
+        alert.message = "To trzeba przeczytać.";
+        tryVerify(() => alert.opened);
+        keyClick(Qt.Key_F10);
+        keyPress(Qt.Key_Alt, Qt.AltModifier);
+        verify(!underlined());
+        keyRelease(Qt.Key_Alt);
+        verify(!title.menu.visible);
+        alert.message = "";
+        tryVerify(() => !alert.visible);
     }
 
     function test_onlyADiskIsOfferedToBeEjected() {
