@@ -1,6 +1,5 @@
 #include "storage/Playlist.h"
 
-#include "support/FailingDisk.h"
 #include "support/Messages.h"
 #include "support/SampleDevice.h"
 
@@ -39,20 +38,4 @@ TEST(Playlist, namesTracksOfTheDeviceAloneAndIsNeverReplaced)
     EXPECT_EQ(desk.failure("Rock/Pop", {root + "/other.mp3"}), nameTaken);
     EXPECT_EQ(desk.failure("link", {root + "/other.mp3"}), nameTaken);
     EXPECT_EQ(fileBytes(desk.root / "Playlists/Rock-Pop.m3u8"), "#EXTM3U\n/Music/Żółw #1.mp3\n/b.mp3\n/b.mp3\n");
-}
-
-TEST(Playlist, isWholeOrNotThereWhicheverCallFails)
-{
-    for (int failAt = 1, reached = true; reached; ++failAt) {
-        const PlaylistDesk desk;
-        auto expected = filesBelow(desk.root);
-        const FailingDisk disk(failAt);
-        const bool isMade = desk.failure("new", {desk.root / "a.mp3"}).empty();
-        reached = FailingDisk::reached();
-        EXPECT_TRUE(reached || isMade); // what brings the name to the medium may fail
-        if (isMade) {
-            expected["Playlists/new.m3u8"] = "#EXTM3U\n/a.mp3\n";
-        }
-        EXPECT_EQ(filesBelow(desk.root), expected);
-    }
 }

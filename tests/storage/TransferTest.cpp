@@ -2,7 +2,6 @@
 
 #include "platform/volumes/Volumes.h"
 
-#include "support/FailingDisk.h"
 #include "support/Messages.h"
 #include "support/SampleDevice.h"
 
@@ -155,43 +154,4 @@ TEST(Transfer, refusesWhatIsNoFileInTheWayOfOneAndNamesIt)
         EXPECT_NE(desk.message({desk.file(name, "1")}).find(name), std::string::npos);
     }
     EXPECT_EQ(fileBytes(desk.root / "Music/Artist/Album/a.flac/inside"), "x");
-}
-
-TEST(Transfer, leavesOnlyWholeFilesWhicheverCallFails)
-{
-    using Fault = FailingDisk::Fault;
-    const FileMap whole {
-        {"Artist/Album/a.flac", "old"}, {"Artist/Album/a (2).flac", "new"}, {"Artist/Album/CD 1/b.flac", "two"}};
-    for (const Fault fault : {Fault::Refused, Fault::Late, Fault::Dead, Fault::Event}) {
-        bool reached = true;
-        for (int failAt = 1; reached; ++failAt) {
-            const Desk desk;
-            desk.folder.write("IPOD/Music/Artist/Album/a.flac", "old");
-            const std::vector<TransferFile> files {
-                desk.file("a.flac", "new"), desk.file("b.flac", "two", "Artist", "Album", "CD 1")};
-            const FileMap sources = filesBelow(desk.folder / "Computer");
-            {
-                const FailingDisk disk(failAt, failAt % 2 == 0 ? ENOSPC : EIO, fault,
-                    [&desk] { std::filesystem::rename(desk.root / ".rockbox", desk.root / "gone"); });
-                const std::string failure = desk.message(files);
-                reached = FailingDisk::reached();
-                // The device may go while the last file gets its name: then all is there.
-                EXPECT_TRUE(failure.empty() == !reached || fault == Fault::Event) << "call " << failAt;
-            }
-            if (std::filesystem::exists(desk.root / "gone")) {
-                std::filesystem::rename(desk.root / "gone", desk.root / ".rockbox");
-            }
-            EXPECT_EQ(filesBelow(desk.folder / "Computer"), sources);
-            for (const auto &[name, bytes] : desk.music()) {
-                const bool hidden = fault == Fault::Dead && name.find("/.marlune-") != std::string::npos;
-                ASSERT_TRUE(hidden || whole.contains(name)) << name << " after call " << failAt;
-                EXPECT_TRUE(hidden || bytes == whole.at(name)) << "call " << failAt;
-            }
-            // Run again on a disk that works, it goes on where it stopped.
-            EXPECT_EQ(desk.message(files), "");
-            FileMap music = desk.music();
-            std::erase_if(music, [](const auto &file) { return file.first.find("/.marlune-") != std::string::npos; });
-            EXPECT_EQ(music, whole);
-        }
-    }
 }
