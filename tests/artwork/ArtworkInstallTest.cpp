@@ -1,9 +1,6 @@
 #include "artwork/ArtworkInstall.h"
 
-#include "support/Messages.h"
-#include "support/SampleDevice.h"
-
-#include <gtest/gtest.h>
+#include "support/Testing.h"
 
 #include <sys/stat.h>
 
@@ -12,17 +9,17 @@
 namespace {
 
 using FileMap = std::map<std::string, std::string>;
-using Paths = std::vector<std::filesystem::path>;
+using Paths = std::vector<fs::path>;
 
 /// An album in a folder of its own, with an old cover, and in a folder that it shares; and the computer's folder.
 struct CoverDesk {
     TemporaryFolder folder;
-    std::filesystem::path root = folder / "IPOD";
-    std::filesystem::path music = root / "Music";
+    fs::path root = folder / "IPOD";
+    fs::path music = root / "Music";
     Paths tracks {music / "CD1/1.flac", music / "CD1/2.flac", music / "CD2/a.mp3"};
     FileMap before {{"CD1/1.flac", ""}, {"CD1/2.flac", ""}, {"CD1/cover.jpeg", "old"}, {"CD1/1.jpeg", "old"},
-        {"CD1/2.jpeg", "own"}, {"CD1/._cover.jpeg", std::string("\0\5\x16\7", 4)}, {"CD2/a.mp3", ""}, {"CD2/foreign.ogg", ""},
-        {"CD2/cover.jpeg", "theirs"}};
+        {"CD1/2.jpeg", "own"}, {"CD1/._cover.jpeg", std::string("\0\5\x16\7", 4)}, {"CD2/a.mp3", ""},
+        {"CD2/foreign.ogg", ""}, {"CD2/cover.jpeg", "theirs"}};
 
     CoverDesk()
     {
@@ -62,12 +59,12 @@ TEST(ArtworkInstall, plansACoverForAnOwnFolderAndImagesForASharedOne)
         {"/A/ŻÓŁW.mp3", "/A/żółw.mp3", "/A/żółw.jpeg", ""},
     };
     for (const Row &row : rows) {
-        const auto items = [&](const std::filesystem::path &folder) {
+        const auto items = [&](const fs::path &folder) {
             Paths result = words(row.disk);
             std::erase_if(result, [&](const auto &item) { return item.parent_path() != folder; });
             return result;
         };
-        const auto content = [&](const std::filesystem::path &file) {
+        const auto content = [&](const fs::path &file) {
             const auto found = row.disk.find(file.string() + '=');
             const bool isThere = found != std::string::npos;
             return isThere ? std::optional(QByteArray(&row.disk[found] + file.string().size() + 1, 3)) : std::nullopt;
@@ -85,8 +82,8 @@ TEST(ArtworkInstall, changesNothingBehindALinkOrOutsideTheDeviceOrUnsaved)
     for (const auto &[link, target, track] : rows) {
         CoverDesk desk;
         desk.folder.write("IPOD 2/b.mp3", "");
-        std::filesystem::remove(desk.music / link);
-        std::filesystem::create_symlink(target, desk.music / link);
+        fs::remove(desk.music / link);
+        fs::create_symlink(target, desk.music / link);
         desk.tracks.push_back(desk.music / track);
         const FileMap planted = filesBelow(desk.folder.path());
         EXPECT_EQ(desk.install(), "Okładka musi być zapisana w folderze muzyki na wybranym iPodzie.") << track;
@@ -96,7 +93,7 @@ TEST(ArtworkInstall, changesNothingBehindALinkOrOutsideTheDeviceOrUnsaved)
     ASSERT_EQ(::mkfifo((desk.music / "CD2/a.jpeg").c_str(), 0600), 0); // cannot be saved
     EXPECT_NE(desk.install(), "");
     EXPECT_EQ(filesBelow(desk.music), desk.before);
-    std::filesystem::remove(desk.music / "CD2/a.jpeg");
+    fs::remove(desk.music / "CD2/a.jpeg");
     EXPECT_EQ(desk.install(), "");
     FileMap after = desk.before;
     after["CD1/cover.jpeg"] = after["CD2/a.jpeg"] = "new";

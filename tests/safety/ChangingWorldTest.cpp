@@ -12,26 +12,15 @@
 #include "support/AnotherDisk.h"
 #include "support/Archives.h"
 #include "support/FailingDisk.h"
-#include "support/Messages.h"
-#include "support/SampleDevice.h"
-
-#include <gtest/gtest.h>
+#include "support/Testing.h"
 
 #include <set>
-
-namespace fs = std::filesystem;
 
 namespace {
 
 using Fault = FailingDisk::Fault;
 using Contents = std::set<std::string>;
 using FileMap = std::map<std::string, std::string>;
-
-/// In memory where that is a place of its own.
-fs::path quickFolder()
-{
-    return fs::exists("/dev/shm") ? "/dev/shm" : fs::temp_directory_path();
-}
 
 const std::string magic("\0\5\x16\7", 4);
 
@@ -50,15 +39,23 @@ void fill(const fs::path &root, const std::string &owner)
 
 const std::string companion = magic + "device Music/Artist/Album/._1.mp3";
 
-/// The bytes of all files; what has a hidden name of ours is a rest.
-Contents contentsBelow(const fs::path &folder)
+/// The files below a folder, without what a dead disk lets nobody remove, and without the moment of a backup.
+FileMap filesLeft(const fs::path &folder, Fault fault = Fault::Refused)
+{
+    FileMap files = !fs::is_symlink(folder) && fs::exists(folder) ? filesBelow(folder) : FileMap();
+    for (auto &[name, bytes] : files) {
+        EXPECT_TRUE(fault == Fault::Dead || name.find(".partial") == std::string::npos) << name;
+        bytes = name.ends_with("README.txt") ? "" : bytes;
+    }
+    std::erase_if(files, [](const auto &file) { return file.first.find(".partial") != std::string::npos; });
+    return files;
+}
+
+Contents contentsBelow(const fs::path &folder, Fault fault = Fault::Refused)
 {
     Contents contents;
-    if (!fs::is_symlink(folder) && fs::exists(folder)) {
-        for (const auto &[name, bytes] : filesBelow(folder)) {
-            EXPECT_EQ(name.find(".partial"), std::string::npos) << name;
-            contents.insert(bytes);
-        }
+    for (const auto &[name, bytes] : filesLeft(folder, fault)) {
+        contents.insert(bytes);
     }
     return contents;
 }
@@ -114,18 +111,18 @@ std::vector<Job> jobs()
             "new cover", "device Music/Artist/Album/cover.jpeg", true},
         {"transfer",
             [](const World &world) {
-                const QString artist = QStringLiteral("Artist");
-                const QString album = QStringLiteral("Album");
+                const QString artist = u"Artist"_s;
+                const QString album = u"Album"_s;
                 const TransferFile files[] = {{world.folder / "Computer/new.mp3", artist, album, std::nullopt},
                     {world.folder / "Computer/1.mp3", artist, album, std::nullopt},
-                    {world.folder / "Computer/new.mp3", artist, album, QStringLiteral("CD 1")}};
+                    {world.folder / "Computer/new.mp3", artist, album, u"CD 1"_s}};
                 (void)Storage::transfer(files, world.root, [](int, int) { });
             },
             "new music"},
         {"playlist",
             [](const World &world) {
                 const fs::path tracks[] = {world.album / "1.mp3"};
-                (void)Storage::playlist(QStringLiteral("new"), tracks, world.root);
+                (void)Storage::playlist(u"new"_s, tracks, world.root);
             },
             "#EXTM3U\n/Music/Artist/Album/1.mp3\n"},
         {"cleanup", [](const World &world) { (void)Storage::cleanupMacMetadata(world.root, world.backups); }, companion,
@@ -149,6 +146,9 @@ struct Change {
     Fault when = Fault::Event;
 };
 
+const std::string anotherDisk = "W miejscu iPoda jest teraz inny dysk lub folder. Podłącz iPoda ponownie.";
+const std::string everyJob = "theme cover transfer playlist backup cleanup";
+
 /// An item is moved away.
 Change gone(const std::string &place, const std::string &jobs, const std::set<std::string> &messages)
 {
@@ -169,6 +169,17 @@ Change linked(const std::string &place, const std::string &jobs, const std::set<
         return {};
     };
     return {"a link at " + place, happen, jobs, messages};
+}
+
+/// Another folder with a device's files comes to the device's place.
+Change exchanged()
+{
+    const auto happen = [](const World &world) -> Edits {
+        fs::rename(world.root, world.folder / "moved/away");
+        fs::copy(world.outside, world.root, fs::copy_options::recursive);
+        return {{}, contentsBelow(world.outside)};
+    };
+    return {"another folder", happen, everyJob, {anotherDisk}};
 }
 
 /// A file gets other bytes, in place or by another file; one that was not there appears. It happens behind a call: what
@@ -254,18 +265,6 @@ std::set<std::string> tryAll(
     return seen;
 }
 
-/// The files below a folder, without what a dead disk lets nobody remove, and without the moment of a backup.
-FileMap filesLeft(const fs::path &folder, Fault fault)
-{
-    FileMap files = fs::exists(folder) ? filesBelow(folder) : FileMap();
-    for (auto &[name, bytes] : files) {
-        EXPECT_TRUE(fault == Fault::Dead || name.find(".partial") == std::string::npos) << name;
-        bytes = name.ends_with("README.txt") ? "" : bytes;
-    }
-    std::erase_if(files, [](const auto &file) { return file.first.find(".partial") != std::string::npos; });
-    return files;
-}
-
 /// Holds what a job has left where a call failed against what it found, and against a world where none failed.
 void checkFault(
     const World &world, const Job &job, Fault fault, const std::string &failure, FileMap before, const World &done)
@@ -274,10 +273,7 @@ void checkFault(
     const FileMap files = filesLeft(world.root, fault);
     const FileMap copy = filesLeft(world.backups / "new", fault);
     EXPECT_TRUE(copy.empty() || copy == filesLeft(done.backups / "new", fault)) << "half a backup";
-    Contents saved;
-    for (const auto &[name, bytes] : filesLeft(world.backups, fault)) {
-        saved.insert(bytes);
-    }
+    const Contents saved = contentsBelow(world.backups, fault);
     const auto has = [](const FileMap &all, const auto &file) {
         return all.contains(file.first) && all.at(file.first) == file.second;
     };
@@ -303,18 +299,16 @@ void checkFault(
 }
 
 const std::string rootIsLink = "Folder urządzenia nie może być dowiązaniem symbolicznym.";
-const std::string anotherDisk = "W miejscu iPoda jest teraz inny dysk lub folder. Podłącz iPoda ponownie.";
 const std::string linkOnTheWay = "Ścieżka zawiera dowiązanie: ";
 const std::string linkInBackup = "Paczka zawiera dowiązanie symboliczne.";
 const std::string linkAtFile = "Docelowy zasób jest dowiązaniem.";
 const std::string noDevice = "Ten folder nie zawiera katalogu .rockbox.";
-const std::string everyJob = "theme cover transfer playlist backup cleanup";
 
 } // namespace
 
 TEST(ChangingWorld, followsNothingThatBecomesALink)
 {
-    for (const Change &change : {linked("", everyJob, {rootIsLink, anotherDisk}),
+    for (const Change &change : {exchanged(), linked("", everyJob, {rootIsLink, anotherDisk}),
              linked(".rockbox", everyJob, {rootIsLink, linkOnTheWay + ".rockbox"}),
              linked(".rockbox/themes", "theme backup", {linkInBackup, linkOnTheWay + "themes"}),
              linked(".rockbox/wps/Dawn", "theme", {linkInBackup, linkOnTheWay + "Dawn"}),

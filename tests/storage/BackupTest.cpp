@@ -1,13 +1,8 @@
 #include "storage/Backup.h"
 
-#include "support/Messages.h"
-#include "support/SampleDevice.h"
-
-#include <gtest/gtest.h>
+#include "support/Testing.h"
 
 #include <sys/stat.h>
-
-namespace fs = std::filesystem;
 
 namespace {
 

@@ -2,12 +2,10 @@
 
 #include "platform/files/Files.h"
 
-#include "support/SampleDevice.h"
+#include "support/Testing.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
-
-#include <gtest/gtest.h>
 
 #include <sys/stat.h>
 
@@ -21,14 +19,14 @@ std::string appleDouble(std::size_t size = 4096)
 }
 
 /// What the manifests below a backup root say is saved: the file's path on the device, and the bytes of its copy.
-std::map<std::filesystem::path, std::string> savedOnComputer(const std::filesystem::path &backupRoot)
+std::map<fs::path, std::string> savedOnComputer(const fs::path &backupRoot)
 {
-    std::map<std::filesystem::path, std::string> saved;
+    std::map<fs::path, std::string> saved;
     const auto files = filesBelow(backupRoot);
     for (const auto &[name, bytes] : files) {
         const QJsonObject manifest = QJsonDocument::fromJson(QByteArray::fromStdString(bytes)).object();
         for (auto copy = manifest.begin(); copy != manifest.end(); ++copy) {
-            const std::filesystem::path set = std::filesystem::path(name).parent_path();
+            const fs::path set = fs::path(name).parent_path();
             saved[Files::fromText(copy->toString())] = files.at(set / Files::fromText(copy.key()));
         }
     }
@@ -41,7 +39,7 @@ TEST(MacMetadata, isOnlyWhatSurelyIs)
 {
     const TemporaryFolder folder;
     makeDevice(folder, "IPOD");
-    const std::filesystem::path music = folder / "IPOD/Music";
+    const fs::path music = folder / "IPOD/Music";
     for (const char *item :
         {"a", "b", "e", "p", "._", "._lone", "._f", "._out", "../.rockbox/c", "../.rockbox/._c", "../d/e", "../d/._e",
             "../g", "../._g", "sub/y", "sub/._y", "../MUSIC 2/x", "../MUSIC 2/._x", "../../Mac/._link"}) {
@@ -49,12 +47,12 @@ TEST(MacMetadata, isOnlyWhatSurelyIs)
     }
     folder.write(music / "._a", "other content");
     folder.write(music / "._b", appleDouble(3));
-    std::filesystem::create_symlink("a", music / "._e");
-    std::filesystem::create_symlink("a", music / "f");
-    std::filesystem::create_symlink("../IPOD/Music/a", folder / "Mac/link");
-    std::filesystem::create_symlink("../../Mac/._link", music / "out");
-    std::filesystem::create_directory_symlink("../d", music / "linked");
-    std::filesystem::create_directory_symlink("d", folder / "IPOD/music linked");
+    fs::create_symlink("a", music / "._e");
+    fs::create_symlink("a", music / "f");
+    fs::create_symlink("../IPOD/Music/a", folder / "Mac/link");
+    fs::create_symlink("../../Mac/._link", music / "out");
+    fs::create_directory_symlink("../d", music / "linked");
+    fs::create_directory_symlink("d", folder / "IPOD/music linked");
     ASSERT_EQ(::mkfifo((music / "._p").c_str(), 0600), 0);
     const auto found = Storage::macMetadataFiles(folder / "IPOD");
     EXPECT_EQ(std::set(found.begin(), found.end()), (std::set {music / "sub/._y", folder / "IPOD/MUSIC 2/._x"}));
@@ -63,6 +61,5 @@ TEST(MacMetadata, isOnlyWhatSurelyIs)
     const std::vector candidates {music / "lone", folder / "Mac/link", music / "out", music / "a", music / "lone"};
     EXPECT_EQ(Storage::cleanupMacMetadata(folder / "IPOD", folder / "Mac", candidates), 1);
     EXPECT_FALSE(exists(music / "._lone"));
-    EXPECT_EQ(savedOnComputer(folder / "Mac"),
-        (std::map<std::filesystem::path, std::string> {{music / "._lone", appleDouble()}}));
+    EXPECT_EQ(savedOnComputer(folder / "Mac"), (std::map<fs::path, std::string> {{music / "._lone", appleDouble()}}));
 }

@@ -5,30 +5,16 @@
 #include "support/Archives.h"
 #include "support/ExfatVolume.h"
 #include "support/FailingDisk.h"
-#include "support/Messages.h"
-#include "support/SampleDevice.h"
+#include "support/Testing.h"
 
 #include <QCryptographicHash>
 
-#include <gtest/gtest.h>
-
 #include <sys/resource.h>
-
-namespace fs = std::filesystem;
 
 namespace {
 
 using FileMap = std::map<std::string, std::string>;
 using Fault = FailingDisk::Fault;
-
-/// In memory where there is room: the tests below write tens of thousands of files.
-fs::path quickFolder()
-{
-    static const fs::path own = fs::temp_directory_path();
-    std::error_code none;
-    const bool hasRoom = fs::space("/dev/shm", none).available > std::uintmax_t(2) << 30;
-    return hasRoom && !none ? "/dev/shm" : own;
-}
 
 const Archive &named(const std::string &name)
 {
