@@ -71,13 +71,9 @@ private:
         const std::size_t length = below(std::min<std::size_t>(rest, 64) + 1);
         switch (below(7)) {
         case 0:
-            if (rest > 0) {
-                bytes[at] = char(bytes[at] ^ char(1U << below(8)));
-            }
-            break;
         case 1:
             if (rest > 0) {
-                bytes[at] = char(below(256));
+                bytes[at] = char(below(2) == 0 ? bytes[at] ^ char(1U << below(8)) : below(256));
             }
             break;
         case 2: { // a number of 1, 2, 4 or 8 bytes, in either order

@@ -2,12 +2,9 @@
 #include "artwork/CoverSearch.h"
 
 #include "support/CannedServer.h"
-#include "support/Eventually.h"
-#include "support/Messages.h"
+#include "support/Testing.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 namespace {
 
 using namespace std::chrono_literals;
@@ -16,8 +13,8 @@ using Answers = std::vector<CannedServer::Answer>;
 const auto answer
     = [](const QByteArray &status, const QByteArray &body = {}) { return CannedServer::answer(status, body); };
 const QByteArray group = R"({"release-groups":[{"id":"i","title":"t","artist-credit":[{"name":"A"},{"name":"B"}]}]})";
-const QString uuid = QStringLiteral("0da580f2-6768-498f-af9d-2becaddf15e0");
-const QString a = QStringLiteral("a");
+const QString uuid = u"0da580f2-6768-498f-af9d-2becaddf15e0"_s;
+const QString a = u"a"_s;
 
 /// Both services on one server, and calls to them that are followed to their ends.
 struct Desk {
@@ -43,7 +40,7 @@ struct Desk {
     std::string search(const QString &title)
     {
         QObject owner;
-        follow(covers.search(QStringLiteral("A/C"), title, owner));
+        follow(covers.search(u"A/C"_s, title, owner));
         EXPECT_TRUE(eventually([&] { return !outcome.empty(); }));
         return std::exchange(outcome, {});
     }
@@ -85,7 +82,7 @@ TEST(CoverSearch, decodesOnlyWhatFits)
         {R"(,"score":null,"primary-type":null)", -1}, {R"(,"score":9223372036854775807)", INT64_MAX}};
     for (const auto &[more, score] : good) {
         EXPECT_EQ(CoverSearch::decode(with(more)).at(0).score.value_or(-1), score);
-        EXPECT_EQ(CoverSearch::decode(with(more)).at(0).artist(), QStringLiteral("A & B"));
+        EXPECT_EQ(CoverSearch::decode(with(more)).at(0).artist(), u"A & B"_s);
     }
     for (const QByteArray &data : {with(R"(,"score":95.5)"), with(R"(,"score":9223372036854775808)"),
              with(R"(,"score":1e999)"), with(R"(,"score":"95")"), with(R"(,"primary-type":1)"), with(R"(,"id":7)"),
@@ -105,10 +102,10 @@ TEST(CoverCandidate, matchesOnlyBeyondDoubt)
         EXPECT_EQ((CoverCandidate {{}, name, {{a}}, 95, {}, {}}.matches(a, text)), *isSame == 'y') << has << wanted;
         EXPECT_EQ((CoverCandidate {{}, a, {{name}}, 95, {}, {}}.matches(text, a)), *isSame == 'y') << has << wanted;
     }
-    const std::tuple<std::optional<std::int64_t>, std::optional<QString>, bool> facts[] = {{95, {}, true},
-        {94, {}, false}, {{}, {}, false}, {100, QStringLiteral("Album"), true}, {100, QStringLiteral("EP"), false}};
+    const std::tuple<std::optional<std::int64_t>, std::optional<QString>, bool> facts[]
+        = {{95, {}, true}, {94, {}, false}, {{}, {}, false}, {100, u"Album"_s, true}, {100, u"EP"_s, false}};
     for (const auto &[score, type, isMatch] : facts) {
-        EXPECT_EQ((CoverCandidate {{}, a, {{a}, {a}}, score, {}, type}.matches(QStringLiteral("A, a"), a)), isMatch);
+        EXPECT_EQ((CoverCandidate {{}, a, {{a}, {a}}, score, {}, type}.matches(u"A, a"_s, a)), isMatch);
     }
 }
 

@@ -4,10 +4,7 @@
 #include "platform/files/Files.h"
 
 #include "support/FlacBytes.h"
-#include "support/Messages.h"
-#include "support/TemporaryFolder.h"
-
-#include <gtest/gtest.h>
+#include "support/Testing.h"
 
 #include <set>
 
@@ -21,16 +18,16 @@ std::string flac(const std::vector<std::string> &comments, const char *picture =
 
 const QByteArray held("held");
 
-std::vector<Track> read(const std::filesystem::path &place, const QMap<QString, QString> &overrides = {})
+std::vector<Track> read(const fs::path &place, const QMap<QString, QString> &overrides = {})
 {
     return readTracks(
         {.urls = {place}, .known = {}, .artworkOverrides = overrides, .artwork = {held}}, [](int, int) { });
 }
 
-std::set<std::string> namesBelow(const std::filesystem::path &folder, const std::vector<std::filesystem::path> &paths)
+std::set<std::string> namesBelow(const fs::path &folder, const std::vector<fs::path> &paths)
 {
     std::set<std::string> names;
-    for (const std::filesystem::path &path : paths) {
+    for (const fs::path &path : paths) {
         EXPECT_TRUE(names.insert(path.lexically_relative(folder).string()).second) << path;
     }
     return names;
@@ -50,9 +47,9 @@ TEST(ScanAudio, findsMusicAtAnyDepthAndFollowsNoLink)
              "Music/o.mp3.part", "Elsewhere/p.mp3", "Music/folder.mp3/inside.txt"}) {
         folder.write(name, "x");
     }
-    std::filesystem::create_symlink(folder / "Elsewhere/p.mp3", folder / "Music/link.mp3");
-    std::filesystem::create_directory_symlink(folder / "Elsewhere", folder / "Music/link");
-    std::filesystem::create_directory_symlink(folder / "Music", folder / "rootlink");
+    fs::create_symlink(folder / "Elsewhere/p.mp3", folder / "Music/link.mp3");
+    fs::create_directory_symlink(folder / "Elsewhere", folder / "Music/link");
+    fs::create_directory_symlink(folder / "Music", folder / "rootlink");
     EXPECT_EQ(namesBelow(folder / "Music", scanAudio({folder / "Music/"})), music);
     for (const char *name : {"rootlink", "rootlink/", "Music/link.mp3", "Music/.folder", "Music/.folder/", "missing"}) {
         EXPECT_TRUE(scanAudio({folder / name}).empty()) << name;
@@ -84,8 +81,7 @@ TEST(TrackReader, fillsInWhatTagsDoNotSay)
             {"A/B/5 x.flac", flac({"TITLE=", "ALBUMARTIST=", "ALBUM="}), "5 x, A, B", 5}};
     for (const auto &[file, bytes, names, number] : rows) {
         const Track track = read(folder.write(file, bytes)).at(0);
-        EXPECT_EQ(
-            QStringList({track.title, track.artist, track.album}).join(QStringLiteral(", ")), QString::fromUtf8(names));
+        EXPECT_EQ(QStringList({track.title, track.artist, track.album}).join(u", "_s), QString::fromUtf8(names));
         EXPECT_EQ(track.info.trackNumber, number) << file;
         EXPECT_EQ(track.bytes, std::int64_t(bytes.size())) << file;
     }
@@ -96,7 +92,7 @@ TEST(TrackReader, choosesTheCoverThatStandsNearest)
     const TemporaryFolder folder;
     const auto file = folder.write("A/B/1 x.flac", flac({}, "embedded"));
     const auto plain = folder.write("A/B/2 x.flac", flac({}));
-    const auto artwork = [&](const std::filesystem::path &track, const QMap<QString, QString> &overrides = {}) {
+    const auto artwork = [&](const fs::path &track, const QMap<QString, QString> &overrides = {}) {
         const Track found = read(track, overrides).at(0);
         EXPECT_EQ(found.hasEmbeddedArt, track == file);
         return found.artwork.value_or("none").toStdString();
@@ -105,19 +101,19 @@ TEST(TrackReader, choosesTheCoverThatStandsNearest)
     // Folder covers, each beaten by the next.
     for (const char *name : {"Folder.png", "FOLDER.PNG", "folder.png", "cover.png", "folder.jpg", "cover.bmp",
              "Cover.jpg", "COVER.JPG", "cover.jpg", "cover.jpeg"}) {
-        folder.write(std::filesystem::path("A/B") / name, name);
+        folder.write(fs::path("A/B") / name, name);
         EXPECT_EQ(artwork(plain), name);
     }
-    std::filesystem::resize_file(folder / "A/B/cover.jpeg", 10'000'000); // too large by one byte
+    fs::resize_file(folder / "A/B/cover.jpeg", 10'000'000); // too large by one byte
     EXPECT_EQ(artwork(plain), "cover.jpg");
-    std::filesystem::resize_file(folder / "A/B/cover.jpeg", 9'999'999);
+    fs::resize_file(folder / "A/B/cover.jpeg", 9'999'999);
     EXPECT_EQ(artwork(plain).size(), 9'999'999U);
     EXPECT_EQ(artwork(file), "embedded");
     for (const char *name : {"1 X.JPG", "1 x.jpg", "1 x.JPEG", "1 x.jpeg"}) { // its own file's cover
-        folder.write(std::filesystem::path("A/B") / name, name);
+        folder.write(fs::path("A/B") / name, name);
         EXPECT_EQ(artwork(file), name);
     }
-    const QString key = overrideKey(QStringLiteral("A"), QStringLiteral("B"), folder / "A/B");
+    const QString key = overrideKey(u"A"_s, u"B"_s, folder / "A/B");
     EXPECT_EQ(artwork(file, {{key, Files::text(folder.write("chosen.jpg", "chosen"))}}), "chosen");
     EXPECT_EQ(artwork(file, {{key, Files::text(folder / "gone.jpg")}}), "1 x.jpeg");
 }

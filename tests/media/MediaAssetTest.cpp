@@ -1,13 +1,10 @@
 // Reads the files of tests/data/media (made by make_media.py) and files built here byte by byte.
 #include "media/files/MediaAsset.h"
 
-#include "support/TemporaryFolder.h"
-
-#include <gtest/gtest.h>
+#include "support/Testing.h"
 
 #include <sys/stat.h>
 
-#include <algorithm>
 #include <chrono>
 #include <ctime>
 #include <map>
@@ -17,7 +14,7 @@ namespace {
 
 using namespace std::string_literals;
 
-const std::filesystem::path media = std::filesystem::path(MARLUNE_SOURCE_DIR) / "tests/data/media";
+const fs::path media = dataFile("media");
 
 using Values = std::map<std::string, std::string>;
 
@@ -29,21 +26,6 @@ Values shownValues(const std::vector<MetadataItem> &items)
         shown[item.identifier.toStdString()] = item.data.value_or(item.text.value_or(QString()).toUtf8()).toStdString();
     }
     return shown;
-}
-
-/// Asks for everything; returns whether each answer is one that a caller can work with.
-bool answersSensibly(const std::filesystem::path &file)
-{
-    MediaAsset asset(file);
-    const std::optional<double> seconds = asset.durationSeconds();
-    const std::optional<AudioStream> stream = asset.firstAudioStream();
-    const std::vector<MetadataItem> items = asset.metadata();
-    return (!seconds || (*seconds > 0 && *seconds <= 100e6))
-        && (!stream || (stream->sampleRate > 0 && stream->sampleRate <= 100e6))
-        && std::all_of(items.begin(), items.end(), [](const MetadataItem &item) {
-               return item.text.has_value() != item.data.has_value()
-                   && (!item.data || (!item.data->isEmpty() && item.data->size() <= 10'000'000));
-           });
 }
 
 // Tags
@@ -96,13 +78,14 @@ std::vector<Sample> samples()
     };
 }
 
-TEST(MediaAsset, ReadsLengthStreamAndTagsOfEveryFormatOnSeveralThreads)
+TEST(MediaAsset, ReadsLengthStreamAndTagsOfEveryFormatByItsContentOnSeveralThreads)
 {
     const std::map<std::string, CommonKey> shared {{"TIT2", CommonKey::Title}, {"TPE1", CommonKey::Artist},
         {"TALB", CommonKey::AlbumName}, {"APIC", CommonKey::Artwork}};
-    const auto readAll = [&] {
+    const auto readAll = [&](const char *name) {
+        const TemporaryFolder folder;
         for (const Sample &sample : samples()) {
-            MediaAsset asset(media / sample.name);
+            MediaAsset asset(name ? folder.write(name, fileBytes(media / sample.name)) : media / sample.name);
             EXPECT_NEAR(asset.durationSeconds().value_or(0), sample.seconds, 0.002) << sample.name;
             EXPECT_EQ(asset.firstAudioStream(), sample.stream) << sample.name;
             EXPECT_EQ(shownValues(asset.metadata()), sample.fields) << sample.name;
@@ -113,20 +96,8 @@ TEST(MediaAsset, ReadsLengthStreamAndTagsOfEveryFormatOnSeveralThreads)
         }
     };
     std::vector<std::jthread> threads;
-    for (int i = 0; i < 4; ++i) {
-        threads.emplace_back(readAll);
-    }
-}
-
-TEST(MediaAsset, GoesByTheContentWhereTheExtensionLies)
-{
-    const TemporaryFolder folder;
-    for (const Sample &sample : samples()) {
-        for (const char *const name : {"lie.flac", "lie.mp3", "lie.wv", "LIE"}) {
-            MediaAsset asset(folder.write(name, fileBytes(media / sample.name)));
-            EXPECT_NEAR(asset.durationSeconds().value_or(0), sample.seconds, 0.002) << sample.name << name;
-            EXPECT_EQ(asset.firstAudioStream(), sample.stream) << sample.name << name;
-        }
+    for (const char *name : {static_cast<const char *>(nullptr), "lie.flac", "lie.mp3", "lie.wv", "LIE"}) {
+        threads.emplace_back(readAll, name);
     }
 }
 
@@ -279,13 +250,13 @@ TEST(MediaAsset, KnowsNothingOfWhatIsNoAudioFileAndOpensNoOther)
 {
     const TemporaryFolder folder;
     const std::string other = folder.write("other.mp3", fileBytes(media / "id3v24.mp3")).string();
-    std::filesystem::create_directory(folder / "folder.mp3");
+    fs::create_directory(folder / "folder.mp3");
     ASSERT_EQ(::mkfifo((folder / "pipe.mp3").c_str(), 0600), 0);
-    std::filesystem::create_symlink("/dev/zero", folder / "device.mp3");
-    std::filesystem::create_symlink("loop.mp3", folder / "loop.mp3");
-    std::vector<std::filesystem::path> files {folder / "missing.mp3", folder / "folder.mp3", folder / "pipe.mp3",
+    fs::create_symlink("/dev/zero", folder / "device.mp3");
+    fs::create_symlink("loop.mp3", folder / "loop.mp3");
+    std::vector<fs::path> files {folder / "missing.mp3", folder / "folder.mp3", folder / "pipe.mp3",
         folder / "device.mp3", folder / "loop.mp3", folder.write("empty.mp3", ""), folder.write("zeros.mp3", "")};
-    std::filesystem::resize_file(files.back(), 60'000'000);
+    fs::resize_file(files.back(), 60'000'000);
     std::string noise(20'000, '\0');
     for (unsigned i = 0, place = 1; i < noise.size(); ++i, place = place * 1664525U + 1013904223U) {
         noise[i] = static_cast<char>(place >> 24);
@@ -307,7 +278,7 @@ TEST(MediaAsset, KnowsNothingOfWhatIsNoAudioFileAndOpensNoOther)
         }
     }
     const std::clock_t start = std::clock();
-    for (const std::filesystem::path &file : files) {
+    for (const fs::path &file : files) {
         MediaAsset asset(file);
         EXPECT_EQ(asset.durationSeconds(), std::nullopt) << file;
         EXPECT_EQ(asset.firstAudioStream(), std::nullopt) << file;
@@ -317,26 +288,6 @@ TEST(MediaAsset, KnowsNothingOfWhatIsNoAudioFileAndOpensNoOther)
 }
 
 // Damaged and hostile files
-
-TEST(MediaAsset, LivesThroughEveryShortenedAndChangedFile)
-{
-    const TemporaryFolder folder;
-    for (const Sample &sample : samples()) {
-        const std::string whole = fileBytes(media / sample.name);
-        const auto expectLife = [&](const std::string &bytes, std::size_t place) {
-            std::filesystem::remove(folder / sample.name); // ext4 syncs a file that is cut and filled anew
-            ASSERT_TRUE(answersSensibly(folder.write(sample.name, bytes))) << sample.name << " at " << place;
-        };
-        for (std::size_t length = 0; length < whole.size(); length += length < 600 ? 7 : 127) {
-            expectLife(whole.substr(0, length), length);
-        }
-        for (std::size_t i = 0; i < std::min<std::size_t>(whole.size(), 600); i += 2) {
-            std::string changed = whole;
-            changed[i] = static_cast<char>(i % 3 == 0 ? 0xFF : changed[i] ^ 0x81);
-            expectLife(changed, i);
-        }
-    }
-}
 
 std::string repeated(const std::string &piece, int times)
 {
@@ -375,7 +326,10 @@ TEST(MediaAsset, EndsSoonOnBytesThatWereMadeToHoldItUp)
     const TemporaryFolder folder;
     for (const auto &[name, bytes] : rows) {
         const auto start = std::chrono::steady_clock::now();
-        EXPECT_TRUE(answersSensibly(folder.write(name, bytes))) << name;
+        MediaAsset asset(folder.write(name, bytes));
+        EXPECT_LE(asset.durationSeconds().value_or(0), 100e6) << name;
+        (void)asset.firstAudioStream();
+        (void)asset.metadata();
         EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20)) << name;
     }
 }

@@ -17,7 +17,7 @@ QString titles(const Browsing &browsing)
     for (const auto &album : *browsing.albums()) {
         result.append(album->title);
     }
-    return result.join(QStringLiteral(", "));
+    return result.join(u", "_s);
 }
 
 /// One album of two discs, one of two MP3 files without a year, one in high resolution; with new ids at each call.
@@ -28,13 +28,13 @@ std::vector<Track> someMusic()
         {"Żuk/Plain/2 y.mp3", "Plain", "Żuk"}, {"High/Resolution/1.flac", "High 10", "abba"}});
     for (Track &track : tracks) {
         const bool isFlac = track.url.extension() == ".flac";
-        track.info.codec = isFlac ? QStringLiteral("FLAC") : QStringLiteral("MP3");
+        track.info.codec = isFlac ? u"FLAC"_s : u"MP3"_s;
         track.info.bitDepth = isFlac ? 16 : 0;
-        track.info.year = isFlac ? QStringLiteral("1999") : QString();
+        track.info.year = isFlac ? u"1999"_s : QString();
         track.bytes = 100;
     }
     tracks.back().info.bitDepth = 24;
-    tracks.back().info.year = QStringLiteral("2020");
+    tracks.back().info.year = u"2020"_s;
     tracks.back().bytes = 1000;
     tracks[2].bytes = tracks[3].bytes = 10;
     return tracks;

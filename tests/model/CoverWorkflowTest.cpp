@@ -12,13 +12,13 @@
 
 namespace {
 
-const QString overridesKey = QStringLiteral("artworkOverrides");
-const QString sourcesKey = QStringLiteral("coverSources");
-const QString tail = QStringLiteral("\nPrzy pozostałych albumach użyj „Znajdź w sieci…” lub wybierz własny obraz.");
+const QString overridesKey = u"artworkOverrides"_s;
+const QString sourcesKey = u"coverSources"_s;
+const QString tail = u"\nPrzy pozostałych albumach użyj „Znajdź w sieci…” lub wybierz własny obraz."_s;
 
 std::string picture(const char *name)
 {
-    return fileBytes(std::filesystem::path(MARLUNE_SOURCE_DIR) / "tests/data/images" / name);
+    return fileBytes(dataFile("images") / name);
 }
 
 /// The service's answer: albums of this name, each with an identity of its own.
@@ -50,7 +50,7 @@ struct CoverDesk : ModelDesk {
     void askServer(const CannedServer &server)
     {
         covers = std::make_unique<CoverSearch>(CoverServices {.catalogue = server.root(),
-            .site = QUrl(QStringLiteral("https://site.test")),
+            .site = QUrl(u"https://site.test"_s),
             .archive = server.root(),
             .spacing = std::chrono::milliseconds(1),
             .retryPause = std::chrono::milliseconds(1)});
@@ -111,26 +111,24 @@ private Q_SLOTS:
         QStringList told;
         connect(model.get(), &MarluneModel::statusChanged, [&] { told.append(model->status()); });
         model->findMissingCovers();
-        model->findMissingCovers();
-        desk.waitForJobs(*model);
+        desk.run(*model, &MarluneModel::findMissingCovers);
         QCOMPARE(server.asked.size(), 8U);
-        const QString result = QStringLiteral("Dodano okładki: 1. Do wyboru ręcznie: 2. Niedostępne: 2.");
+        const QString result = u"Dodano okładki: 1. Do wyboru ręcznie: 2. Niedostępne: 2."_s;
         QCOMPARE(model->status(), result);
         QCOMPARE(model->alert(), std::optional(result + tail));
-        QVERIFY(told.contains(QStringLiteral("Sprawdzono albumy: 4 / 5 · dodano: 1")));
+        QVERIFY(told.contains(u"Sprawdzono albumy: 4 / 5 · dodano: 1"_s));
 
         const QByteArray cover = QByteArray::fromStdString(fileBytes(desk.folder / "IPOD/Music/A/One/cover.jpeg"));
         QVERIFY(!Artwork::compatibilityIssue(cover));
         const Album album = *model->albums()->front();
         QCOMPARE(album.artworkBytes(), std::optional(cover));
         QCOMPARE(desk.settings.textMap(sourcesKey).values(),
-            QStringList {QStringLiteral("https://site.test/release-group/0cd1dd5b-3c5e-4d3a-9f0e-000000000000")});
+            QStringList {u"https://site.test/release-group/0cd1dd5b-3c5e-4d3a-9f0e-000000000000"_s});
         const auto stored = desk.settings.textMap(overridesKey);
         QCOMPARE(stored.size(), 2);
         QCOMPARE(fileBytes(Files::fromText(stored.value(album.id()))), cover.toStdString());
 
-        model->scanDeviceMusic(); // the choice outlives the reading
-        desk.waitForJobs(*model);
+        desk.run(*model, &MarluneModel::scanDeviceMusic); // the choice outlives the reading
         QCOMPARE(model->albums()->front()->artworkBytes(), std::optional(cover));
     }
 
@@ -165,10 +163,9 @@ private Q_SLOTS:
                 }
             });
             atOnce.start(0);
-            model->findMissingCovers();
-            desk.waitForJobs(*model);
+            desk.run(*model, &MarluneModel::findMissingCovers);
             QVERIFY(!atOnce.isActive() && server.asked.size() <= 2);
-            const QString all = QStringLiteral("Dodano okładki: 0. ") + QString::fromUtf8(std::get<2>(row));
+            const QString all = u"Dodano okładki: 0. "_s + QString::fromUtf8(std::get<2>(row));
             QCOMPARE(model->alert(), std::optional(all + tail));
             QVERIFY(filesBelow(desk.device.root) == before);
         }
@@ -182,10 +179,10 @@ private Q_SLOTS:
         desk.addTrack("A", "One");
         const auto model = desk.startWithMusic(false);
         CoverCandidate candidate;
-        candidate.id = QStringLiteral("0cd1dd5b-3c5e-4d3a-9f0e-000000000000");
+        candidate.id = u"0cd1dd5b-3c5e-4d3a-9f0e-000000000000"_s;
         model->downloadCover(candidate, *model->albums()->front());
         desk.waitForJobs(*model);
-        QVERIFY(model->status().startsWith(QStringLiteral("Nie udało się pobrać okładki: To wydanie nie ma")));
+        QVERIFY(model->status().startsWith(u"Nie udało się pobrać okładki: To wydanie nie ma"_s));
         QVERIFY(!model->alert() && desk.settings.textMap(sourcesKey).isEmpty());
         const QSignalSpy lookups(model.get(), &MarluneModel::coverLookupChanged);
         for (const auto &album : {std::optional(*model->albums()->front()), std::optional<Album>()}) {
@@ -196,23 +193,22 @@ private Q_SLOTS:
         QCOMPARE(lookups.count(), 2);
         model->downloadCover(candidate, *model->albums()->front());
         desk.waitForJobs(*model);
-        QCOMPARE(model->status(), QStringLiteral("Pobrano okładkę; zostanie wgrana razem z albumem."));
+        QCOMPARE(model->status(), u"Pobrano okładkę; zostanie wgrana razem z albumem."_s);
         QVERIFY(desk.agreesOnCover(*model) && desk.settings.textMap(sourcesKey).size() == 1);
     }
 
     void makesACoverOfWhatTheUserChooses()
     {
-        const QString ready = QStringLiteral("Okładka przygotowana; zostanie wgrana razem z albumem.");
-        const QString failed = QStringLiteral("Nie udało się zapisać okładki");
+        const QString ready = u"Okładka przygotowana; zostanie wgrana razem z albumem."_s;
+        const QString failed = u"Nie udało się zapisać okładki"_s;
         CoverDesk desk;
         desk.addTrack("A", "One");
         const auto model = desk.startWithMusic(false);
         const Album album = *model->albums()->front();
         const QString before = model->status();
-        const auto choose = [&](const std::filesystem::path &file) {
+        const auto choose = [&](const fs::path &file) {
             model->chooseArtwork(album, false);
-            desk.panels.answer({file});
-            desk.waitForJobs(*model);
+            desk.answer(*model, file);
         };
         model->chooseArtwork(album, true); // it has none
         QVERIFY(!model->busy());
@@ -220,21 +216,19 @@ private Q_SLOTS:
         QVERIFY(model->status() == before && !model->alert());
         choose(desk.folder.write("none.png", "no picture"));
         QCOMPARE(model->status(), failed);
-        QCOMPARE(model->alert(), std::optional(QStringLiteral("Nie można odczytać obrazu.")));
-        std::filesystem::resize_file(desk.folder.write("film.png", ""), Artwork::maxFileBytes);
+        QCOMPARE(model->alert(), std::optional(u"Nie można odczytać obrazu."_s));
+        fs::resize_file(desk.folder.write("film.png", ""), Artwork::maxFileBytes);
         choose(desk.folder / "film.png");
-        QCOMPARE(model->alert(), std::optional(QStringLiteral("Obraz jest nieobsługiwany.")));
+        QCOMPARE(model->alert(), std::optional(u"Obraz jest nieobsługiwany."_s));
         QVERIFY(desk.settings.textMap(overridesKey).isEmpty());
 
         const auto some = desk.folder.write("some.png", picture("plain.png"));
         model->chooseArtwork(album, false);
-        {
-            const HeldJobs held;
+        desk.hold(*model, [&] {
             model->importURLs({}, false, false);
             desk.panels.answer({some}); // too late: another job has begun
-            QCOMPARE(model->status(), QStringLiteral("Odczytuję albumy…"));
-        }
-        desk.waitForJobs(*model);
+            QCOMPARE(model->status(), u"Odczytuję albumy…"_s);
+        });
         QVERIFY(desk.settings.textMap(overridesKey).isEmpty());
         choose(some);
         QCOMPARE(model->status(), ready);
@@ -245,9 +239,8 @@ private Q_SLOTS:
 
         model->dismissAlert();
         model->chooseArtwork(album, false, true); // on a device that is not there
-        desk.panels.answer({desk.folder / "some.png"});
-        desk.waitForJobs(*model);
-        QCOMPARE(model->alert(), std::optional(QStringLiteral("Podłącz iPoda.")));
+        desk.answer(*model, desk.folder / "some.png");
+        QCOMPARE(model->alert(), std::optional(u"Podłącz iPoda."_s));
         QCOMPARE(model->status(), failed);
     }
 
@@ -272,7 +265,7 @@ private Q_SLOTS:
             const bool hasCover = desk.agreesOnCover(*model);
             const bool isInstalled = filesBelow(desk.device.root) != device;
             QVERIFY2(isInstalled || !hasCover, std::to_string(call).c_str());
-            QVERIFY(hasCover || model->status() == QStringLiteral("Nie udało się zapisać okładki"));
+            QVERIFY(hasCover || model->status() == u"Nie udało się zapisać okładki"_s);
             QVERIFY(!holdsPartialFile(desk.folder.path()));
             installed += int(isInstalled);
         }
@@ -284,16 +277,13 @@ private Q_SLOTS:
         CoverDesk desk;
         desk.addTrack("A", "bare");
         const auto model = desk.startWithMusic(true);
-        {
-            const HeldJobs held;
+        desk.hold(*model, [&] {
             model->backup();
             model->repairAvailableCovers(); // dropped
-        }
-        desk.waitForJobs(*model);
+        });
         QVERIFY(!model->alert());
-        model->repairAvailableCovers();
-        desk.waitForJobs(*model);
-        QVERIFY(model->alert()->startsWith(QStringLiteral("Brak dostępnych obrazów do automatycznej naprawy.")));
+        desk.run(*model, &MarluneModel::repairAvailableCovers);
+        QVERIFY(model->alert()->startsWith(u"Brak dostępnych obrazów do automatycznej naprawy."_s));
 
         desk.addTrack("B", "broken", "no picture at all");
         desk.addTrack("C", "fine", picture("plain.jpg"));
@@ -302,16 +292,14 @@ private Q_SLOTS:
         for (const char *odd : {"IPOD/Music/F/caf\xE8/1.flac", "IPOD/Music/F/caf\xE9/1.flac"}) {
             desk.folder.write(odd, flacWith({"ARTIST=F", "ALBUM=caf"}, odd, 16, picture("plain.png")));
         }
-        model->scanDeviceMusic();
-        desk.waitForJobs(*model);
+        desk.run(*model, &MarluneModel::scanDeviceMusic);
         model->repairAvailableCovers();
-        model->findMissingCovers();
-        desk.waitForJobs(*model);
-        QCOMPARE(model->status(), QStringLiteral("Naprawione albumy: 5. Nie udało się naprawić: 1."));
+        desk.run(*model, &MarluneModel::findMissingCovers);
+        QCOMPARE(model->status(), u"Naprawione albumy: 5. Nie udało się naprawić: 1."_s);
         QCOMPARE(model->alert(),
             std::optional(model->status()
-                + QStringLiteral("\nPoprzednie obrazy z iPoda mają kopię na Macu.\nBrakujące lub nieczytelne obrazy "
-                                 "wymagają wyboru nowej okładki.")));
+                + u"\nPoprzednie obrazy z iPoda mają kopię na Macu.\nBrakujące lub nieczytelne obrazy "
+                  "wymagają wyboru nowej okładki."_s));
         for (const char *place : {"C/fine", "D/large", "E/other"}) { // the fine one had no file beside the music
             const std::string cover = fileBytes(desk.folder / "IPOD/Music" / place / "cover.jpeg");
             QVERIFY(!Artwork::compatibilityIssue(QByteArray::fromStdString(cover)));

@@ -29,21 +29,22 @@ private Q_SLOTS:
         desk.folder.write("IPOD/.rockbox/themes/a.cfg", "\xFF wps");
         desk.folder.write("IPOD/.rockbox/themes/a.png", "x");
         for (const char *name : {"MIX.M3U", "a.m3u8", "note.txt", "folder.m3u/x"}) {
-            desk.folder.write(std::filesystem::path("IPOD/Playlists") / name, "x");
+            desk.folder.write(fs::path("IPOD/Playlists") / name, "x");
         }
         const auto model = desk.start();
-        QCOMPARE(namesOf(*model), QStringList({QStringLiteral("a"), QStringLiteral("B")}));
+        QCOMPARE(namesOf(*model), QStringList({u"a"_s, u"B"_s}));
         QCOMPARE(model->themePreviews().keys(), QStringList(model->themes()[0].id()));
         QCOMPARE(
             model->playlists(), (std::vector {device.root / "Playlists/MIX.M3U", device.root / "Playlists/a.m3u8"}));
 
-        std::filesystem::remove(device.root / ".rockbox/themes/a.cfg");
+        fs::remove(device.root / ".rockbox/themes/a.cfg");
         const QSignalSpy previews(model.get(), &MarluneModel::themePreviewsChanged);
-        model->refresh(); // keeps the previews that it does not see
-        desk.waitForJobs(*model);
-        QCOMPARE(namesOf(*model), QStringList(QStringLiteral("B")));
+        desk.run(*model, &MarluneModel::refresh); // keeps the previews that it does not see
+        QCOMPARE(namesOf(*model), QStringList(u"B"_s));
         QCOMPARE(int(model->themePreviews().size() + previews.count()), 1);
 
+        model->volumeUnmounted(desk.folder / "OTHER");
+        QVERIFY(model->device() == device);
         model->volumeUnmounted(device.root);
         QVERIFY(model->themes().empty() && model->playlists().empty() && model->deviceInfo().isEmpty());
         QVERIFY(!model->alert());
@@ -65,29 +66,19 @@ private Q_SLOTS:
             whole = whole && std::size_t(model->themeSettings().size()) == model->themes().size();
             landed += QString::number(model->themes().size());
         });
-        {
-            const HeldJobs held;
-            model->select(few);
-            model->volumeUnmounted(few.root);
-        }
-        desk.waitForJobs(*model);
-        {
-            const HeldJobs held;
+        desk.hold(*model, [&] {
             model->select(many);
             model->select(few);
             model->select(few);
-        }
-        desk.waitForJobs(*model);
+        });
         model->select(many);
         desk.waitForJobs(*model);
         QVERIFY(whole);
-        QCOMPARE(landed, QStringList({QStringLiteral("1"), QStringLiteral("2000")}));
-        {
-            const HeldJobs held;
+        QCOMPARE(landed, QStringList({u"1"_s, u"2000"_s}));
+        desk.hold(*model, [&] {
             model->select(few);
-            std::filesystem::remove_all(few.root);
-        }
-        desk.waitForJobs(*model);
+            fs::remove_all(few.root);
+        });
         QVERIFY(model->themes().empty() && !model->alert());
     }
 
@@ -115,17 +106,17 @@ private Q_SLOTS:
         const Device device = desk.makeDevice("folder", false);
         const Theme theme {desk.folder.write("folder/.rockbox/themes/a.cfg", "wps: w")};
         desk.folder.write("folder/.rockbox/themes/a.png", "of the package");
-        const std::filesystem::path front = std::filesystem::path(MARLUNE_SOURCE_DIR) / "tests/data/media/front.png";
-        const std::filesystem::path other = front.parent_path() / "other.png";
-        const std::filesystem::path large = desk.folder / "large.bmp";
+        const fs::path front = dataFile("media/front.png");
+        const fs::path other = front.parent_path() / "other.png";
+        const fs::path large = desk.folder / "large.bmp";
         QVERIFY(QImage(3600, 3600, QImage::Format_RGB32).save(QString::fromStdString(large.string())));
-        const auto choose = [&](MarluneModel &model, const std::filesystem::path &file) {
+        const auto choose = [&](MarluneModel &model, const fs::path &file) {
             model.chooseThemePreview(theme);
             desk.panels.answer({file});
         };
-        const auto shows = [&](const MarluneModel &model, const std::filesystem::path &file) {
+        const auto shows = [&](const MarluneModel &model, const fs::path &file) {
             const auto picture = model.themePreviews().value(theme.id()).playing;
-            return picture && fileBytes(std::get<std::filesystem::path>(*picture)) == fileBytes(file);
+            return picture && fileBytes(std::get<fs::path>(*picture)) == fileBytes(file);
         };
         {
             const auto model = desk.start();

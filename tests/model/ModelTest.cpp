@@ -1,21 +1,19 @@
 // The library, what is shown of it, the queue and the transfer.
+#include "support/FailingDisk.h"
 #include "support/ModelDesk.h"
 
 #include "artwork/Artwork.h"
-#include "platform/files/DiskCalls.h"
+
 #include "platform/files/Files.h"
 
 #include <QBuffer>
-#include <QScopeGuard>
-
-#include <sys/stat.h>
 
 namespace {
 
 /// A folder of three albums: one of two discs, one MP3 without tags, one in high resolution; and a model.
 struct Library {
     ModelDesk desk;
-    std::filesystem::path folder = desk.folder / "Computer";
+    fs::path folder = desk.folder / "Computer";
     std::unique_ptr<MarluneModel> model = desk.start();
 
     Library()
@@ -32,11 +30,7 @@ struct Library {
             flacWith({"TITLE=Wide", "ARTIST=abba", "ALBUM=High 10", "DATE=2020-01"}, std::string(1000, 'x'), 24));
     }
 
-    void import(const char *part = "", bool enqueue = false)
-    {
-        model->importURLs({folder / part}, false, enqueue);
-        ModelDesk::waitForJobs(*model);
-    }
+    void import(const char *part = "", bool enqueue = false) { ModelDesk::import(*model, folder / part, enqueue); }
 };
 
 } // namespace
@@ -52,51 +46,50 @@ private Q_SLOTS:
         library.desk.panels.answer({library.folder});
         ModelDesk::waitForJobs(*library.model);
         QCOMPARE(library.model->queued().size(), 5);
-        QCOMPARE(library.model->status(), QStringLiteral("Odczytano utwory: 5"));
+        QCOMPARE(library.model->status(), u"Odczytano utwory: 5"_s);
         library.import("Band");
         QCOMPARE(library.model->tracks().size(), 5U);
-        QCOMPARE(library.model->status(), QStringLiteral("Nie znaleziono nowych plików audio"));
+        QCOMPARE(library.model->status(), u"Nie znaleziono nowych plików audio"_s);
 
-        std::filesystem::remove(library.folder / "Żuk/Plain/1 x.mp3");
+        fs::remove(library.folder / "Żuk/Plain/1 x.mp3");
         const auto model = library.desk.start();
         QCOMPARE(model->tracks().size(), 4U);
         QVERIFY(model->queued().isEmpty());
         const Album album = *model->albums()->front();
         model->forget(album);
-        QCOMPARE(
-            library.desk.settings.texts(QStringLiteral("libraryPaths")).size(), 4 - qsizetype(album.tracks.size()));
-        QVERIFY(std::filesystem::exists(album.tracks.front().url));
+        QCOMPARE(library.desk.settings.texts(u"libraryPaths"_s).size(), 4 - qsizetype(album.tracks.size()));
+        QVERIFY(fs::exists(album.tracks.front().url));
 
-        std::filesystem::remove_all(library.folder); // nothing comes back then, and the newest status stays
+        fs::remove_all(library.folder); // nothing comes back then, and the newest status stays
         std::unique_ptr<MarluneModel> empty;
         {
             const HeldJobs held;
             empty = std::make_unique<MarluneModel>(library.desk.environment());
-            QCOMPARE(empty->status(), QStringLiteral("Odczytuję albumy…"));
+            QCOMPARE(empty->status(), u"Odczytuję albumy…"_s);
             empty->select(library.desk.makeDevice("IPOD", true));
             empty->volumeUnmounted(empty->device()->root);
         }
         ModelDesk::waitForJobs(*empty);
-        QCOMPARE(empty->status(), QStringLiteral("iPod został odłączony"));
-        QCOMPARE(library.desk.start()->status(), QStringLiteral("Gotowy na Twoją muzykę"));
+        QCOMPARE(empty->status(), u"iPod został odłączony"_s);
+        QCOMPARE(library.desk.start()->status(), u"Gotowy na Twoją muzykę"_s);
     }
 
     void restoresTheChoicesOfTheLastRun()
     {
         ModelDesk desk;
         const Device device = desk.makeDevice("IPOD", false);
-        const QString key = QStringLiteral("appearance-") + Files::text(device.root);
+        const QString key = u"appearance-"_s + Files::text(device.root);
         for (const char *look : {"nano", "auto"}) {
             const auto model = desk.start();
-            model->setAppearance(QStringLiteral("classic")); // no device: nothing to remember it for
+            model->setAppearance(u"classic"_s); // no device: nothing to remember it for
             model->select(device);
             model->setAppearance(QString::fromLatin1(look));
-            model->setSortMode(QStringLiteral("Rok"));
+            model->setSortMode(u"Rok"_s);
             model->setTileSize(-1);
-            QCOMPARE(desk.settings.text(key).value_or(QStringLiteral("auto")), QString::fromLatin1(look));
+            QCOMPARE(desk.settings.text(key).value_or(u"auto"_s), QString::fromLatin1(look));
         }
         const auto model = desk.start();
-        QCOMPARE(model->sortMode(), QStringLiteral("Rok"));
+        QCOMPARE(model->sortMode(), u"Rok"_s);
         QCOMPARE(model->tileSize(), 170.0); // none that tiles can have was stored
     }
 
@@ -129,45 +122,27 @@ private Q_SLOTS:
         QVERIFY(!model.busy());
         const Device device = library.desk.makeDevice("IPOD", false);
         model.select(device);
-        model.transferQueue();
-        ModelDesk::waitForJobs(model);
+        ModelDesk::run(model, &MarluneModel::transferQueue);
         QVERIFY(model.queued().isEmpty());
         QCOMPARE(model.transferred().size(), 5U);
         const auto music = filesBelow(device.root / "Music");
         QCOMPARE(music.size(), 5U);
         QCOMPARE(music.at("Band/Double/CD 1/01 a.flac"), fileBytes(library.folder / "Band/Double/CD1/01 a.flac"));
 
-        // One disc alone keeps its disc folder: the plan looks at the whole library.
-        Track stranger
-            = *std::ranges::find(model.tracks(), 2, [](const Track &track) { return track.info.discNumber; });
-        model.transfer(std::vector {stranger});
-        ModelDesk::waitForJobs(model);
-        QCOMPARE(model.status(), QStringLiteral("Wgrano: 0. Pominięto identyczne: 1."));
-        // A track outside the library goes by its own names.
-        stranger.id = QUuid::createUuid();
-        stranger.artist = QStringLiteral("Other");
-        model.transfer(std::vector {stranger});
-        ModelDesk::waitForJobs(model);
-        QVERIFY(std::filesystem::exists(device.root / "Music/Other/Double/01 a.flac"));
-        QCOMPARE(filesBelow(device.root / "Music").size(), 6U);
-
         // Another one comes to its place, and nobody says so: the lists name nothing that it does not hold.
-        static std::filesystem::path place;
-        place = device.root;
-        stranger.artist = QStringLiteral("Third");
-        QVERIFY(!model.transferred().empty());
-        const auto restore = qScopeGuard([] { diskCalls().mkdirat = ::mkdirat; }); // the settings' thread uses the others
-        diskCalls().mkdirat = [](int folder, const char *name, mode_t mode) {
-            std::filesystem::rename(place, place.string() + " 1");
-            std::filesystem::create_directories(place / ".rockbox");
-            diskCalls().mkdirat = ::mkdirat;
-            return ::mkdirat(folder, name, mode);
-        };
-        model.transfer(std::vector {stranger});
+        library.desk.settings.flush(); // no thread writes while the calls are exchanged
+        const FailingDisk exchange(3, 0, FailingDisk::Fault::Event, [&device] {
+            fs::rename(device.root, device.root.string() + " 1");
+            fs::create_directories(device.root / ".rockbox");
+        });
+        Track track = model.tracks().front();
+        track.id = QUuid::createUuid(); // a stranger to the library, which goes by its own names
+        track.artist = u"Other"_s;
+        model.transfer(std::vector {track});
         ModelDesk::waitForJobs(model);
-        QVERIFY(model.alert() && model.alert()->startsWith(QStringLiteral("W miejscu iPoda jest teraz inny dysk")));
+        QVERIFY(model.alert() && model.alert()->startsWith(u"W miejscu iPoda jest teraz inny dysk"_s));
         QVERIFY(model.transferred().empty());
-        QVERIFY(filesBelow(place).empty());
+        QVERIFY(filesBelow(device.root).empty());
     }
 
     void putsCoversWithTheMusicAndTakesMacFilesAway()
@@ -191,9 +166,8 @@ private Q_SLOTS:
         });
         std::map<QString, std::optional<std::chrono::seconds>> timeLeft; // as each stage begins
         connect(&model, &MarluneModel::statusChanged, &model, [&] { timeLeft[model.status()] = model.timeLeft(); });
-        model.transferQueue();
-        ModelDesk::waitForJobs(model);
-        const auto afterCopying = timeLeft.at(QStringLiteral("Zapisuję okładki…"));
+        ModelDesk::run(model, &MarluneModel::transferQueue);
+        const auto afterCopying = timeLeft.at(u"Zapisuję okładki…"_s);
         QVERIFY(afterCopying > std::chrono::seconds(0) && afterCopying < std::chrono::seconds(5));
         QVERIFY(!model.timeLeft());
         auto music = filesBelow(device.root / "Music");
@@ -202,24 +176,22 @@ private Q_SLOTS:
         QCOMPARE(music.size(), 6U); // the tracks and a.mp3
         const auto backups = filesBelow(library.desk.folder / "data/Marlune/Backups");
         QVERIFY(std::ranges::any_of(backups, [](const auto &file) { return file.second.ends_with("rest"); }));
-        QCOMPARE(model.status(), QStringLiteral("Wgrano: 5. Pominięto identyczne: 0."));
+        QCOMPARE(model.status(), u"Wgrano: 5. Pominięto identyczne: 0."_s);
 
         // A cover that cannot be prepared ends the transfer; the music is there, and the queue stays for another try.
         library.desk.folder.write("Computer/New/Album/cover.jpg", "no picture");
         library.desk.folder.write("Computer/New/Album/1.mp3", "new");
         library.import("New", true);
-        model.transferQueue();
-        ModelDesk::waitForJobs(model);
+        ModelDesk::run(model, &MarluneModel::transferQueue);
         QVERIFY(model.alert().value_or(QString()).startsWith(
-            QStringLiteral("Nie można odczytać obrazu. (New – Album)\n\nCzęść utworów mogła już zostać wgrana.")));
-        QCOMPARE(model.status(), QStringLiteral("Transfer przerwany"));
+            u"Nie można odczytać obrazu. (New – Album)\n\nCzęść utworów mogła już zostać wgrana."_s));
+        QCOMPARE(model.status(), u"Transfer przerwany"_s);
         QVERIFY(!model.busy() && model.queued().size() == 1);
-        QVERIFY(std::filesystem::exists(device.root / "Music/New/Album/1.mp3"));
+        QVERIFY(fs::exists(device.root / "Music/New/Album/1.mp3"));
 
         library.desk.folder.write("IPOD/Music/._a.mp3", std::string("\0\5\x16\7rest", 8));
-        model.cleanupMacFiles();
-        ModelDesk::waitForJobs(model);
-        QCOMPARE(model.status(), QStringLiteral("Usunięto pliki metadanych macOS: 1. Kopia jest na Macu."));
+        ModelDesk::run(model, &MarluneModel::cleanupMacFiles);
+        QCOMPARE(model.status(), u"Usunięto pliki metadanych macOS: 1. Kopia jest na Macu."_s);
     }
 };
 

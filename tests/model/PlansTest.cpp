@@ -43,8 +43,8 @@ TEST(TransferPlan, followsTheWholeLibrary)
     const Track stranger = makeTrack({"else/where.mp3", "Other", "Somebody"});
     const TransferPlan plan = planTransfer({library[1], stranger, library[2]}, library);
     ASSERT_EQ(plan.files.size(), 3U);
-    EXPECT_EQ(plan.files[0].discFolder, QStringLiteral("CD 2")); // though the other disc is not sent
-    EXPECT_EQ(plan.files[1].artist + plan.files[1].album, QStringLiteral("SomebodyOther"));
+    EXPECT_EQ(plan.files[0].discFolder, u"CD 2"_s); // though the other disc is not sent
+    EXPECT_EQ(plan.files[1].artist + plan.files[1].album, u"SomebodyOther"_s);
     EXPECT_FALSE(plan.files[1].discFolder || plan.files[2].discFolder);
     EXPECT_EQ(plan.ids.size(), 3);
 }
@@ -64,7 +64,7 @@ TEST(TransferPlan, givesEachFoldersAlbumTheFirstCoverThatItsTracksHave)
     EXPECT_EQ(covers, (std::map<QByteArray, std::vector<std::size_t>> {{"second", {0, 1, 2}}, {"elsewhere", {3}}}));
     EXPECT_EQ(plan.stages.size(), 3U);
     EXPECT_EQ(planTransfer({items[4]}, items).stages.size(), 2U); // no stage without a cover
-    const std::vector<std::filesystem::path> arrived {"/m/1", "/m/2"};
+    const std::vector<fs::path> arrived {"/m/1", "/m/2"};
     EXPECT_EQ(tracksOf({.album = {}, .artwork = {}, .items = {1, 2}}, arrived), (std::vector {arrived[1]}));
 }
 

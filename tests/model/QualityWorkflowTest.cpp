@@ -3,7 +3,7 @@
 
 namespace {
 
-const QString unchecked = QStringLiteral("Duplikaty nie zostały jeszcze sprawdzone.");
+const QString unchecked = u"Duplikaty nie zostały jeszcze sprawdzone."_s;
 
 } // namespace
 
@@ -21,25 +21,22 @@ private Q_SLOTS:
             desk.folder.write(name, "same");
         }
         model->importURLs({desk.folder / "Computer"}, false, false);
-        model->checkDuplicates(); // one job at a time
-        desk.waitForJobs(*model);
+        desk.run(*model, &MarluneModel::checkDuplicates); // one job at a time
         QCOMPARE(model->duplicateStatus(), unchecked);
         model->checkDuplicates();
         QVERIFY(model->busy() && !model->working());
-        QCOMPARE(model->duplicateStatus(), QStringLiteral("Sprawdzam zawartość plików…"));
+        QCOMPARE(model->duplicateStatus(), u"Sprawdzam zawartość plików…"_s);
         desk.waitForJobs(*model);
         QCOMPARE(model->duplicateIssues().size(), 1U);
         QCOMPARE(model->progress(), 1.0);
-        QCOMPARE(model->duplicateStatus(),
-            QStringLiteral("Znaleziono grup identycznych plików: 1. Sprawdzone przez SHA-256."));
-        QCOMPARE(model->status(), QStringLiteral("Sprawdzanie duplikatów zakończone"));
+        QCOMPARE(model->duplicateStatus(), u"Znaleziono grup identycznych plików: 1. Sprawdzone przez SHA-256."_s);
+        QCOMPARE(model->status(), u"Sprawdzanie duplikatów zakończone"_s);
 
-        std::filesystem::remove(desk.folder / "Computer/b.mp3");
-        model->checkDuplicates();
-        desk.waitForJobs(*model);
-        QVERIFY(model->alert().value_or(QString()).contains(QStringLiteral("b.mp3")));
+        fs::remove(desk.folder / "Computer/b.mp3");
+        desk.run(*model, &MarluneModel::checkDuplicates);
+        QVERIFY(model->alert().value_or(QString()).contains(u"b.mp3"_s));
         QVERIFY(model->duplicateIssues().empty() && !model->busy());
-        QCOMPARE(model->duplicateStatus(), QStringLiteral("Sprawdzanie przerwane — wynik nie jest kompletny."));
+        QCOMPARE(model->duplicateStatus(), u"Sprawdzanie przerwane — wynik nie jest kompletny."_s);
     }
 
     void dropsWhatItFindsAboutTracksThatAreNotShownAnyMore()
@@ -55,8 +52,7 @@ private Q_SLOTS:
         for (const std::function<void()> &turn : turns) {
             *desk.found = {device};
             model->select(device);
-            model->scanDeviceMusic();
-            desk.waitForJobs(*model);
+            desk.run(*model, &MarluneModel::scanDeviceMusic);
             {
                 const HeldJobs held({JobPriority::UserInitiated});
                 model->checkDuplicates();
@@ -67,7 +63,7 @@ private Q_SLOTS:
             desk.waitForJobs(*model);
             QVERIFY(!model->busy() && model->duplicateIssues().empty() && !model->alert());
             QCOMPARE(model->duplicateStatus(), unchecked);
-            QVERIFY(!model->status().startsWith(QStringLiteral("Porównuję")));
+            QVERIFY(!model->status().startsWith(u"Porównuję"_s));
         }
     }
 };

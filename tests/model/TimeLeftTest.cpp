@@ -33,91 +33,64 @@ struct Job {
     double lastShown = 1e9; ///< nothing is shown after that second
 };
 
-/// The end of each step, from the job's begin: with the stage and its share done.
-struct Report {
-    double second;
-    std::size_t stage;
-    double done;
-};
-
-std::vector<Report> reportsOf(const Job &job)
-{
-    std::vector<Report> reports;
-    double second = 0;
-    for (std::size_t stage = 0; stage < job.stages.size(); ++stage) {
-        double steps = 0;
-        for (const Steps &part : job.stages[stage].work) {
-            steps += part.count;
-        }
-        double done = 0;
-        for (const Steps &part : job.stages[stage].work) {
-            for (int i = 0; i < part.count; ++i) {
-                second += part.seconds;
-                reports.push_back({second, stage, ++done / steps});
-            }
-        }
-    }
-    return reports;
-}
-
-class Watch {
-public:
-    explicit Watch(const Job &job)
-        : m_job(job)
-    {
-        std::vector<TimeLeft::Expectation> expected;
-        for (const Stage &stage : job.stages) {
-            expected.push_back(stage.expected);
-        }
-        m_left.begin(expected, at(0));
-        const std::vector<Report> reports = reportsOf(job);
-        m_length = reports.back().second;
-        double look = 0;
-        for (const Report &report : reports) {
-            for (; look < report.second; ++look) {
-                lookAt(look);
-            }
-            if (job.stages[report.stage].reports) {
-                m_left.report(report.done, at(report.second));
-            }
-            if (report.done == 1) {
-                m_left.beginNextStage(at(report.second));
-            }
-        }
-    }
-
+struct Seen {
     double first = -1;
     double last = -1;
     int rises = 0;
-
-private:
-    static TimeLeft::Moment at(double second)
-    {
-        return TimeLeft::Moment() + std::chrono::duration_cast<TimeLeft::Moment::duration>(TimeLeft::Seconds(second));
-    }
-
-    void lookAt(double second)
-    {
-        const auto shown = m_left.at(at(second));
-        if (!shown) {
-            return;
-        }
-        const auto left = double(shown->count());
-        const double truth = m_length - second;
-        first = first < 0 ? second : first;
-        last = second;
-        if (second >= m_job.knowableFrom) {
-            EXPECT_NEAR(left, truth, m_job.mayMissBy + truth / 5) << "at " << second;
-        }
-        rises += m_before && left > *m_before ? 1 : 0;
-        m_before = left;
-    }
-
-    const Job &m_job;
-    TimeLeft m_left;
-    double m_length = 0;
-    std::optional<double> m_before;
 };
+
+TimeLeft::Moment at(double second)
+{
+    return TimeLeft::Moment() + std::chrono::duration_cast<TimeLeft::Moment::duration>(TimeLeft::Seconds(second));
+}
+
+Seen watch(const Job &job)
+{
+    std::vector<TimeLeft::Expectation> expected;
+    double length = 0;
+    for (const Stage &stage : job.stages) {
+        expected.push_back(stage.expected);
+        for (const Steps &part : stage.work) {
+            length += part.count * part.seconds;
+        }
+    }
+    TimeLeft left;
+    left.begin(expected, at(0));
+    Seen seen;
+    double before = 1e9;
+    const auto lookAt = [&](double second) {
+        if (const auto shown = left.at(at(second))) {
+            const auto now = double(shown->count());
+            const double truth = length - second;
+            if (second >= job.knowableFrom) {
+                EXPECT_NEAR(now, truth, job.mayMissBy + truth / 5) << "at " << second;
+            }
+            seen.first = seen.first < 0 ? second : seen.first;
+            seen.last = second;
+            seen.rises += now > before ? 1 : 0;
+            before = now;
+        }
+    };
+    double second = 0;
+    double look = 0;
+    for (const Stage &stage : job.stages) {
+        double steps = 0;
+        for (const Steps &part : stage.work) {
+            steps += part.count;
+        }
+        double done = 0;
+        for (const Steps &part : stage.work) {
+            for (int i = 0; i < part.count; ++i) {
+                for (second += part.seconds; look < second; ++look) {
+                    lookAt(look);
+                }
+                stage.reports ? left.report(++done / steps, at(second)) : void();
+            }
+        }
+        left.beginNextStage(at(second));
+    }
+    return seen;
+}
 
 } // namespace
 
@@ -160,9 +133,9 @@ TEST(TimeLeft, isShownOnceItIsSteadyAndGetsLongerOnlyWithCause)
     };
     for (const Job &job : jobs) {
         SCOPED_TRACE(job.name);
-        const Watch watch(job);
-        EXPECT_EQ(watch.first, job.firstShown);
-        EXPECT_EQ(watch.rises, job.rises);
-        EXPECT_LE(watch.last, job.lastShown);
+        const Seen seen = watch(job);
+        EXPECT_EQ(seen.first, job.firstShown);
+        EXPECT_EQ(seen.rises, job.rises);
+        EXPECT_LE(seen.last, job.lastShown);
     }
 }

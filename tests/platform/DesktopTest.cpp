@@ -1,10 +1,8 @@
 // Opening and revealing, with a file manager of the test's own on a private session bus.
 #include "platform/desktop/Desktop.h"
 #include "platform/desktop/TerminationRequests.h"
-#include "support/Eventually.h"
 #include "support/PrivateBus.h"
-
-#include <gtest/gtest.h>
+#include "support/Testing.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>
@@ -26,8 +24,7 @@ public:
             return false;
         }
         shown = message.arguments().constFirst().toStringList();
-        connection.send(refuses ? message.createErrorReply(QDBusError::Failed, QStringLiteral("no window"))
-                                : message.createReply());
+        connection.send(refuses ? message.createErrorReply(QDBusError::Failed, u"no window"_s) : message.createReply());
         return true;
     }
 
@@ -44,9 +41,9 @@ protected:
     {
         m_bus.start();
         ::setenv("DBUS_SESSION_BUS_ADDRESS", m_bus.address().c_str(), 1);
-        QDesktopServices::setUrlHandler(QStringLiteral("file"), this, "take");
+        QDesktopServices::setUrlHandler(u"file"_s, this, "take");
     }
-    void TearDown() override { QDesktopServices::unsetUrlHandler(QStringLiteral("file")); }
+    void TearDown() override { QDesktopServices::unsetUrlHandler(u"file"_s); }
 
     Q_INVOKABLE void take(const QUrl &url) { m_opened = url.toEncoded().toStdString(); }
 
@@ -58,7 +55,7 @@ protected:
     }
 
     PrivateBus m_bus;
-    const std::filesystem::path m_item = "/music of me/100% #1?;'\xFF\"ż.flac";
+    const fs::path m_item = "/music of me/100% #1?;'\xFF\"ż.flac";
     const std::string m_folderUri = "file:///music%20of%20me";
     const std::string m_itemUri = m_folderUri + "/100%25%20%231%3F%3B%27%FF%22%C5%BC.flac";
     std::string m_opened;
@@ -71,10 +68,10 @@ TEST_F(DesktopTest, RevealsInTheFileManagerAndElseOpensTheFolder)
     EXPECT_TRUE(revealingOpensTheFolder()); // no file manager is there
 
     FileManager manager;
-    const QString name = QStringLiteral("manager");
+    const QString name = u"manager"_s;
     QDBusConnection connection = QDBusConnection::connectToBus(QString::fromStdString(m_bus.address()), name);
-    ASSERT_TRUE(connection.registerVirtualObject(QStringLiteral("/org/freedesktop/FileManager1"), &manager));
-    ASSERT_TRUE(connection.registerService(QStringLiteral("org.freedesktop.FileManager1")));
+    ASSERT_TRUE(connection.registerVirtualObject(u"/org/freedesktop/FileManager1"_s, &manager));
+    ASSERT_TRUE(connection.registerService(u"org.freedesktop.FileManager1"_s));
     m_opened.clear();
     Desktop::reveal({m_item, "/a/1", "/b/1", "/c/1", "/d/1", "/e/1", "/a/2"}); // a window for each of five folders
     EXPECT_TRUE(eventually([&] { return !manager.shown.isEmpty(); }));

@@ -3,10 +3,7 @@
 #include "platform/text/ByteCount.h"
 #include "platform/text/TextOrder.h"
 
-#include "support/Messages.h"
-#include "support/TemporaryFolder.h"
-
-#include <gtest/gtest.h>
+#include "support/Testing.h"
 
 TEST(PathText, bringsEveryNameBack)
 {
@@ -16,17 +13,8 @@ TEST(PathText, bringsEveryNameBack)
     for (const std::string &bytes : rows) {
         EXPECT_EQ(Files::fromText(Files::text(bytes)).native(), bytes);
     }
-    EXPECT_EQ(Files::text("żółw"), QStringLiteral("żółw"));
-    EXPECT_EQ(Files::text(std::string("a\xE9")), QStringLiteral("a") + QChar(0xDCE9));
-}
-
-TEST(PathText, takesNamesApart)
-{
-    EXPECT_EQ(Files::name("/a/b/") + Files::name("/"), QStringLiteral("b/"));
-    EXPECT_EQ(Files::baseName("/a/b.tar.gz"), QStringLiteral("b.tar"));
-    EXPECT_EQ(Files::extension("/a/b.tar.gz"), QStringLiteral("gz"));
-    EXPECT_EQ(Files::extension("/a.b/c") + Files::extension("/a/.hidden"), QString());
-    EXPECT_EQ(Files::standardized("/../a/./b//c/../d/").native(), "/a/b/d");
+    EXPECT_EQ(Files::text("żółw"), u"żółw"_s);
+    EXPECT_EQ(Files::text(std::string("a\xE9")), u"a"_s + QChar(0xDCE9));
 }
 
 TEST(ReadBelow, refusesWhatIsTooLargeOrNoFile)
@@ -55,30 +43,30 @@ TEST(TextOrder, isThatOfAFileManager)
             EXPECT_LT(TextOrder::key(before).compare(TextOrder::key(after)), 0) << row[i];
         }
     }
-    EXPECT_EQ(TextOrder::compare(QStringLiteral("Ż"), QStringLiteral("z\u0307")), 0);
+    EXPECT_EQ(TextOrder::compare(u"Ż"_s, u"z\u0307"_s), 0);
     // English takes the Polish letters for accented ones.
     TextOrder::setLanguage(TextOrder::Language::English);
-    EXPECT_LT(TextOrder::compare(QStringLiteral("źdźbło"), QStringLiteral("zebra")), 0);
+    EXPECT_LT(TextOrder::compare(u"źdźbło"_s, u"zebra"_s), 0);
     TextOrder::setLanguage(TextOrder::Language::Polish);
 }
 
 TEST(ByteCount, isShortAndInTheShownLanguage)
 {
-    EXPECT_EQ(byteCount(999'499).simplified(), QStringLiteral("999 kB")); // whichever blank is there
-    EXPECT_EQ(byteCount(999'500).simplified(), QStringLiteral("1,0 MB"));
-    EXPECT_EQ(byteCount(999'949'999).simplified(), QStringLiteral("999,9 MB"));
-    EXPECT_EQ(byteCount(999'950'000).simplified(), QStringLiteral("1,00 GB"));
-    EXPECT_EQ(byteCount(999'995'000'000).simplified(), QStringLiteral("1,00 TB"));
-    EXPECT_EQ(byteCount(12'345'678).simplified(), QStringLiteral("12,3 MB"));
+    EXPECT_EQ(byteCount(999'499).simplified(), u"999 kB"_s); // whichever blank is there
+    EXPECT_EQ(byteCount(999'500).simplified(), u"1,0 MB"_s);
+    EXPECT_EQ(byteCount(999'949'999).simplified(), u"999,9 MB"_s);
+    EXPECT_EQ(byteCount(999'950'000).simplified(), u"1,00 GB"_s);
+    EXPECT_EQ(byteCount(999'995'000'000).simplified(), u"1,00 TB"_s);
+    EXPECT_EQ(byteCount(12'345'678).simplified(), u"12,3 MB"_s);
     TextOrder::setLanguage(TextOrder::Language::English);
-    EXPECT_EQ(byteCount(1'234'567'890).simplified(), QStringLiteral("1.23 GB"));
+    EXPECT_EQ(byteCount(1'234'567'890).simplified(), u"1.23 GB"_s);
     TextOrder::setLanguage(TextOrder::Language::Polish);
 }
 
 TEST(TextSearch, ignoresCaseAndComposition)
 {
-    EXPECT_TRUE(TextOrder::contains(QStringLiteral("Żółta ŁÓDŹ"), QStringLiteral("łódź")));
-    EXPECT_TRUE(TextOrder::contains(QStringLiteral("z\u0307o\u0301łw"), QStringLiteral("ŻÓŁW")));
-    EXPECT_TRUE(TextOrder::contains(QStringLiteral("ŻÓŁW"), QStringLiteral("o\u0301łw")));
-    EXPECT_FALSE(TextOrder::contains(QStringLiteral("zolw"), QStringLiteral("żółw")));
+    EXPECT_TRUE(TextOrder::contains(u"Żółta ŁÓDŹ"_s, u"łódź"_s));
+    EXPECT_TRUE(TextOrder::contains(u"z\u0307o\u0301łw"_s, u"ŻÓŁW"_s));
+    EXPECT_TRUE(TextOrder::contains(u"ŻÓŁW"_s, u"o\u0301łw"_s));
+    EXPECT_FALSE(TextOrder::contains(u"zolw"_s, u"żółw"_s));
 }

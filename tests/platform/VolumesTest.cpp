@@ -1,11 +1,9 @@
 // The mount table's text, and real mounts where the process may make them.
 #include "platform/volumes/Volumes.h"
 #include "platform/volumes/MountTable.h"
-#include "support/Eventually.h"
-#include "support/ExfatVolume.h"
+#include "support/Testing.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <sys/mount.h>
 #include <sys/sysmacros.h>
@@ -51,16 +49,6 @@ TEST(MountTableTest, ReadsEachFieldOfALine)
         ElementsAre(mountAt("/", 1), mountAt("/mnt/a", 2)));
 }
 
-TEST(MountTableTest, ALineThatBreaksOffBeforeItsSourceIsNoMount)
-{
-    const std::string line = "42 27 8:17 / /mnt/a\\040b rw shared:5 - vfat /dev/sdb1 rw,utf8";
-    for (std::size_t length = 0; length <= line.size(); ++length) {
-        const std::optional<Mount> mount = MountTable::parseLine(std::string_view(line).substr(0, length));
-        EXPECT_EQ(mount.has_value(), length >= line.find("/dev")) << length;
-        EXPECT_TRUE(!mount || mount->mountPoint == "/mnt/a b") << length;
-    }
-}
-
 TEST(MountTableTest, TellsDisksFromTheKernelsOwnAndFatNamesFromOthers)
 {
     const std::tuple<const char *, const char *, bool, bool> rows[] = {{"vfat", "/", true, true},
@@ -100,7 +88,7 @@ protected:
     void SetUp() override
     {
         Volumes::setMountFolders({m_mounts});
-        std::filesystem::create_directories(m_mounts);
+        fs::create_directories(m_mounts);
         if (::mount("none", m_mounts.c_str(), "tmpfs", 0, "size=1m") != 0) {
             GTEST_SKIP() << "this process may not mount";
         }
@@ -115,10 +103,10 @@ protected:
     }
 
     /// Mounts a folder of the test's, or with nullptr a disk in memory.
-    void mount(const std::filesystem::path &target, const char *source = "sample")
+    void mount(const fs::path &target, const char *source = "sample")
     {
-        std::filesystem::create_directories(target);
-        std::filesystem::create_directories(m_folder / (source ? source : ""));
+        fs::create_directories(target);
+        fs::create_directories(m_folder / (source ? source : ""));
         ASSERT_EQ(source ? ::mount((m_folder / source).c_str(), target.c_str(), nullptr, MS_BIND, nullptr)
                          : ::mount("none", target.c_str(), "tmpfs", 0, "size=1m"),
             0);
@@ -130,7 +118,7 @@ protected:
     {
         m_watcher.emplace();
         const auto note = [this](auto signal, char sign) {
-            const auto keep = [this, sign](const std::filesystem::path &path) {
+            const auto keep = [this, sign](const fs::path &path) {
                 if (path.parent_path() == m_mounts) {
                     m_notices.push_back(sign + path.filename().string());
                 }
@@ -147,8 +135,8 @@ protected:
     }
 
     TemporaryFolder m_folder;
-    std::filesystem::path m_mounts = m_folder / "mounts";
-    std::vector<std::filesystem::path> m_made;
+    fs::path m_mounts = m_folder / "mounts";
+    std::vector<fs::path> m_made;
     std::vector<std::string> m_notices;
     std::optional<Volumes::Watcher> m_watcher;
 };
@@ -156,7 +144,7 @@ protected:
 TEST(Volumes, AnswersForFoldersThatAreNoMounts)
 {
     const TemporaryFolder folder;
-    Volumes::setMountFolders({"/a/b"}, [](const std::filesystem::path &) { return true; });
+    Volumes::setMountFolders({"/a/b"}, [](const fs::path &) { return true; });
     for (const char *other : {"/a/b", "/a/b/c/IPOD", "/a/IPOD", "/media/IPOD", "/a/b/./IPOD", ""}) {
         EXPECT_FALSE(Volumes::isMountedDisk(other)) << other; // equal by text alone
     }
@@ -166,7 +154,7 @@ TEST(Volumes, AnswersForFoldersThatAreNoMounts)
     EXPECT_FALSE(Volumes::isMountedDisk(folder / "plain"));
     EXPECT_EQ(Volumes::nameRules(folder / "gone"), Volumes::NameRules::Posix);
     EXPECT_EQ(Volumes::nameRules("/proc"), Volumes::NameRules::Posix);
-    EXPECT_THROW((void)Volumes::capacity(folder / "gone"), std::filesystem::filesystem_error);
+    EXPECT_THROW((void)Volumes::capacity(folder / "gone"), fs::filesystem_error);
 }
 
 TEST_F(VolumesTest, ListsWhatIsMountedAmongDisksByWhateverName)
@@ -181,13 +169,13 @@ TEST_F(VolumesTest, ListsWhatIsMountedAmongDisksByWhateverName)
     mount(m_mounts / "memory", nullptr);
     mount(m_folder / "memory elsewhere", nullptr);
 
-    const std::vector<std::filesystem::path> mounted = Volumes::mounted();
+    const std::vector<fs::path> mounted = Volumes::mounted();
     for (const std::string &name : names) {
         EXPECT_EQ(std::count(mounted.begin(), mounted.end(), m_mounts / name), 1) << name;
         EXPECT_TRUE(Volumes::isMountedDisk(m_mounts / name)) << name;
     }
     EXPECT_THAT(mounted, Contains(m_mounts / "memory"));
-    for (const auto &other : {m_mounts / ".hidden", m_folder / "memory elsewhere", std::filesystem::path("/proc")}) {
+    for (const auto &other : {m_mounts / ".hidden", m_folder / "memory elsewhere", fs::path("/proc")}) {
         EXPECT_THAT(mounted, Not(Contains(other)));
     }
 }
@@ -208,27 +196,6 @@ TEST_F(VolumesTest, TheWatcherTellsOfDisksAloneAndMissesNoneBetweenTwoReadings)
         expected.push_back("+" + name);
     }
     expectNotices(expected);
-}
-
-TEST_F(VolumesTest, ARealDiskComesWithItsNameRulesAndItsSizeAndGoes)
-{
-    watch();
-    ExfatVolume disk(m_mounts / "IPOD", 32 << 20);
-    if (!disk.available()) {
-        GTEST_SKIP() << disk.reason();
-    }
-    expectNotices({"+IPOD"});
-    EXPECT_THAT(Volumes::mounted(), Contains(disk.mountPoint()));
-
-    std::filesystem::create_directories(disk.mountPoint() / "Music/Artist");
-    EXPECT_EQ(Volumes::nameRules(disk.mountPoint() / "Music/Artist"), Volumes::NameRules::Fat);
-    EXPECT_EQ(Volumes::nameRules(m_mounts), Volumes::NameRules::Posix);
-    EXPECT_NEAR(double(Volumes::capacity(disk.mountPoint() / "Music").total), 30 << 20, 2 << 20);
-
-    ASSERT_TRUE(disk.unmount());
-    expectNotices({"+IPOD", "-IPOD"});
-    ASSERT_TRUE(disk.mount()) << disk.reason();
-    EXPECT_TRUE(std::filesystem::is_directory(disk.mountPoint() / "Music/Artist"));
 }
 
 } // namespace

@@ -2,13 +2,10 @@
 #include "quality/CollectionQuality.h"
 #include "artwork/Artwork.h"
 
-#include "support/Messages.h"
 #include "support/SampleTracks.h"
-#include "support/TemporaryFolder.h"
+#include "support/Testing.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 using testing::ElementsAre;
 
 namespace {
@@ -22,8 +19,7 @@ struct Library {
         tracks.push_back(makeTrack({.path = path, .album = "Album", .artist = "Band"}));
         tracks.back().url = folder / path;
         tracks.back().bytes = std::int64_t(bytes.size());
-        tracks.back().info.tags = {{QStringLiteral("TITLE"), QStringLiteral("t")},
-            {QStringLiteral("ARTIST"), QStringLiteral("a")}, {QStringLiteral("ALBUM"), QStringLiteral("b")}};
+        tracks.back().info.tags = {{u"TITLE"_s, u"t"_s}, {u"ARTIST"_s, u"a"_s}, {u"ALBUM"_s, u"b"_s}};
         folder.write(path, bytes);
         return tracks.back();
     }
@@ -48,8 +44,8 @@ std::vector<std::string> texts(const std::vector<QualityIssue> &issues)
 {
     std::vector<std::string> result;
     for (const QualityIssue &issue : issues) {
-        const QString line = qualityKindText(issue.kind) + QStringLiteral(": ") + issue.title + QStringLiteral(", ")
-            + QString::number(issue.tracks.size()) + QStringLiteral(": ") + issue.detail;
+        const QString line = qualityKindText(issue.kind) + u": "_s + issue.title + u", "_s
+            + QString::number(issue.tracks.size()) + u": "_s + issue.detail;
         result.push_back(line.simplified().toStdString());
     }
     return result;
@@ -59,8 +55,7 @@ std::vector<std::string> texts(const std::vector<QualityIssue> &issues)
 
 TEST(Inspection, findsEachAlbumAndTrackOnceInTheOrderOfTheirTitles)
 {
-    const QByteArray unfit = QByteArray::fromStdString(
-        fileBytes(std::filesystem::path(MARLUNE_SOURCE_DIR) / "tests/data/images/plain.png"));
+    const QByteArray unfit = QByteArray::fromStdString(fileBytes(dataFile("images/plain.png")));
     const QByteArray fit = Artwork::baselineJPEG(unfit);
     Library library;
     for (const char *path : {"Album 10/1.mp3", "Album 10/2.mp3", "album 9/1.mp3", "album 9/2.mp3"}) {
@@ -72,21 +67,22 @@ TEST(Inspection, findsEachAlbumAndTrackOnceInTheOrderOfTheirTitles)
     library.folder.write("Beside/1.jpg", "");
     library.addTrack("Discs/CD1/1.mp3", fit);
     library.addTrack("Discs/CD2/1.mp3", fit);
-    library.folder.write("Discs/CD1/cover.jpg", ""); // speaks for the first disc alone
+    library.folder.write("Discs/CD1/Folder.JPG", ""); // speaks for the first disc alone
+    for (const char *other : {"Cover.png", "folder.jpeg", "1.mp3.jpg"}) { // none that Rockbox finds
+        library.folder.write(fs::path("Discs/CD2") / other, "");
+    }
     library.addTrack("Mixed/1.mp3", unfit); // the first image is judged
     library.addTrack("Mixed/2.mp3", fit);
     library.addTrack("None/1.mp3", std::nullopt);
     library.addTrack("Gone/Gone.mp3", fit);
-    std::filesystem::remove(library.tracks.back().url);
+    fs::remove(library.tracks.back().url);
     library.tracks.back().info.tags.clear();
     library.addTrack("Beside/Untagged 10.mp3", fit);
     library.folder.write("Beside/Untagged 10.bmp", "");
-    library.tracks.back().info.tags = {{QStringLiteral("TITLE"), QStringLiteral(" \t\u00A0\n")},
-        {QStringLiteral("ARTIST"), QStringLiteral("a")}, {QStringLiteral("ALBUM"), QStringLiteral("b")}};
+    library.tracks.back().info.tags = {{u"TITLE"_s, u" \t\u00A0\n"_s}, {u"ARTIST"_s, u"a"_s}, {u"ALBUM"_s, u"b"_s}};
     library.addTrack("Beside/untagged 9.mp3", fit);
     library.folder.write("Beside/untagged 9.jpeg", "");
-    library.tracks.back().info.tags
-        = {{QStringLiteral("TITLE"), QStringLiteral("t")}, {QStringLiteral("ALBUMARTIST"), QStringLiteral("a")}};
+    library.tracks.back().info.tags = {{u"TITLE"_s, u"t"_s}, {u"ALBUMARTIST"_s, u"a"_s}};
 
     const std::string mixed = "Okładki: Mixed, 2: Obraz wymaga konwersji do JPEG obsługiwanego przez Rockbox.";
     const std::string none = "Okładki: None, 1: Brak odczytanej okładki. Wybierz obraz, aby naprawić album.";
@@ -104,8 +100,8 @@ TEST(Inspection, findsEachAlbumAndTrackOnceInTheOrderOfTheirTitles)
         ElementsAre("Okładki: album 9, 2" + beside, "Okładki: Discs, 2" + beside, "Okładki: Gone, 1" + beside, mixed,
             none, gone, nine, ten));
     EXPECT_EQ(onDevice.front().id(),
-        QStringLiteral("Okładki") + QChar(u'\0') + QString::fromStdString((library.folder / "album 9/1.mp3").string())
-            + QChar(u'\0') + QString::fromStdString((library.folder / "album 9/2.mp3").string()));
+        u"Okładki"_s + QChar(u'\0') + QString::fromStdString((library.folder / "album 9/1.mp3").string()) + QChar(u'\0')
+            + QString::fromStdString((library.folder / "album 9/2.mp3").string()));
     EXPECT_TRUE(CollectionQuality::inspect({}, std::nullopt).empty());
     std::stop_source stopped;
     stopped.request_stop();
@@ -130,8 +126,8 @@ TEST(Duplicates, areFilesOfTheSameBytesAndNotOtherNamesOfOne)
         library.tracks.push_back(library.tracks.front());
         library.tracks.back().url = library.folder / name;
     }
-    std::filesystem::create_symlink(library.folder / "c.mp3", library.folder / "link.mp3");
-    std::filesystem::create_hard_link(library.folder / "c.mp3", library.folder / "hard link.mp3");
+    fs::create_symlink(library.folder / "c.mp3", library.folder / "link.mp3");
+    fs::create_hard_link(library.folder / "c.mp3", library.folder / "hard link.mp3");
     std::vector<QualityIssue> found;
     const std::vector<std::string> calls = library.progress(found);
     EXPECT_THAT(texts(found),
@@ -150,7 +146,7 @@ TEST(Duplicates, openOnlyFilesOfOneSizeAndTellOfTheFirstThatFails)
         library.add(name, "");
     }
     for (const Track &track : library.tracks) {
-        std::filesystem::remove(track.url); // to open one of them would fail
+        fs::remove(track.url); // to open one of them would fail
     }
     std::vector<QualityIssue> found;
     EXPECT_TRUE(library.progress(found).empty());
@@ -159,16 +155,16 @@ TEST(Duplicates, openOnlyFilesOfOneSizeAndTellOfTheFirstThatFails)
     for (const char *name : {"a.mp3", "b.mp3", "vanished.mp3"}) {
         library.add(name, "same");
     }
-    std::filesystem::remove(library.folder / "vanished.mp3");
+    fs::remove(library.folder / "vanished.mp3");
     for (const std::errc reason : {std::errc::no_such_file_or_directory, std::errc::is_a_directory}) {
         try {
             (void)library.progress(found);
             ADD_FAILURE() << "a part of the list passed for all of it";
-        } catch (const std::filesystem::filesystem_error &failure) {
+        } catch (const fs::filesystem_error &failure) {
             EXPECT_EQ(failure.code(), reason);
             EXPECT_EQ(failure.path1(), library.folder / "vanished.mp3");
         }
-        std::filesystem::create_directories(library.folder / "vanished.mp3");
+        fs::create_directories(library.folder / "vanished.mp3");
     }
     std::stop_source stop;
     const auto stopAtTheSecond = [&](int done, int) { done == 2 ? (void)stop.request_stop() : (void)0; };

@@ -3,10 +3,7 @@
 
 #include "platform/volumes/Volumes.h"
 
-#include "support/Messages.h"
-#include "support/SampleDevice.h"
-
-#include <gtest/gtest.h>
+#include "support/Testing.h"
 
 TEST(DeviceInspection, readsWhatTheFolderSays)
 {
@@ -14,11 +11,10 @@ TEST(DeviceInspection, readsWhatTheFolderSays)
     makeDevice(folder, "media/IPOD");
     makeDevice(folder, "media/IPOD/deeper");
     makeDevice(folder, "media/plain");
-    Volumes::setMountFolders(
-        {folder / "media"}, [](const std::filesystem::path &path) { return path.filename() != "plain"; });
+    Volumes::setMountFolders({folder / "media"}, [](const fs::path &path) { return path.filename() != "plain"; });
     const Device device = Device::inspect(folder / "media/IPOD");
-    EXPECT_EQ(device.name, QStringLiteral("IPOD"));
-    EXPECT_EQ(device.version, QStringLiteral("3.15"));
+    EXPECT_EQ(device.name, u"IPOD"_s);
+    EXPECT_EQ(device.version, u"3.15"_s);
     EXPECT_TRUE(device.available > 0 && device.total >= device.available);
     EXPECT_TRUE(device.isVolume);
     EXPECT_TRUE(Device::inspect(folder / "media/IPOD/").isVolume);
@@ -32,10 +28,10 @@ TEST(DeviceInspection, refusesWhatIsNoDevice)
     const TemporaryFolder folder;
     makeDevice(folder, "real");
     folder.write("file/.rockbox", "a file");
-    std::filesystem::create_directories(folder / "empty");
-    std::filesystem::create_directories(folder / "linked");
-    std::filesystem::create_directory_symlink(folder / "real", folder / "link");
-    std::filesystem::create_directory_symlink(folder / "real/.rockbox", folder / "linked/.rockbox");
+    fs::create_directories(folder / "empty");
+    fs::create_directories(folder / "linked");
+    fs::create_directory_symlink(folder / "real", folder / "link");
+    fs::create_directory_symlink(folder / "real/.rockbox", folder / "linked/.rockbox");
     const std::string none = "Ten folder nie zawiera katalogu .rockbox.";
     const std::string link = "Folder urządzenia nie może być dowiązaniem symbolicznym.";
     const std::pair<const char *, std::string> rows[]
@@ -51,11 +47,11 @@ TEST(DeviceInspection, refusesWhatIsNoDevice)
 TEST(DeviceInspection, findsTheVersionInTheInfoFileOrNone)
 {
     const TemporaryFolder folder;
-    std::filesystem::create_directories(folder / "a/.rockbox");
-    std::filesystem::create_directories(folder / "b/.rockbox/rockbox-info.txt");
+    fs::create_directories(folder / "a/.rockbox");
+    fs::create_directories(folder / "b/.rockbox/rockbox-info.txt");
     folder.write("c/.rockbox/rockbox-info.txt", "Version: 1\n" + std::string(2'000'000, 'x'));
     for (const char *name : {"a", "b", "c"}) {
-        EXPECT_EQ(Device::inspect(folder / name).version, QStringLiteral("wersja nieznana")) << name;
+        EXPECT_EQ(Device::inspect(folder / name).version, u"wersja nieznana"_s) << name;
     }
     const std::string unknown = "wersja nieznana";
     const std::pair<std::string, std::string> rows[] = {{"Target: x\r\nVersion: 3.15\r\nMemory: 64\r\n", "3.15"},

@@ -5,10 +5,7 @@
 #include "platform/volumes/Volumes.h"
 
 #include "support/ExfatVolume.h"
-#include "support/Messages.h"
-#include "support/SampleDevice.h"
-
-#include <gtest/gtest.h>
+#include "support/Testing.h"
 
 namespace {
 
@@ -30,8 +27,8 @@ TEST(ExfatTransfer, givesEveryFileANameThatTheDiskTakes)
     if (!disk.available()) {
         GTEST_SKIP() << disk.reason();
     }
-    const std::filesystem::path root = disk.mountPoint();
-    std::filesystem::create_directories(root / ".rockbox");
+    const fs::path root = disk.mountPoint();
+    fs::create_directories(root / ".rockbox");
     ASSERT_EQ(Volumes::nameRules(root), Volumes::NameRules::Fat);
 
     const auto file = [&](const std::string &name, std::string_view bytes, const std::string &artist = "case",
@@ -42,7 +39,7 @@ TEST(ExfatTransfer, givesEveryFileANameThatTheDiskTakes)
     const std::vector<TransferFile> files {
         file("1/Who? * \"x\" <y> |z|.flac", "1", "AC/DC: Live", "What?"),
         file("2/dot.flac", "2", "Trailing...", "Blank. "),
-        file("3/a.flac", "3", polishLetters(200), polishLetters(160), QStringLiteral("CD 1")),
+        file("3/a.flac", "3", polishLetters(200), polishLetters(160), u"CD 1"_s),
         file("4/Same.flac", "4"),
         file("5/sAME.flac", "5", "CASE", "X"),
         file("6/noextension", "6"),
@@ -58,14 +55,14 @@ TEST(ExfatTransfer, givesEveryFileANameThatTheDiskTakes)
         const TransferResult result = Storage::transfer(files, root, [](int, int) { });
         EXPECT_EQ(result.copied, copied);
         EXPECT_EQ(result.skipped, 9 - copied);
-        for (const std::filesystem::path &destination : result.destinations) {
+        for (const fs::path &destination : result.destinations) {
             EXPECT_TRUE(expected.contains(destination.lexically_relative(root / "Music"))) << destination;
         }
         EXPECT_EQ(filesBelow(root / "Music"), expected);
     }
-    const std::filesystem::path track[] = {root / "Music/case/x/noextension"};
-    (void)Storage::playlist(QStringLiteral("Kto? \"x\""), track, root);
-    EXPECT_EQ(failureOf([&] { (void)Storage::playlist(QStringLiteral("KTO_ 'X'"), track, root); }),
+    const fs::path track[] = {root / "Music/case/x/noextension"};
+    (void)Storage::playlist(u"Kto? \"x\""_s, track, root);
+    EXPECT_EQ(failureOf([&] { (void)Storage::playlist(u"KTO_ 'X'"_s, track, root); }),
         "Playlista o tej nazwie już istnieje. Wybierz inną nazwę.");
     EXPECT_EQ(fileBytes(root / "Playlists/Kto_ 'x'.m3u8"), "#EXTM3U\n/Music/case/x/noextension\n");
 }

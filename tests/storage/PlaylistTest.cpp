@@ -1,19 +1,15 @@
 #include "storage/Playlist.h"
 
-#include "support/FailingDisk.h"
-#include "support/Messages.h"
-#include "support/SampleDevice.h"
-
-#include <gtest/gtest.h>
+#include "support/Testing.h"
 
 namespace {
 
 struct PlaylistDesk {
     TemporaryFolder folder;
-    std::filesystem::path root = folder / "IPOD";
+    fs::path root = folder / "IPOD";
     PlaylistDesk() { makeDevice(folder, "IPOD"); }
 
-    std::string failure(const char *name, const std::vector<std::filesystem::path> &tracks) const
+    std::string failure(const char *name, const std::vector<fs::path> &tracks) const
     {
         return failureOf([&] { (void)Storage::playlist(QString::fromUtf8(name), tracks, root); });
     }
@@ -32,27 +28,11 @@ TEST(Playlist, namesTracksOfTheDeviceAloneAndIsNeverReplaced)
             "Playlista może zawierać wyłącznie utwory z wybranego iPoda.");
     }
     EXPECT_NE(desk.failure("a", {root + "/\xE9.mp3"}).find("UTF-8"), std::string::npos);
-    EXPECT_FALSE(std::filesystem::exists(desk.root / "Playlists"));
+    EXPECT_FALSE(fs::exists(desk.root / "Playlists"));
 
     EXPECT_EQ(desk.failure("Rock/Pop", {root + "/x/../Music//Żółw #1.mp3", root + "/b.mp3", root + "/b.mp3"}), "");
-    std::filesystem::create_symlink("nowhere", desk.root / "Playlists/link.m3u8");
+    fs::create_symlink("nowhere", desk.root / "Playlists/link.m3u8");
     EXPECT_EQ(desk.failure("Rock/Pop", {root + "/other.mp3"}), nameTaken);
     EXPECT_EQ(desk.failure("link", {root + "/other.mp3"}), nameTaken);
     EXPECT_EQ(fileBytes(desk.root / "Playlists/Rock-Pop.m3u8"), "#EXTM3U\n/Music/Żółw #1.mp3\n/b.mp3\n/b.mp3\n");
-}
-
-TEST(Playlist, isWholeOrNotThereWhicheverCallFails)
-{
-    for (int failAt = 1, reached = true; reached; ++failAt) {
-        const PlaylistDesk desk;
-        auto expected = filesBelow(desk.root);
-        const FailingDisk disk(failAt);
-        const bool isMade = desk.failure("new", {desk.root / "a.mp3"}).empty();
-        reached = FailingDisk::reached();
-        EXPECT_TRUE(reached || isMade); // what brings the name to the medium may fail
-        if (isMade) {
-            expected["Playlists/new.m3u8"] = "#EXTM3U\n/a.mp3\n";
-        }
-        EXPECT_EQ(filesBelow(desk.root), expected);
-    }
 }

@@ -1,9 +1,6 @@
 #include "storage/SystemTool.h"
 
-#include "support/Messages.h"
-#include "support/TemporaryFolder.h"
-
-#include <gtest/gtest.h>
+#include "support/Testing.h"
 
 namespace {
 
@@ -11,7 +8,7 @@ using namespace std::chrono_literals;
 
 std::string runShell(const char *script, const Storage::ToolBounds &bounds = {})
 {
-    return Storage::run(QStringLiteral("sh"), {QStringLiteral("-c"), QString::fromUtf8(script)}, bounds).toStdString();
+    return Storage::run(u"sh"_s, {u"-c"_s, QString::fromUtf8(script)}, bounds).toStdString();
 }
 
 } // namespace
@@ -26,14 +23,14 @@ TEST(SystemTool, givesWhatTheProgramSaysAndFailsWhereItFails)
     for (const char *mute : {"exit 1", "printf '\\377'; exit 1", "kill -KILL $$"}) {
         EXPECT_EQ(messageOf([&] { runShell(mute); }), "Błąd narzędzia systemowego.") << mute;
     }
-    EXPECT_EQ(messageOf([] { (void)Storage::run(QStringLiteral("marlune-no-such-tool"), {}); }),
+    EXPECT_EQ(messageOf([] { (void)Storage::run(u"marlune-no-such-tool"_s, {}); }),
         "Nie można uruchomić programu „marlune-no-such-tool”. Sprawdź, czy jest zainstalowany.");
 }
 
 TEST(SystemTool, passesArgumentsAsTheyAreAndNothingElse)
 {
-    const QStringList arguments {QStringLiteral("%s|"), QStringLiteral("$HOME `id` ; * \"'"), {}, QStringLiteral("ąę")};
-    EXPECT_EQ(Storage::run(QStringLiteral("printf"), arguments).toStdString(), "$HOME `id` ; * \"'||ąę|");
+    const QStringList arguments {u"%s|"_s, u"$HOME `id` ; * \"'"_s, {}, u"ąę"_s};
+    EXPECT_EQ(Storage::run(u"printf"_s, arguments).toStdString(), "$HOME `id` ; * \"'||ąę|");
     ASSERT_EQ(::setenv("UNZIP", "-x everything", 1), 0);
     EXPECT_EQ(runShell("echo \"$UNZIP$HOME $LC_ALL\"; cat; pwd", {.folder = "/usr"}), " C.UTF-8\n/usr\n");
     // The leader of a session of its own has no terminal until it opens one.
@@ -49,9 +46,8 @@ TEST(SystemTool, endsAProgramThatGoesBeyondItsBounds)
     }
     Storage::ToolBounds bounds {.folder = folder.path(), .maxFileBytes = 1'000'000};
     EXPECT_NE(messageOf([&] { runShell("head -c 2000000 /dev/zero >large", bounds); }), "");
-    EXPECT_EQ(std::filesystem::file_size(folder / "large"), 1'000'000U);
-    bounds.watch
-        = [&] { std::filesystem::exists(folder / "pid") ? throw MarluneError(QStringLiteral("dość")) : void(); };
+    EXPECT_EQ(fs::file_size(folder / "large"), 1'000'000U);
+    bounds.watch = [&] { fs::exists(folder / "pid") ? throw MarluneError(u"dość"_s) : void(); };
     EXPECT_EQ(messageOf([&] { runShell("echo $$ >pid; exec sleep 100", bounds); }), "dość");
     EXPECT_EQ(::kill(std::stoi(fileBytes(folder / "pid")), 0), -1); // it is gone
 }

@@ -4,11 +4,12 @@
 // user namespaces. Where that is refused, available() is false and a test skips.
 #pragma once
 
+#include "Names.h"
+
 #include <sched.h>
 #include <sys/mount.h>
 #include <unistd.h>
 
-#include <filesystem>
 #include <fstream>
 
 class AnotherDisk {
@@ -20,7 +21,7 @@ public:
         return made;
     }
 
-    explicit AnotherDisk(std::filesystem::path place)
+    explicit AnotherDisk(fs::path place)
         : m_place(std::move(place))
         , m_mounted(::mount("disk", m_place.c_str(), "tmpfs", 0, "size=1m") == 0)
     {
@@ -48,6 +49,6 @@ private:
         return ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
     }
 
-    std::filesystem::path m_place;
+    fs::path m_place;
     bool m_mounted;
 };

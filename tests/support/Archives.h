@@ -17,9 +17,9 @@ struct Archive {
     std::map<std::string, std::string> files; ///< what a good one brings, below `.rockbox`, with the SHA-256 of each
 };
 
-[[nodiscard]] inline std::filesystem::path archive(const char *name)
+[[nodiscard]] inline fs::path archive(const char *name)
 {
-    return std::filesystem::path(MARLUNE_ARCHIVES) / name;
+    return fs::path(MARLUNE_ARCHIVES) / name;
 }
 
 /// All of them. Throws where they have not been made.

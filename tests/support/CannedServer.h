@@ -1,6 +1,8 @@
 // A web server on this computer that answers as a test tells it to, and keeps what it was asked. Needs an event loop.
 #pragma once
 
+#include "Names.h"
+
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QTimer>
@@ -46,7 +48,7 @@ public:
     }
 
     [[nodiscard]] quint16 port() const { return m_server.serverPort(); }
-    [[nodiscard]] QUrl root() const { return QUrl(QStringLiteral("http://127.0.0.1:%1").arg(port())); }
+    [[nodiscard]] QUrl root() const { return QUrl(u"http://127.0.0.1:%1"_s.arg(port())); }
 
     /// An answer with this status line's end ("200 OK"), header lines ("A: b\r\n") and a body with its length.
     [[nodiscard]] static Answer answer(

@@ -21,17 +21,19 @@
 class ExfatVolume {
 public:
     /// Makes the folder `mountPoint` if need be and mounts an empty disk of `bytes` there.
-    explicit ExfatVolume(std::filesystem::path mountPoint, std::int64_t bytes = 64 << 20)
+    explicit ExfatVolume(fs::path mountPoint, std::int64_t bytes = 64 << 20)
         : m_mountPoint(std::move(mountPoint))
         , m_image(m_folder.write("image", {}))
     {
-        std::filesystem::resize_file(m_image, std::uintmax_t(bytes)); // sparse
+        fs::resize_file(m_image, std::uintmax_t(bytes)); // sparse
         (void)(run("mkfs.exfat", {m_image}) && mount());
     }
     ~ExfatVolume()
     {
-        if (m_mounted && !unmount()) {
-            ::umount2(m_mountPoint.c_str(), MNT_DETACH);
+        for (int attempt = 0;
+            m_mounted && ::umount2(m_mountPoint.c_str(), attempt < 20 ? 0 : MNT_DETACH) != 0 && attempt <= 20;
+            ++attempt) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(50)); // something keeps it busy for a moment
         }
         ::rmdir(m_mountPoint.c_str());
     }
@@ -41,48 +43,34 @@ public:
     /// Whether the disk could be made and mounted.
     [[nodiscard]] bool available() const { return m_reason.empty(); }
     [[nodiscard]] const std::string &reason() const { return m_reason; }
-    [[nodiscard]] const std::filesystem::path &mountPoint() const { return m_mountPoint; }
+    [[nodiscard]] const fs::path &mountPoint() const { return m_mountPoint; }
 
-    /// Mounts the same disk again after unmount(); what was written is still there.
+private:
     bool mount()
     {
         std::error_code ignored;
-        std::filesystem::create_directories(m_mountPoint, ignored);
+        fs::create_directories(m_mountPoint, ignored);
         if (!run("losetup", {"--find", "--show", m_image})) {
             return false;
         }
-        const std::filesystem::path device = m_output;
-        const bool fuse = !QStandardPaths::findExecutable(QStringLiteral("mount.exfat-fuse"), m_folders).isEmpty();
+        const fs::path device = m_output;
+        const bool fuse = !QStandardPaths::findExecutable(u"mount.exfat-fuse"_s, m_folders).isEmpty();
         m_mounted = fuse ? run("mount.exfat-fuse", {device, m_mountPoint})
                          : run("mount", {"-t", "exfat", device, m_mountPoint});
         return run("losetup", {"--detach", device}) && m_mounted; // from here the mount alone keeps the loop device
     }
 
-    /// False if something keeps the disk busy for longer than a moment.
-    bool unmount()
-    {
-        for (int attempt = 0; attempt < 20; ++attempt) {
-            if (::umount2(m_mountPoint.c_str(), 0) == 0) {
-                m_mounted = false;
-                return true;
-            }
-            std::this_thread::sleep_for(std::chrono::milliseconds(50));
-        }
-        return false;
-    }
-
-private:
     /// Runs it from a thread of its own: the thread sanitizer is blind for the locks of one that has started a process.
-    bool run(const char *name, const std::vector<std::filesystem::path> &arguments)
+    bool run(const char *name, const std::vector<fs::path> &arguments)
     {
         return std::async(std::launch::async, [&] { return runHere(name, arguments); }).get();
     }
 
     /// Keeps what the program writes, and the reason where it fails or is missing.
-    bool runHere(const char *name, const std::vector<std::filesystem::path> &arguments)
+    bool runHere(const char *name, const std::vector<fs::path> &arguments)
     {
         QStringList texts;
-        for (const std::filesystem::path &argument : arguments) {
+        for (const fs::path &argument : arguments) {
             texts.append(QString::fromLocal8Bit(argument.c_str()));
         }
         QProcess process;
@@ -95,11 +83,10 @@ private:
         return done;
     }
 
-    const QStringList m_folders {
-        QStringLiteral("/usr/sbin"), QStringLiteral("/sbin"), QStringLiteral("/usr/bin"), QStringLiteral("/bin")};
+    const QStringList m_folders {u"/usr/sbin"_s, u"/sbin"_s, u"/usr/bin"_s, u"/bin"_s};
     TemporaryFolder m_folder;
-    std::filesystem::path m_mountPoint;
-    std::filesystem::path m_image;
+    fs::path m_mountPoint;
+    fs::path m_image;
     std::string m_output;
     std::string m_reason;
     bool m_mounted = false;

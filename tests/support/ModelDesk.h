@@ -53,7 +53,7 @@ struct ModelDesk {
     /// What the next discovery finds.
     std::shared_ptr<std::vector<Device>> found = std::make_shared<std::vector<Device>>();
     std::shared_ptr<std::atomic<int>> discoveries = std::make_shared<std::atomic<int>>(0);
-    std::function<void(const std::filesystem::path &)> ejector = [](const std::filesystem::path &) { };
+    std::function<void(const fs::path &)> ejector = [](const fs::path &) { };
 
     std::function<TimeLeft::Moment()> clock = TimeLeft::Moment::clock::now;
 
@@ -69,7 +69,7 @@ struct ModelDesk {
                     ++*discoveries;
                     return *found;
                 },
-            .ejectVolume = [this](const std::filesystem::path &root) { ejector(root); },
+            .ejectVolume = [this](const fs::path &root) { ejector(root); },
             .supportFolder = folder / "data",
             .themeSite = themeSite,
             .covers = *covers,
@@ -101,6 +101,37 @@ struct ModelDesk {
             QVERIFY(BackgroundJobs::drain(std::chrono::seconds(20)));
             QCoreApplication::processEvents();
         }
+    }
+
+    /// Has the model begin something, and waits for the end of it.
+    static void run(MarluneModel &model, void (MarluneModel::*begin)())
+    {
+        (model.*begin)();
+        waitForJobs(model);
+    }
+
+    /// The same with the music of this place.
+    static void import(MarluneModel &model, const fs::path &place, bool enqueue = false)
+    {
+        model.importURLs({place}, false, enqueue);
+        waitForJobs(model);
+    }
+
+    /// Answers the model's last question with this file.
+    void answer(const MarluneModel &model, const fs::path &file)
+    {
+        panels.answer({file});
+        waitForJobs(model);
+    }
+
+    /// Lets no job of the model's run before this has been done.
+    static void hold(const MarluneModel &model, const std::function<void()> &meanwhile)
+    {
+        {
+            const HeldJobs held;
+            meanwhile();
+        }
+        waitForJobs(model);
     }
 };
 

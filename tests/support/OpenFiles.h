@@ -1,15 +1,16 @@
 // Which files the test's process holds open.
 #pragma once
 
-#include <filesystem>
+#include "Names.h"
+
 #include <vector>
 
-inline std::vector<std::filesystem::path> openFilesBelow(const std::filesystem::path &folder)
+inline std::vector<fs::path> openFilesBelow(const fs::path &folder)
 {
-    std::vector<std::filesystem::path> result;
-    for (const auto &entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+    std::vector<fs::path> result;
+    for (const auto &entry : fs::directory_iterator("/proc/self/fd")) {
         std::error_code gone;
-        const std::filesystem::path file = std::filesystem::read_symlink(entry, gone);
+        const fs::path file = fs::read_symlink(entry, gone);
         if (!gone && file.native().starts_with(folder.native() + "/")) {
             result.push_back(file);
         }

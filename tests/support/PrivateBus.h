@@ -40,9 +40,9 @@ public:
     /// Returns when the bus takes connections; throws where there is no dbus-daemon.
     void start()
     {
-        m_daemon.start(QStringLiteral("dbus-daemon"),
-            {QStringLiteral("--nofork"), QStringLiteral("--print-address"),
-                QStringLiteral("--config-file=") + QString::fromStdString(m_configuration.string())});
+        m_daemon.start(u"dbus-daemon"_s,
+            {u"--nofork"_s, u"--print-address"_s,
+                u"--config-file="_s + QString::fromStdString(m_configuration.string())});
         if (!m_daemon.waitForReadyRead(10'000)) {
             throw std::runtime_error("no dbus-daemon: " + m_daemon.readAllStandardError().toStdString());
         }
@@ -56,6 +56,6 @@ public:
 
 private:
     TemporaryFolder m_folder;
-    std::filesystem::path m_configuration;
+    fs::path m_configuration;
     QProcess m_daemon;
 };

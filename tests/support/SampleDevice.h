@@ -7,16 +7,16 @@
 #include <map>
 #include <string>
 
-inline void makeDevice(const TemporaryFolder &folder, const std::filesystem::path &relative = {})
+inline void makeDevice(const TemporaryFolder &folder, const fs::path &relative = {})
 {
     folder.write(relative / ".rockbox/rockbox-info.txt", "Target: ipodvideo\nVersion: 3.15\nBinary size: 774144\n");
 }
 
 /// All regular files below `folder` by relative path, hidden ones too, with their bytes.
-inline std::map<std::string, std::string> filesBelow(const std::filesystem::path &folder)
+inline std::map<std::string, std::string> filesBelow(const fs::path &folder)
 {
     std::map<std::string, std::string> files;
-    for (const auto &entry : std::filesystem::recursive_directory_iterator(folder)) {
+    for (const auto &entry : fs::recursive_directory_iterator(folder)) {
         if (entry.is_regular_file() && !entry.is_symlink()) {
             files[entry.path().lexically_relative(folder).string()] = fileBytes(entry.path());
         }
@@ -24,7 +24,7 @@ inline std::map<std::string, std::string> filesBelow(const std::filesystem::path
     return files;
 }
 
-inline bool holdsPartialFile(const std::filesystem::path &folder)
+inline bool holdsPartialFile(const fs::path &folder)
 {
     const auto files = filesBelow(folder);
     return std::any_of(

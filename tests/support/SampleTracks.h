@@ -1,6 +1,8 @@
 // Tracks made in memory, for tests that need no files.
 #pragma once
 
+#include "Names.h"
+
 #include "library/Track.h"
 
 #include <vector>
@@ -17,7 +19,7 @@ inline Track makeTrack(const TrackText &text)
 {
     Track track;
     track.id = QUuid::createUuid();
-    track.url = std::filesystem::path("/music") / text.path;
+    track.url = fs::path("/music") / text.path;
     track.title = QString::fromStdString(track.url.stem().string());
     track.album = QString::fromUtf8(text.album);
     track.artist = QString::fromUtf8(text.artist);

@@ -2,17 +2,15 @@
 #include "themes/Catalogue.h"
 
 #include "support/CataloguePage.h"
-#include "support/Messages.h"
-
-#include <gtest/gtest.h>
+#include "support/Testing.h"
 
 namespace {
 
-const QUrl root(QStringLiteral("https://example.test/themes"));
+const QUrl root(u"https://example.test/themes"_s);
 
 Theme installed(const char *name)
 {
-    return {std::filesystem::path("/IPOD/.rockbox/themes") / (std::string(name) + ".cfg")};
+    return {fs::path("/IPOD/.rockbox/themes") / (std::string(name) + ".cfg")};
 }
 
 /// The one preview that the page has for a theme named "Rock Roll"; a record without a source if there is none.
@@ -29,7 +27,7 @@ std::string text(const std::optional<PicturePlace> &place)
 
 std::string author(const QString &page)
 {
-    return found(page).author.value_or(QStringLiteral("none")).toStdString();
+    return found(page).author.value_or(u"none"_s).toStdString();
 }
 
 } // namespace
@@ -43,14 +41,14 @@ TEST(Catalogue, readsTheSitesPage)
     const ThemePreviews previews = Catalogue::parseCatalog(page, themes, root);
     EXPECT_EQ(previews.size(), 5 + 1); // neither the name without its letter nor the theme without a picture
     const ThemePreview first {
-        .playing = QUrl(QStringLiteral("https://example.test/themes/themes/320x240/theme0/wps%20(main)-1.png")),
-        .menu = QUrl(QStringLiteral("https://example.test/themes/themes/320x240/theme0/menu-1.png")),
-        .source = QStringLiteral("Zrzuty z katalogu Rockbox (wersja katalogowa)"),
-        .detail = QUrl(QStringLiteral("https://example.test/themes/index.php?themeid=4000&target=ipodvideo")),
-        .author = QStringLiteral("Author 0")};
+        .playing = QUrl(u"https://example.test/themes/themes/320x240/theme0/wps%20(main)-1.png"_s),
+        .menu = QUrl(u"https://example.test/themes/themes/320x240/theme0/menu-1.png"_s),
+        .source = u"Zrzuty z katalogu Rockbox (wersja katalogowa)"_s,
+        .detail = QUrl(u"https://example.test/themes/index.php?themeid=4000&target=ipodvideo"_s),
+        .author = u"Author 0"_s};
     EXPECT_EQ(previews.value(themes[0].id()), first);
     EXPECT_EQ(previews.value(themes[1].id()), first);
-    EXPECT_EQ(previews.value(themes[4].id()).author, QStringLiteral("Author 298"));
+    EXPECT_EQ(previews.value(themes[4].id()).author, u"Author 298"_s);
     EXPECT_EQ(previews.value(themes[7].id()).author, std::nullopt);
 }
 
@@ -68,46 +66,45 @@ TEST(Catalogue, fetchesFromItsSiteAlone)
     };
     for (const auto &[attributes, playing, menu] : rows) {
         const QString image = QString::fromUtf8(attributes);
-        const ThemePreview preview = found(cataloguePage({{1, QStringLiteral("rock-roll"), image, {}}}));
+        const ThemePreview preview = found(cataloguePage({{1, u"rock-roll"_s, image, {}}}));
         EXPECT_EQ(std::pair(text(preview.playing), text(preview.menu)), std::pair(playing, menu)) << attributes;
     }
-    EXPECT_EQ(Catalogue::listPage(root, QStringLiteral("a b#c&d=ż")).toEncoded(),
+    EXPECT_EQ(Catalogue::listPage(root, u"a b#c&d=ż"_s).toEncoded(),
         "https://example.test/themes/index.php?target=a%20b%23c&d=%C5%BC");
     EXPECT_TRUE(Catalogue::listPage(root, QString(QChar(0xDCE9))).toEncoded().endsWith("?target=ipodvideo"));
 }
 
 TEST(Catalogue, takesTheLastEntryOfATheme)
 {
-    const QString title = QStringLiteral("Rock &amp; Roll");
-    const CatalogueEntry a {1, title, QStringLiteral("src=\"themes/a\""), QStringLiteral(" A&#261; ")};
-    const CatalogueEntry b {2, title, QStringLiteral("src=\"themes/b\""), QStringLiteral("B")};
+    const QString title = u"Rock &amp; Roll"_s;
+    const CatalogueEntry a {1, title, u"src=\"themes/a\""_s, u" A&#261; "_s};
+    const CatalogueEntry b {2, title, u"src=\"themes/b\""_s, u"B"_s};
     EXPECT_EQ(text(found(cataloguePage({a, b})).playing), "https://example.test/themes/themes/b");
     // An id's last title counts, for its earlier pictures too.
-    EXPECT_EQ(found(cataloguePage({a, {1, QStringLiteral("Else"), {}, {}}})).source, QString());
-    EXPECT_EQ(author(cataloguePage({{1, QStringLiteral("Else"), a.image, a.submitter}, {1, title, {}, {}}})), "Aą");
+    EXPECT_EQ(found(cataloguePage({a, {1, u"Else"_s, {}, {}}})).source, QString());
+    EXPECT_EQ(author(cataloguePage({{1, u"Else"_s, a.image, a.submitter}, {1, title, {}, {}}})), "Aą");
     // Two equal pictures: the first one's author.
     CatalogueEntry again = a;
-    again.submitter = QStringLiteral("Z");
+    again.submitter = u"Z"_s;
     EXPECT_EQ(author(cataloguePage({a, again})), "Aą");
-    EXPECT_EQ(found(cataloguePage({a}).remove(QStringLiteral("<th"))).source, QString());
+    EXPECT_EQ(found(cataloguePage({a}).remove(u"<th"_s)).source, QString());
 }
 
 TEST(Catalogue, looksForTheAuthorInTheCell)
 {
-    const QString page
-        = cataloguePage({{1, QStringLiteral("Rock Roll"), screenshots(QStringLiteral("x")), QStringLiteral("Abc")}});
+    const QString page = cataloguePage({{1, u"Rock Roll"_s, screenshots(u"x"_s), u"Abc"_s}});
     const auto with = [&page](const QString &between) {
-        return author(QString(page).replace(QStringLiteral("></a><br />\n<small>"), u'>' + between));
+        return author(QString(page).replace(u"></a><br />\n<small>"_s, u'>' + between));
     };
     const auto characters = [](int count) { return QString(count, u'x'); };
     // "<strong>Submitter:</strong> &nbsp;" has 34 characters.
     EXPECT_EQ(with(characters(9'966 - 3)), "Abc");
     EXPECT_EQ(with(characters(9'966 - 1)), "A");
     EXPECT_EQ(with(characters(9'966)), "none");
-    EXPECT_EQ(with(QStringLiteral("e\u0301").repeated(9'966 - 2)), "Ab");
-    EXPECT_EQ(with(QStringLiteral("\u0301\r\n").repeated(4'000)), "Abc");
-    EXPECT_EQ(with(QStringLiteral("</td>")), "none");
-    EXPECT_EQ(with(QStringLiteral("</td")), "Abc");
+    EXPECT_EQ(with(u"e\u0301"_s.repeated(9'966 - 2)), "Ab");
+    EXPECT_EQ(with(u"\u0301\r\n"_s.repeated(4'000)), "Abc");
+    EXPECT_EQ(with(u"</td>"_s), "none");
+    EXPECT_EQ(with(u"</td"_s), "Abc");
 }
 
 TEST(Catalogue, decodesEntitiesAndComparesLettersAndNumbers)
@@ -133,12 +130,12 @@ TEST(Catalogue, decodesEntitiesAndComparesLettersAndNumbers)
 
 TEST(Catalogue, readsHostilePagesInTimeToo)
 {
-    const QString rows[] = {QStringLiteral("<th").repeated(1'000'000),
-        QStringLiteral("<th><a href=\"index.php?themeid=") + QString(3'000'000, u'1'),
-        QStringLiteral("<a href=\"index.php?themeid=1\"><img ").repeated(100'000),
-        QStringLiteral("<a href=\"index.php?themeid=1\"><img x>").repeated(100'000)};
+    const QString rows[]
+        = {u"<th"_s.repeated(1'000'000), u"<th><a href=\"index.php?themeid="_s + QString(3'000'000, u'1'),
+            u"<a href=\"index.php?themeid=1\"><img "_s.repeated(100'000),
+            u"<a href=\"index.php?themeid=1\"><img x>"_s.repeated(100'000)};
     for (const QString &row : rows) {
-        const QString page = cataloguePage({{1, QStringLiteral("Rock Roll"), QStringLiteral("x"), {}}});
+        const QString page = cataloguePage({{1, u"Rock Roll"_s, u"x"_s, {}}});
         EXPECT_NE(found(page + row).source, QString());
     }
 }

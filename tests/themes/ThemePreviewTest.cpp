@@ -1,22 +1,20 @@
 // Themes listed, their settings read, and the best picture found for each.
 #include "themes/ThemePreview.h"
 
-#include "support/TemporaryFolder.h"
-
-#include <gtest/gtest.h>
+#include "support/Testing.h"
 
 TEST(Themes, areCfgFilesInTheFileManagersOrder)
 {
     const TemporaryFolder root;
     for (const char *name : {"a10.CFG", "B.cfg", "a2.cfg", "z\xB1.cfg", "note.txt", "cfg"}) {
-        root.write(std::filesystem::path(".rockbox/real") / name, "wps: x");
+        root.write(fs::path(".rockbox/real") / name, "wps: x");
     }
-    std::filesystem::create_symlink(root / ".rockbox/real/B.cfg", root / ".rockbox/real/link.cfg");
+    fs::create_symlink(root / ".rockbox/real/B.cfg", root / ".rockbox/real/link.cfg");
     EXPECT_TRUE(Storage::themes(root.path()).empty());
-    std::filesystem::create_directory_symlink(root / ".rockbox/real", root / ".rockbox/themes");
+    fs::create_directory_symlink(root / ".rockbox/real", root / ".rockbox/themes");
     EXPECT_TRUE(Storage::themes(root.path()).empty());
-    std::filesystem::remove(root / ".rockbox/themes");
-    std::filesystem::rename(root / ".rockbox/real", root / ".rockbox/themes");
+    fs::remove(root / ".rockbox/themes");
+    fs::rename(root / ".rockbox/real", root / ".rockbox/themes");
     std::string names;
     for (const Theme &theme : Storage::themes(root.path())) {
         names += theme.url.filename().string() + " ";
@@ -54,16 +52,16 @@ TEST(ThemePreviews, takeTheBestPictureInTheFirmwaresFolder)
 {
     const TemporaryFolder root;
     const Theme theme {root.write(".rockbox/themes/Name.cfg", "")};
-    const QString key = QStringLiteral("theme-preview-") + ThemePreview::key(theme);
+    const QString key = u"theme-preview-"_s + ThemePreview::key(theme);
     const ThemePreview::ChosenPictures chosen {{key, QString::fromStdString((root / "own.jpg").string())}};
     const auto look = [&](const std::string &settings) {
         const auto configuration = configurationFrom(QByteArray::fromStdString(settings));
         return ThemePreview::local(theme, root.path(), configuration, chosen);
     };
     root.write("out/backdrop_wps.bmp", "");
-    std::filesystem::create_directory_symlink(root / "out", root / ".rockbox/link");
+    fs::create_directory_symlink(root / "out", root / ".rockbox/link");
     for (const char *link : {".rockbox/themes/Name.png", ".rockbox/a.bmp"}) {
-        std::filesystem::create_symlink(root / "out/backdrop_wps.bmp", root / link);
+        fs::create_symlink(root / "out/backdrop_wps.bmp", root / link);
     }
     for (const std::string value : {"/out/backdrop_wps.bmp", "out/x.wps", "/.rockbox/../out/backdrop_wps.bmp", "-", "",
              "/.rockbox/link/backdrop_wps.bmp", "/.rockbox/link.wps", "/.rockbox/a.bmp", "/.rockbox/",
@@ -73,7 +71,7 @@ TEST(ThemePreviews, takeTheBestPictureInTheFirmwaresFolder)
     EXPECT_FALSE(look(std::string("backdrop: /.rockbox/themes/Name.cfg\0", 36)));
 
     // From the least worth to the most.
-    std::filesystem::remove(root / ".rockbox/themes/Name.png");
+    fs::remove(root / ".rockbox/themes/Name.png");
     for (const char *file : {".rockbox/backdrops/b.bmp", ".rockbox/wps/x/backdrop_wps.bmp",
              ".rockbox/themes/Name-preview.png", ".rockbox/themes/Name.jpg", ".rockbox/themes/Name.png", "own.jpg"}) {
         root.write(".rockbox/wps/x/backdrop_sbs.bmp", "");
@@ -83,5 +81,5 @@ TEST(ThemePreviews, takeTheBestPictureInTheFirmwaresFolder)
         EXPECT_EQ(preview->playing, place);
         EXPECT_EQ(preview->menu.has_value(), std::string(file).ends_with("wps.bmp")) << file;
     }
-    EXPECT_EQ(ThemePreview::key({"/a.cfg"}).first(16), QStringLiteral("56710c495a80d919"));
+    EXPECT_EQ(ThemePreview::key({"/a.cfg"}).first(16), u"56710c495a80d919"_s);
 }

@@ -1,10 +1,8 @@
 // Holds every #include of the sources against the tower: a floor uses itself and what the table below names, all of it
 // further down, and a room's private headers stay in their room.
-#include "support/TemporaryFolder.h"
+#include "support/Testing.h"
 
 #include <QRegularExpression>
-
-#include <gtest/gtest.h>
 
 #include <map>
 #include <set>
@@ -40,13 +38,13 @@ const std::map<std::string, std::set<std::string>> rooms {
 
 /// Libraries that only the named rooms may see; all else of Qt Core is everybody's.
 const std::vector<std::pair<QString, std::set<std::string>>> reserved {
-    {QStringLiteral("^(taglib/.*|[a-z0-9]+file\\.h|fileref\\.h|libav.*)$"), {"media/files"}},
-    {QStringLiteral("^j(peg|config|error|morecfg).*\\.h$"), {"media/pictures"}},
-    {QStringLiteral("^mpv/.*$"), {"media/sound"}},
-    {QStringLiteral("^openssl/.*$"), {"platform/files"}},
-    {QStringLiteral("^(QNetwork|QSsl|QTcp|QHost|QAbstractSocket|QtNetwork).*$"), {"platform/web"}},
-    {QStringLiteral("^QDBus.*$"), {"platform/desktop", "platform/volumes", "ui"}},
-    {QStringLiteral("^(QQ|QtQ|QSG|QGuiApplication).*$"), {"ui"}},
+    {u"^(taglib/.*|[a-z0-9]+file\\.h|fileref\\.h|libav.*)$"_s, {"media/files"}},
+    {u"^j(peg|config|error|morecfg).*\\.h$"_s, {"media/pictures"}},
+    {u"^mpv/.*$"_s, {"media/sound"}},
+    {u"^openssl/.*$"_s, {"platform/files"}},
+    {u"^(QNetwork|QSsl|QTcp|QHost|QAbstractSocket|QtNetwork).*$"_s, {"platform/web"}},
+    {u"^QDBus.*$"_s, {"platform/desktop", "platform/volumes", "ui"}},
+    {u"^(QQ|QtQ|QSG|QGuiApplication).*$"_s, {"ui"}},
 };
 
 const std::set<std::string> *usesOf(const std::string &floor)
@@ -76,7 +74,7 @@ bool mayUse(const std::string &room, const std::string &header)
 /// The includes of a source in this room, such as "media/files", that the tables do not allow.
 std::vector<std::string> faults(const std::string &room, const std::string &source)
 {
-    static const QRegularExpression include(QStringLiteral("^\\s*#\\s*include\\s*([<\"])([^>\"]+)[>\"]"));
+    static const QRegularExpression include(u"^\\s*#\\s*include\\s*([<\"])([^>\"]+)[>\"]"_s);
     std::vector<std::string> result;
     std::istringstream lines(source);
     for (std::string line; std::getline(lines, line);) {
@@ -85,7 +83,7 @@ std::vector<std::string> faults(const std::string &room, const std::string &sour
             continue;
         }
         const QString name = match.captured(2);
-        if (match.captured(1) == QStringLiteral("\"")) {
+        if (match.captured(1) == u"\""_s) {
             if (!mayUse(room, name.toStdString())) {
                 result.push_back(name.toStdString());
             }
@@ -102,15 +100,6 @@ std::vector<std::string> faults(const std::string &room, const std::string &sour
 }
 
 } // namespace
-
-TEST(Tower, theTableLeadsDown)
-{
-    std::set<std::string> below;
-    for (const auto &[floor, uses] : floors) {
-        EXPECT_TRUE(std::includes(below.begin(), below.end(), uses.begin(), uses.end())) << floor;
-        below.insert(floor);
-    }
-}
 
 TEST(Tower, theCheckKnowsUpFromDown)
 {
@@ -129,11 +118,14 @@ TEST(Tower, theCheckKnowsUpFromDown)
 
 TEST(Tower, everyFloorUsesOnlyWhatTheTableNames)
 {
-    const std::filesystem::path sources = std::filesystem::path(MARLUNE_SOURCE_DIR) / "src";
+    const fs::path sources = fs::path(MARLUNE_SOURCE_DIR) / "src";
     std::set<std::string> used; // "floor uses floor"
+    std::set<std::string> below;
     for (const auto &[floor, uses] : floors) {
+        EXPECT_TRUE(std::includes(below.begin(), below.end(), uses.begin(), uses.end())) << floor;
+        below.insert(floor);
         std::size_t files = 0;
-        for (const auto &entry : std::filesystem::recursive_directory_iterator(sources / floor)) {
+        for (const auto &entry : fs::recursive_directory_iterator(sources / floor)) {
             const std::string extension = entry.path().extension().string();
             if (extension == ".h" || extension == ".cpp") {
                 ++files;
@@ -149,10 +141,11 @@ TEST(Tower, everyFloorUsesOnlyWhatTheTableNames)
         }
         EXPECT_GT(files, 0U) << floor;
         for (const std::string &other : uses) {
-            EXPECT_TRUE(used.contains(floor + " uses " + other)) << floor << ": " << other << " is in the table in vain";
+            EXPECT_TRUE(used.contains(floor + " uses " + other))
+                << floor << ": " << other << " is in the table in vain";
         }
     }
-    for (const auto &entry : std::filesystem::directory_iterator(sources)) {
+    for (const auto &entry : fs::directory_iterator(sources)) {
         EXPECT_TRUE(!entry.is_directory() || usesOf(entry.path().filename().string())) << entry.path();
     }
 }

@@ -27,11 +27,7 @@ struct Grid {
             }
         }
     }
-    void import()
-    {
-        model->importURLs({desk.folder / "music"}, false, false);
-        ModelDesk::waitForJobs(*model);
-    }
+    void import() { ModelDesk::import(*model, desk.folder / "music"); }
     [[nodiscard]] QString titles() const
     {
         QStringList result;
@@ -57,7 +53,7 @@ private Q_SLOTS:
         grid.write("Alpha", {"First/CD1", "First/CD2"});
         grid.import();
         QTRY_COMPARE(grid.rows.rowCount(), 3);
-        QCOMPARE(grid.value(0, AlbumListModel::DiscsRole).toString(), QStringLiteral("2 CD · jeden album"));
+        QCOMPARE(grid.value(0, AlbumListModel::DiscsRole).toString(), u"2 CD · jeden album"_s);
         QVERIFY(grid.value(1, AlbumListModel::HighResolutionRole).toBool());
         QVERIFY(!grid.value(2, AlbumListModel::HighResolutionRole).toBool());
         QVERIFY(grid.covers->find(grid.value(2, AlbumListModel::CoverRole).toString()));
@@ -66,7 +62,7 @@ private Q_SLOTS:
         QTRY_COMPARE(grid.covers->size(), 0);
         for (const QColor color : {Qt::red, Qt::blue}) {
             const QVariant before = grid.value(1, AlbumListModel::CoverRole);
-            const std::filesystem::path picture = grid.desk.folder / "picture.png";
+            const fs::path picture = grid.desk.folder / "picture.png";
             QImage chosen(20, 20, QImage::Format_RGB32);
             chosen.fill(color);
             QVERIFY(chosen.save(QString::fromStdString(picture.string())));
@@ -82,29 +78,29 @@ private Q_SLOTS:
         Grid grid;
         grid.write("Artist", {"B", "D", "F"});
         grid.import();
-        QTRY_COMPARE(grid.titles(), QStringLiteral("B D F"));
+        QTRY_COMPARE(grid.titles(), u"B D F"_s);
         const QSignalSpy resets(&grid.rows, &QAbstractItemModel::modelReset);
         const QPersistentModelIndex second = grid.rows.index(1);
         grid.write("Artist", {"A", "C", "G"});
         grid.import();
-        QTRY_COMPARE(grid.titles(), QStringLiteral("A B C D F G"));
+        QTRY_COMPARE(grid.titles(), u"A B C D F G"_s);
         QCOMPARE(second.row(), 3);
 
         grid.desk.folder.write("music/Artist/D/3.flac", flacWith({"ARTIST=Artist", "ALBUM=D"}));
         QSignalSpy changes(&grid.rows, &QAbstractItemModel::dataChanged);
         grid.import(); // a known album gets a third track
-        QTRY_VERIFY(grid.value(3, AlbumListModel::CountAndSizeRole).toString().startsWith(QStringLiteral("3 / ")));
+        QTRY_VERIFY(grid.value(3, AlbumListModel::CountAndSizeRole).toString().startsWith(u"3 / "_s));
         QCOMPARE(changes.count(), 1);
         grid.rows.forget(0);
-        QTRY_COMPARE(grid.titles(), QStringLiteral("B C D F G"));
+        QTRY_COMPARE(grid.titles(), u"B C D F G"_s);
         QCOMPARE(second.row(), 2);
         QCOMPARE(resets.count(), 0);
 
-        grid.model->setSortMode(QStringLiteral("Rozmiar"));
+        grid.model->setSortMode(u"Rozmiar"_s);
         QTRY_COMPARE(resets.count(), 1);
         QVERIFY(grid.titles().startsWith(u'D'));
         const QSignalSpy updates(&grid.rows, &AlbumListModel::refreshed);
-        grid.model->setSearch(QStringLiteral("x"));
+        grid.model->setSearch(u"x"_s);
         grid.model->setHiResOnly(true);
         QTRY_COMPARE(grid.rows.rowCount(), 0);
         QCOMPARE(updates.count(), 1); // for a burst of changes
@@ -113,8 +109,7 @@ private Q_SLOTS:
     void aNewCoverChangesItsRowAloneAndAHiddenListLater()
     {
         Grid grid;
-        const std::string picture
-            = fileBytes(std::filesystem::path(MARLUNE_SOURCE_DIR) / "tests/data/images/plain.png");
+        const std::string picture = fileBytes(dataFile("images/plain.png"));
         grid.write("Artist", {"A", "B", "C", "D", "E"}, picture);
         grid.import();
         QTRY_COMPARE(grid.rows.rowCount(), 5);
@@ -162,13 +157,12 @@ private Q_SLOTS:
 
     void itsCoversComeInTheSizeAskedFor()
     {
-        const QByteArray cover = QByteArray::fromStdString(
-            fileBytes(std::filesystem::path(MARLUNE_SOURCE_DIR) / "tests/data/images/plain.png"));
+        const QByteArray cover = QByteArray::fromStdString(fileBytes(dataFile("images/plain.png")));
         const auto covers = std::make_shared<CoverStore>();
         CoverProvider provider(covers);
         for (const int side : {60, 20, 60}) {
             const std::unique_ptr<QQuickImageResponse> response(
-                provider.requestImageResponse(covers->nameOf(cover) + QStringLiteral("/0"), {side, side}));
+                provider.requestImageResponse(covers->nameOf(cover) + u"/0"_s, {side, side}));
             QVERIFY(QSignalSpy(response.get(), &QQuickImageResponse::finished).wait());
             const std::unique_ptr<QQuickTextureFactory> drawn(response->textureFactory());
             QCOMPARE(drawn->textureSize(), QSize(side, side));

@@ -14,9 +14,9 @@ namespace {
 
 using Groups = QMap<QString, QVariantMap>;
 
-const QString object = QStringLiteral("/org/freedesktop/portal/desktop");
-const QString settingsInterface = QStringLiteral("org.freedesktop.portal.Settings");
-const QString appearance = QStringLiteral("org.freedesktop.appearance");
+const QString object = u"/org/freedesktop/portal/desktop"_s;
+const QString settingsInterface = u"org.freedesktop.portal.Settings"_s;
+const QString appearance = u"org.freedesktop.appearance"_s;
 
 class Portal : public QDBusVirtualObject {
 public:
@@ -49,39 +49,37 @@ private Q_SLOTS:
     void followsThePortalLive()
     {
         QDBusConnection connection
-            = QDBusConnection::connectToBus(QString::fromStdString(m_bus.address()), QStringLiteral("portal"));
+            = QDBusConnection::connectToBus(QString::fromStdString(m_bus.address()), u"portal"_s);
         Portal portal;
-        portal.groups[appearance][QStringLiteral("color-scheme")] = 1U;
-        portal.groups[appearance][QStringLiteral("reduced-motion")] = 1U;
+        portal.groups[appearance][u"color-scheme"_s] = 1U;
+        portal.groups[appearance][u"reduced-motion"_s] = 1U;
         QVERIFY(connection.registerVirtualObject(object, &portal));
-        QVERIFY(connection.registerService(QStringLiteral("org.freedesktop.portal.Desktop")));
+        QVERIFY(connection.registerService(u"org.freedesktop.portal.Desktop"_s));
 
         DesktopScheme scheme;
         QTRY_VERIFY(scheme.dark());
         QVERIFY(scheme.reducedMotion());
         QSignalSpy changes(&scheme, &DesktopScheme::darkChanged);
         for (const uint wish : {2U, 2U, 1U}) {
-            QDBusMessage signal
-                = QDBusMessage::createSignal(object, settingsInterface, QStringLiteral("SettingChanged"));
-            signal << appearance << QStringLiteral("color-scheme") << QVariant::fromValue(QDBusVariant(wish));
+            QDBusMessage signal = QDBusMessage::createSignal(object, settingsInterface, u"SettingChanged"_s);
+            signal << appearance << u"color-scheme"_s << QVariant::fromValue(QDBusVariant(wish));
             QVERIFY(connection.send(signal));
             QTRY_COMPARE(scheme.dark(), wish == 1);
         }
         QCOMPARE(changes.count(), 2);
-        QDBusConnection::disconnectFromBus(QStringLiteral("portal"));
+        QDBusConnection::disconnectFromBus(u"portal"_s);
     }
 
     void readsAValueForEachDesktop()
     {
-        const QString gnome = QStringLiteral("org.gnome.desktop.interface");
-        const QString kde = QStringLiteral("org.kde.kdeglobals.KDE");
-        const std::tuple<QString, const char *, QVariant, bool, bool> rows[]
-            = {{appearance, "color-scheme", 1U, true, false}, {appearance, "color-scheme", 2U, false, false},
-                {appearance, "reduced-motion", 1U, false, true}, {gnome, "enable-animations", false, false, true},
-                {gnome, "enable-animations", true, false, false},
-                {gnome, "color-scheme", QStringLiteral("prefer-dark"), false, false},
-                {kde, "AnimationDurationFactor", QStringLiteral("0"), false, true},
-                {kde, "AnimationDurationFactor", QStringLiteral("2"), false, false}};
+        const QString gnome = u"org.gnome.desktop.interface"_s;
+        const QString kde = u"org.kde.kdeglobals.KDE"_s;
+        const std::tuple<QString, const char *, QVariant, bool, bool> rows[] = {
+            {appearance, "color-scheme", 1U, true, false}, {appearance, "color-scheme", 2U, false, false},
+            {appearance, "reduced-motion", 1U, false, true}, {gnome, "enable-animations", false, false, true},
+            {gnome, "enable-animations", true, false, false}, {gnome, "color-scheme", u"prefer-dark"_s, false, false},
+            {kde, "AnimationDurationFactor", u"0"_s, false, true},
+            {kde, "AnimationDurationFactor", u"2"_s, false, false}};
         for (const auto &[group, key, value, dark, still] : rows) {
             DesktopScheme scheme;
             scheme.apply(group, QString::fromLatin1(key), value);

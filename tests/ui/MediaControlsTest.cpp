@@ -15,8 +15,8 @@
 
 namespace {
 
-const QString service = QStringLiteral("org.mpris.MediaPlayer2.marlune");
-const QString object = QStringLiteral("/org/mpris/MediaPlayer2");
+const QString service = u"org.mpris.MediaPlayer2.marlune"_s;
+const QString object = u"/org/mpris/MediaPlayer2"_s;
 
 } // namespace
 
@@ -33,7 +33,7 @@ private Q_SLOTS:
     void withoutABusNothingHappens()
     {
         Playback playback("null");
-        const MediaControls controls(playback, QDBusConnection(QStringLiteral("none")));
+        const MediaControls controls(playback, QDBusConnection(u"none"_s));
         playback.play(track("a"), {});
         QTRY_VERIFY(playback.playing());
     }
@@ -41,26 +41,26 @@ private Q_SLOTS:
     void theDesktopSeesAndSteersThePlayer()
     {
         Playback playback("null");
-        MediaControls controls(playback, connection(QStringLiteral("player")));
-        QDBusConnection desktop = connection(QStringLiteral("desktop"));
+        MediaControls controls(playback, connection(u"player"_s));
+        QDBusConnection desktop = connection(u"desktop"_s);
         QVERIFY(!isThere(desktop)); // nothing is loaded
-        QVERIFY(desktop.connect({}, object, QStringLiteral("org.freedesktop.DBus.Properties"),
-            QStringLiteral("PropertiesChanged"), this, SLOT(keep(QString, QVariantMap, QStringList))));
-        QVERIFY(desktop.connect({}, object, QStringLiteral("org.mpris.MediaPlayer2.Player"), QStringLiteral("Seeked"),
-            this, SLOT(keepPlace(qlonglong))));
+        QVERIFY(desktop.connect({}, object, u"org.freedesktop.DBus.Properties"_s, u"PropertiesChanged"_s, this,
+            SLOT(keep(QString, QVariantMap, QStringList))));
+        QVERIFY(desktop.connect(
+            {}, object, u"org.mpris.MediaPlayer2.Player"_s, u"Seeked"_s, this, SLOT(keepPlace(qlonglong))));
         const std::vector<Track> list {track("Pierwszy"), track("Drugi")};
         playback.play(list[0], list);
         QTRY_VERIFY(isThere(desktop));
-        QTRY_COMPARE(m_properties[QStringLiteral("PlaybackStatus")].toString(), QStringLiteral("Playing"));
-        QTRY_COMPARE(metadata()[QStringLiteral("xesam:title")].toString(), QStringLiteral("Pierwszy"));
-        QTRY_VERIFY(metadata()[QStringLiteral("mpris:length")].toLongLong() > 3'000'000);
-        QCOMPARE(metadata()[QStringLiteral("xesam:artist")].toStringList(), QStringList {QStringLiteral("Artysta")});
-        QCOMPARE(m_properties[QStringLiteral("CanGoNext")], true);
+        QTRY_COMPARE(m_properties[u"PlaybackStatus"_s].toString(), u"Playing"_s);
+        QTRY_COMPARE(metadata()[u"xesam:title"_s].toString(), u"Pierwszy"_s);
+        QTRY_VERIFY(metadata()[u"mpris:length"_s].toLongLong() > 3'000'000);
+        QCOMPARE(metadata()[u"xesam:artist"_s].toStringList(), QStringList {u"Artysta"_s});
+        QCOMPARE(m_properties[u"CanGoNext"_s], true);
 
         call(desktop, "Pause");
-        QTRY_COMPARE(m_properties[QStringLiteral("PlaybackStatus")].toString(), QStringLiteral("Paused"));
+        QTRY_COMPARE(m_properties[u"PlaybackStatus"_s].toString(), u"Paused"_s);
         call(desktop, "Pause"); // which is not toggled
-        const QVariant id = metadata()[QStringLiteral("mpris:trackid")];
+        const QVariant id = metadata()[u"mpris:trackid"_s];
         const QVariant other = QVariant::fromValue(QDBusObjectPath("/other"));
         call(desktop, "SetPosition", {other, 1'000'000LL});
         call(desktop, "SetPosition", {id, 99'000'000LL});
@@ -71,8 +71,9 @@ private Q_SLOTS:
         QVERIFY(!playback.playing());
         call(desktop, "Seek", {60'000'000LL});
         QTRY_VERIFY(playback.current() == list[1]);
-        QTRY_COMPARE(m_properties[QStringLiteral("CanGoNext")], false);
-        setVolume(desktop, 0.25);
+        QTRY_COMPARE(m_properties[u"CanGoNext"_s], false);
+        call(desktop, "Set", {u"org.mpris.MediaPlayer2.Player"_s, u"Volume"_s, QVariant::fromValue(QDBusVariant(0.25))},
+            "org.freedesktop.DBus.Properties");
         QTRY_COMPARE(playback.volume(), 0.25);
 
         QSignalSpy quits(&controls, &MediaControls::quitWanted);
@@ -98,7 +99,7 @@ private:
         Track track;
         track.id = QUuid::createUuid();
         track.title = QString::fromLatin1(title);
-        track.artist = QStringLiteral("Artysta");
+        track.artist = u"Artysta"_s;
         track.url = m_folder.write(title, wave(4));
         return track;
     }
@@ -117,17 +118,7 @@ private:
         QTRY_VERIFY(pending.isFinished());
         QVERIFY2(!pending.isError(), qPrintable(pending.error().message()));
     }
-    static void setVolume(QDBusConnection &desktop, double volume)
-    {
-        call(desktop, "Set",
-            {QStringLiteral("org.mpris.MediaPlayer2.Player"), QStringLiteral("Volume"),
-                QVariant::fromValue(QDBusVariant(volume))},
-            "org.freedesktop.DBus.Properties");
-    }
-    [[nodiscard]] QVariantMap metadata() const
-    {
-        return qdbus_cast<QVariantMap>(m_properties[QStringLiteral("Metadata")]);
-    }
+    [[nodiscard]] QVariantMap metadata() const { return qdbus_cast<QVariantMap>(m_properties[u"Metadata"_s]); }
 
     TemporaryFolder m_folder;
     PrivateBus m_bus;

@@ -1,10 +1,7 @@
 // Covers and symbols: what is drawn, and for how long covers are held.
-#include "support/Messages.h"
-#include "support/TemporaryFolder.h"
+#include "support/Testing.h"
 #include "ui/pictures/CoverProvider.h"
 #include "ui/pictures/Symbols.h"
-
-#include <gtest/gtest.h>
 
 #include <QBuffer>
 #include <QRegularExpression>
@@ -79,11 +76,11 @@ TEST(Symbols, everyNameInUseHasADrawing)
 {
     // Names are in QML as `symbol: … "name" …` and in the sections' table.
     const QRegularExpression mention(
-        QStringLiteral(R"re(symbol\w*:[^\n]*|case Section::\w+:\s+return QStringLiteral\("[a-z.]+"\))re"));
-    const QRegularExpression name(QStringLiteral(R"re("([a-z0-9.]+)")re"));
+        uR"re(symbol\w*:[^\n]*|case Section::\w+:\s+return QStringLiteral\("[a-z.]+"\))re"_s);
+    const QRegularExpression name(uR"re("([a-z0-9.]+)")re"_s);
     std::set<QString> used;
-    const std::filesystem::path sources = std::filesystem::path(MARLUNE_SOURCE_DIR) / "src/ui";
-    for (const auto &entry : std::filesystem::recursive_directory_iterator(sources)) {
+    const fs::path sources = fs::path(MARLUNE_SOURCE_DIR) / "src/ui";
+    for (const auto &entry : fs::recursive_directory_iterator(sources)) {
         if (entry.path().extension() == ".qml" || entry.path().filename() == "SectionListModel.cpp") {
             const QString text = QString::fromStdString(fileBytes(entry.path()));
             for (auto place = mention.globalMatch(text); place.hasNext();) {
@@ -107,5 +104,5 @@ TEST(Symbols, everyNameInUseHasADrawing)
         }
         EXPECT_GT(inked, 40) << symbol;
     }
-    EXPECT_TRUE(Symbols::draw(QStringLiteral("no.such.symbol"), Qt::red, 32).isNull());
+    EXPECT_TRUE(Symbols::draw(u"no.such.symbol"_s, Qt::red, 32).isNull());
 }

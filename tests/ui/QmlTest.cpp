@@ -42,23 +42,20 @@ public:
             m_desk.folder.write(folder + number + ".flac",
                 flacWith({"ARTIST=" + artist.toStdString(), "ALBUM=" + album.toStdString()}, number));
         }
-        m_model->importURLs({m_desk.folder / folder}, false, false);
-        ModelDesk::waitForJobs(*m_model);
+        ModelDesk::import(*m_model, m_desk.folder / folder);
     }
     /// The same, with tracks that can be heard, for nearly four seconds each.
     Q_INVOKABLE void addSounds(const QString &album)
     {
-        const std::filesystem::path folder = m_desk.folder / "music" / album.toStdString();
+        const fs::path folder = m_desk.folder / "music" / album.toStdString();
         for (const char *name : {"Jeden.mp3", "Dwa.mp3"}) {
-            std::filesystem::create_directories(folder);
-            std::filesystem::copy_file(
-                std::filesystem::path(MARLUNE_SOURCE_DIR) / "tests/data/media/variable-rate.mp3", folder / name);
+            fs::create_directories(folder);
+            fs::copy_file(dataFile("media/variable-rate.mp3"), folder / name);
         }
-        m_model->importURLs({folder}, false, false);
-        ModelDesk::waitForJobs(*m_model);
+        ModelDesk::import(*m_model, folder);
     }
     /// Takes the files away from under the library.
-    Q_INVOKABLE void loseMusic() { std::filesystem::remove_all(m_desk.folder / "music"); }
+    Q_INVOKABLE void loseMusic() { fs::remove_all(m_desk.folder / "music"); }
     /// Connects a device that is a test folder or a disk.
     Q_INVOKABLE void connectDevice(const QString &name, bool isVolume)
     {
@@ -72,12 +69,11 @@ public:
             [this](const auto &) { ++m_answers; });
     }
     [[nodiscard]] Q_INVOKABLE int answers() const { return m_answers; }
-    [[nodiscard]] Q_INVOKABLE int questions() const { return int(m_desk.panels.requests.size()); }
 
     /// Drags a file over the middle of the item, as from a file manager. False if it is not taken.
     Q_INVOKABLE bool dragFileOver(QQuickItem *item)
     {
-        const std::filesystem::path file = m_desk.folder.write("dropped/a.flac", flacWith({"ALBUM=Dropped"}));
+        const fs::path file = m_desk.folder.write("dropped/a.flac", flacWith({"ALBUM=Dropped"}));
         m_dragged.setUrls({QUrl::fromLocalFile(QString::fromStdString(file.string()))});
         QDragEnterEvent enter(middle(item).toPoint(), Qt::CopyAction, &m_dragged, Qt::LeftButton, Qt::NoModifier);
         QCoreApplication::sendEvent(item->window(), &enter);

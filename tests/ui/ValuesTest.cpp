@@ -1,10 +1,8 @@
 // Wording, row changes and file addresses: values in, values out.
-#include "support/Messages.h"
+#include "support/Testing.h"
 #include "ui/LocalPath.h"
 #include "ui/lists/RowChanges.h"
 #include "ui/words/Wording.h"
-
-#include <gtest/gtest.h>
 
 #include <random>
 
@@ -12,13 +10,13 @@ using namespace std::chrono_literals;
 
 TEST(Wording, tellsTheTimeThatRemains)
 {
-    EXPECT_EQ(Wording::remainingText(37s), QStringLiteral("jeszcze około 40 s"));
-    EXPECT_EQ(Wording::remainingText(100s), QStringLiteral("jeszcze około 2 min"));
+    EXPECT_EQ(Wording::remainingText(37s), u"jeszcze około 40 s"_s);
+    EXPECT_EQ(Wording::remainingText(100s), u"jeszcze około 2 min"_s);
 }
 
 TEST(LocalPath, keepsTheBytesOfEveryName)
 {
-    using Path = std::optional<std::filesystem::path>;
+    using Path = std::optional<fs::path>;
     const std::pair<const char *, Path> table[]
         = {{"file:///%C5%BB%C3%B3%C5%82w%20b", "/Żółw b"}, {"file:///old/%A3%FF.mp3", "/old/\xA3\xFF.mp3"},
             {"file:///a%23b%3Fc%25d", "/a#b?c%d"}, {"https://example.org/a.flac", {}}, {"file:///a%00b", {}}, {"", {}}};
@@ -29,7 +27,7 @@ TEST(LocalPath, keepsTheBytesOfEveryName)
 
 TEST(RowChanges, everyPlanLeadsToTheWantedRows)
 {
-    EXPECT_FALSE(RowChanges::plan({QStringLiteral("a"), QStringLiteral("a")}, {}, 100)) << "no identities";
+    EXPECT_FALSE(RowChanges::plan({u"a"_s, u"a"_s}, {}, 100)) << "no identities";
     std::mt19937 random(7); // the same lists in each run
     for (int round = 0; round < 500; ++round) {
         std::vector<QString> rows;

@@ -15,7 +15,7 @@ QStringList shownIn(const std::vector<AccessibleNode> &nodes)
     for (const AccessibleNode &node : nodes) {
         if (node.is(AccessibleNode::Showing)) {
             const bool chosen = node.is(AccessibleNode::Selected) || node.is(AccessibleNode::Checked);
-            result.append(node.role + QStringLiteral(": ") + node.name + (chosen ? QStringLiteral("*") : QString()));
+            result.append(node.role + u": "_s + node.name + (chosen ? u"*"_s : QString()));
         }
         result += shownIn(node.children);
     }
@@ -29,12 +29,12 @@ QStringList amissNow(const QStringList &wanted)
     QStringList result;
     for (const QString &one : wanted) {
         if (!shown.contains(one)) {
-            result.append(QStringLiteral("no ") + one);
+            result.append(u"no "_s + one);
         }
     }
     for (const QString &one : shown) {
         if (one.startsWith(u"filler") || (one.endsWith(u": ") && one != u"scroll bar: " && one != u"menu bar: ")) {
-            result.append(QStringLiteral("bare ") + one);
+            result.append(u"bare "_s + one);
         }
     }
     return result;
@@ -43,14 +43,8 @@ QStringList amissNow(const QStringList &wanted)
 /// The same, once it has had the time to be as wanted.
 QStringList amiss(const QStringList &wanted)
 {
-    QStringList result;
-    (void)QTest::qWaitFor(
-        [&] {
-            result = amissNow(wanted);
-            return result.isEmpty();
-        },
-        10'000);
-    return result;
+    (void)QTest::qWaitFor([&] { return amissNow(wanted).isEmpty(); }, 10'000);
+    return amissNow(wanted);
 }
 
 /// Whether the latest object that got the focus is this one, by "role: name", or soon will be.
@@ -78,19 +72,14 @@ private Q_SLOTS:
     {
         NewUser user;
         user.begin(sample / "Music/Low Tide Almanac");
-        const QStringList library = {QStringLiteral("page tab list: Działy"), QStringLiteral("page tab: Muzyka*"),
-            QStringLiteral("page tab: Motywy"), QStringLiteral("heading: Twoja muzyka"),
-            QStringLiteral("label: Albumy: 1 · Utwory: 8"), QStringLiteral("panel: Źródło"),
-            QStringLiteral("radio button: Na Macu*"), QStringLiteral("radio button: FLAC"),
-            QStringLiteral("check box: Hi-Res"), QStringLiteral("combo box: Sortuj"), QStringLiteral("list: Albumy"),
-            QStringLiteral("list item: Soundings, Low Tide Almanac*"), QStringLiteral("label: 8 utworów · 1,6 MB"),
-            QStringLiteral("heading: Twój iPod"), QStringLiteral("label: Połączony"), QStringLiteral("label: IPOD")};
+        const QStringList library
+            = u"page tab list: Działy|page tab: Muzyka*|page tab: Motywy|heading: Twoja muzyka|label: Albumy: 1 · Utwory: 8|panel: Źródło|radio button: Na Macu*|radio button: FLAC|check box: Hi-Res|combo box: Sortuj|list: Albumy|list item: Soundings, Low Tide Almanac*|label: 8 utworów · 1,6 MB|heading: Twój iPod|label: Połączony|label: IPOD"_s
+                  .split(u'|');
         QCOMPARE(amiss(library), QStringList());
         user.program.model().setSection(Section::Quality);
-        const QStringList quality = {QStringLiteral("page tab: Porządek*"),
-            QStringLiteral("heading: Porządek w kolekcji"), QStringLiteral("label: Okładki: 1"),
-            QStringLiteral("radio button: Wszystko*"), QStringLiteral("list: Problemy"),
-            QStringLiteral("list item: Soundings. Duża okładka — przygotuj wersję 500 × 500 dla iPoda.")};
+        const QStringList quality
+            = u"page tab: Porządek*|heading: Porządek w kolekcji|label: Okładki: 1|radio button: Wszystko*|list: Problemy|list item: Soundings. Duża okładka — przygotuj wersję 500 × 500 dla iPoda."_s
+                  .split(u'|');
         QCOMPARE(amiss(quality), QStringList());
     }
 
@@ -99,12 +88,11 @@ private Q_SLOTS:
         NewUser user;
         user.begin(sample / "Music/Low Tide Almanac");
         user.clickNamed("sortPicker");
-        QCOMPARE(amiss({QStringLiteral("list: Sortuj"), QStringLiteral("list item: Rozmiar")}), QStringList());
+        QCOMPARE(amiss({u"list: Sortuj"_s, u"list item: Rozmiar"_s}), QStringList());
         QTest::keyClick(user.program.window(), Qt::Key_Escape);
         user.clickNamed("transferButton");
         QTRY_VERIFY_WITH_TIMEOUT(user.item("alertOk"), 30'000);
-        QCOMPARE(amiss({QStringLiteral("dialog: Marlune"),
-                     QStringLiteral("alert message: Marlune. ") + *user.program.model().alert()}),
+        QCOMPARE(amiss({u"dialog: Marlune"_s, u"alert message: Marlune. "_s + *user.program.model().alert()}),
             QStringList());
         QVERIFY(reported("push button: OK"));
         user.clickNamed("alertOk");

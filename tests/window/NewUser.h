@@ -1,7 +1,6 @@
 // The window of a new user with a copy of the sample iPod, moved by mouse and keyboard only.
 #pragma once
 
-#include "support/CannedServer.h"
 #include "support/ModelDesk.h"
 
 #include "ui/MarluneApp.h"
@@ -9,7 +8,7 @@
 #include <QQuickItem>
 #include <QQuickWindow>
 
-inline const std::filesystem::path sample = MARLUNE_SAMPLE;
+inline const fs::path sample = MARLUNE_SAMPLE;
 
 /// The visible item of this name, wherever it hangs, popups included; null if there is none.
 inline QQuickItem *findItem(QQuickItem *root, const QString &name)
@@ -27,15 +26,14 @@ inline QQuickItem *findItem(QQuickItem *root, const QString &name)
 struct NewUser {
     TemporaryFolder folder;
     KeptPanels panels;
-    CoverSearch covers;
-    std::filesystem::path device = folder / "IPOD";
+    CoverSearch covers {CoverServices {}};
+    fs::path device = folder / "IPOD";
     MarluneApp::Program program;
 
-    explicit NewUser(const CoverServices &services = {})
-        : covers(services)
-        , program(setup())
+    NewUser()
+        : program(setup())
     {
-        std::filesystem::copy(sample / "iPod", device, std::filesystem::copy_options::recursive);
+        fs::copy(sample / "iPod", device, fs::copy_options::recursive);
         program.window()->setGeometry(0, 0, 1260, 820); // a screen without hardware can be smaller
     }
 
@@ -44,7 +42,7 @@ struct NewUser {
         return {.settingsFile = folder / "config/settings.json",
             .supportFolder = folder / "data",
             .deviceDiscovery = [] { return std::vector<Device> {}; },
-            .ejectVolume = [](const std::filesystem::path &) {},
+            .ejectVolume = [](const fs::path &) {},
             .themeSite = {},
             .covers = &covers,
             .audioOutput = "null",
@@ -94,7 +92,7 @@ struct NewUser {
     }
 
     /// Chooses the device and adds this music.
-    void begin(const std::filesystem::path &music)
+    void begin(const fs::path &music)
     {
         QVERIFY(QTest::qWaitForWindowExposed(program.window()));
         clickNamed("chooseDeviceButton");

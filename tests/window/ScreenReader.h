@@ -21,10 +21,8 @@
 
 /// One object of the tree, with what lies below it.
 struct AccessibleNode {
-    QString path;
     QString role; ///< AT-SPI's name of it: "push button"
     QString name;
-    QString description;
     quint64 states = 0;
     std::vector<AccessibleNode> children;
 
@@ -45,25 +43,24 @@ public:
         qputenv("QT_QPA_PLATFORM", "xcb"); // Qt's offscreen platform has no bridge to the bus
         qputenv("QT_QUICK_BACKEND", "software");
         dieWithThisProcess(m_screen);
-        m_screen.start(QStringLiteral("Xvfb"),
-            {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"), QStringLiteral("0"),
-                QStringLiteral("1600x1000x24"), QStringLiteral("-nolisten"), QStringLiteral("tcp")});
+        m_screen.start(
+            u"Xvfb"_s, {u"-displayfd"_s, u"1"_s, u"-screen"_s, u"0"_s, u"1600x1000x24"_s, u"-nolisten"_s, u"tcp"_s});
         if (!m_screen.waitForReadyRead(30'000)) {
             throw std::runtime_error("no Xvfb: " + m_screen.readAllStandardError().toStdString());
         }
         qputenv("DISPLAY", ':' + m_screen.readAllStandardOutput().trimmed());
         dieWithThisProcess(m_launcher, SIGTERM); // it then ends the bus that it has started
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), QString::fromStdString((m_folder / "").string()));
+        environment.insert(u"XDG_RUNTIME_DIR"_s, QString::fromStdString((m_folder / "").string()));
         m_launcher.setProcessEnvironment(environment); // the user's own bus has its place there
-        m_launcher.start(QStringLiteral("/usr/libexec/at-spi-bus-launcher"), {QStringLiteral("--launch-immediately")});
+        m_launcher.start(u"/usr/libexec/at-spi-bus-launcher"_s, {u"--launch-immediately"_s});
         if (!m_launcher.waitForStarted()) {
             throw std::runtime_error("no at-spi-bus-launcher");
         }
     }
     ~ScreenReader() override
     {
-        QDBusConnection::disconnectFromBus(QStringLiteral("reader"));
+        QDBusConnection::disconnectFromBus(u"reader"_s);
         for (QProcess *process : {&m_launcher, &m_screen}) {
             process->terminate();
             process->waitForFinished();
@@ -75,14 +72,13 @@ public:
     /// Asks the registry to be told of the keyboard's way. False while there is no registry yet.
     [[nodiscard]] bool connect()
     {
-        const QDBusReply<QString> address
-            = QDBusConnection::sessionBus().call(QDBusMessage::createMethodCall(QStringLiteral("org.a11y.Bus"),
-                QStringLiteral("/org/a11y/bus"), QStringLiteral("org.a11y.Bus"), QStringLiteral("GetAddress")));
-        m_connection = QDBusConnection::connectToBus(address, QStringLiteral("reader"));
-        m_connection.connect({}, {}, QStringLiteral("org.a11y.atspi.Event.Object"), QStringLiteral("StateChanged"),
-            this, SLOT(stateChanged(QDBusMessage)));
-        return ask(registry, QStringLiteral("/org/a11y/atspi/registry"), registry, QStringLiteral("RegisterEvent"),
-                   {QStringLiteral("object:state-changed:focused")})
+        const QDBusReply<QString> address = QDBusConnection::sessionBus().call(
+            QDBusMessage::createMethodCall(u"org.a11y.Bus"_s, u"/org/a11y/bus"_s, u"org.a11y.Bus"_s, u"GetAddress"_s));
+        m_connection = QDBusConnection::connectToBus(address, u"reader"_s);
+        m_connection.connect(
+            {}, {}, u"org.a11y.atspi.Event.Object"_s, u"StateChanged"_s, this, SLOT(stateChanged(QDBusMessage)));
+        return ask(registry, u"/org/a11y/atspi/registry"_s, registry, u"RegisterEvent"_s,
+                   {u"object:state-changed:focused"_s})
                    .type()
             == QDBusMessage::ReplyMessage;
     }
@@ -105,7 +101,7 @@ public:
         QStringList result;
         for (const Place &place : std::exchange(m_focused, {})) {
             const AccessibleNode node = read(place, false);
-            result.append(node.role + QStringLiteral(": ") + node.name);
+            result.append(node.role + u": "_s + node.name);
         }
         return result;
     }
@@ -113,9 +109,9 @@ public:
 private:
     using Place = std::pair<QString, QString>; ///< name on the bus, path
 
-    static inline const QString registry = QStringLiteral("org.a11y.atspi.Registry");
-    static inline const QString root = QStringLiteral("/org/a11y/atspi/accessible/root");
-    static inline const QString accessible = QStringLiteral("org.a11y.atspi.Accessible");
+    static inline const QString registry = u"org.a11y.atspi.Registry"_s;
+    static inline const QString root = u"/org/a11y/atspi/accessible/root"_s;
+    static inline const QString accessible = u"org.a11y.atspi.Accessible"_s;
 
     /// The program that answers lives in this thread: its events go on meanwhile.
     [[nodiscard]] QDBusMessage ask(const QString &service, const QString &path, const QString &interface,
@@ -133,15 +129,15 @@ private:
     }
     [[nodiscard]] QString property(const Place &of, const QString &name) const
     {
-        const QDBusMessage reply = ask(of.first, of.second, QStringLiteral("org.freedesktop.DBus.Properties"),
-            QStringLiteral("Get"), {accessible, name});
+        const QDBusMessage reply
+            = ask(of.first, of.second, u"org.freedesktop.DBus.Properties"_s, u"Get"_s, {accessible, name});
         return reply.arguments().isEmpty() ? QString()
                                            : reply.arguments().front().value<QDBusVariant>().variant().toString();
     }
     [[nodiscard]] std::vector<Place> children(const Place &of) const
     {
         std::vector<Place> result;
-        const auto list = askAccessible(of, QStringLiteral("GetChildren")).value<QDBusArgument>();
+        const auto list = askAccessible(of, u"GetChildren"_s).value<QDBusArgument>();
         if (list.currentType() == QDBusArgument::ArrayType) {
             for (list.beginArray(); !list.atEnd();) {
                 QString service;
@@ -156,14 +152,12 @@ private:
     }
     [[nodiscard]] AccessibleNode read(const Place &place, bool whole = true) const
     {
-        AccessibleNode node {.path = place.second,
-            .role = askAccessible(place, QStringLiteral("GetRoleName")).toString(),
-            .name = property(place, QStringLiteral("Name")),
-            .description = property(place, QStringLiteral("Description")),
+        AccessibleNode node {.role = askAccessible(place, u"GetRoleName"_s).toString(),
+            .name = property(place, u"Name"_s),
             .states = 0,
             .children = {}};
         QList<uint> halves;
-        const QVariant states = askAccessible(place, QStringLiteral("GetState"));
+        const QVariant states = askAccessible(place, u"GetState"_s);
         if (states.isValid()) { // it may have gone meanwhile
             states.value<QDBusArgument>() >> halves;
         }
@@ -178,7 +172,7 @@ private:
 
     Q_SLOT void stateChanged(const QDBusMessage &event)
     {
-        if (event.arguments().value(0) == QStringLiteral("focused") && event.arguments().value(1) == 1) {
+        if (event.arguments().value(0) == u"focused"_s && event.arguments().value(1) == 1) {
             m_focused.append({event.service(), event.path()});
         }
     }

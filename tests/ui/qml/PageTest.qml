@@ -15,6 +15,7 @@ TestCase {
     }
 
     property Bench bench
+    readonly property var textSizes: [[1, 800], [1, 558], [1.5, 800], [1.5, 516]] // scale, width of a page
     property var made: []
 
     function init() {

@@ -53,6 +53,10 @@ PageTest {
         tryCompare(root.bench.quality, "counts", ["1", "2", "0", "0"]);
         root.bench.quality.filter = "Duplikaty";
         compare(empty.title, "Brak problemów w tej kategorii");
+        for (const [button, said] of [["repairCoversButton", "Brak dostępnych obrazów"], ["findCoversButton", "Dodano okładki: 0."]]) {
+            mouseClick(part(button));
+            tryVerify(() => root.bench.model.alert.startsWith(said), 5000, button);
+        }
         verify(!part("cleanupButton").enabled && !part("qualityReadDevice").enabled);
         root.bench.connectDevice("IPOD", false);
         tryVerify(() => part("cleanupButton").enabled && part("qualityReadDevice").enabled);
@@ -105,17 +109,15 @@ PageTest {
         tryVerify(() => list.contentY > top);
     }
 
-    function test_largeTextIsNotCut_data() {
-        return [{ tag: "usual", scale: 1, wide: 800 }, { tag: "usual, narrow", scale: 1, wide: 558 },
-            { tag: "150 %", scale: 1.5, wide: 800 }, { tag: "150 %, narrow", scale: 1.5, wide: 516 }];
-    }
-    function test_largeTextIsNotCut(data) {
+    function test_largeTextIsNotCut() {
         root.bench.addAlbum("Wykonawca", "Album");
-        DesktopScheme.textScale = data.scale;
-        open();
-        root.page.width = data.wide;
-        tryCompare(part("issueList"), "count", 3);
-        waitForRendering(root.page);
-        compare(root.bench.clippedTexts(root.page), []);
+        for (const [scale, wide] of root.textSizes) {
+            DesktopScheme.textScale = scale;
+            open();
+            root.page.width = wide;
+            tryCompare(part("issueList"), "count", 3);
+            waitForRendering(root.page);
+            compare(root.bench.clippedTexts(root.page), [], String([scale, wide]));
+        }
     }
 }

@@ -133,17 +133,17 @@ PageTest {
         }
     }
 
-    function test_largeTextIsNotCut_data() {
-        return [{ tag: "usual", scale: 1 }, { tag: "150 %", scale: 1.5 }];
-    }
-    function test_largeTextIsNotCut(data) {
+    function test_largeTextIsNotCut() {
         root.bench.connectDevice("IPOD", false);
-        DesktopScheme.textScale = data.scale;
         const both = { model: root.bench.model, shell: root.bench.shell };
         const parts = [make(sidebarComponent, { sections: root.bench.shell.sections }),
             make(barComponent, Object.assign({ width: 516 }, both)), make(inspectorComponent, both)];
-        for (const part of parts) {
-            compare(root.bench.clippedTexts(part), []);
+        for (const scale of [1, 1.5]) {
+            DesktopScheme.textScale = scale;
+            for (const part of parts) {
+                waitForRendering(part);
+                compare(root.bench.clippedTexts(part), []);
+            }
         }
     }
 }

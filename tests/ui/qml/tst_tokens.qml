@@ -30,35 +30,25 @@ TestCase {
         return (high + 0.05) / (low + 0.05);
     }
 
-    function test_contrast_data() {
+    function test_contrast() {
         const shape = 3;
-        const pairs = [];
         for (const [look, roles] of [["light", light], ["dark", dark]]) {
-            const add = (ink, ground, cover, least = 4.5, opacity = 1) => {
-                const b = cover ? laid(roles[cover], roles[ground], 1) : roles[ground];
-                const tag = [look, ink, "on", cover, ground].join(" ");
-                pairs.push({ tag: tag, a: laid(roles[ink], b, opacity), b: b, least: least });
+            const hold = (ink, ground, cover, least = 4.5, opacity = 1) => {
+                const below = cover ? laid(roles[cover], roles[ground], 1) : roles[ground];
+                const found = contrast(laid(roles[ink], below, opacity), below);
+                verify(found >= least, [look, ink, "on", cover, ground, found.toFixed(2)].join(" "));
             };
             for (const ground of ["window", "content", "sidebar", "card", "raised"]) {
-                add("text", ground);
-                add("textMuted", ground);
-                ["hover", "pressed", "field"].forEach(cover => add("text", ground, cover));
+                hold("text", ground);
+                hold("textMuted", ground);
+                ["hover", "pressed", "field"].forEach(cover => hold("text", ground, cover));
             }
-            add("textMuted", "content", "field");
-            ["content", "window", "card"].forEach(ground => add("accent", ground));
-            ["", "hover", "pressed"].forEach(cover => add("textOnAccent", "accent", cover));
-            ["content", "window"].forEach(ground => add("warning", ground));
-            add("good", "window", "", shape);
-            add("accent", "content", "", shape, 0.7); // the empty state's symbol
+            hold("textMuted", "content", "field");
+            ["content", "window", "card"].forEach(ground => hold("accent", ground));
+            ["", "hover", "pressed"].forEach(cover => hold("textOnAccent", "accent", cover));
+            ["content", "window"].forEach(ground => hold("warning", ground));
+            hold("good", "window", "", shape);
+            hold("accent", "content", "", shape, 0.7); // the empty state's symbol
         }
-        return pairs;
-    }
-    function test_contrast(data) {
-        const found = contrast(data.a, data.b);
-        verify(found >= data.least, found.toFixed(2) + " is less than " + data.least);
-    }
-
-    function test_contrastOfBlackOnWhiteIs21() {
-        fuzzyCompare(contrast(Qt.color("black"), Qt.color("white")), 21, 0.01);
     }
 }
