@@ -9,6 +9,7 @@
 
 #include "platform/MarluneError.h"
 #include "platform/files/Files.h"
+#include "platform/files/FolderItems.h"
 
 #include <sys/stat.h>
 
@@ -81,12 +82,10 @@ bool isVisibleAudio(const std::filesystem::path &item)
 Paths itemsOnDisk(const std::filesystem::path &folder)
 {
     Paths items;
-    std::error_code failure;
-    std::filesystem::directory_iterator item(folder, failure);
-    for (; !failure && item != std::filesystem::directory_iterator(); item.increment(failure)) {
-        items.push_back(item->path());
+    for (const Files::FolderItem &item : Files::readableItemsOf(folder)) {
+        items.push_back(folder / item.name);
     }
-    return failure ? Paths() : items;
+    return items;
 }
 
 std::optional<QByteArray> contentOnDisk(const std::filesystem::path &file)

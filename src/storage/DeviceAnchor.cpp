@@ -11,12 +11,6 @@ namespace {
 
 constexpr int folderFlags = O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
 
-/// With a separator at its end the name of a link would mean its target.
-std::filesystem::path withoutSeparator(const std::filesystem::path &path)
-{
-    return path.has_filename() ? path : path.parent_path();
-}
-
 /// Says what is in the way of the folder `path`, which could not be opened by its name in the open folder `from`.
 [[noreturn]] void refuse(int error, int from, const std::filesystem::path &path)
 {
@@ -56,7 +50,7 @@ Files::Descriptor step(int from, const std::filesystem::path &path, Storage::Dev
 namespace Storage {
 
 DeviceAnchor::DeviceAnchor(const std::filesystem::path &root)
-    : m_root(withoutSeparator(root))
+    : m_root(Files::withoutSeparator(root))
     , m_disk(::open(m_root.c_str(), O_PATH | folderFlags))
 {
     const int error = errno;

@@ -7,6 +7,7 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace {
@@ -75,7 +76,12 @@ std::filesystem::path DiskSpelling::pieceOf(
         return piece;
     }
     m_folders.erase(folder);
-    return known(folder, piece).value_or(piece);
+    if (const std::optional<std::string> name = known(folder, piece)) {
+        return *name;
+    }
+    // There and not listed, so it is one of these; a driver can remember it by this spelling as it was a second ago.
+    const auto [begin, end] = namesIn(folder).equal_range(volumeKey(piece, m_rules));
+    return std::distance(begin, end) == 1 ? std::filesystem::path(begin->second) : piece;
 }
 
 /// The disk decides what is the same name to it; its table of letters is not ours.

@@ -15,7 +15,6 @@
 #include "platform/MarluneError.h"
 #include "platform/files/FileWriting.h"
 #include "platform/files/Files.h"
-#include "platform/files/RegularFile.h"
 
 #include <algorithm>
 #include <map>
@@ -143,17 +142,6 @@ private:
     std::map<std::filesystem::path, std::filesystem::path> m_copies; ///< by what they are called on the device
 };
 
-QByteArray contentOf(const std::filesystem::path &file)
-{
-    const RegularFile source = RegularFile::openOrThrow(file);
-    QByteArray bytes(source.size(), Qt::Uninitialized);
-    const std::size_t count = source.readAt(0, {bytes.data(), std::size_t(bytes.size())});
-    if (std::int64_t(count) < source.size()) {
-        Files::throwFailure(source.failure() ? source.failure().value() : EIO, file);
-    }
-    return bytes;
-}
-
 /// A folder can have a theme's name, too.
 int countThemes(const std::filesystem::path &unpacked)
 {
@@ -166,8 +154,8 @@ void writeFiles(const std::vector<PackageFile> &files, const std::filesystem::pa
     const SavedSettings &saved, Storage::FileChanges &changes)
 {
     for (const PackageFile &file : files) {
-        changes.write(
-            contentOf(file.source), settings / saved.spelling(file.target), Storage::DeviceAnchor::Missing::Make);
+        changes.write(Files::readWhole(file.source), settings / saved.spelling(file.target),
+            Storage::DeviceAnchor::Missing::Make);
     }
 }
 

@@ -36,10 +36,8 @@ bool isDirectory(const std::filesystem::path &path)
 
 Kind kindOf(const std::filesystem::path &path, int from)
 {
-    // The name of a link that ends in a separator would mean the link's target.
-    const std::filesystem::path item = path.has_filename() ? path : path.parent_path();
     struct stat status {};
-    if (::fstatat(from, item.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
+    if (::fstatat(from, withoutSeparator(path).c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
         if (errno != ENOENT && errno != ENOTDIR) {
             throwFailure(errno, path);
         }
@@ -141,18 +139,31 @@ std::size_t readFully(int descriptor, std::span<char> buffer)
     return filled;
 }
 
+QByteArray readWhole(const std::filesystem::path &path, std::int64_t limit)
+{
+    const Descriptor file = openForReading(path);
+    struct stat status {};
+    if (::fstat(file.get(), &status) != 0) {
+        throwFailure(errno, path);
+    }
+    if (status.st_size >= limit) {
+        throwFailure(EFBIG, path);
+    }
+    QByteArray bytes(status.st_size, Qt::Uninitialized);
+    try {
+        if (readFully(file.get(), {bytes.data(), std::size_t(bytes.size())}) < std::size_t(bytes.size())) {
+            throwFailure(EIO);
+        }
+    } catch (const std::system_error &failure) {
+        throwFailure(failure.code().value(), path);
+    }
+    return bytes;
+}
+
 std::optional<QByteArray> readBelow(const std::filesystem::path &path, std::int64_t limit)
 {
     try {
-        const Descriptor file = openForReading(path);
-        struct stat status {};
-        if (::fstat(file.get(), &status) != 0 || status.st_size >= limit) {
-            return std::nullopt;
-        }
-        QByteArray bytes(status.st_size, Qt::Uninitialized);
-        const std::size_t count = readFully(file.get(), {bytes.data(), std::size_t(bytes.size())});
-        bytes.truncate(qsizetype(count));
-        return bytes;
+        return readWhole(path, limit);
     } catch (const std::system_error &) {
         return std::nullopt;
     }

@@ -12,6 +12,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <limits>
 #include <optional>
 #include <span>
 
@@ -69,7 +70,10 @@ enum class Links : std::uint8_t { Follow, Refuse };
     const std::filesystem::path &path, Links links = Links::Follow, int from = AT_FDCWD);
 /// Reads until `buffer` is full or the file ends; returns the bytes read.
 [[nodiscard]] std::size_t readFully(int descriptor, std::span<char> buffer);
-/// The whole file if it is a regular one and smaller than `limit` bytes, otherwise absent. Never throws.
+/// All of a regular file smaller than `limit` bytes; otherwise, or if it ends early, throws.
+[[nodiscard]] QByteArray readWhole(
+    const std::filesystem::path &path, std::int64_t limit = std::numeric_limits<std::int64_t>::max());
+/// The same, absent where it throws.
 [[nodiscard]] std::optional<QByteArray> readBelow(const std::filesystem::path &path, std::int64_t limit);
 
 } // namespace Files

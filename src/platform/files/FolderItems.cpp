@@ -52,9 +52,8 @@ namespace Files {
 
 Folder openFolder(const std::filesystem::path &path, int from)
 {
-    // With a separator at its end the name of a link would mean its target.
-    const std::filesystem::path item = path.has_filename() ? path : path.parent_path();
-    const int descriptor = ::openat(from, item.c_str(), O_RDONLY | O_NOFOLLOW | O_DIRECTORY | O_CLOEXEC);
+    const int descriptor
+        = ::openat(from, withoutSeparator(path).c_str(), O_RDONLY | O_NOFOLLOW | O_DIRECTORY | O_CLOEXEC);
     if (descriptor < 0) {
         throwFailure(errno, path);
     }

@@ -94,7 +94,7 @@ std::filesystem::path fromText(const QString &text)
 
 QString name(const std::filesystem::path &path)
 {
-    const std::filesystem::path item = path.has_filename() ? path : path.parent_path();
+    const std::filesystem::path item = withoutSeparator(path);
     return item.has_filename() ? text(item.filename()) : text(item);
 }
 
@@ -106,6 +106,11 @@ QString baseName(const std::filesystem::path &path)
 QString extension(const std::filesystem::path &path)
 {
     return text(path.extension()).mid(1);
+}
+
+std::filesystem::path withoutSeparator(const std::filesystem::path &path)
+{
+    return path.has_filename() ? path : path.parent_path();
 }
 
 std::filesystem::path standardized(const std::filesystem::path &path)

@@ -21,6 +21,8 @@ namespace Files {
 /// The extension without its dot, as text; empty if there is none.
 [[nodiscard]] QString extension(const std::filesystem::path &path);
 
+/// Without one at its end: the name of a link would otherwise mean its target.
+[[nodiscard]] std::filesystem::path withoutSeparator(const std::filesystem::path &path);
 /// Absolute, without "." and ".." pieces, doubled or trailing separators; links are not resolved.
 [[nodiscard]] std::filesystem::path standardized(const std::filesystem::path &path);
 
