@@ -74,6 +74,10 @@ public:
     {
         const QDBusReply<QString> address = QDBusConnection::sessionBus().call(
             QDBusMessage::createMethodCall(u"org.a11y.Bus"_s, u"/org/a11y/bus"_s, u"org.a11y.Bus"_s, u"GetAddress"_s));
+        if (!address.isValid() || address.value().isEmpty()) {
+            return false;
+        }
+        QDBusConnection::disconnectFromBus(u"reader"_s); // one that failed would be given again
         m_connection = QDBusConnection::connectToBus(address, u"reader"_s);
         m_connection.connect(
             {}, {}, u"org.a11y.atspi.Event.Object"_s, u"StateChanged"_s, this, SLOT(stateChanged(QDBusMessage)));
