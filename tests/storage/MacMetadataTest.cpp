@@ -2,6 +2,7 @@
 
 #include "platform/files/Files.h"
 
+#include "support/FailingDisk.h"
 #include "support/Testing.h"
 
 #include <QJsonDocument>
