@@ -241,6 +241,7 @@ void check(const World &world, const Job &job, const Contents &before, const Edi
     } else if (job.allOrNothing && failure.find("\n\nKopia: ") == std::string::npos) {
         EXPECT_EQ(device, expected);
     }
+    expected.merge(contentsBelow(world.folder / "Computer"));
     expected.insert(job.made);
     EXPECT_TRUE(job.allOrNothing || holds(expected, device)) << "half a file";
     EXPECT_TRUE(fs::is_empty(world.folder / "tmp"));
