@@ -72,3 +72,19 @@ TEST(AudioInfo, labelsItsParameters)
         EXPECT_EQ(durationLabel(seconds).toStdString(), label) << seconds;
     }
 }
+
+TEST(AudioInfo, survivesItsJsonForm)
+{
+    AudioInfo info;
+    info.trackNumber = INT64_MAX;
+    info.duration = 1.25;
+    info.tags = {{u"TITLE"_s, u"Ż"_s}};
+    info.picture = QByteArray("\xFF\x00\xD8", 3);
+    const QJsonObject whole = toJson(info);
+    EXPECT_EQ(audioInfoFromJson(whole), info);
+    for (const QString &key : whole.keys()) {
+        QJsonObject part = whole;
+        part[key] = true;
+        EXPECT_FALSE(audioInfoFromJson(part)) << key;
+    }
+}
