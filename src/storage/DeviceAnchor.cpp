@@ -74,7 +74,7 @@ Device DeviceAnchor::require() const
 bool DeviceAnchor::isReplaced() const
 {
     struct stat present {};
-    return ::lstat(Files::withoutSeparator(m_root).c_str(), &present) == 0
+    return ::lstat(m_root.c_str(), &present) == 0
         && (present.st_dev != m_identity.st_dev || present.st_ino != m_identity.st_ino);
 }
 
