@@ -59,27 +59,13 @@ T.ApplicationWindow {
             ColumnLayout {
                 spacing: 0
 
-                LibraryPage {
+                Pages {
                     Layout.fillWidth: true
                     Layout.fillHeight: true
-                    visible: root.shell.musicShown
                     model: root.model
+                    shell: root.shell
                     library: root.library
-                }
-                QualityPage {
-                    Layout.fillWidth: true
-                    Layout.fillHeight: true
-                    visible: root.shell.qualityShown
-                    model: root.model
                     quality: root.quality
-                }
-                EmptyState {
-                    Layout.fillWidth: true
-                    Layout.fillHeight: true
-                    visible: !root.shell.musicShown && !root.shell.qualityShown
-                    symbol: root.shell.sectionSymbol
-                    title: L10n.text(root.model.section)
-                    detail: L10n.text(root.shell.sectionPurpose)
                 }
                 Divider {
                     Layout.fillWidth: true
