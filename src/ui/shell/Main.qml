@@ -10,6 +10,8 @@ T.ApplicationWindow {
     required property MarluneModel model
     required property ShellPresenter shell
     required property LibraryPresenter library
+    required property PlaylistsPresenter playlists
+    required property BackupsPresenter backups
     required property QualityPresenter quality
     required property PlaybackPresenter playback
     required property DesktopPanels panels
@@ -65,6 +67,8 @@ T.ApplicationWindow {
                     model: root.model
                     shell: root.shell
                     library: root.library
+                    playlists: root.playlists
+                    backups: root.backups
                     quality: root.quality
                 }
                 Divider {

@@ -10,35 +10,69 @@ Item {
     required property MarluneModel model
     required property ShellPresenter shell
     required property LibraryPresenter library
+    required property PlaylistsPresenter playlists
+    required property BackupsPresenter backups
     required property QualityPresenter quality
 
-    component Page: Loader {
+    /// No Loader: in Qt 6.4 that makes nothing of a component that is bound to its surroundings.
+    component Place: Item {
         required property bool shown
+        default property Component page
+        property Item made: null
+
+        function makeOnce() {
+            if (shown && !made) {
+                made = page.createObject(this) as Item;
+            }
+        }
 
         anchors.fill: parent
-        active: false
         visible: shown
-        onShownChanged: if (shown) active = true
-        Component.onCompleted: if (shown) active = true
+        onShownChanged: makeOnce()
+        Component.onCompleted: makeOnce()
     }
 
-    Page {
+    Place {
         shown: root.shell.musicShown
-        sourceComponent: LibraryPage {
+
+        LibraryPage {
+            anchors.fill: parent
             model: root.model
             library: root.library
         }
     }
-    Page {
+    Place {
+        shown: root.shell.playlistsShown
+
+        PlaylistsPage {
+            anchors.fill: parent
+            model: root.model
+            playlists: root.playlists
+        }
+    }
+    Place {
+        shown: root.shell.backupsShown
+
+        BackupsPage {
+            anchors.fill: parent
+            model: root.model
+            backups: root.backups
+        }
+    }
+    Place {
         shown: root.shell.qualityShown
-        sourceComponent: QualityPage {
+
+        QualityPage {
+            anchors.fill: parent
             model: root.model
             quality: root.quality
         }
     }
-    Page {
+    Place {
         shown: root.shell.unfinishedShown
-        sourceComponent: EmptyState {
+
+        EmptyState {
+            anchors.fill: parent
             symbol: root.shell.sectionSymbol
             title: L10n.text(root.model.section)
             detail: L10n.text(root.shell.sectionPurpose)
