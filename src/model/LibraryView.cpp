@@ -78,8 +78,10 @@ void MarluneModel::setTileSize(double size)
 
 void MarluneModel::setOpenAlbum(const std::optional<Album> &album)
 {
-    m_openAlbum = album;
-    Q_EMIT openAlbumChanged();
+    if (m_openAlbum != album) {
+        m_openAlbum = album;
+        Q_EMIT openAlbumChanged();
+    }
 }
 
 void MarluneModel::toggle(const Album &album)

@@ -95,6 +95,9 @@ public:
     Q_INVOKABLE void fetchThemePreviews();
     /// The theme that the device has active.
     [[nodiscard]] std::optional<Theme> configuredTheme() const;
+    /// The theme that is being looked at; none once the device, or the theme on it, has gone.
+    [[nodiscard]] const std::optional<Theme> &openTheme() const { return m_openTheme; }
+    void setOpenTheme(const std::optional<Theme> &theme);
     /// Asks for a picture and keeps a copy of it as the theme's preview. What is no picture is ignored.
     void chooseThemePreview(const Theme &theme);
     /// Asks for a theme's package and installs it on the selected device, with a backup before that. A call while a
@@ -130,6 +133,10 @@ public:
     [[nodiscard]] std::shared_ptr<const Album> albumWith(const QUuid &trackId) const
     {
         return m_browsing.albumWith(trackId);
+    }
+    [[nodiscard]] std::shared_ptr<const Album> albumOf(const QString &albumId) const
+    {
+        return m_browsing.albumOf(albumId);
     }
     [[nodiscard]] std::shared_ptr<const std::vector<Track>> filteredTracks() const
     {
@@ -193,7 +200,7 @@ public:
     [[nodiscard]] std::vector<std::filesystem::path> playlistTracks() const;
     /// Writes them to the device as a playlist. A call while one is being written is dropped.
     Q_INVOKABLE void makePlaylist();
-    /// A folder for a new backup: it does not exist yet, its parent does. Throws std::system_error.
+    /// A folder for a new backup: neither it nor its parent need exist yet.
     [[nodiscard]] std::filesystem::path newBackupURL() const;
     /// Copies the settings and themes of the selected device to the computer.
     Q_INVOKABLE void backup();
@@ -248,6 +255,7 @@ Q_SIGNALS:
     void playlistNameChanged();
     void openAlbumChanged();
     void coverLookupChanged();
+    void openThemeChanged();
     /// The queue or the selection on the device changed.
     void selectionChanged();
     void duplicateIssuesChanged();
@@ -299,6 +307,7 @@ private:
     void setArtwork(const QSet<QUuid> &ids, const QByteArray &image, bool onDevice);
     void storeLibraryPaths();
     void readBackups();
+    QCoro::Task<> runBackupsReading();
     void disconnect();
 
     QCoro::Task<> runRefresh();
@@ -359,8 +368,11 @@ private:
     std::optional<Device> m_device;
     Browsing m_browsing;
     std::vector<std::filesystem::path> m_backups;
+    bool m_readingBackups = false;
+    bool m_backupsOutdated = false; ///< they may have changed since the last reading began
     std::vector<std::filesystem::path> m_transferred;
     DeviceContent m_content;
+    std::optional<Theme> m_openTheme;
     QString m_themePreviewStatus;
     std::deque<std::pair<Theme, std::filesystem::path>> m_previewChoices; ///< the first is being stored
     std::unique_ptr<QObject> m_previewRequest; ///< owns the exchange with the catalogue; its end ends that

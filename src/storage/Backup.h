@@ -7,6 +7,8 @@
 #include "storage/DeviceAnchor.h"
 
 #include <filesystem>
+#include <optional>
+#include <stop_token>
 
 namespace Storage {
 
@@ -14,5 +16,9 @@ namespace Storage {
 /// `.rockbox` of the device, those of them that are there, and a README.txt. The parent of `destination` must exist.
 /// Throws MarluneError or std::system_error; then nothing exists at `destination` that was not there before.
 void backup(const DeviceAnchor &device, const std::filesystem::path &destination);
+
+/// Bytes of all files in a backup's folder; links are neither followed nor counted. Absent where any of it cannot be
+/// read, there is more than any backup holds, or `stop` is requested meanwhile. Never throws.
+[[nodiscard]] std::optional<std::int64_t> backupSize(const std::filesystem::path &backup, const std::stop_token &stop);
 
 } // namespace Storage

@@ -1,5 +1,6 @@
 #include "ui/MarluneApp.h"
 
+#include "ui/backups/BackupsPresenter.h"
 #include "ui/controls/FocusGuide.h"
 #include "ui/library/LibraryPresenter.h"
 #include "ui/pictures/CoverProvider.h"
@@ -7,6 +8,7 @@
 #include "ui/pictures/Symbols.h"
 #include "ui/playback/MediaControls.h"
 #include "ui/playback/PlaybackPresenter.h"
+#include "ui/playlists/PlaylistsPresenter.h"
 #include "ui/quality/QualityPresenter.h"
 #include "ui/shell/DesktopPanels.h"
 #include "ui/shell/ShellPresenter.h"
@@ -109,6 +111,8 @@ struct Program::Parts {
     std::shared_ptr<CoverStore> covers = std::make_shared<CoverStore>();
     ShellPresenter shell;
     LibraryPresenter library;
+    PlaylistsPresenter playlists;
+    BackupsPresenter backups;
     QualityPresenter quality;
     PlaybackPresenter playback;
     MediaControls mediaControls;
@@ -128,6 +132,8 @@ Program::Parts::Parts(const Setup &setup)
           .audioOutput = setup.audioOutput})
     , shell(model)
     , library(model, covers)
+    , playlists(model)
+    , backups(model)
     , quality(model)
     , playback(model.playback())
     , mediaControls(model.playback())
@@ -139,6 +145,8 @@ Program::Parts::Parts(const Setup &setup)
     engine.setInitialProperties(
         {{QStringLiteral("model"), QVariant::fromValue(&model)}, {QStringLiteral("shell"), QVariant::fromValue(&shell)},
             {QStringLiteral("library"), QVariant::fromValue(&library)},
+            {QStringLiteral("playlists"), QVariant::fromValue(&playlists)},
+            {QStringLiteral("backups"), QVariant::fromValue(&backups)},
             {QStringLiteral("quality"), QVariant::fromValue(&quality)},
             {QStringLiteral("playback"), QVariant::fromValue(&playback)},
             {QStringLiteral("panels"), QVariant::fromValue(&desktopPanels)}});

@@ -10,6 +10,8 @@ T.ApplicationWindow {
     required property MarluneModel model
     required property ShellPresenter shell
     required property LibraryPresenter library
+    required property PlaylistsPresenter playlists
+    required property BackupsPresenter backups
     required property QualityPresenter quality
     required property PlaybackPresenter playback
     required property DesktopPanels panels
@@ -59,27 +61,15 @@ T.ApplicationWindow {
             ColumnLayout {
                 spacing: 0
 
-                LibraryPage {
+                Pages {
                     Layout.fillWidth: true
                     Layout.fillHeight: true
-                    visible: root.shell.musicShown
                     model: root.model
+                    shell: root.shell
                     library: root.library
-                }
-                QualityPage {
-                    Layout.fillWidth: true
-                    Layout.fillHeight: true
-                    visible: root.shell.qualityShown
-                    model: root.model
+                    playlists: root.playlists
+                    backups: root.backups
                     quality: root.quality
-                }
-                EmptyState {
-                    Layout.fillWidth: true
-                    Layout.fillHeight: true
-                    visible: !root.shell.musicShown && !root.shell.qualityShown
-                    symbol: root.shell.sectionSymbol
-                    title: L10n.text(root.model.section)
-                    detail: L10n.text(root.shell.sectionPurpose)
                 }
                 Divider {
                     Layout.fillWidth: true
