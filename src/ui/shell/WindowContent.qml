@@ -1,0 +1,103 @@
+// All that the window shows: menus above, sections at the left, the chosen page with the transfer bar, the device at the
+// right. Made anew for another language.
+import QtQuick
+import QtQuick.Layouts
+import Marlune
+
+ColumnLayout {
+    id: root
+
+    required property MarluneModel model
+    required property ShellPresenter shell
+    required property LibraryPresenter library
+    required property QualityPresenter quality
+    required property PlaybackPresenter playback
+
+    signal quit
+
+    /// Where the keyboard goes on after the language was chosen in the sidebar, or in a menu.
+    function takeFocus(byPicker: bool) {
+        sidebar.takeFocus(byPicker);
+    }
+
+    spacing: 0
+
+    TopBar {
+        Layout.fillWidth: true
+        model: root.model
+        shell: root.shell
+        onQuit: root.quit()
+    }
+    Divider {
+        Layout.fillWidth: true
+    }
+    RowLayout {
+        spacing: 0
+
+        Sidebar {
+            id: sidebar
+            Layout.fillHeight: true
+            Layout.preferredWidth: implicitWidth
+            sections: root.shell.sections
+        }
+        Divider {
+            Layout.fillHeight: true
+            vertical: true
+        }
+        ColumnLayout {
+            spacing: 0
+
+            LibraryPage {
+                Layout.fillWidth: true
+                Layout.fillHeight: true
+                visible: root.shell.musicShown
+                model: root.model
+                library: root.library
+            }
+            QualityPage {
+                Layout.fillWidth: true
+                Layout.fillHeight: true
+                visible: root.shell.qualityShown
+                model: root.model
+                quality: root.quality
+            }
+            EmptyState {
+                Layout.fillWidth: true
+                Layout.fillHeight: true
+                visible: !root.shell.musicShown && !root.shell.qualityShown
+                symbol: root.shell.sectionSymbol
+                title: L10n.text(root.model.section)
+                detail: L10n.text(root.shell.sectionPurpose)
+            }
+            Divider {
+                Layout.fillWidth: true
+            }
+            MiniPlayer {
+                Layout.fillWidth: true
+                playback: root.playback
+            }
+            ClosingNotice {
+                Layout.fillWidth: true
+                visible: root.shell.closing
+                onStay: root.shell.stayOpen()
+            }
+            TransferBar {
+                Layout.fillWidth: true
+                model: root.model
+                shell: root.shell
+            }
+        }
+        Divider {
+            Layout.fillHeight: true
+            visible: root.shell.inspectorShown
+            vertical: true
+        }
+        Inspector {
+            Layout.fillHeight: true
+            Layout.preferredWidth: 285
+            visible: root.shell.inspectorShown
+            model: root.model
+            shell: root.shell
+        }
+    }
+}
