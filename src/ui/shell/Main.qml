@@ -1,4 +1,6 @@
 // The window. What it shows is made anew for another language; what is asked meanwhile stays.
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Templates as T
 import Marlune
