@@ -169,10 +169,10 @@ void Program::Parts::rebuildContent()
         byPicker = byPicker || item->objectName() == QStringLiteral("languagePicker");
     }
     withoutReader([content] {
-        content->setProperty("active", false);
+        content->setProperty("source", QUrl());
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     });
-    content->setProperty("active", true);
+    QMetaObject::invokeMethod(content, "build");
     QMetaObject::invokeMethod(content->property("item").value<QQuickItem *>(), "takeFocus", Q_ARG(bool, byPicker));
 }
 

@@ -1,6 +1,4 @@
 // The window. What it shows is made anew for another language; what is asked meanwhile stays.
-pragma ComponentBehavior: Bound
-
 import QtQuick
 import QtQuick.Templates as T
 import Marlune
@@ -33,16 +31,21 @@ T.ApplicationWindow {
     }
 
     Loader {
+        id: content
+
+        function build() {
+            content.setSource("WindowContent.qml", {
+                model: root.model,
+                shell: root.shell,
+                library: root.library,
+                quality: root.quality,
+                playback: root.playback
+            });
+        }
+
         objectName: "content"
         anchors.fill: parent
-        sourceComponent: WindowContent {
-            model: root.model
-            shell: root.shell
-            library: root.library
-            quality: root.quality
-            playback: root.playback
-            onQuit: root.close()
-        }
+        Component.onCompleted: content.build()
     }
 
     AlertDialog {

@@ -13,8 +13,6 @@ ColumnLayout {
     required property QualityPresenter quality
     required property PlaybackPresenter playback
 
-    signal quit
-
     /// Where the keyboard goes on after the language was chosen in the sidebar, or in a menu.
     function takeFocus(byPicker: bool) {
         sidebar.takeFocus(byPicker);
@@ -26,7 +24,7 @@ ColumnLayout {
         Layout.fillWidth: true
         model: root.model
         shell: root.shell
-        onQuit: root.quit()
+        onQuit: root.Window.window.close()
     }
     Divider {
         Layout.fillWidth: true
