@@ -7,6 +7,11 @@ void MarluneModel::onTracksChanged()
     Q_EMIT browsingChanged();
 }
 
+void MarluneModel::reorder()
+{
+    Q_EMIT browsingChanged(); // which sorts by the new ones
+}
+
 void MarluneModel::setArtwork(const QSet<QUuid> &ids, const QByteArray &image, bool onDevice)
 {
     m_browsing.setArtwork(onDevice ? Side::Device : Side::Computer, ids, image);

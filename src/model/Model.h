@@ -158,6 +158,9 @@ public:
     [[nodiscard]] const std::optional<Album> &openAlbum() const { return m_openAlbum; }
     void setOpenAlbum(const std::optional<Album> &album);
 
+    /// The rules of text order have changed.
+    void reorder();
+
     // Queue and selection.
     [[nodiscard]] const QSet<QUuid> &queued() const { return m_browsing.chosen(Side::Computer); }
     [[nodiscard]] const QSet<QUuid> &selectedOnDevice() const { return m_browsing.chosen(Side::Device); }
@@ -378,7 +381,7 @@ private:
     std::unique_ptr<QObject> m_previewRequest; ///< owns the exchange with the catalogue; its end ends that
     QUuid m_contentGeneration; ///< of the reading that may land
     std::stop_source m_contentReading; ///< ends that reading early
-    QString m_playlistName = QStringLiteral("Moja playlista");
+    QString m_playlistName = m_environment.playlistName;
     bool m_writingPlaylist = false;
     std::optional<Album> m_openAlbum;
     std::optional<Album> m_coverLookup;

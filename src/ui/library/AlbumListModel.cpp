@@ -99,9 +99,10 @@ QVariant AlbumListModel::data(const QModelIndex &index, int role) const
 
 const AlbumListModel::Texts &AlbumListModel::texts(const Row &row) const
 {
-    if (!row.texts) {
+    if (!row.texts || row.texts->language != AppLocalizer::language()) {
         const Album &album = *row.album;
         Texts made;
+        made.language = AppLocalizer::language();
         made.countAndSize = QString::number(album.tracks.size()) + QStringLiteral(" / ") + byteCount(album.bytes());
         made.format = album.tracks.empty() ? QString() : album.tracks.front().info.codec;
         made.highResolution = std::any_of(

@@ -66,7 +66,7 @@ public:
     [[nodiscard]] QString headline() const;
     [[nodiscard]] QString queueLine() const;
     /// How long the work may still take; empty where nothing can be said.
-    [[nodiscard]] QString remaining() const { return m_remaining; }
+    [[nodiscard]] QString remaining() const;
     [[nodiscard]] bool canClearQueue() const { return !m_model.busy() && m_queuedTracks > 0; }
     [[nodiscard]] bool canTransfer() const { return canClearQueue() && connected(); }
     [[nodiscard]] bool canEject() const { return m_model.canEject(); }
@@ -113,7 +113,7 @@ private:
     std::size_t m_queuedTracks = 0;
     std::int64_t m_queuedBytes = 0;
     QTimer m_clock; ///< runs while there is work
-    QString m_remaining;
+    std::optional<std::chrono::seconds> m_timeLeft;
     bool m_closing = false;
     bool m_ending = false;
 };
