@@ -19,4 +19,9 @@ QString remainingText(std::chrono::seconds remaining)
     return AppLocalizer::text(QStringLiteral("jeszcze około %1 s").arg((seconds / step + 1) * step));
 }
 
+QString artistText(const QString &artist)
+{
+    return artist == QStringLiteral("Różni wykonawcy") ? AppLocalizer::text(artist) : artist;
+}
+
 } // namespace Wording
