@@ -165,7 +165,7 @@ Program::Parts::Parts(const Setup &setup)
     }
 }
 
-/// A window keeps its place, its size and what is asked in it; all else is made in the language that is shown now.
+/// The window keeps its place, its size and what is asked in it; all else is made in the language that is shown now.
 void Program::Parts::rebuildContent()
 {
     QQuickWindow *shown = window();
@@ -173,16 +173,22 @@ void Program::Parts::rebuildContent()
     if (!content) {
         return;
     }
-    bool byPicker = false;
-    for (const QQuickItem *item = shown->activeFocusItem(); item; item = item->parentItem()) {
-        byPicker = byPicker || item->objectName() == QStringLiteral("languagePicker");
-    }
+    const auto isWithin = [](const QQuickItem *item, const auto &isIt) {
+        while (item && !isIt(*item)) {
+            item = item->parentItem();
+        }
+        return item != nullptr;
+    };
+    const bool byPicker = isWithin(shown->activeFocusItem(),
+        [](const QQuickItem &item) { return item.objectName() == QStringLiteral("languagePicker"); });
     withoutReader([content] {
         content->setProperty("source", QUrl());
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     });
     QMetaObject::invokeMethod(content, "build");
-    QMetaObject::invokeMethod(content->property("item").value<QQuickItem *>(), "takeFocus", Q_ARG(bool, byPicker));
+    if (!isWithin(shown->activeFocusItem(), [](const QQuickItem &item) { return item.inherits("QQuickPopupItem"); })) {
+        QMetaObject::invokeMethod(content->property("item").value<QQuickItem *>(), "takeFocus", Q_ARG(bool, byPicker));
+    }
 }
 
 Program::Parts::~Parts()

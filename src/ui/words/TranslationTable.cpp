@@ -59,6 +59,7 @@ TemplateText TemplateText::of(const QString &text)
 
 std::optional<std::vector<QStringView>> TemplateText::match(QStringView text) const
 {
+    text = text.isNull() ? QStringView(u"") : text; // which begins and ends with an empty text
     const QString &last = fixed.back();
     if (!text.startsWith(fixed.front())) {
         return std::nullopt;
