@@ -2,6 +2,7 @@
 #include "model/Model.h"
 
 #include "storage/Backup.h"
+#include "storage/DeviceAnchor.h"
 
 #include "platform/MarluneError.h"
 #include "platform/files/FileWriting.h"
@@ -31,14 +32,16 @@ void MarluneModel::backup()
         m_work.setAlert(describeFailure(std::current_exception()));
         return;
     }
-    m_work.begin(QStringLiteral("Tworzę kopię ustawień…"));
+    m_work.begin(QStringLiteral("Tworzę kopię ustawień…"), RunningWork::Ends::BetweenFiles);
     runBackup(m_device->root, std::move(destination));
 }
 
 QCoro::Task<> MarluneModel::runBackup(std::filesystem::path root, std::filesystem::path destination)
 {
     const QPointer<MarluneModel> self(this);
-    auto work = [root, destination] { Storage::backup(root, destination); };
+    auto work = [root, destination, stop = m_work.stopToken()] {
+        return Storage::backup(Storage::DeviceAnchor(root), destination, stop);
+    };
     const auto outcome = co_await attempt(work);
     if (!self) {
         co_return;
@@ -46,6 +49,8 @@ QCoro::Task<> MarluneModel::runBackup(std::filesystem::path root, std::filesyste
     if (outcome.failure) {
         m_work.setAlert(describeFailure(outcome.failure));
         m_work.setStatus(QStringLiteral("Nie udało się zapisać kopii"));
+    } else if (!*outcome.value) {
+        m_work.setStatus(QStringLiteral("Przerwano tworzenie kopii. Niczego nie zapisano."));
     } else {
         m_work.setStatus(QStringLiteral("Kopia ustawień zapisana na Macu"));
     }

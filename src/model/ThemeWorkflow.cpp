@@ -120,7 +120,7 @@ void MarluneModel::beginThemeInstall(const std::filesystem::path &zip)
         m_work.setAlert(describeFailure(std::current_exception()));
         return;
     }
-    m_work.begin(QStringLiteral("Sprawdzam i instaluję motyw…"));
+    m_work.begin(QStringLiteral("Sprawdzam i instaluję motyw…"), RunningWork::Ends::AtItsEnd);
     runThemeInstall(zip, m_device->root, std::move(backupFolder));
 }
 

@@ -7,12 +7,14 @@
 #include "storage/DeviceAnchor.h"
 
 #include <filesystem>
+#include <stop_token>
 
 namespace Storage {
 
 /// Makes the folder `destination`, outside the device, of the items that hold settings and themes in the
 /// `.rockbox` of the device, those of them that are there, and a README.txt. The parent of `destination` must exist.
-/// Throws MarluneError or std::system_error; then nothing exists at `destination` that was not there before.
-void backup(const DeviceAnchor &device, const std::filesystem::path &destination);
+/// False where `stop` was requested before all was copied. Throws MarluneError or std::system_error. In both cases
+/// nothing exists at `destination` that was not there before.
+bool backup(const DeviceAnchor &device, const std::filesystem::path &destination, const std::stop_token &stop = {});
 
 } // namespace Storage
