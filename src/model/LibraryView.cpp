@@ -24,7 +24,7 @@ void MarluneModel::setArtwork(const QSet<QUuid> &ids, const QByteArray &image, b
 void MarluneModel::setLibraryOnDevice(bool onDevice)
 {
     if (m_browsing.setSide(onDevice ? Side::Device : Side::Computer)) {
-        m_duplicates.forget();
+        forgetDuplicates();
         Q_EMIT libraryOnDeviceChanged();
         Q_EMIT browsingChanged();
     }
