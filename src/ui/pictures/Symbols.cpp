@@ -17,6 +17,7 @@ struct Entry {
 };
 
 constexpr std::array table {
+    Entry {"archivebox", "regular/archive"},
     Entry {"arrow.clockwise", "regular/arrow-clockwise"},
     Entry {"arrow.down.to.line", "regular/arrow-line-down"},
     Entry {"backward.end.fill", "fill/skip-back-fill"},
