@@ -72,5 +72,7 @@ void duplicates(const std::filesystem::path &library);
 void heartbeatAndMemory(const std::filesystem::path &library);
 /// Scrolls through the album grid.
 void tiles(const std::filesystem::path &library);
+/// Scrolls through all drawn iPods; needs no library.
+void drawings(const std::filesystem::path &library);
 
 } // namespace Bench
