@@ -31,7 +31,7 @@ const std::map<std::string, std::set<std::string>> rooms {
     {"media/pictures", {"Images.h"}},
     {"media/sound", {"AudioOutput.h"}},
     {"ui/backups", {"BackupsPresenter.h"}},
-    {"ui/library", {"LibraryPresenter.h"}},
+    {"ui/library", {"AlbumSheetPresenter.h", "LibraryPresenter.h"}},
     {"ui/playlists", {"PlaylistsPresenter.h"}},
     {"ui/playback", {"MediaControls.h", "PlaybackPresenter.h"}},
     {"ui/quality", {"QualityPresenter.h"}},

@@ -34,6 +34,14 @@ Item {
         model: root.model
         quality: root.quality
         scrolledBy: view
+        onHeightChanged: {
+            if (heightBefore > 0 && view.contentY < view.originY) {
+                view.contentY -= height - heightBefore; // what is above a note that grows keeps its place
+            }
+            heightBefore = height;
+        }
+
+        property real heightBefore: 0
     }
     ListView {
         id: view

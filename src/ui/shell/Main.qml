@@ -13,6 +13,9 @@ T.ApplicationWindow {
     required property PlaylistsPresenter playlists
     required property BackupsPresenter backups
     required property QualityPresenter quality
+    required property AlbumSheetPresenter albumSheet
+    required property AlbumSheetPresenter coverSheet
+    required property ThemeSheetPresenter themeSheet
     required property PlaybackPresenter playback
     required property DesktopPanels panels
 
@@ -104,6 +107,18 @@ T.ApplicationWindow {
         }
     }
 
+    AlbumSheet {
+        objectName: "albumSheet"
+        album: root.albumSheet
+    }
+    CoverLookupSheet {
+        objectName: "coverLookupSheet"
+        album: root.coverSheet
+    }
+    ThemeSheet {
+        objectName: "themeSheet"
+        theme: root.themeSheet
+    }
     AlertDialog {
         objectName: "alertDialog"
         message: L10n.text(root.model.alert)
