@@ -35,8 +35,8 @@ Item {
         quality: root.quality
         scrolledBy: view
         onHeightChanged: {
-            if (heightBefore > 0 && view.contentY < view.originY) {
-                view.contentY -= height - heightBefore; // what is above a note that grows keeps its place
+            if (heightBefore > 0 && view.contentY < view.originY) { // what is above a note that grows keeps its place
+                view.contentY = Math.max(view.contentY - height + heightBefore, view.originY - view.spacing - height - root.around);
             }
             heightBefore = height;
         }
