@@ -2,6 +2,7 @@
 #include "model/Model.h"
 
 #include "storage/Backup.h"
+#include "storage/DeviceAnchor.h"
 
 #include "platform/MarluneError.h"
 #include "platform/files/FileWriting.h"
@@ -22,16 +23,16 @@ void MarluneModel::backup()
     if (!m_device || m_work.busy()) {
         return;
     }
-    m_work.begin(QStringLiteral("Tworzę kopię ustawień…"));
+    m_work.begin(QStringLiteral("Tworzę kopię ustawień…"), RunningWork::Ends::BetweenFiles);
     runBackup(m_device->root, newBackupURL());
 }
 
 QCoro::Task<> MarluneModel::runBackup(std::filesystem::path root, std::filesystem::path destination)
 {
     const QPointer<MarluneModel> self(this);
-    auto work = [root, destination] {
+    auto work = [root, destination, stop = m_work.stopToken()] {
         Files::makeFolders(destination.parent_path());
-        Storage::backup(root, destination);
+        return Storage::backup(Storage::DeviceAnchor(root), destination, stop);
     };
     const auto outcome = co_await attempt(work);
     if (!self) {
@@ -40,6 +41,8 @@ QCoro::Task<> MarluneModel::runBackup(std::filesystem::path root, std::filesyste
     if (outcome.failure) {
         m_work.setAlert(describeFailure(outcome.failure));
         m_work.setStatus(QStringLiteral("Nie udało się zapisać kopii"));
+    } else if (!*outcome.value) {
+        m_work.setStatus(QStringLiteral("Przerwano tworzenie kopii. Niczego nie zapisano."));
     } else {
         m_work.setStatus(QStringLiteral("Kopia ustawień zapisana na Macu"));
     }

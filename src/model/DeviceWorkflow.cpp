@@ -139,7 +139,7 @@ void MarluneModel::clearDeviceMusic()
 {
     setTransferred({});
     if (libraryOnDevice()) {
-        m_duplicates.forget();
+        forgetDuplicates();
     }
     m_browsing.clearDevice();
     onTracksChanged();
@@ -216,7 +216,7 @@ QCoro::Task<> MarluneModel::runEject(Device device)
     // An open file would hold the volume.
     abandonDeviceContent();
     auto closeTrack = m_playback.release(device.root);
-    m_work.begin(QStringLiteral("Wysuwam iPoda…"));
+    m_work.begin(QStringLiteral("Wysuwam iPoda…"), RunningWork::Ends::AtItsEnd);
     auto ejectVolume = [ejector = m_environment.ejectVolume, root = device.root, closeTrack] {
         closeTrack();
         ejector(root);

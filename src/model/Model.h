@@ -13,6 +13,7 @@
 #include "model/DeviceContent.h"
 #include "model/DeviceFinder.h"
 #include "model/DuplicateCheck.h"
+#include "model/IPodProfile.h"
 #include "model/ModelEnvironment.h"
 #include "model/RunningWork.h"
 #include "model/Section.h"
@@ -27,7 +28,7 @@
 #include <stop_token>
 
 struct TrackImport;
-struct TransferResult;
+struct TracksRead;
 namespace Storage {
 class DeviceAnchor;
 }
@@ -36,6 +37,8 @@ class MarluneModel : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString section READ sectionText WRITE setSectionText NOTIFY sectionChanged)
     Q_PROPERTY(bool busy READ busy NOTIFY busyChanged)
+    Q_PROPERTY(bool cancellable READ cancellable NOTIFY busyChanged)
+    Q_PROPERTY(bool cancelling READ cancelling NOTIFY cancellingChanged)
     Q_PROPERTY(double progress READ progress NOTIFY progressChanged)
     Q_PROPERTY(QString status READ status NOTIFY statusChanged)
     Q_PROPERTY(QString alert READ alertText NOTIFY alertChanged)
@@ -48,6 +51,9 @@ class MarluneModel : public QObject {
     Q_PROPERTY(double tileSize READ tileSize WRITE setTileSize NOTIFY tileSizeChanged)
     Q_PROPERTY(QString duplicateStatus READ duplicateStatus NOTIFY duplicateStatusChanged)
     Q_PROPERTY(QString playlistName READ playlistName WRITE setPlaylistName NOTIFY playlistNameChanged)
+    Q_PROPERTY(QString deviceProfileId READ deviceProfileId NOTIFY appearanceChanged)
+    Q_PROPERTY(QString deviceFinish READ deviceFinish NOTIFY appearanceChanged)
+    Q_PROPERTY(bool showCoverFlow READ showCoverFlow WRITE setShowCoverFlow NOTIFY showCoverFlowChanged)
 
 public:
     explicit MarluneModel(ModelEnvironment environment, QObject *parent = nullptr);
@@ -74,8 +80,12 @@ public:
     [[nodiscard]] bool canEject() const { return m_device && m_device->isVolume && !busy() && !m_writingPlaylist; }
     Q_INVOKABLE void eject();
     /// The illustration and finish chosen for the selected device; "auto" forgets the choice.
-    void setAppearance(const QString &id);
-    void setFinish(const QString &id);
+    Q_INVOKABLE void setAppearance(const QString &id);
+    Q_INVOKABLE void setFinish(const QString &id);
+    /// The model that the selected device is drawn as: the chosen one, else what the firmware's target tells.
+    [[nodiscard]] const IPodProfile &deviceProfile() const;
+    /// Its colour: the chosen one, else the profile's own.
+    [[nodiscard]] QString deviceFinish() const;
 
     // What the selected device holds, as its last reading saw it.
     [[nodiscard]] const std::vector<Theme> &themes() const { return m_content.themes; }
@@ -158,6 +168,16 @@ public:
     [[nodiscard]] const std::optional<Album> &openAlbum() const { return m_openAlbum; }
     void setOpenAlbum(const std::optional<Album> &album);
 
+    /// The rules of text order have changed.
+    void reorder();
+
+    // The carousel of the device's albums, in a window of its own.
+    [[nodiscard]] bool showCoverFlow() const { return m_showCoverFlow; }
+    /// The window says when it has been closed.
+    void setShowCoverFlow(bool shown);
+    /// Asks for it, with the device's music; nothing happens without a device or while a long job runs.
+    Q_INVOKABLE void revealCoverFlow();
+
     // Queue and selection.
     [[nodiscard]] const QSet<QUuid> &queued() const { return m_browsing.chosen(Side::Computer); }
     [[nodiscard]] const QSet<QUuid> &selectedOnDevice() const { return m_browsing.chosen(Side::Device); }
@@ -212,8 +232,15 @@ public:
     [[nodiscard]] bool busy() const { return m_work.busy(); }
     /// Whether something is under way that the end of the program would cut off; a check for duplicates only reads.
     [[nodiscard]] bool working() const { return (busy() && !m_duplicates.isRunning()) || m_writingPlaylist; }
-    /// Ends the work that waits for the network; what is being written goes on to its end. For a window that closes.
-    void endCoverRequests() { m_coverRequest.reset(); }
+    /// Whether the running job can end between two files.
+    [[nodiscard]] bool cancellable() const { return m_work.cancellable(); }
+    /// Whether it has been asked to, and is about to.
+    [[nodiscard]] bool cancelling() const { return m_work.cancelling(); }
+    /// Has the running job end between two files, and what waits for the network at once. What is complete stays, the
+    /// status says how far it came, and the same job begun again does the rest. Nothing where the job cannot.
+    Q_INVOKABLE void cancelWork();
+    /// The same for a job that waits for the network, and for no other: for a window that closes.
+    void endCoverRequests();
     /// Of the running job's present stage, 0 to 1; 0 where it cannot be said.
     [[nodiscard]] double progress() const { return m_work.progress(); }
     /// What may be shown of the time that the running job still takes; to be asked about once a second.
@@ -261,15 +288,20 @@ Q_SIGNALS:
     void duplicateIssuesChanged();
     void duplicateStatusChanged();
     void busyChanged();
+    void cancellingChanged();
     void workingChanged();
     void progressChanged();
     void statusChanged();
     void alertChanged();
-    /// A choice that lives in the settings alone changed.
+    /// deviceProfile() or deviceFinish() may differ from what they were.
     void appearanceChanged();
+    void showCoverFlowChanged();
+    /// The carousel was asked for while it is shown: its window is to come to the front.
+    void coverFlowWanted();
 
 private:
     struct PlannedTransfer;
+    struct EndedTransfer;
     struct PreparedCover;
     /// Where an album is, as it was when the user asked: what it gets goes there, or nowhere.
     struct CoverPlace {
@@ -288,6 +320,9 @@ private:
     [[nodiscard]] QString sectionText() const { return sectionTitle(m_section); }
     void setSectionText(const QString &title);
     [[nodiscard]] QString alertText() const { return alert().value_or(QString()); }
+    [[nodiscard]] QString deviceProfileId() const { return deviceProfile().id; }
+    /// What was chosen for the selected device and is stored under this prefix.
+    [[nodiscard]] std::optional<QString> choice(const QString &prefix) const;
 
     /// The folder on the computer that holds every safety copy.
     [[nodiscard]] std::filesystem::path backupRoot() const;
@@ -305,6 +340,7 @@ private:
     void setChoice(const QString &prefix, const QString &id);
     void onTracksChanged();
     void setArtwork(const QSet<QUuid> &ids, const QByteArray &image, bool onDevice);
+    void forgetDuplicates();
     void storeLibraryPaths();
     void readBackups();
     QCoro::Task<> runBackupsReading();
@@ -321,11 +357,13 @@ private:
         std::filesystem::path zip, std::filesystem::path root, std::filesystem::path backupFolder);
     /// What an import starts from; asked in the background, since the answer can lie on a slow disk. Absent: there is
     /// nothing to import, and all stays as it is.
-    using ImportSource = std::function<std::optional<std::vector<std::filesystem::path>>()>;
-    void beginImport(ImportSource source, bool fromDevice, bool enqueue);
-    QCoro::Task<> runImport(ImportSource source, bool fromDevice, bool enqueue);
+    using ImportSource = std::function<std::optional<std::vector<std::filesystem::path>>(const std::stop_token &stop)>;
+    /// Where the tracks go: to the library, also to the queue, back to the library of the last run, to the device's.
+    enum class ImportKind : std::uint8_t { Added, Enqueued, Restored, Device };
+    void beginImport(ImportSource source, ImportKind kind);
+    QCoro::Task<> runImport(ImportSource source, ImportKind kind);
     QCoro::Task<> runCleanup(Device device);
-    QCoro::Task<> runDuplicateCheck(std::vector<Track> tracks, std::stop_token stop);
+    QCoro::Task<> runDuplicateCheck(std::vector<Track> tracks);
     QCoro::Task<> runTransfer(std::shared_ptr<const PlannedTransfer> transfer);
     QCoro::Task<> runPlaylist(std::filesystem::path root);
     QCoro::Task<> runBackup(std::filesystem::path root, std::filesystem::path destination);
@@ -343,8 +381,7 @@ private:
     QCoro::Task<CoverFinding> findCover(Album album, CoverPlace place);
     QCoro::Task<> runCoverSearch(std::vector<Album> albums, CoverPlace place);
     QCoro::Task<> runRepair(CoverPlace place);
-    void applyTransfer(
-        const PlannedTransfer &transfer, TransferResult result, bool isReplaced, const std::exception_ptr &failure);
+    void applyTransfer(const PlannedTransfer &transfer, EndedTransfer ended, bool isReplaced);
     /// The order of paths as plain text; their own goes by components.
     [[nodiscard]] static bool isBeforeAsText(const std::filesystem::path &a, const std::filesystem::path &b)
     {
@@ -357,7 +394,7 @@ private:
     void rediscover();
     [[nodiscard]] TrackImport prepareImport(bool fromDevice) const;
     void restoreLibrary();
-    void applyImport(std::vector<Track> read, bool fromDevice, bool enqueue);
+    void applyImport(TracksRead read, ImportKind kind);
 
     ModelEnvironment m_environment;
     RunningWork m_work;
@@ -367,6 +404,7 @@ private:
     DeviceFinder m_finder;
     std::optional<Device> m_device;
     Browsing m_browsing;
+    QSet<QString> m_unrestored; ///< stored paths of tracks that did not come back because the reading was ended
     std::vector<std::filesystem::path> m_backups;
     bool m_readingBackups = false;
     bool m_backupsOutdated = false; ///< they may have changed since the last reading began
@@ -378,11 +416,12 @@ private:
     std::unique_ptr<QObject> m_previewRequest; ///< owns the exchange with the catalogue; its end ends that
     QUuid m_contentGeneration; ///< of the reading that may land
     std::stop_source m_contentReading; ///< ends that reading early
-    QString m_playlistName = QStringLiteral("Moja playlista");
+    QString m_playlistName = m_environment.playlistName;
     bool m_writingPlaylist = false;
     std::optional<Album> m_openAlbum;
     std::optional<Album> m_coverLookup;
-    std::unique_ptr<QObject> m_coverRequest; ///< owns the exchange about covers; its end ends that
+    bool m_showCoverFlow = false;
+    std::unique_ptr<QObject> m_coverRequest; ///< while one runs: owns the exchange about covers; its end ends that
     QString m_viewMode;
     double m_tileSize = 0;
     int m_visit = 0; ///< counts selected devices: another one may come to the same place

@@ -122,7 +122,7 @@ void MarluneModel::installTheme()
 
 void MarluneModel::beginThemeInstall(const std::filesystem::path &zip)
 {
-    m_work.begin(QStringLiteral("Sprawdzam i instaluję motyw…"));
+    m_work.begin(QStringLiteral("Sprawdzam i instaluję motyw…"), RunningWork::Ends::AtItsEnd);
     runThemeInstall(zip, m_device->root, newBackupURL());
 }
 

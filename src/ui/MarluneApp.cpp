@@ -2,6 +2,7 @@
 
 #include "ui/backups/BackupsPresenter.h"
 #include "ui/controls/FocusGuide.h"
+#include "ui/device/IPodProvider.h"
 #include "ui/library/AlbumSheetPresenter.h"
 #include "ui/library/LibraryPresenter.h"
 #include "ui/pictures/CoverProvider.h"
@@ -14,6 +15,7 @@
 #include "ui/shell/DesktopPanels.h"
 #include "ui/shell/ShellPresenter.h"
 #include "ui/themes/ThemeSheetPresenter.h"
+#include "ui/words/Language.h"
 #include "ui/words/Localization.h"
 
 #include "platform/MarluneError.h"
@@ -27,11 +29,9 @@
 #include <QFontDatabase>
 #include <QGuiApplication>
 #include <QIcon>
-#include <QLibraryInfo>
 #include <QQmlApplicationEngine>
 #include <QQuickStyle>
 #include <QStandardPaths>
-#include <QTranslator>
 
 #include <unistd.h>
 
@@ -70,16 +70,12 @@ QFont applicationFont()
     return font;
 }
 
-/// The words of the dialogs that Qt draws itself where the desktop has none.
-void translateQt()
+/// A screen reader is not told of each control that goes: Qt would ask the menus for parents that have gone already.
+void withoutReader(const std::function<void()> &deleteControls)
 {
-    for (const char *part : {"qtbase_", "qtdeclarative_"}) {
-        auto *translator = new QTranslator(QCoreApplication::instance());
-        if (translator->load(
-                QLatin1String(part) + AppLocalizer::language(), QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
-            QCoreApplication::installTranslator(translator);
-        }
-    }
+    const auto before = QAccessible::installUpdateHandler([](QAccessibleEvent *) { });
+    deleteControls();
+    QAccessible::installUpdateHandler(before);
 }
 
 /// A program that cannot start says why in a window too: from a desktop nobody sees its standard error.
@@ -103,10 +99,12 @@ struct Program::Parts {
     ~Parts();
 
     [[nodiscard]] QQuickWindow *window() const;
+    void rebuildContent();
 
     // In the order of their making; they go the other way round.
     SettingsLock settingsLock;
     Settings settings;
+    Language language; // before all that reads a text or sorts a list
     DesktopPanels desktopPanels;
     Volumes::Watcher watcher; // before the model: a change while that looks for devices is then an event, not missed
     MarluneModel model;
@@ -127,6 +125,7 @@ struct Program::Parts {
 Program::Parts::Parts(const Setup &setup)
     : settingsLock(setup.settingsFile)
     , settings(setup.settingsFile)
+    , language(settings, setup.preferredLanguages)
     , model({.settings = settings,
           .panels = setup.panels ? *setup.panels : desktopPanels,
           .deviceDiscovery = setup.deviceDiscovery,
@@ -134,7 +133,8 @@ Program::Parts::Parts(const Setup &setup)
           .supportFolder = setup.supportFolder,
           .themeSite = setup.themeSite,
           .covers = setup.covers ? *setup.covers : CoverSearch::shared(),
-          .audioOutput = setup.audioOutput})
+          .audioOutput = setup.audioOutput,
+          .playlistName = AppLocalizer::text(QStringLiteral("Moja playlista"))})
     , shell(model)
     , library(model, covers)
     , playlists(model)
@@ -148,6 +148,10 @@ Program::Parts::Parts(const Setup &setup)
 {
     QObject::connect(&watcher, &Volumes::Watcher::mounted, &model, &MarluneModel::volumeMounted);
     QObject::connect(&watcher, &Volumes::Watcher::unmounted, &model, &MarluneModel::volumeUnmounted);
+
+    QObject::connect(&language, &Language::codeChanged, &model, &MarluneModel::reorder);
+    // Queued: the menu or picker that the choice was made with goes with the rest.
+    QObject::connect(&language, &Language::codeChanged, &engine, [this] { rebuildContent(); }, Qt::QueuedConnection);
 
     prepareEngine(engine, covers);
     engine.setInitialProperties(
@@ -172,13 +176,36 @@ Program::Parts::Parts(const Setup &setup)
     }
 }
 
+/// The window keeps its place, its size and what is asked in it; all else is made in the language that is shown now.
+void Program::Parts::rebuildContent()
+{
+    QQuickWindow *shown = window();
+    auto *content = shown ? shown->findChild<QQuickItem *>(QStringLiteral("content")) : nullptr;
+    if (!content) {
+        return;
+    }
+    const auto isWithin = [](const QQuickItem *item, const auto &isIt) {
+        while (item && !isIt(*item)) {
+            item = item->parentItem();
+        }
+        return item != nullptr;
+    };
+    const bool byPicker = isWithin(shown->activeFocusItem(),
+        [](const QQuickItem &item) { return item.objectName() == QStringLiteral("languagePicker"); });
+    withoutReader([content] {
+        content->setProperty("source", QUrl());
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    });
+    QMetaObject::invokeMethod(content, "build");
+    if (!isWithin(shown->activeFocusItem(), [](const QQuickItem &item) { return item.inherits("QQuickPopupItem"); })) {
+        QMetaObject::invokeMethod(content->property("item").value<QQuickItem *>(), "takeFocus", Q_ARG(bool, byPicker));
+    }
+}
+
 Program::Parts::~Parts()
 {
-    // The window's bindings read what is about to go. A screen reader is not told of each control that goes: Qt would
-    // ask the menus for parents that have gone already.
-    const auto before = QAccessible::installUpdateHandler([](QAccessibleEvent *) { });
-    qDeleteAll(engine.rootObjects());
-    QAccessible::installUpdateHandler(before);
+    // The window's bindings read what is about to go.
+    withoutReader([this] { qDeleteAll(engine.rootObjects()); });
     // The rows of lists are deleted later, and an animation in one of them would go on without the engine.
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
@@ -225,6 +252,7 @@ void prepareEngine(QQmlEngine &engine, std::shared_ptr<const CoverStore> covers)
     qml_register_types_Marlune();
     engine.addImportPath(QStringLiteral(":/qml"));
     engine.addImageProvider(QStringLiteral("cover"), new CoverProvider(std::move(covers)));
+    engine.addImageProvider(QStringLiteral("ipod"), new IPodProvider);
     engine.addImageProvider(QStringLiteral("shadow"), new ShadowProvider);
     engine.addImageProvider(QStringLiteral("symbol"), new Symbols::Provider);
     engine.singletonInstance<FocusGuide *>(qmlTypeId("Marlune", 1, 0, "FocusGuide")); // at work from the start
@@ -235,7 +263,8 @@ Setup Setup::forUser()
     return {.settingsFile = Settings::defaultFile(),
         .supportFolder = Files::fromText(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation)),
         .ejectVolume = [](const std::filesystem::path &volume) { Volumes::eject(volume); },
-        .themeSite = Catalogue::Site::ofThePublic()};
+        .themeSite = Catalogue::Site::ofThePublic(),
+        .preferredLanguages = QLocale::system().uiLanguages()};
 }
 
 void prepareApplication()
@@ -249,9 +278,7 @@ void prepareApplication()
     QGuiApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/marlune.svg")));
     QGuiApplication::setFont(applicationFont());
     QQuickStyle::setStyle(QStringLiteral("Basic"));
-    AppLocalizer::applyToTextOrder();
-    QLocale::setDefault(AppLocalizer::locale());
-    translateQt();
+    AppLocalizer::setLanguage(AppLocalizer::language());
 }
 
 int run(int argc, char **argv)
@@ -273,6 +300,8 @@ int run(int argc, char **argv)
         QObject::connect(&requests, &TerminationRequests::requested, window, [&program] { program.endSoon(); });
         return QGuiApplication::exec();
     } catch (const MarluneError &refusal) {
+        Settings settings(Settings::defaultFile());
+        const Language language(settings, QLocale::system().uiLanguages());
         return refuse(refusal.message());
     }
 }

@@ -1,6 +1,5 @@
-// The window: menus above, sections at the left, the chosen page with the transfer bar, the device at the right.
+// The window. What it shows is made anew for another language; what is asked meanwhile stays.
 import QtQuick
-import QtQuick.Layouts
 import QtQuick.Templates as T
 import Marlune
 
@@ -24,7 +23,7 @@ T.ApplicationWindow {
     minimumWidth: 1050
     minimumHeight: 690
     visible: true
-    title: L10n.text("Marlune")
+    title: "Marlune"
     color: Tokens.color.content
     font: Tokens.type.body
     onClosing: close => close.accepted = root.shell.requestClose()
@@ -36,92 +35,32 @@ T.ApplicationWindow {
         }
     }
 
-    ColumnLayout {
+    Loader {
+        id: content
+
+        function build() {
+            content.setSource("WindowContent.qml", {
+                model: root.model,
+                shell: root.shell,
+                library: root.library,
+                playlists: root.playlists,
+                backups: root.backups,
+                quality: root.quality,
+                albumSheet: root.albumSheet,
+                coverSheet: root.coverSheet,
+                themeSheet: root.themeSheet,
+                playback: root.playback
+            });
+        }
+
+        objectName: "content"
         anchors.fill: parent
-        spacing: 0
-
-        TopBar {
-            Layout.fillWidth: true
-            model: root.model
-            shell: root.shell
-            onQuit: root.close()
-        }
-        Divider {
-            Layout.fillWidth: true
-        }
-        RowLayout {
-            spacing: 0
-
-            Sidebar {
-                Layout.fillHeight: true
-                Layout.preferredWidth: implicitWidth
-                sections: root.shell.sections
-            }
-            Divider {
-                Layout.fillHeight: true
-                vertical: true
-            }
-            ColumnLayout {
-                spacing: 0
-
-                Pages {
-                    Layout.fillWidth: true
-                    Layout.fillHeight: true
-                    model: root.model
-                    shell: root.shell
-                    library: root.library
-                    playlists: root.playlists
-                    backups: root.backups
-                    quality: root.quality
-                }
-                Divider {
-                    Layout.fillWidth: true
-                }
-                MiniPlayer {
-                    Layout.fillWidth: true
-                    playback: root.playback
-                }
-                ClosingNotice {
-                    Layout.fillWidth: true
-                    visible: root.shell.closing
-                    onStay: root.shell.stayOpen()
-                }
-                TransferBar {
-                    Layout.fillWidth: true
-                    model: root.model
-                    shell: root.shell
-                }
-            }
-            Divider {
-                Layout.fillHeight: true
-                visible: root.shell.inspectorShown
-                vertical: true
-            }
-            Inspector {
-                Layout.fillHeight: true
-                Layout.preferredWidth: 285
-                visible: root.shell.inspectorShown
-                model: root.model
-                shell: root.shell
-            }
-        }
+        Component.onCompleted: content.build()
     }
 
-    AlbumSheet {
-        objectName: "albumSheet"
-        album: root.albumSheet
-    }
-    CoverLookupSheet {
-        objectName: "coverLookupSheet"
-        album: root.coverSheet
-    }
-    ThemeSheet {
-        objectName: "themeSheet"
-        theme: root.themeSheet
-    }
     AlertDialog {
         objectName: "alertDialog"
-        message: L10n.text(root.model.alert)
+        message: Language.code === "pl" ? root.model.alert : L10n.text(root.model.alert)
         onDismissed: root.model.dismissAlert()
     }
     PanelHost {

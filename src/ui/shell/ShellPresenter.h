@@ -10,6 +10,7 @@
 #include <QObject>
 #include <QStringList>
 #include <QTimer>
+#include <QUrl>
 
 class ShellPresenter : public QObject {
     Q_OBJECT
@@ -40,6 +41,7 @@ class ShellPresenter : public QObject {
     Q_PROPERTY(double usedShare READ usedShare NOTIFY changed)
     Q_PROPERTY(bool testFolder READ testFolder NOTIFY changed)
     Q_PROPERTY(QString themeCount READ themeCount NOTIFY changed)
+    Q_PROPERTY(QUrl themePicture READ themePicture NOTIFY changed)
     /// Devices to choose from: those found while none is selected.
     Q_PROPERTY(QStringList offeredDevices READ offeredDevices NOTIFY changed)
 
@@ -66,7 +68,7 @@ public:
     [[nodiscard]] QString headline() const;
     [[nodiscard]] QString queueLine() const;
     /// How long the work may still take; empty where nothing can be said.
-    [[nodiscard]] QString remaining() const { return m_remaining; }
+    [[nodiscard]] QString remaining() const;
     [[nodiscard]] bool canClearQueue() const { return !m_model.busy() && m_queuedTracks > 0; }
     [[nodiscard]] bool canTransfer() const { return canClearQueue() && connected(); }
     [[nodiscard]] bool canEject() const { return m_model.canEject(); }
@@ -79,6 +81,8 @@ public:
     [[nodiscard]] double usedShare() const;
     [[nodiscard]] bool testFolder() const;
     [[nodiscard]] QString themeCount() const;
+    /// Of the theme that the device has active; empty where there is none.
+    [[nodiscard]] QUrl themePicture() const;
     [[nodiscard]] QStringList offeredDevices() const;
     /// Selects the device at that place of offeredDevices().
     Q_INVOKABLE void selectOffered(int place);
@@ -113,7 +117,7 @@ private:
     std::size_t m_queuedTracks = 0;
     std::int64_t m_queuedBytes = 0;
     QTimer m_clock; ///< runs while there is work
-    QString m_remaining;
+    std::optional<std::chrono::seconds> m_timeLeft;
     bool m_closing = false;
     bool m_ending = false;
 };

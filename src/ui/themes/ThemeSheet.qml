@@ -12,18 +12,17 @@ DetailSheet {
     wanted: root.theme.wanted
     onDismissed: root.theme.dismiss()
 
-    Rectangle {
+    RowLayout {
         Layout.fillWidth: true
-        implicitHeight: 160
-        radius: Tokens.radius.card
-        color: Tokens.color.card
-        border.color: Tokens.color.line
+        spacing: 18
 
-        Icon {
-            anchors.centerIn: parent
-            symbol: "paintbrush"
-            color: Tokens.color.textMuted
-            side: 40
+        Shot {
+            name: L10n.text("Ekran odtwarzania")
+            url: root.theme.playingPicture
+        }
+        Shot {
+            name: L10n.text("Menu")
+            url: root.theme.menuPicture
         }
     }
     TextBlock {
@@ -38,6 +37,27 @@ DetailSheet {
     Fact {
         name: L10n.text("Rozdzielczość iPoda Video")
         value: "320 × 240"
+    }
+
+    component Shot: ColumnLayout {
+        id: screen
+
+        required property string name
+        required property url url
+
+        Layout.fillWidth: true
+        spacing: Tokens.space.tight
+
+        TextLine {
+            text: screen.name
+            font: Tokens.type.headline
+            Accessible.role: Accessible.Heading
+        }
+        ThemeImage {
+            Layout.fillWidth: true
+            Layout.preferredHeight: Math.round(width * 3 / 4)
+            url: screen.url
+        }
     }
 
     component Fact: RowLayout {

@@ -1,5 +1,6 @@
 #include "ui/themes/ThemeSheetPresenter.h"
 
+#include "ui/themes/ThemePictures.h"
 #include "ui/words/Localization.h"
 #include "ui/words/Wording.h"
 
@@ -25,6 +26,16 @@ ThemePreview ThemeSheetPresenter::preview() const
 QString ThemeSheetPresenter::name() const
 {
     return Wording::fileName(m_theme.name());
+}
+
+QUrl ThemeSheetPresenter::playingPicture() const
+{
+    return ThemePictures::address(preview().playing);
+}
+
+QUrl ThemeSheetPresenter::menuPicture() const
+{
+    return ThemePictures::address(preview().menu);
 }
 
 QString ThemeSheetPresenter::author() const

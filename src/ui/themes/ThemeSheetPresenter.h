@@ -11,6 +11,9 @@ class ThemeSheetPresenter : public QObject {
     QML_UNCREATABLE("The program makes it for the model.")
     Q_PROPERTY(bool wanted READ wanted NOTIFY changed)
     Q_PROPERTY(QString name READ name NOTIFY changed)
+    /// Of the playing screen, and of the menu; invalid where there is none.
+    Q_PROPERTY(QUrl playingPicture READ playingPicture NOTIFY changed)
+    Q_PROPERTY(QUrl menuPicture READ menuPicture NOTIFY changed)
     Q_PROPERTY(QString author READ author NOTIFY changed)
     /// Where the theme's pictures come from.
     Q_PROPERTY(QString source READ source NOTIFY changed)
@@ -20,6 +23,8 @@ public:
 
     [[nodiscard]] bool wanted() const { return m_model.openTheme().has_value(); }
     [[nodiscard]] QString name() const;
+    [[nodiscard]] QUrl playingPicture() const;
+    [[nodiscard]] QUrl menuPicture() const;
     [[nodiscard]] QString author() const;
     [[nodiscard]] QString source() const;
 

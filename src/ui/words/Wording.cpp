@@ -55,4 +55,9 @@ QString fileName(const QString &name)
     return shown;
 }
 
+QString artistText(const QString &artist)
+{
+    return artist == QStringLiteral("Różni wykonawcy") ? AppLocalizer::text(artist) : artist;
+}
+
 } // namespace Wording

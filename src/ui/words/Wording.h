@@ -18,4 +18,7 @@ namespace Wording {
 /// or is no character at all is replaced. For the eye and the ear only: no file has this name.
 [[nodiscard]] QString fileName(const QString &name);
 
+/// An album's artist: a name, which stays as it is, or the words for several.
+[[nodiscard]] QString artistText(const QString &artist);
+
 } // namespace Wording
