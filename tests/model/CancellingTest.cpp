@@ -40,6 +40,7 @@ struct World : ModelDesk {
     Device device = makeDevice("IPOD", false);
     CannedServer server {{}};
     std::unique_ptr<MarluneModel> model;
+    int tracksAtStop = manyFiles; ///< on the device
 
     World()
     {
@@ -207,6 +208,7 @@ bool runAndCancel(World &world, const Row &row, int at)
             model.cancelWork();
         } else { // in the middle of the job's call; the settings' thread is not to be waited for
             QMetaObject::invokeMethod(&model, [&] {
+                world.tracksAtStop = world.count(".flac");
                 model.cancelWork();
                 cancelled.release();
             });
@@ -281,6 +283,7 @@ private Q_SLOTS:
             }
             if (said.startsWith(u"Przerwano"_s)) {
                 ++stopped;
+                QVERIFY2(world.count(".flac") <= world.tracksAtStop + 1, context.constData());
                 QVERIFY2(!model.alert(), context.constData());
                 const int reached = row.reached(world);
                 QVERIFY2(reached == firstNumber(model.status()),
