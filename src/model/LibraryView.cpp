@@ -7,6 +7,11 @@ void MarluneModel::onTracksChanged()
     Q_EMIT browsingChanged();
 }
 
+void MarluneModel::reorder()
+{
+    Q_EMIT browsingChanged(); // which sorts by the new ones
+}
+
 void MarluneModel::setArtwork(const QSet<QUuid> &ids, const QByteArray &image, bool onDevice)
 {
     m_browsing.setArtwork(onDevice ? Side::Device : Side::Computer, ids, image);
@@ -78,8 +83,10 @@ void MarluneModel::setTileSize(double size)
 
 void MarluneModel::setOpenAlbum(const std::optional<Album> &album)
 {
-    m_openAlbum = album;
-    Q_EMIT openAlbumChanged();
+    if (m_openAlbum != album) {
+        m_openAlbum = album;
+        Q_EMIT openAlbumChanged();
+    }
 }
 
 void MarluneModel::toggle(const Album &album)
@@ -100,4 +107,24 @@ void MarluneModel::clearQueue()
         m_browsing.clearQueue();
         Q_EMIT selectionChanged();
     }
+}
+
+void MarluneModel::setShowCoverFlow(bool shown)
+{
+    if (m_showCoverFlow != shown) {
+        m_showCoverFlow = shown;
+        Q_EMIT showCoverFlowChanged();
+    }
+}
+
+void MarluneModel::revealCoverFlow()
+{
+    if (!m_device || busy()) {
+        return;
+    }
+    setLibraryOnDevice(true);
+    if (m_showCoverFlow) {
+        Q_EMIT coverFlowWanted();
+    }
+    setShowCoverFlow(true);
 }

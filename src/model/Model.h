@@ -13,6 +13,7 @@
 #include "model/DeviceContent.h"
 #include "model/DeviceFinder.h"
 #include "model/DuplicateCheck.h"
+#include "model/IPodProfile.h"
 #include "model/ModelEnvironment.h"
 #include "model/RunningWork.h"
 #include "model/Section.h"
@@ -50,6 +51,9 @@ class MarluneModel : public QObject {
     Q_PROPERTY(double tileSize READ tileSize WRITE setTileSize NOTIFY tileSizeChanged)
     Q_PROPERTY(QString duplicateStatus READ duplicateStatus NOTIFY duplicateStatusChanged)
     Q_PROPERTY(QString playlistName READ playlistName WRITE setPlaylistName NOTIFY playlistNameChanged)
+    Q_PROPERTY(QString deviceProfileId READ deviceProfileId NOTIFY appearanceChanged)
+    Q_PROPERTY(QString deviceFinish READ deviceFinish NOTIFY appearanceChanged)
+    Q_PROPERTY(bool showCoverFlow READ showCoverFlow WRITE setShowCoverFlow NOTIFY showCoverFlowChanged)
 
 public:
     explicit MarluneModel(ModelEnvironment environment, QObject *parent = nullptr);
@@ -76,8 +80,12 @@ public:
     [[nodiscard]] bool canEject() const { return m_device && m_device->isVolume && !busy() && !m_writingPlaylist; }
     Q_INVOKABLE void eject();
     /// The illustration and finish chosen for the selected device; "auto" forgets the choice.
-    void setAppearance(const QString &id);
-    void setFinish(const QString &id);
+    Q_INVOKABLE void setAppearance(const QString &id);
+    Q_INVOKABLE void setFinish(const QString &id);
+    /// The model that the selected device is drawn as: the chosen one, else what the firmware's target tells.
+    [[nodiscard]] const IPodProfile &deviceProfile() const;
+    /// Its colour: the chosen one, else the profile's own.
+    [[nodiscard]] QString deviceFinish() const;
 
     // What the selected device holds, as its last reading saw it.
     [[nodiscard]] const std::vector<Theme> &themes() const { return m_content.themes; }
@@ -97,6 +105,9 @@ public:
     Q_INVOKABLE void fetchThemePreviews();
     /// The theme that the device has active.
     [[nodiscard]] std::optional<Theme> configuredTheme() const;
+    /// The theme that is being looked at; none once the device, or the theme on it, has gone.
+    [[nodiscard]] const std::optional<Theme> &openTheme() const { return m_openTheme; }
+    void setOpenTheme(const std::optional<Theme> &theme);
     /// Asks for a picture and keeps a copy of it as the theme's preview. What is no picture is ignored.
     void chooseThemePreview(const Theme &theme);
     /// Asks for a theme's package and installs it on the selected device, with a backup before that. A call while a
@@ -133,6 +144,10 @@ public:
     {
         return m_browsing.albumWith(trackId);
     }
+    [[nodiscard]] std::shared_ptr<const Album> albumOf(const QString &albumId) const
+    {
+        return m_browsing.albumOf(albumId);
+    }
     [[nodiscard]] std::shared_ptr<const std::vector<Track>> filteredTracks() const
     {
         return m_browsing.filteredTracks();
@@ -152,6 +167,16 @@ public:
     void setTileSize(double size);
     [[nodiscard]] const std::optional<Album> &openAlbum() const { return m_openAlbum; }
     void setOpenAlbum(const std::optional<Album> &album);
+
+    /// The rules of text order have changed.
+    void reorder();
+
+    // The carousel of the device's albums, in a window of its own.
+    [[nodiscard]] bool showCoverFlow() const { return m_showCoverFlow; }
+    /// The window says when it has been closed.
+    void setShowCoverFlow(bool shown);
+    /// Asks for it, with the device's music; nothing happens without a device or while a long job runs.
+    Q_INVOKABLE void revealCoverFlow();
 
     // Queue and selection.
     [[nodiscard]] const QSet<QUuid> &queued() const { return m_browsing.chosen(Side::Computer); }
@@ -195,7 +220,7 @@ public:
     [[nodiscard]] std::vector<std::filesystem::path> playlistTracks() const;
     /// Writes them to the device as a playlist. A call while one is being written is dropped.
     Q_INVOKABLE void makePlaylist();
-    /// A folder for a new backup: it does not exist yet, its parent does. Throws std::system_error.
+    /// A folder for a new backup: neither it nor its parent need exist yet.
     [[nodiscard]] std::filesystem::path newBackupURL() const;
     /// Copies the settings and themes of the selected device to the computer.
     Q_INVOKABLE void backup();
@@ -257,6 +282,7 @@ Q_SIGNALS:
     void playlistNameChanged();
     void openAlbumChanged();
     void coverLookupChanged();
+    void openThemeChanged();
     /// The queue or the selection on the device changed.
     void selectionChanged();
     void duplicateIssuesChanged();
@@ -267,8 +293,11 @@ Q_SIGNALS:
     void progressChanged();
     void statusChanged();
     void alertChanged();
-    /// A choice that lives in the settings alone changed.
+    /// deviceProfile() or deviceFinish() may differ from what they were.
     void appearanceChanged();
+    void showCoverFlowChanged();
+    /// The carousel was asked for while it is shown: its window is to come to the front.
+    void coverFlowWanted();
 
 private:
     struct PlannedTransfer;
@@ -291,6 +320,9 @@ private:
     [[nodiscard]] QString sectionText() const { return sectionTitle(m_section); }
     void setSectionText(const QString &title);
     [[nodiscard]] QString alertText() const { return alert().value_or(QString()); }
+    [[nodiscard]] QString deviceProfileId() const { return deviceProfile().id; }
+    /// What was chosen for the selected device and is stored under this prefix.
+    [[nodiscard]] std::optional<QString> choice(const QString &prefix) const;
 
     /// The folder on the computer that holds every safety copy.
     [[nodiscard]] std::filesystem::path backupRoot() const;
@@ -311,6 +343,7 @@ private:
     void forgetDuplicates();
     void storeLibraryPaths();
     void readBackups();
+    QCoro::Task<> runBackupsReading();
     void disconnect();
 
     QCoro::Task<> runRefresh();
@@ -373,17 +406,21 @@ private:
     Browsing m_browsing;
     QSet<QString> m_unrestored; ///< stored paths of tracks that did not come back because the reading was ended
     std::vector<std::filesystem::path> m_backups;
+    bool m_readingBackups = false;
+    bool m_backupsOutdated = false; ///< they may have changed since the last reading began
     std::vector<std::filesystem::path> m_transferred;
     DeviceContent m_content;
+    std::optional<Theme> m_openTheme;
     QString m_themePreviewStatus;
     std::deque<std::pair<Theme, std::filesystem::path>> m_previewChoices; ///< the first is being stored
     std::unique_ptr<QObject> m_previewRequest; ///< owns the exchange with the catalogue; its end ends that
     QUuid m_contentGeneration; ///< of the reading that may land
     std::stop_source m_contentReading; ///< ends that reading early
-    QString m_playlistName = QStringLiteral("Moja playlista");
+    QString m_playlistName = m_environment.playlistName;
     bool m_writingPlaylist = false;
     std::optional<Album> m_openAlbum;
     std::optional<Album> m_coverLookup;
+    bool m_showCoverFlow = false;
     std::unique_ptr<QObject> m_coverRequest; ///< while one runs: owns the exchange about covers; its end ends that
     QString m_viewMode;
     double m_tileSize = 0;

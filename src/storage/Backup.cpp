@@ -138,4 +138,27 @@ bool backup(const DeviceAnchor &device, const std::filesystem::path &destination
     return isComplete;
 }
 
+std::optional<std::int64_t> backupSize(const std::filesystem::path &backup, const std::stop_token &stop)
+{
+    constexpr int maxItems = 1'000'000;
+    std::int64_t bytes = 0;
+    int items = 0;
+    const auto add = [&](const TreeItem &item) {
+        if (stop.stop_requested() || ++items > maxItems) {
+            Files::throwFailure(ECANCELED);
+        }
+        struct stat status {};
+        if (item.kind == Files::Kind::File
+            && ::fstatat(item.folder, item.path.filename().c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0) {
+            bytes += status.st_size;
+        }
+    };
+    try {
+        forEachBelow(backup, Unreadable::Throw, add);
+        return bytes;
+    } catch (const std::system_error &) {
+        return std::nullopt;
+    }
+}
+
 } // namespace Storage

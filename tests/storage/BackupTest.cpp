@@ -63,3 +63,17 @@ TEST(Backup, refusesLinksAndSpecialFiles)
         EXPECT_TRUE(fs::is_empty(desk.folder / "Backups"));
     }
 }
+
+TEST(Backup, hasTheSizeOfItsFilesWithoutWhatLinksLeadTo)
+{
+    const TemporaryFolder folder;
+    folder.write("outside", std::string(1000, 'x'));
+    folder.write("backup/README.txt", "12345");
+    folder.write("backup/themes/deep/er/.hidden", std::string(70000, 'x'));
+    fs::create_symlink("../outside", folder / "backup/link");
+    fs::create_directory_symlink("..", folder / "backup/round");
+    EXPECT_EQ(Storage::backupSize(folder / "backup", {}), 70005);
+    for (const char *none : {"backup/round", "outside", "missing"}) {
+        EXPECT_EQ(Storage::backupSize(folder / none, {}), std::nullopt) << none;
+    }
+}

@@ -1,5 +1,6 @@
 #include "ui/pictures/Symbols.h"
 
+#include <QFile>
 #include <QPainter>
 #include <QSvgRenderer>
 
@@ -16,6 +17,7 @@ struct Entry {
 };
 
 constexpr std::array table {
+    Entry {"archivebox", "regular/archive"},
     Entry {"arrow.clockwise", "regular/arrow-clockwise"},
     Entry {"arrow.down.to.line", "regular/arrow-line-down"},
     Entry {"backward.end.fill", "fill/skip-back-fill"},
@@ -41,6 +43,8 @@ constexpr std::array table {
     Entry {"play.fill", "fill/play-fill"},
     Entry {"plus", "regular/plus"},
     Entry {"plus.circle", "regular/plus-circle"},
+    Entry {"questionmark", "bold/question-mark-bold"},
+    Entry {"shuffle", "bold/shuffle-bold"},
     Entry {"sparkles", "regular/sparkle"},
     Entry {"speaker.wave.2", "regular/speaker-high"},
     Entry {"square.grid.2x2", "regular/squares-four"},
@@ -70,19 +74,28 @@ QString file(const QString &name)
 
 QImage draw(const QString &name, const QColor &colour, int side)
 {
-    const QString source = file(name);
-    if (source.isEmpty()) {
+    if (file(name).isEmpty()) {
         return {};
     }
-    QSvgRenderer renderer(source);
     QImage image(side, side, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
     QPainter painter(&image);
-    renderer.render(&painter, QRectF(0, 0, side, side));
-    painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
-    painter.fillRect(image.rect(), colour);
+    paint(painter, name, colour, QRectF(0, 0, side, side));
     painter.end();
     return image;
+}
+
+void paint(QPainter &painter, const QString &name, const QColor &colour, const QRectF &rect)
+{
+    QFile source(file(name));
+    if (!source.open(QIODevice::ReadOnly)) {
+        return;
+    }
+    QSvgRenderer renderer(source.readAll().replace("currentColor", colour.name().toLatin1()));
+    const double before = painter.opacity();
+    painter.setOpacity(before * colour.alphaF());
+    renderer.render(&painter, rect);
+    painter.setOpacity(before);
 }
 
 Provider::Provider()

@@ -10,6 +10,7 @@
 #include <QObject>
 #include <QStringList>
 #include <QTimer>
+#include <QUrl>
 
 class ShellPresenter : public QObject {
     Q_OBJECT
@@ -17,7 +18,11 @@ class ShellPresenter : public QObject {
     QML_UNCREATABLE("The program makes it for the model.")
     Q_PROPERTY(SectionListModel *sections READ sections CONSTANT)
     Q_PROPERTY(bool musicShown READ musicShown NOTIFY sectionChanged)
+    Q_PROPERTY(bool playlistsShown READ playlistsShown NOTIFY sectionChanged)
+    Q_PROPERTY(bool backupsShown READ backupsShown NOTIFY sectionChanged)
     Q_PROPERTY(bool qualityShown READ qualityShown NOTIFY sectionChanged)
+    /// The section has no page of its own yet.
+    Q_PROPERTY(bool unfinishedShown READ unfinishedShown NOTIFY sectionChanged)
     Q_PROPERTY(bool inspectorShown READ inspectorShown NOTIFY sectionChanged)
     Q_PROPERTY(QString sectionSymbol READ sectionSymbol NOTIFY sectionChanged)
     Q_PROPERTY(QString sectionPurpose READ sectionPurpose NOTIFY sectionChanged)
@@ -36,6 +41,7 @@ class ShellPresenter : public QObject {
     Q_PROPERTY(double usedShare READ usedShare NOTIFY changed)
     Q_PROPERTY(bool testFolder READ testFolder NOTIFY changed)
     Q_PROPERTY(QString themeCount READ themeCount NOTIFY changed)
+    Q_PROPERTY(QUrl themePicture READ themePicture NOTIFY changed)
     /// Devices to choose from: those found while none is selected.
     Q_PROPERTY(QStringList offeredDevices READ offeredDevices NOTIFY changed)
 
@@ -47,7 +53,13 @@ public:
 
     [[nodiscard]] SectionListModel *sections() { return &m_sections; }
     [[nodiscard]] bool musicShown() const { return m_model.section() == Section::Music; }
+    [[nodiscard]] bool playlistsShown() const { return m_model.section() == Section::Playlists; }
+    [[nodiscard]] bool backupsShown() const { return m_model.section() == Section::Backups; }
     [[nodiscard]] bool qualityShown() const { return m_model.section() == Section::Quality; }
+    [[nodiscard]] bool unfinishedShown() const
+    {
+        return !musicShown() && !playlistsShown() && !backupsShown() && !qualityShown();
+    }
     /// The device page shows all of the inspector itself.
     [[nodiscard]] bool inspectorShown() const { return m_model.section() != Section::Device; }
     [[nodiscard]] QString sectionSymbol() const { return SectionListModel::symbol(m_model.section()); }
@@ -56,7 +68,7 @@ public:
     [[nodiscard]] QString headline() const;
     [[nodiscard]] QString queueLine() const;
     /// How long the work may still take; empty where nothing can be said.
-    [[nodiscard]] QString remaining() const { return m_remaining; }
+    [[nodiscard]] QString remaining() const;
     [[nodiscard]] bool canClearQueue() const { return !m_model.busy() && m_queuedTracks > 0; }
     [[nodiscard]] bool canTransfer() const { return canClearQueue() && connected(); }
     [[nodiscard]] bool canEject() const { return m_model.canEject(); }
@@ -69,6 +81,8 @@ public:
     [[nodiscard]] double usedShare() const;
     [[nodiscard]] bool testFolder() const;
     [[nodiscard]] QString themeCount() const;
+    /// Of the theme that the device has active; empty where there is none.
+    [[nodiscard]] QUrl themePicture() const;
     [[nodiscard]] QStringList offeredDevices() const;
     /// Selects the device at that place of offeredDevices().
     Q_INVOKABLE void selectOffered(int place);
@@ -103,7 +117,7 @@ private:
     std::size_t m_queuedTracks = 0;
     std::int64_t m_queuedBytes = 0;
     QTimer m_clock; ///< runs while there is work
-    QString m_remaining;
+    std::optional<std::chrono::seconds> m_timeLeft;
     bool m_closing = false;
     bool m_ending = false;
 };
