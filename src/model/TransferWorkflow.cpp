@@ -205,9 +205,10 @@ QCoro::Task<> MarluneModel::runCleanup(Device device)
         m_work.setAlert(describeFailure(cleanup.failure));
         m_work.setStatus(QStringLiteral("Nie udało się ukończyć porządków"));
     } else {
-        const QString removed = QStringLiteral("Usunięto pliki metadanych macOS: ")
-            + QString::number(cleanup.value->removed) + QStringLiteral(". Kopia jest na Macu.");
-        m_work.setStatus(cleanup.value->isStopped ? QStringLiteral("Przerwano. ") + removed : removed);
+        const auto [removed, isStopped] = *cleanup.value;
+        m_work.setStatus((isStopped ? QStringLiteral("Przerwano. ") : QString())
+            + QStringLiteral("Usunięto pliki metadanych macOS: ") + QString::number(removed)
+            + (isStopped && removed == 0 ? QStringLiteral(".") : QStringLiteral(". Kopia jest na Macu.")));
     }
     m_work.end();
     refresh();
