@@ -79,7 +79,8 @@ bool isForNobody(const QString &text)
 bool isCovered(const TranslationTable &table, const QString &text)
 {
     static const QRegularExpression places(u"\\{[0-9]+\\}"_s);
-    if (table.english().contains(text) || !QString(text).remove(places).contains(QRegularExpression(u"\\pL"_s))) {
+    if (table.english().contains(text) || table.uppercase().contains(text)
+        || !QString(text).remove(places).contains(QRegularExpression(u"\\pL"_s))) {
         return true;
     }
     const QStringList lines = text.split(u'\n');
