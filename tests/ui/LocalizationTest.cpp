@@ -220,7 +220,7 @@ TEST(Localization, eachTextGetsItsOwnTranslation)
 {
     const TranslationTable &english = AppLocalizer::table();
     const auto filled = [](const QString &text) {
-        return TemplateText::of(text).filled({{0, u"7"_s}, {1, u"12"_s}, {2, u"40"_s}, {3, u"x"_s}});
+        return TemplateText::of(text).filled({{0, u"77"_s}, {1, u"12"_s}, {2, u"40"_s}, {3, u"x"_s}});
     };
     for (auto entry = english.english().begin(); entry != english.english().end(); ++entry) {
         EXPECT_EQ(english.translateEnglish(filled(entry.key())), filled(*entry)) << entry.key().toStdString();
