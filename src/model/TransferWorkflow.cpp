@@ -32,14 +32,6 @@ struct MarluneModel::EndedTransfer {
     std::size_t covers = 0; ///< of those, written
     bool isStopped = false;
     std::exception_ptr failure;
-
-    /// What a stop between two covers adds to the status.
-    [[nodiscard]] QString missingCovers() const
-    {
-        return covers == wholeCovers ? QString()
-                                     : QStringLiteral(" Okładki: ") + QString::number(covers) + QStringLiteral(" z ")
-                + QString::number(wholeCovers) + u'.';
-    }
 };
 
 namespace {
@@ -157,9 +149,12 @@ void MarluneModel::applyTransfer(const PlannedTransfer &transfer, EndedTransfer 
         addTransferred(transfer.visit, result.destinations);
         const QString skipped = QStringLiteral(". Pominięto identyczne: ") + QString::number(result.skipped) + u'.';
         if (ended.isStopped) {
+            const QString covers = ended.covers == ended.wholeCovers ? QString()
+                                                                     : QStringLiteral(" Okładki: ")
+                    + QString::number(ended.covers) + QStringLiteral(" z ") + QString::number(ended.wholeCovers) + u'.';
             m_work.setStatus(QStringLiteral("Przerwano: wgrano ") + QString::number(result.copied)
                 + QStringLiteral(" z ") + QString::number(transfer.plan.files.size()) + QStringLiteral(" utworów")
-                + skipped + ended.missingCovers());
+                + skipped + covers);
         } else {
             m_work.setStatus(QStringLiteral("Wgrano: ") + QString::number(result.copied) + skipped);
             m_work.setAlert(m_work.status()
