@@ -101,3 +101,23 @@ void MarluneModel::clearQueue()
         Q_EMIT selectionChanged();
     }
 }
+
+void MarluneModel::setShowCoverFlow(bool shown)
+{
+    if (m_showCoverFlow != shown) {
+        m_showCoverFlow = shown;
+        Q_EMIT showCoverFlowChanged();
+    }
+}
+
+void MarluneModel::revealCoverFlow()
+{
+    if (!m_device || busy()) {
+        return;
+    }
+    setLibraryOnDevice(true);
+    if (m_showCoverFlow) {
+        Q_EMIT coverFlowWanted();
+    }
+    setShowCoverFlow(true);
+}

@@ -12,6 +12,10 @@ namespace {
 constexpr double defaultTileSize = 170;
 constexpr std::chrono::seconds drainTimeout {3};
 
+// Settings of one device begin with these; its path follows.
+const QString appearancePrefix = QStringLiteral("appearance-");
+const QString finishPrefix = QStringLiteral("finish-");
+
 } // namespace
 
 MarluneModel::MarluneModel(ModelEnvironment environment, QObject *parent)
@@ -29,6 +33,8 @@ MarluneModel::MarluneModel(ModelEnvironment environment, QObject *parent)
     , m_duplicates({.issuesChanged = [this] { Q_EMIT duplicateIssuesChanged(); },
           .statusChanged = [this] { Q_EMIT duplicateStatusChanged(); }})
 {
+    connect(this, &MarluneModel::deviceChanged, this, &MarluneModel::appearanceChanged);
+    connect(this, &MarluneModel::deviceSettingsChanged, this, &MarluneModel::appearanceChanged);
     Settings &settings = m_environment.settings;
     m_viewMode = settings.text(QStringLiteral("viewMode")).value_or(viewModeText(ViewMode::Albums));
     if (const std::optional<QString> sortMode = settings.text(QStringLiteral("sortMode"))) {
@@ -103,12 +109,12 @@ void MarluneModel::dismissAlert()
 
 void MarluneModel::setAppearance(const QString &id)
 {
-    setChoice(QStringLiteral("appearance-"), id);
+    setChoice(appearancePrefix, id);
 }
 
 void MarluneModel::setFinish(const QString &id)
 {
-    setChoice(QStringLiteral("finish-"), id);
+    setChoice(finishPrefix, id);
 }
 
 void MarluneModel::setChoice(const QString &prefix, const QString &id)
@@ -123,4 +129,26 @@ void MarluneModel::setChoice(const QString &prefix, const QString &id)
         m_environment.settings.setText(key, id);
     }
     Q_EMIT appearanceChanged();
+}
+
+std::optional<QString> MarluneModel::choice(const QString &prefix) const
+{
+    return m_device ? m_environment.settings.text(prefix + Files::text(m_device->root)) : std::nullopt;
+}
+
+const IPodProfile &MarluneModel::deviceProfile() const
+{
+    if (!m_device) {
+        return IPodProfile::fallback();
+    }
+    if (const IPodProfile *chosen = IPodProfile::withId(choice(appearancePrefix).value_or(QString()))) {
+        return *chosen;
+    }
+    const auto target = m_content.deviceInfo.constFind(QStringLiteral("Target"));
+    return IPodProfile::automatic(target != m_content.deviceInfo.constEnd() ? std::optional(*target) : std::nullopt);
+}
+
+QString MarluneModel::deviceFinish() const
+{
+    return choice(finishPrefix).value_or(deviceProfile().finish);
 }

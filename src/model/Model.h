@@ -13,6 +13,7 @@
 #include "model/DeviceContent.h"
 #include "model/DeviceFinder.h"
 #include "model/DuplicateCheck.h"
+#include "model/IPodProfile.h"
 #include "model/ModelEnvironment.h"
 #include "model/RunningWork.h"
 #include "model/Section.h"
@@ -48,6 +49,9 @@ class MarluneModel : public QObject {
     Q_PROPERTY(double tileSize READ tileSize WRITE setTileSize NOTIFY tileSizeChanged)
     Q_PROPERTY(QString duplicateStatus READ duplicateStatus NOTIFY duplicateStatusChanged)
     Q_PROPERTY(QString playlistName READ playlistName WRITE setPlaylistName NOTIFY playlistNameChanged)
+    Q_PROPERTY(QString deviceProfileId READ deviceProfileId NOTIFY appearanceChanged)
+    Q_PROPERTY(QString deviceFinish READ deviceFinish NOTIFY appearanceChanged)
+    Q_PROPERTY(bool showCoverFlow READ showCoverFlow WRITE setShowCoverFlow NOTIFY showCoverFlowChanged)
 
 public:
     explicit MarluneModel(ModelEnvironment environment, QObject *parent = nullptr);
@@ -74,8 +78,12 @@ public:
     [[nodiscard]] bool canEject() const { return m_device && m_device->isVolume && !busy() && !m_writingPlaylist; }
     Q_INVOKABLE void eject();
     /// The illustration and finish chosen for the selected device; "auto" forgets the choice.
-    void setAppearance(const QString &id);
-    void setFinish(const QString &id);
+    Q_INVOKABLE void setAppearance(const QString &id);
+    Q_INVOKABLE void setFinish(const QString &id);
+    /// The model that the selected device is drawn as: the chosen one, else what the firmware's target tells.
+    [[nodiscard]] const IPodProfile &deviceProfile() const;
+    /// Its colour: the chosen one, else the profile's own.
+    [[nodiscard]] QString deviceFinish() const;
 
     // What the selected device holds, as its last reading saw it.
     [[nodiscard]] const std::vector<Theme> &themes() const { return m_content.themes; }
@@ -150,6 +158,13 @@ public:
     void setTileSize(double size);
     [[nodiscard]] const std::optional<Album> &openAlbum() const { return m_openAlbum; }
     void setOpenAlbum(const std::optional<Album> &album);
+
+    // The carousel of the device's albums, in a window of its own.
+    [[nodiscard]] bool showCoverFlow() const { return m_showCoverFlow; }
+    /// The window says when it has been closed.
+    void setShowCoverFlow(bool shown);
+    /// Asks for it, with the device's music; nothing happens without a device or while a long job runs.
+    Q_INVOKABLE void revealCoverFlow();
 
     // Queue and selection.
     [[nodiscard]] const QSet<QUuid> &queued() const { return m_browsing.chosen(Side::Computer); }
@@ -257,8 +272,11 @@ Q_SIGNALS:
     void progressChanged();
     void statusChanged();
     void alertChanged();
-    /// A choice that lives in the settings alone changed.
+    /// deviceProfile() or deviceFinish() may differ from what they were.
     void appearanceChanged();
+    void showCoverFlowChanged();
+    /// The carousel was asked for while it is shown: its window is to come to the front.
+    void coverFlowWanted();
 
 private:
     struct PlannedTransfer;
@@ -280,6 +298,9 @@ private:
     [[nodiscard]] QString sectionText() const { return sectionTitle(m_section); }
     void setSectionText(const QString &title);
     [[nodiscard]] QString alertText() const { return alert().value_or(QString()); }
+    [[nodiscard]] QString deviceProfileId() const { return deviceProfile().id; }
+    /// What was chosen for the selected device and is stored under this prefix.
+    [[nodiscard]] std::optional<QString> choice(const QString &prefix) const;
 
     /// The folder on the computer that holds every safety copy.
     [[nodiscard]] std::filesystem::path backupRoot() const;
@@ -370,6 +391,7 @@ private:
     bool m_writingPlaylist = false;
     std::optional<Album> m_openAlbum;
     std::optional<Album> m_coverLookup;
+    bool m_showCoverFlow = false;
     std::unique_ptr<QObject> m_coverRequest; ///< owns the exchange about covers; its end ends that
     QString m_viewMode;
     double m_tileSize = 0;

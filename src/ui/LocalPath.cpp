@@ -11,3 +11,9 @@ std::optional<std::filesystem::path> localPath(const QUrl &url)
     }
     return std::filesystem::path(bytes.toStdString());
 }
+
+QUrl fileUrl(const std::filesystem::path &path)
+{
+    const std::string &bytes = path.native();
+    return QUrl::fromEncoded("file://" + QByteArray(bytes.data(), qsizetype(bytes.size())).toPercentEncoding("/"));
+}

@@ -9,3 +9,6 @@
 /// The path that a "file:" address names, byte for byte, also where its bytes are not UTF-8. Absent for any other
 /// address.
 [[nodiscard]] std::optional<std::filesystem::path> localPath(const QUrl &url);
+
+/// The "file:" address of a path, byte for byte.
+[[nodiscard]] QUrl fileUrl(const std::filesystem::path &path);

@@ -1,6 +1,7 @@
 #include "ui/MarluneApp.h"
 
 #include "ui/controls/FocusGuide.h"
+#include "ui/device/IPodProvider.h"
 #include "ui/library/LibraryPresenter.h"
 #include "ui/pictures/CoverProvider.h"
 #include "ui/pictures/ShadowProvider.h"
@@ -206,6 +207,7 @@ void prepareEngine(QQmlEngine &engine, std::shared_ptr<const CoverStore> covers)
     qml_register_types_Marlune();
     engine.addImportPath(QStringLiteral(":/qml"));
     engine.addImageProvider(QStringLiteral("cover"), new CoverProvider(std::move(covers)));
+    engine.addImageProvider(QStringLiteral("ipod"), new IPodProvider);
     engine.addImageProvider(QStringLiteral("shadow"), new ShadowProvider);
     engine.addImageProvider(QStringLiteral("symbol"), new Symbols::Provider);
     engine.singletonInstance<FocusGuide *>(qmlTypeId("Marlune", 1, 0, "FocusGuide")); // at work from the start

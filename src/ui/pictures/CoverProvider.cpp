@@ -1,101 +1,34 @@
 #include "ui/pictures/CoverProvider.h"
 
 #include "media/pictures/Images.h"
-#include "platform/tasks/Background.h"
 
 #include <QPainter>
 #include <QPainterPath>
-#include <QRunnable>
 
 #include <algorithm>
-#include <atomic>
-#include <mutex>
 
 namespace {
 
 constexpr qsizetype cacheBytes = 64'000'000;
-constexpr int decodingThreads = 2;
 constexpr int maxSide = 2048;
 constexpr int defaultSide = 256;
 
-} // namespace
-
-/// What outlives a single request and is shared by the decoding threads.
-struct CoverProvider::Decoder {
-    explicit Decoder(std::shared_ptr<const CoverStore> covers)
-        : store(std::move(covers))
-    {
-    }
-
-    QImage image(const QString &id, int side);
-
-    const std::shared_ptr<const CoverStore> store;
-    std::mutex mutex;
-    QCache<QString, QImage> cache {cacheBytes};
-};
-
-QImage CoverProvider::Decoder::image(const QString &id, int side)
+QImage drawStored(const CoverStore &store, const QString &id, const QSize &requested)
 {
-    const QString key = id + u'/' + QString::number(side);
-    {
-        const std::lock_guard lock(mutex);
-        if (const QImage *kept = cache.object(key)) {
-            return *kept;
-        }
-    }
+    const int wanted = std::max(requested.width(), requested.height());
+    const int side = std::clamp(wanted > 0 ? wanted : defaultSide, 1, maxSide);
     const double radius = id.section(u'/', 1).toDouble() / 1000 * side;
-    const std::optional<QByteArray> encoded = store->find(id.section(u'/', 0, 0));
-    QImage image = encoded ? CoverProvider::draw(*encoded, side, radius) : QImage();
-    if (image.isNull()) {
-        image = QImage(1, 1, QImage::Format_ARGB32_Premultiplied);
-        image.fill(Qt::transparent);
-    }
-    const std::lock_guard lock(mutex);
-    cache.insert(key, new QImage(image), image.sizeInBytes());
-    return image;
+    const std::optional<QByteArray> encoded = store.find(id.section(u'/', 0, 0));
+    return encoded ? CoverProvider::draw(*encoded, side, radius) : QImage();
 }
-
-namespace {
-
-class CoverResponse : public QQuickImageResponse {
-public:
-    [[nodiscard]] QQuickTextureFactory *textureFactory() const override
-    {
-        return QQuickTextureFactory::textureFactoryForImage(image);
-    }
-    void cancel() override { cancelled = true; }
-
-    QImage image; ///< written before finished(), read after it
-    std::atomic<bool> cancelled = false;
-};
 
 } // namespace
 
 CoverProvider::CoverProvider(std::shared_ptr<const CoverStore> store)
-    : m_decoder(std::make_shared<Decoder>(std::move(store)))
+    : DrawingProvider([store = std::move(store)](
+                          const QString &id, const QSize &requested) { return drawStored(*store, id, requested); },
+          cacheBytes)
 {
-    m_pool.setMaxThreadCount(decodingThreads);
-    m_pool.setThreadPriority(QThread::LowPriority);
-}
-
-CoverProvider::~CoverProvider()
-{
-    m_pool.waitForDone(); // requests refer to responses that the engine deletes
-}
-
-QQuickImageResponse *CoverProvider::requestImageResponse(const QString &id, const QSize &requestedSize)
-{
-    auto *response = new CoverResponse;
-    const int wanted = std::max(requestedSize.width(), requestedSize.height());
-    const int side = std::clamp(wanted > 0 ? wanted : defaultSide, 1, maxSide);
-    BackgroundJobs::startOn(m_pool, [response, id, side, decoder = m_decoder] {
-        if (!response->cancelled) {
-            response->image = decoder->image(id, side);
-        }
-        // Queued, since nobody listens before this request has returned.
-        QMetaObject::invokeMethod(response, "finished", Qt::QueuedConnection);
-    });
-    return response;
 }
 
 QImage CoverProvider::draw(const QByteArray &encoded, int side, double radius)

@@ -6,26 +6,12 @@
 #pragma once
 
 #include "ui/pictures/CoverStore.h"
+#include "ui/pictures/DrawingProvider.h"
 
-#include <QCache>
-#include <QImage>
-#include <QQuickAsyncImageProvider>
-#include <QThreadPool>
-
-#include <memory>
-
-class CoverProvider : public QQuickAsyncImageProvider {
+class CoverProvider : public DrawingProvider {
 public:
     explicit CoverProvider(std::shared_ptr<const CoverStore> store);
-    ~CoverProvider() override;
-
-    QQuickImageResponse *requestImageResponse(const QString &id, const QSize &requestedSize) override;
 
     /// `encoded` filling a square of `side` pixels, corners rounded by `radius` pixels. Null if it is no picture.
     [[nodiscard]] static QImage draw(const QByteArray &encoded, int side, double radius);
-
-private:
-    struct Decoder;
-    std::shared_ptr<Decoder> m_decoder;
-    QThreadPool m_pool;
 };

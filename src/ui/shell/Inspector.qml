@@ -66,13 +66,15 @@ Rectangle {
                     color: Tokens.color.textMuted
                 }
             }
-            DeviceDrawing {
+            IPodView {
                 Layout.alignment: Qt.AlignHCenter
                 Layout.topMargin: 8
                 Layout.bottomMargin: 8
-                Layout.preferredHeight: Math.max(root.lowestDrawing, Math.min(implicitHeight, flick.height - 2 * root.ringRoom - stack.othersHeight))
-                Layout.preferredWidth: Layout.preferredHeight / 1.5
-                lit: root.shell.connected
+                Layout.preferredWidth: 200
+                model: root.model
+                preview: root.shell.themePicture
+                maxHeight: Math.max(root.lowestDrawing, Math.min(370, flick.height - 2 * root.ringRoom - stack.othersHeight))
+                hint: L10n.text("Podgląd zapisanego motywu, bez odczytu ekranu na żywo. Rok 2007… niektóre wspomnienia budzą się za trzecim razem.")
             }
             DeviceSummary {
                 id: summary

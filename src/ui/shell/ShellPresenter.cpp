@@ -1,5 +1,6 @@
 #include "ui/shell/ShellPresenter.h"
 
+#include "ui/themes/ThemePictures.h"
 #include "ui/words/Localization.h"
 #include "ui/words/Wording.h"
 
@@ -14,6 +15,7 @@ ShellPresenter::ShellPresenter(MarluneModel &model, QObject *parent)
     , m_sections(model)
 {
     m_change.follow(m_model, &MarluneModel::devicesChanged, &MarluneModel::deviceChanged, &MarluneModel::themesChanged,
+        &MarluneModel::themePreviewsChanged, &MarluneModel::deviceSettingsChanged,
         &MarluneModel::selectionChanged, &MarluneModel::tracksChanged, &MarluneModel::progressChanged,
         &MarluneModel::workingChanged);
     connect(&m_model, &MarluneModel::sectionChanged, this, &ShellPresenter::sectionChanged);
@@ -109,6 +111,11 @@ bool ShellPresenter::testFolder() const
 QString ShellPresenter::themeCount() const
 {
     return AppLocalizer::text(QString::number(m_model.themes().size()) + QStringLiteral(" zainstalowanych motywów"));
+}
+
+QUrl ShellPresenter::themePicture() const
+{
+    return ThemePictures::ofConfiguredTheme(m_model);
 }
 
 QStringList ShellPresenter::offeredDevices() const

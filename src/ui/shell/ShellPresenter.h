@@ -10,6 +10,7 @@
 #include <QObject>
 #include <QStringList>
 #include <QTimer>
+#include <QUrl>
 
 class ShellPresenter : public QObject {
     Q_OBJECT
@@ -36,6 +37,7 @@ class ShellPresenter : public QObject {
     Q_PROPERTY(double usedShare READ usedShare NOTIFY changed)
     Q_PROPERTY(bool testFolder READ testFolder NOTIFY changed)
     Q_PROPERTY(QString themeCount READ themeCount NOTIFY changed)
+    Q_PROPERTY(QUrl themePicture READ themePicture NOTIFY changed)
     /// Devices to choose from: those found while none is selected.
     Q_PROPERTY(QStringList offeredDevices READ offeredDevices NOTIFY changed)
 
@@ -69,6 +71,8 @@ public:
     [[nodiscard]] double usedShare() const;
     [[nodiscard]] bool testFolder() const;
     [[nodiscard]] QString themeCount() const;
+    /// Of the theme that the device has active; empty where there is none.
+    [[nodiscard]] QUrl themePicture() const;
     [[nodiscard]] QStringList offeredDevices() const;
     /// Selects the device at that place of offeredDevices().
     Q_INVOKABLE void selectOffered(int place);
