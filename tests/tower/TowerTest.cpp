@@ -30,6 +30,7 @@ const std::map<std::string, std::set<std::string>> rooms {
     {"media/files", {"FlacBlocks.h", "MediaAsset.h"}},
     {"media/pictures", {"Images.h"}},
     {"media/sound", {"AudioOutput.h"}},
+    {"ui/guide", {}},
     {"ui/library", {"LibraryPresenter.h"}},
     {"ui/playback", {"MediaControls.h", "PlaybackPresenter.h"}},
     {"ui/quality", {"QualityPresenter.h"}},

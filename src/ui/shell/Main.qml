@@ -73,10 +73,15 @@ T.ApplicationWindow {
                     model: root.model
                     quality: root.quality
                 }
+                GuidePage {
+                    Layout.fillWidth: true
+                    Layout.fillHeight: true
+                    visible: root.shell.guideShown
+                }
                 EmptyState {
                     Layout.fillWidth: true
                     Layout.fillHeight: true
-                    visible: !root.shell.musicShown && !root.shell.qualityShown
+                    visible: !root.shell.musicShown && !root.shell.qualityShown && !root.shell.guideShown
                     symbol: root.shell.sectionSymbol
                     title: L10n.text(root.model.section)
                     detail: L10n.text(root.shell.sectionPurpose)

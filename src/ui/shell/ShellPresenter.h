@@ -19,6 +19,7 @@ class ShellPresenter : public QObject {
     Q_PROPERTY(SectionListModel *sections READ sections CONSTANT)
     Q_PROPERTY(bool musicShown READ musicShown NOTIFY sectionChanged)
     Q_PROPERTY(bool qualityShown READ qualityShown NOTIFY sectionChanged)
+    Q_PROPERTY(bool guideShown READ guideShown NOTIFY sectionChanged)
     Q_PROPERTY(bool inspectorShown READ inspectorShown NOTIFY sectionChanged)
     Q_PROPERTY(QString sectionSymbol READ sectionSymbol NOTIFY sectionChanged)
     Q_PROPERTY(QString sectionPurpose READ sectionPurpose NOTIFY sectionChanged)
@@ -50,6 +51,7 @@ public:
     [[nodiscard]] SectionListModel *sections() { return &m_sections; }
     [[nodiscard]] bool musicShown() const { return m_model.section() == Section::Music; }
     [[nodiscard]] bool qualityShown() const { return m_model.section() == Section::Quality; }
+    [[nodiscard]] bool guideShown() const { return m_model.section() == Section::Guide; }
     /// The device page shows all of the inspector itself.
     [[nodiscard]] bool inspectorShown() const { return m_model.section() != Section::Device; }
     [[nodiscard]] QString sectionSymbol() const { return SectionListModel::symbol(m_model.section()); }
