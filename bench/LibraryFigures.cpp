@@ -81,7 +81,8 @@ void import(const std::filesystem::path &library)
                 std::vector<Track> tracks; // freed outside the time, as the program keeps them
                 const double time = seconds([&] {
                     tracks = readTracks(
-                        {.urls = {library}, .known = {}, .artworkOverrides = {}, .artwork = {}}, [](int, int) { });
+                        {.urls = {library}, .known = {}, .artworkOverrides = {}, .artwork = {}}, [](int, int) {
+                        }).tracks;
                 });
                 return double(tracks.size()) / time;
             },

@@ -40,7 +40,7 @@ std::vector<Track> deviceTracks(const std::filesystem::path &library, const std:
         std::filesystem::copy(library, music, Options::recursive | Options::skip_existing);
     }
     std::vector<Track> tracks
-        = readTracks({.urls = {music}, .known = {}, .artworkOverrides = {}, .artwork = {}}, [](int, int) { });
+        = readTracks({.urls = {music}, .known = {}, .artworkOverrides = {}, .artwork = {}}, [](int, int) { }).tracks;
     tracks.resize(std::min<std::size_t>(tracks.size(), maxTracks));
     const QByteArray cover = fitCover();
     std::map<std::filesystem::path, QByteArray> covers;
@@ -144,7 +144,7 @@ void duplicates(const std::filesystem::path &)
     const auto ours = [&] {
         std::size_t groups = 0;
         const double time
-            = seconds([&] { groups = CollectionQuality::duplicates(files.tracks, [](int, int) { }).size(); });
+            = seconds([&] { groups = CollectionQuality::duplicates(files.tracks, [](int, int) { }).groups.size(); });
         require(groups == 40, "not all duplicates were found");
         return files.candidateBytes / time;
     };

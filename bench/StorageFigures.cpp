@@ -93,7 +93,9 @@ void transfer(const std::filesystem::path &)
     print("transfer",
         inTurn(
             [&] {
-                return onEmptyFolder([&](const auto &root) { (void)Storage::transfer(files, root, [](int, int) { }); });
+                return onEmptyFolder([&](const auto &root) {
+                    (void)Storage::transfer(files, Storage::DeviceAnchor(root), [](int, int) { });
+                });
             },
             [&] {
                 return onEmptyFolder([&](const auto &root) {
@@ -113,8 +115,10 @@ void cleanup(const std::filesystem::path &)
     const WorkFolder folder;
     std::filesystem::create_directories(folder.path() / ".rockbox");
     makeCollection(folder.path() / "Music");
-    const auto search
-        = [&] { require(Storage::macMetadataFiles(folder.path()).size() == 5'000, "not every companion was found"); };
+    const auto search = [&] {
+        require(Storage::macMetadataFiles(Storage::DeviceAnchor(folder.path())).size() == 5'000,
+            "not every companion was found");
+    };
     const auto find = [&] {
         runTool(QStringLiteral("find"),
             {text(folder.path() / "Music"), QStringLiteral("-name"), QStringLiteral("._*"), QStringLiteral("-type"),

@@ -13,7 +13,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     std::filesystem::create_directories(root / "Music/song");
     require(bool(std::ofstream(root / "Music/._song", std::ios::binary) << bytes));
     const bool isCompanion = bytes.starts_with(std::string("\0\5\x16\7", 4));
-    require(Storage::cleanupMacMetadata(root, root / "Backups") == int(isCompanion));
+    require(Storage::cleanupMacMetadata(Storage::DeviceAnchor(root), root / "Backups").removed == int(isCompanion));
     require(exists(root / "Music/._song") != isCompanion);
     std::filesystem::remove_all(root);
     return 0;

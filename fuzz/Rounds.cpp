@@ -73,7 +73,7 @@ private:
         case 0:
         case 1:
             if (rest > 0) {
-                bytes[at] = char(below(2) == 0 ? bytes[at] ^ char(1U << below(8)) : below(256));
+                bytes[at] = below(2) == 0 ? char(bytes[at] ^ char(1U << below(8))) : char(below(256));
             }
             break;
         case 2: { // a number of 1, 2, 4 or 8 bytes, in either order

@@ -20,15 +20,19 @@ bool isHidden(const std::string &name)
     return name.starts_with('.');
 }
 
-void addFolder(const std::filesystem::path &folder, std::vector<std::filesystem::path> &files)
+void addFolder(
+    const std::filesystem::path &folder, std::vector<std::filesystem::path> &files, const std::stop_token &stop)
 {
     for (const Files::FolderItem &item : Files::readableItemsOf(folder)) {
+        if (stop.stop_requested()) {
+            return;
+        }
         std::filesystem::path path = folder / item.name;
         if (isHidden(item.name)) {
             continue;
         }
         if (item.kind == Files::Kind::Folder) {
-            addFolder(path, files);
+            addFolder(path, files, stop);
         } else if (item.kind == Files::Kind::File && hasAudioExtension(path)) {
             files.push_back(std::move(path));
         }
@@ -37,7 +41,8 @@ void addFolder(const std::filesystem::path &folder, std::vector<std::filesystem:
 
 } // namespace
 
-std::vector<std::filesystem::path> scanAudio(const std::vector<std::filesystem::path> &urls)
+std::vector<std::filesystem::path> scanAudio(
+    const std::vector<std::filesystem::path> &urls, const std::stop_token &stop)
 {
     std::vector<std::filesystem::path> files;
     for (const std::filesystem::path &given : urls) {
@@ -46,7 +51,7 @@ std::vector<std::filesystem::path> scanAudio(const std::vector<std::filesystem::
             continue;
         }
         if (Files::isDirectory(url)) {
-            addFolder(url, files);
+            addFolder(url, files, stop);
         } else if (hasAudioExtension(url)) {
             files.push_back(url);
         }

@@ -150,22 +150,27 @@ const std::optional<QByteArray> &TrackReader::folderCover()
     return m_folder.cover;
 }
 
-std::vector<Track> readTracks(TrackImport import, const ImportProgress &progress)
+TracksRead readTracks(TrackImport import, const ImportProgress &progress, const std::stop_token &stop)
 {
-    constexpr int progressInterval = 20; // files
-    std::vector<std::filesystem::path> files = scanAudio(import.urls);
+    std::vector<std::filesystem::path> files = scanAudio(import.urls, stop);
+    if (stop.stop_requested()) {
+        return {.tracks = {}, .isStopped = true};
+    }
     std::transform(files.begin(), files.end(), files.begin(), Files::standardized);
     TextOrder::stableSort(files, [](const std::filesystem::path &file) { return Files::text(file); });
     TrackReader reader(std::move(import.artworkOverrides), import.artwork);
-    std::vector<Track> tracks;
+    TracksRead read;
     for (std::size_t i = 0; i < files.size(); ++i) {
         if (!import.known.insert(files[i].native()).second) {
             continue;
         }
-        tracks.push_back(reader.read(files[i]));
-        if (i % progressInterval == 0) {
-            progress(int(i + 1), int(files.size()));
+        if (stop.stop_requested()) {
+            ++read.left;
+            continue;
         }
+        read.tracks.push_back(reader.read(files[i]));
+        progress(int(i + 1), int(files.size()));
     }
-    return tracks;
+    read.isStopped = read.left > 0;
+    return read;
 }

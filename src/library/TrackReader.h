@@ -14,6 +14,7 @@
 
 #include <functional>
 #include <optional>
+#include <stop_token>
 #include <unordered_set>
 #include <vector>
 
@@ -25,11 +26,20 @@ struct TrackImport {
     std::vector<QByteArray> artwork; ///< covers held already, for new tracks to share
 };
 
-/// Called for every twentieth file, with the number of files done and of all found.
+/// What one import found.
+struct TracksRead {
+    std::vector<Track> tracks;
+    bool isStopped = false; ///< before all were read
+    int left = 0; ///< new files that were found and not read; not known where the stop came while they were looked for
+};
+
+/// Called after each file that is read, with the number of files done and of all found.
 using ImportProgress = std::function<void(int done, int total)>;
 
 /// Reads the new audio files among and below the given ones, in the order of their paths as a file manager shows them.
-[[nodiscard]] std::vector<Track> readTracks(TrackImport import, const ImportProgress &progress);
+/// Ends before the next file once `stop` is requested.
+[[nodiscard]] TracksRead readTracks(
+    TrackImport import, const ImportProgress &progress, const std::stop_token &stop = {});
 
 /// The key of "artworkOverrides": artist, NUL, album, NUL, folder.
 [[nodiscard]] QString overrideKey(const QString &artist, const QString &album, const std::filesystem::path &folder);

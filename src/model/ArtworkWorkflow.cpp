@@ -61,12 +61,12 @@ std::vector<std::filesystem::path> filesOf(const Album &album)
     return files;
 }
 
-/// Albums whose cover the firmware cannot show as it is, but that have a picture to make one of.
-std::vector<Album> repairableAlbums(
-    const std::vector<Track> &tracks, const std::optional<std::filesystem::path> &deviceRoot)
+/// Albums whose cover the firmware cannot show as it is, but that have a picture to make one of. None after a stop.
+std::vector<Album> repairableAlbums(const std::vector<Track> &tracks,
+    const std::optional<std::filesystem::path> &deviceRoot, const std::stop_token &stop)
 {
     QSet<QUuid> flawed;
-    for (const QualityIssue &issue : CollectionQuality::inspect(tracks, deviceRoot)) {
+    for (const QualityIssue &issue : CollectionQuality::inspect(tracks, deviceRoot, stop)) {
         if (issue.kind == QualityKind::Covers) {
             for (const Track &track : issue.tracks) {
                 flawed.insert(track.id);
@@ -186,7 +186,7 @@ void MarluneModel::chooseArtwork(const Album &album, bool current, std::optional
 QCoro::Task<> MarluneModel::runArtworkChoice(Album album, PictureSource source, CoverPlace place)
 {
     const QPointer<MarluneModel> self(this);
-    m_work.begin(QStringLiteral("Przygotowuję okładkę…"));
+    m_work.begin(QStringLiteral("Przygotowuję okładkę…"), RunningWork::Ends::AtItsEnd);
     std::optional<QByteArray> picture;
     std::exception_ptr failure;
     try {
@@ -220,7 +220,7 @@ QCoro::Task<> MarluneModel::runArtworkChoice(Album album, PictureSource source, 
 void MarluneModel::repairAvailableCovers()
 {
     if (!m_work.busy()) {
-        m_work.begin(m_work.status(), {std::nullopt, std::nullopt});
+        m_work.begin(m_work.status(), RunningWork::Ends::BetweenFiles, {std::nullopt, std::nullopt});
         runRepair(coverPlace());
     }
 }
@@ -228,9 +228,10 @@ void MarluneModel::repairAvailableCovers()
 QCoro::Task<> MarluneModel::runRepair(CoverPlace place)
 {
     const QPointer<MarluneModel> self(this);
+    const std::stop_token stop = m_work.stopToken();
     // It asks the disk for each file.
-    auto choose = [tracks = activeTracks(), root = place.onDevice ? place.root : std::nullopt] {
-        return repairableAlbums(tracks, root);
+    auto choose = [tracks = activeTracks(), root = place.onDevice ? place.root : std::nullopt, stop] {
+        return repairableAlbums(tracks, root, stop);
     };
     std::vector<Album> albums;
     std::exception_ptr failure;
@@ -244,6 +245,11 @@ QCoro::Task<> MarluneModel::runRepair(CoverPlace place)
     if (!self) {
         co_return;
     }
+    if (!failure && albums.empty() && stop.stop_requested()) {
+        m_work.setStatus(QStringLiteral("Przerwano. Nie zmieniono żadnej okładki."));
+        m_work.end();
+        co_return;
+    }
     if (failure || albums.empty()) {
         m_work.end();
         m_work.setAlert(failure ? describeFailure(failure)
@@ -255,6 +261,9 @@ QCoro::Task<> MarluneModel::runRepair(CoverPlace place)
     int repaired = 0;
     int failed = 0;
     for (const Album &album : albums) {
+        if (stop.stop_requested()) {
+            break;
+        }
         try {
             auto applying = applyArtwork(album, album.artworkBytes().value(), place);
             co_await applying;
@@ -267,12 +276,17 @@ QCoro::Task<> MarluneModel::runRepair(CoverPlace place)
         }
         m_work.report(double(repaired + failed) / double(albums.size()));
     }
-    m_work.setStatus(QStringLiteral("Naprawione albumy: ") + QString::number(repaired)
-        + QStringLiteral(". Nie udało się naprawić: ") + QString::number(failed) + u'.');
-    m_work.setAlert(m_work.status() + u'\n'
-        + (place.onDevice ? QStringLiteral("Poprzednie obrazy z iPoda mają kopię na Macu.")
-                          : QStringLiteral("Okładki są gotowe do wgrania razem z albumami."))
-        + QStringLiteral("\nBrakujące lub nieczytelne obrazy wymagają wyboru nowej okładki."));
+    const QString counts = QStringLiteral(". Nie udało się naprawić: ") + QString::number(failed) + u'.';
+    if (repaired + failed < int(albums.size())) {
+        m_work.setStatus(QStringLiteral("Przerwano. Naprawione albumy: ") + QString::number(repaired)
+            + QStringLiteral(" z ") + QString::number(albums.size()) + counts);
+    } else {
+        m_work.setStatus(QStringLiteral("Naprawione albumy: ") + QString::number(repaired) + counts);
+        m_work.setAlert(m_work.status() + u'\n'
+            + (place.onDevice ? QStringLiteral("Poprzednie obrazy z iPoda mają kopię na Macu.")
+                              : QStringLiteral("Okładki są gotowe do wgrania razem z albumami."))
+            + QStringLiteral("\nBrakujące lub nieczytelne obrazy wymagają wyboru nowej okładki."));
+    }
     m_work.end();
     refresh();
 }

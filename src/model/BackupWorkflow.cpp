@@ -2,6 +2,7 @@
 #include "model/Model.h"
 
 #include "storage/Backup.h"
+#include "storage/DeviceAnchor.h"
 
 #include "platform/MarluneError.h"
 #include "platform/files/FileWriting.h"
@@ -12,11 +13,9 @@
 
 std::filesystem::path MarluneModel::newBackupURL() const
 {
-    const std::filesystem::path location = backupRoot();
-    Files::makeFolders(location);
     const QString moment = QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd_HH-mm-ss"));
     // The last part keeps two backups of one second apart.
-    return location / (moment.toStdString() + '_' + Files::newIdentifier().substr(0, 6));
+    return backupRoot() / (moment.toStdString() + '_' + Files::newIdentifier().substr(0, 6));
 }
 
 void MarluneModel::backup()
@@ -24,21 +23,17 @@ void MarluneModel::backup()
     if (!m_device || m_work.busy()) {
         return;
     }
-    std::filesystem::path destination;
-    try {
-        destination = newBackupURL();
-    } catch (const std::exception &) {
-        m_work.setAlert(describeFailure(std::current_exception()));
-        return;
-    }
-    m_work.begin(QStringLiteral("Tworzę kopię ustawień…"));
-    runBackup(m_device->root, std::move(destination));
+    m_work.begin(QStringLiteral("Tworzę kopię ustawień…"), RunningWork::Ends::BetweenFiles);
+    runBackup(m_device->root, newBackupURL());
 }
 
 QCoro::Task<> MarluneModel::runBackup(std::filesystem::path root, std::filesystem::path destination)
 {
     const QPointer<MarluneModel> self(this);
-    auto work = [root, destination] { Storage::backup(root, destination); };
+    auto work = [root, destination, stop = m_work.stopToken()] {
+        Files::makeFolders(destination.parent_path());
+        return Storage::backup(Storage::DeviceAnchor(root), destination, stop);
+    };
     const auto outcome = co_await attempt(work);
     if (!self) {
         co_return;
@@ -46,6 +41,8 @@ QCoro::Task<> MarluneModel::runBackup(std::filesystem::path root, std::filesyste
     if (outcome.failure) {
         m_work.setAlert(describeFailure(outcome.failure));
         m_work.setStatus(QStringLiteral("Nie udało się zapisać kopii"));
+    } else if (!*outcome.value) {
+        m_work.setStatus(QStringLiteral("Przerwano tworzenie kopii. Niczego nie zapisano."));
     } else {
         m_work.setStatus(QStringLiteral("Kopia ustawień zapisana na Macu"));
     }

@@ -235,6 +235,13 @@ std::shared_ptr<const Album> Browsing::albumWith(const QUuid &trackId) const
     return nullptr;
 }
 
+std::shared_ptr<const Album> Browsing::albumOf(const QString &albumId) const
+{
+    const AlbumList &all = everyAlbum();
+    const auto found = std::find_if(all.begin(), all.end(), [&](const auto &album) { return album->id() == albumId; });
+    return found == all.end() ? nullptr : *found;
+}
+
 std::shared_ptr<const AlbumList> Browsing::albums() const
 {
     Derived &kept = derived();

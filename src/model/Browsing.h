@@ -59,6 +59,8 @@ public:
     [[nodiscard]] std::shared_ptr<const AlbumList> albums() const;
     /// The album, filtered out or not, that holds a track of this id.
     [[nodiscard]] std::shared_ptr<const Album> albumWith(const QUuid &trackId) const;
+    /// The one of this identity, filtered out or not.
+    [[nodiscard]] std::shared_ptr<const Album> albumOf(const QString &albumId) const;
     [[nodiscard]] std::shared_ptr<const std::vector<Track>> filteredTracks() const;
     /// The number of filteredTracks(), without making the list.
     [[nodiscard]] std::size_t filteredTrackCount() const;

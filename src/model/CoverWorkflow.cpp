@@ -40,7 +40,7 @@ void MarluneModel::downloadCover(
     if (m_work.busy()) {
         return;
     }
-    m_work.begin(QStringLiteral("Pobieram okładkę…"));
+    m_work.begin(QStringLiteral("Pobieram okładkę…"), RunningWork::Ends::BetweenFiles);
     m_coverRequest = std::make_unique<QObject>();
     runCoverDownload(candidate, album, coverPlace(onDeviceOverride));
 }
@@ -49,11 +49,19 @@ void MarluneModel::downloadCover(
 QCoro::Task<> MarluneModel::fetchCover(CoverCandidate candidate, Album album, CoverPlace place)
 {
     const QPointer<MarluneModel> self(this);
+    const std::stop_token stop = m_work.stopToken();
+    const auto requireGo = [&stop] {
+        if (stop.stop_requested()) {
+            throw std::system_error(std::make_error_code(std::errc::operation_canceled));
+        }
+    };
+    requireGo();
     auto fetching = m_environment.covers.image(candidate, *m_coverRequest);
     const QByteArray image = co_await fetching;
     if (!self) {
         co_return;
     }
+    requireGo();
     auto applying = applyArtwork(album, image, place);
     co_await applying;
     if (self) {
@@ -64,6 +72,7 @@ QCoro::Task<> MarluneModel::fetchCover(CoverCandidate candidate, Album album, Co
 QCoro::Task<> MarluneModel::runCoverDownload(CoverCandidate candidate, Album album, CoverPlace place)
 {
     const QPointer<MarluneModel> self(this);
+    const std::stop_token stop = m_work.stopToken();
     std::exception_ptr failure;
     try {
         auto holding = heldPlace(place);
@@ -79,12 +88,15 @@ QCoro::Task<> MarluneModel::runCoverDownload(CoverCandidate candidate, Album alb
     if (!self) {
         co_return;
     }
-    if (failure) {
+    if (failure && stop.stop_requested()) {
+        m_work.setStatus(QStringLiteral("Przerwano pobieranie okładki."));
+    } else if (failure) {
         m_work.setStatus(QStringLiteral("Nie udało się pobrać okładki: ") + describeFailure(failure));
     } else {
         m_work.setStatus(place.onDevice ? QStringLiteral("Pobrano i zapisano okładkę na iPodzie.")
                                         : QStringLiteral("Pobrano okładkę; zostanie wgrana razem z albumem."));
     }
+    m_coverRequest.reset();
     m_work.end();
     refresh();
 }
@@ -103,7 +115,7 @@ void MarluneModel::findMissingCovers()
     if (albums.empty()) {
         return;
     }
-    m_work.begin(QStringLiteral("Szukam brakujących okładek…"));
+    m_work.begin(QStringLiteral("Szukam brakujących okładek…"), RunningWork::Ends::BetweenFiles);
     m_coverRequest = std::make_unique<QObject>();
     runCoverSearch(std::move(albums), coverPlace());
 }
@@ -118,7 +130,7 @@ QCoro::Task<MarluneModel::CoverFinding> MarluneModel::findCover(Album album, Cov
         const std::optional<CoverCandidate> match = onlyMatch(candidates, album);
         if (!match) {
             finding = CoverFinding::Manual;
-        } else if (self && m_coverRequest) {
+        } else if (self) {
             auto fetching = fetchCover(*match, album, place);
             co_await fetching;
             finding = CoverFinding::Added;
@@ -132,6 +144,7 @@ QCoro::Task<MarluneModel::CoverFinding> MarluneModel::findCover(Album album, Cov
 QCoro::Task<> MarluneModel::runCoverSearch(std::vector<Album> albums, CoverPlace place)
 {
     const QPointer<MarluneModel> self(this);
+    const std::stop_token stop = m_work.stopToken();
     std::map<CoverFinding, int> counts;
     int done = 0;
     try {
@@ -143,7 +156,7 @@ QCoro::Task<> MarluneModel::runCoverSearch(std::vector<Album> albums, CoverPlace
         co_return;
     }
     for (const Album &album : albums) {
-        if (!m_coverRequest) { // the window waits to close
+        if (stop.stop_requested()) {
             break;
         }
         CoverFinding finding = CoverFinding::Unavailable;
@@ -153,6 +166,9 @@ QCoro::Task<> MarluneModel::runCoverSearch(std::vector<Album> albums, CoverPlace
             if (!self) {
                 co_return;
             }
+            if (finding != CoverFinding::Added && stop.stop_requested()) {
+                break; // what was not asked to its end is not known
+            }
         }
         ++counts[finding];
         ++done;
@@ -161,11 +177,18 @@ QCoro::Task<> MarluneModel::runCoverSearch(std::vector<Album> albums, CoverPlace
             + QString::number(albums.size()) + QStringLiteral(" · dodano: ")
             + QString::number(counts[CoverFinding::Added]));
     }
+    m_coverRequest.reset();
     refresh();
     m_work.end();
-    m_work.setStatus(QStringLiteral("Dodano okładki: ") + QString::number(counts[CoverFinding::Added])
+    const QString result = QStringLiteral("Dodano okładki: ") + QString::number(counts[CoverFinding::Added])
         + QStringLiteral(". Do wyboru ręcznie: ") + QString::number(counts[CoverFinding::Manual])
-        + QStringLiteral(". Niedostępne: ") + QString::number(counts[CoverFinding::Unavailable]) + u'.');
+        + QStringLiteral(". Niedostępne: ") + QString::number(counts[CoverFinding::Unavailable]) + u'.';
+    if (done < int(albums.size())) {
+        m_work.setStatus(QStringLiteral("Przerwano. Sprawdzono albumy: ") + QString::number(done)
+            + QStringLiteral(" z ") + QString::number(albums.size()) + QStringLiteral(". ") + result);
+        co_return;
+    }
+    m_work.setStatus(result);
     m_work.setAlert(m_work.status()
         + QStringLiteral("\nPrzy pozostałych albumach użyj „Znajdź w sieci…” lub wybierz własny obraz."));
 }

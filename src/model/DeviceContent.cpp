@@ -121,6 +121,10 @@ void MarluneModel::setDeviceContent(DeviceContent content)
 {
     const DeviceContent before = std::exchange(m_content, std::move(content));
     if (before.themes != m_content.themes) {
+        const std::vector<Theme> &themes = m_content.themes;
+        if (m_openTheme && std::find(themes.begin(), themes.end(), *m_openTheme) == themes.end()) {
+            setOpenTheme(std::nullopt);
+        }
         Q_EMIT themesChanged();
     }
     if (before.themePreviews != m_content.themePreviews) {

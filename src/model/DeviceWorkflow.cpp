@@ -12,6 +12,23 @@
 #include <algorithm>
 #include <utility>
 
+namespace {
+
+std::vector<std::filesystem::path> backupsIn(const std::filesystem::path &root)
+{
+    std::vector<std::filesystem::path> backups;
+    for (const Files::FolderItem &item : Files::readableItemsOf(root)) {
+        if (!item.name.starts_with('.')) {
+            backups.push_back(root / item.name);
+        }
+    }
+    // Their names begin with the date.
+    std::sort(backups.begin(), backups.end(), [](const auto &a, const auto &b) { return a.filename() > b.filename(); });
+    return backups;
+}
+
+} // namespace
+
 void MarluneModel::refresh()
 {
     if (!m_finder.begin()) {
@@ -71,20 +88,31 @@ void MarluneModel::applyDevices(std::vector<Device> found)
     }
 }
 
+/// In the background, since a home folder on a network can hang as a device can; one reading at a time.
 void MarluneModel::readBackups()
 {
-    std::vector<std::filesystem::path> backups;
-    for (const Files::FolderItem &item : Files::readableItemsOf(backupRoot())) {
-        if (!item.name.starts_with('.')) {
-            backups.push_back(backupRoot() / item.name);
+    m_backupsOutdated = true;
+    if (!m_readingBackups) {
+        runBackupsReading();
+    }
+}
+
+QCoro::Task<> MarluneModel::runBackupsReading()
+{
+    const QPointer<MarluneModel> self(this);
+    m_readingBackups = true;
+    while (std::exchange(m_backupsOutdated, false)) {
+        auto work = [root = backupRoot()] { return backupsIn(root); };
+        auto backups = co_await attempt(work, JobPriority::Utility);
+        if (!self) {
+            co_return;
+        }
+        if (backups.value && m_backups != *backups.value) {
+            m_backups = std::move(*backups.value);
+            Q_EMIT backupsChanged();
         }
     }
-    // Their names begin with the date.
-    std::sort(backups.begin(), backups.end(), [](const auto &a, const auto &b) { return a.filename() > b.filename(); });
-    if (m_backups != backups) {
-        m_backups = std::move(backups);
-        Q_EMIT backupsChanged();
-    }
+    m_readingBackups = false;
 }
 
 void MarluneModel::setDevice(const std::optional<Device> &device)
@@ -92,6 +120,7 @@ void MarluneModel::setDevice(const std::optional<Device> &device)
     if (m_device != device) {
         if (!m_device || !device || m_device->root != device->root) {
             ++m_visit;
+            setOpenTheme(std::nullopt);
         }
         m_device = device;
         Q_EMIT deviceChanged();
@@ -110,7 +139,7 @@ void MarluneModel::clearDeviceMusic()
 {
     setTransferred({});
     if (libraryOnDevice()) {
-        m_duplicates.forget();
+        forgetDuplicates();
     }
     m_browsing.clearDevice();
     onTracksChanged();
@@ -187,7 +216,7 @@ QCoro::Task<> MarluneModel::runEject(Device device)
     // An open file would hold the volume.
     abandonDeviceContent();
     auto closeTrack = m_playback.release(device.root);
-    m_work.begin(QStringLiteral("Wysuwam iPoda…"));
+    m_work.begin(QStringLiteral("Wysuwam iPoda…"), RunningWork::Ends::AtItsEnd);
     auto ejectVolume = [ejector = m_environment.ejectVolume, root = device.root, closeTrack] {
         closeTrack();
         ejector(root);

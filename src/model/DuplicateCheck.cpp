@@ -1,6 +1,5 @@
 #include "model/DuplicateCheck.h"
 
-#include <optional>
 #include <utility>
 
 namespace {
@@ -20,12 +19,11 @@ QString DuplicateCheck::interrupted()
     return QStringLiteral("Sprawdzanie przerwane — wynik nie jest kompletny.");
 }
 
-std::stop_token DuplicateCheck::begin()
+void DuplicateCheck::begin()
 {
     set(QStringLiteral("Sprawdzam zawartość plików…"));
     m_running = true;
-    m_stop = std::stop_source();
-    return m_stop.get_token();
+    m_overtaken = false;
 }
 
 void DuplicateCheck::finish(std::vector<QualityIssue> found)
@@ -33,25 +31,25 @@ void DuplicateCheck::finish(std::vector<QualityIssue> found)
     const QString groups = QString::number(found.size());
     set(QStringLiteral("Znaleziono grup identycznych plików: ") + groups
             + QStringLiteral(". Sprawdzone przez SHA-256."),
-        std::move(found));
+        std::move(found), true);
 }
 
-void DuplicateCheck::fail()
+void DuplicateCheck::interrupt(std::vector<QualityIssue> found)
 {
-    set(interrupted());
+    set(interrupted(), std::move(found));
 }
 
 void DuplicateCheck::forget()
 {
-    m_stop.request_stop();
+    m_overtaken = true;
     set(notChecked);
 }
 
-void DuplicateCheck::set(const QString &status, std::optional<std::vector<QualityIssue>> found)
+void DuplicateCheck::set(const QString &status, std::vector<QualityIssue> found, bool isComplete)
 {
-    if (m_complete || found) {
-        m_complete = found.has_value();
-        m_issues = std::move(found).value_or(std::vector<QualityIssue> {});
+    if (m_complete || isComplete || m_issues != found) {
+        m_complete = isComplete;
+        m_issues = std::move(found);
         m_listener.issuesChanged();
     }
     if (m_status != status) {

@@ -7,7 +7,6 @@
 #include "quality/QualityIssue.h"
 
 #include <functional>
-#include <stop_token>
 
 class DuplicateCheck {
 public:
@@ -19,30 +18,30 @@ public:
 
     [[nodiscard]] const std::vector<QualityIssue> &issues() const { return m_issues; }
     [[nodiscard]] const QString &status() const { return m_status; }
-    /// Whether the issues are all that there are: a check came to its end.
+    /// Whether the issues are all that there are: a check came to its end. Those of one that was stopped are a part.
     [[nodiscard]] bool isComplete() const { return m_complete; }
     [[nodiscard]] bool isRunning() const { return m_running; }
+    /// Whether other tracks have come since the check began: what it finds is of no use any more.
+    [[nodiscard]] bool isOvertaken() const { return m_overtaken; }
 
-    /// Begins a check. Once the token asks for a stop, what the check finds is of no use any more.
-    [[nodiscard]] std::stop_token begin();
+    void begin();
     void finish(std::vector<QualityIssue> found);
-    /// The check could not be completed.
-    void fail();
+    /// The check was not completed; `found` is what is known by then.
+    void interrupt(std::vector<QualityIssue> found = {});
     /// The check is over, whatever came of it.
     void end() { m_running = false; }
-    void stop() { m_stop.request_stop(); }
     /// Other tracks are there now, and nothing is known of them.
     void forget();
-    /// What fail() says.
+    /// What interrupt() says.
     [[nodiscard]] static QString interrupted();
 
 private:
-    void set(const QString &status, std::optional<std::vector<QualityIssue>> found = {});
+    void set(const QString &status, std::vector<QualityIssue> found = {}, bool isComplete = false);
 
     Listener m_listener;
     std::vector<QualityIssue> m_issues;
     QString m_status;
-    std::stop_source m_stop; ///< of the present check
     bool m_running = false;
+    bool m_overtaken = false;
     bool m_complete = false;
 };

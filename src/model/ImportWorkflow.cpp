@@ -37,16 +37,19 @@ void MarluneModel::importMusic()
 
 void MarluneModel::importURLs(const std::vector<std::filesystem::path> &urls, bool fromDevice, bool enqueue)
 {
-    beginImport([urls] { return urls; }, fromDevice, enqueue);
+    beginImport([urls](const std::stop_token &) { return urls; },
+        fromDevice    ? ImportKind::Device
+            : enqueue ? ImportKind::Enqueued
+                      : ImportKind::Added);
 }
 
-void MarluneModel::beginImport(ImportSource source, bool fromDevice, bool enqueue)
+void MarluneModel::beginImport(ImportSource source, ImportKind kind)
 {
     if (m_work.busy()) {
         return;
     }
-    m_work.begin(QStringLiteral("Odczytuję albumy…"));
-    runImport(std::move(source), fromDevice, enqueue);
+    m_work.begin(QStringLiteral("Odczytuję albumy…"), RunningWork::Ends::BetweenFiles);
+    runImport(std::move(source), kind);
 }
 
 void MarluneModel::restoreLibrary()
@@ -55,9 +58,13 @@ void MarluneModel::restoreLibrary()
     if (stored.isEmpty()) {
         return;
     }
-    const auto remaining = [stored]() -> std::optional<std::vector<std::filesystem::path>> {
+    m_unrestored = QSet<QString>(stored.begin(), stored.end());
+    const auto remaining = [stored](const std::stop_token &stop) -> std::optional<std::vector<std::filesystem::path>> {
         std::vector<std::filesystem::path> files;
         for (const QString &path : stored) {
+            if (stop.stop_requested()) {
+                return files;
+            }
             std::filesystem::path file = Files::fromText(path);
             if (Files::exists(file)) {
                 files.push_back(std::move(file));
@@ -65,7 +72,7 @@ void MarluneModel::restoreLibrary()
         }
         return files.empty() ? std::nullopt : std::optional(std::move(files));
     };
-    beginImport(remaining, false, false);
+    beginImport(remaining, ImportKind::Restored);
 }
 
 TrackImport MarluneModel::prepareImport(bool fromDevice) const
@@ -80,21 +87,26 @@ TrackImport MarluneModel::prepareImport(bool fromDevice) const
     return import;
 }
 
-QCoro::Task<> MarluneModel::runImport(ImportSource source, bool fromDevice, bool enqueue)
+QCoro::Task<> MarluneModel::runImport(ImportSource source, ImportKind kind)
 {
+    constexpr int progressInterval = 20; // files
     const QPointer<MarluneModel> self(this);
     const int visit = m_visit;
-    std::optional<std::vector<Track>> read;
+    const bool fromDevice = kind == ImportKind::Device;
+    std::optional<TracksRead> read;
     std::exception_ptr failure;
     try {
-        auto work = [import = prepareImport(fromDevice), source = std::move(source),
-                        self]() mutable -> std::optional<std::vector<Track>> {
-            auto urls = source();
+        auto work = [import = prepareImport(fromDevice), source = std::move(source), self,
+                        stop = m_work.stopToken()]() mutable -> std::optional<TracksRead> {
+            auto urls = source(stop);
             if (!urls) {
                 return std::nullopt;
             }
             import.urls = std::move(*urls);
-            return readTracks(std::move(import), [self](int done, int total) {
+            const ImportProgress progress = [self](int done, int total) {
+                if (done % progressInterval != 1) {
+                    return;
+                }
                 postToUi([self, done, total] {
                     if (self && self->m_work.busy()) {
                         self->m_work.report(double(done) / std::max(total, 1));
@@ -102,7 +114,8 @@ QCoro::Task<> MarluneModel::runImport(ImportSource source, bool fromDevice, bool
                             + QStringLiteral(" / ") + QString::number(total));
                     }
                 });
-            });
+            };
+            return readTracks(std::move(import), progress, stop);
         };
         read = co_await background(work);
     } catch (const std::exception &) {
@@ -116,6 +129,7 @@ QCoro::Task<> MarluneModel::runImport(ImportSource source, bool fromDevice, bool
         m_work.setStatus(QStringLiteral("Nie udało się odczytać muzyki"));
         m_work.setAlert(describeFailure(failure));
     } else if (!read) {
+        m_unrestored.clear(); // none of it is there any more
         m_work.end();
         m_work.putStatusBack();
     } else if (fromDevice && visit != m_visit) { // its files are not there, whatever device has come meanwhile
@@ -124,29 +138,42 @@ QCoro::Task<> MarluneModel::runImport(ImportSource source, bool fromDevice, bool
                 ? QStringLiteral("iPod został zmieniony podczas odczytu. Odczytaj muzykę jeszcze raz.")
                 : QStringLiteral("iPod został odłączony"));
     } else {
-        applyImport(std::move(*read), fromDevice, enqueue);
+        applyImport(std::move(*read), kind);
     }
 }
 
-void MarluneModel::applyImport(std::vector<Track> read, bool fromDevice, bool enqueue)
+void MarluneModel::applyImport(TracksRead read, ImportKind kind)
 {
-    const std::size_t count = read.size();
-    if (!fromDevice && enqueue) {
-        m_browsing.enqueue(read);
+    const bool fromDevice = kind == ImportKind::Device;
+    const std::size_t count = read.tracks.size();
+    if (kind == ImportKind::Enqueued) {
+        m_browsing.enqueue(read.tracks);
     }
-    m_browsing.append(fromDevice ? Side::Device : Side::Computer, std::move(read));
+    m_browsing.append(fromDevice ? Side::Device : Side::Computer, std::move(read.tracks));
+    if (kind == ImportKind::Restored && !read.isStopped) {
+        m_unrestored.clear();
+    }
     if (!fromDevice) {
         storeLibraryPaths();
         setLibraryOnDevice(false);
     }
-    m_duplicates.forget();
+    forgetDuplicates();
     if (count > 0) {
         onTracksChanged();
         Q_EMIT selectionChanged();
     }
     m_work.end();
-    m_work.setStatus(count == 0 ? QStringLiteral("Nie znaleziono nowych plików audio")
-                                : QStringLiteral("Odczytano utwory: ") + QString::number(count));
+    const QString found = QStringLiteral("Odczytano utwory: ") + QString::number(count);
+    if (read.isStopped) {
+        const QString left
+            = read.left > 0 ? QStringLiteral(". Pozostało: ") + QString::number(read.left) + u'.' : QStringLiteral(".");
+        const QString rest = fromDevice    ? QStringLiteral(" Lista muzyki z iPoda jest niepełna.")
+            : kind == ImportKind::Restored ? QStringLiteral(" Reszta biblioteki wróci przy następnym uruchomieniu.")
+                                           : QString();
+        m_work.setStatus(QStringLiteral("Przerwano. ") + found + left + rest);
+    } else {
+        m_work.setStatus(count == 0 ? QStringLiteral("Nie znaleziono nowych plików audio") : found);
+    }
 }
 
 void MarluneModel::scanDeviceMusic()
@@ -156,19 +183,22 @@ void MarluneModel::scanDeviceMusic()
     }
     m_browsing.clearDevice();
     setLibraryOnDevice(true);
-    m_duplicates.forget();
+    forgetDuplicates();
     onTracksChanged();
     Q_EMIT selectionChanged();
-    beginImport([root = m_device->root] { return deviceMusicFolders(root); }, true, false);
+    beginImport(
+        [root = m_device->root](const std::stop_token &) { return deviceMusicFolders(root); }, ImportKind::Device);
 }
 
 void MarluneModel::storeLibraryPaths()
 {
     QStringList paths;
-    paths.reserve(qsizetype(tracks().size()));
+    paths.reserve(qsizetype(tracks().size()) + m_unrestored.size());
     for (const Track &track : tracks()) {
         paths.append(Files::text(track.url));
+        m_unrestored.remove(paths.back());
     }
+    paths.append(m_unrestored.values());
     m_environment.settings.setTexts(QStringLiteral("libraryPaths"), paths);
 }
 
@@ -182,7 +212,7 @@ void MarluneModel::forget(const Album &album)
         ids.insert(track.id);
     }
     m_browsing.remove(ids);
-    m_duplicates.forget();
+    forgetDuplicates();
     storeLibraryPaths();
     onTracksChanged();
     Q_EMIT selectionChanged();

@@ -7,6 +7,11 @@ void MarluneModel::onTracksChanged()
     Q_EMIT browsingChanged();
 }
 
+void MarluneModel::reorder()
+{
+    Q_EMIT browsingChanged(); // which sorts by the new ones
+}
+
 void MarluneModel::setArtwork(const QSet<QUuid> &ids, const QByteArray &image, bool onDevice)
 {
     m_browsing.setArtwork(onDevice ? Side::Device : Side::Computer, ids, image);
@@ -19,7 +24,7 @@ void MarluneModel::setArtwork(const QSet<QUuid> &ids, const QByteArray &image, b
 void MarluneModel::setLibraryOnDevice(bool onDevice)
 {
     if (m_browsing.setSide(onDevice ? Side::Device : Side::Computer)) {
-        m_duplicates.forget();
+        forgetDuplicates();
         Q_EMIT libraryOnDeviceChanged();
         Q_EMIT browsingChanged();
     }
@@ -78,8 +83,10 @@ void MarluneModel::setTileSize(double size)
 
 void MarluneModel::setOpenAlbum(const std::optional<Album> &album)
 {
-    m_openAlbum = album;
-    Q_EMIT openAlbumChanged();
+    if (m_openAlbum != album) {
+        m_openAlbum = album;
+        Q_EMIT openAlbumChanged();
+    }
 }
 
 void MarluneModel::toggle(const Album &album)

@@ -26,6 +26,7 @@ MarluneModel::MarluneModel(ModelEnvironment environment, QObject *parent)
                          Q_EMIT busyChanged();
                          Q_EMIT workingChanged();
                      },
+                 .cancellingChanged = [this] { Q_EMIT cancellingChanged(); },
                  .progressChanged = [this] { Q_EMIT progressChanged(); },
                  .statusChanged = [this] { Q_EMIT statusChanged(); },
                  .alertChanged = [this] { Q_EMIT alertChanged(); }},
@@ -65,7 +66,7 @@ MarluneModel::~MarluneModel()
 {
     m_environment.settings.onWriteFailure({});
     m_contentReading.request_stop();
-    m_duplicates.stop();
+    m_work.cancel();
     (void)BackgroundJobs::drain(drainTimeout);
 }
 
@@ -100,6 +101,21 @@ MarluneModel::JobProgress MarluneModel::postedProgress(std::vector<double> share
 std::filesystem::path MarluneModel::backupRoot() const
 {
     return m_environment.supportFolder / "Marlune" / "Backups";
+}
+
+void MarluneModel::cancelWork()
+{
+    m_work.cancel();
+    if (m_work.cancelling()) {
+        m_coverRequest.reset();
+    }
+}
+
+void MarluneModel::endCoverRequests()
+{
+    if (m_coverRequest) {
+        cancelWork();
+    }
 }
 
 void MarluneModel::dismissAlert()

@@ -28,7 +28,7 @@
 #include <stop_token>
 
 struct TrackImport;
-struct TransferResult;
+struct TracksRead;
 namespace Storage {
 class DeviceAnchor;
 }
@@ -37,6 +37,8 @@ class MarluneModel : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString section READ sectionText WRITE setSectionText NOTIFY sectionChanged)
     Q_PROPERTY(bool busy READ busy NOTIFY busyChanged)
+    Q_PROPERTY(bool cancellable READ cancellable NOTIFY busyChanged)
+    Q_PROPERTY(bool cancelling READ cancelling NOTIFY cancellingChanged)
     Q_PROPERTY(double progress READ progress NOTIFY progressChanged)
     Q_PROPERTY(QString status READ status NOTIFY statusChanged)
     Q_PROPERTY(QString alert READ alertText NOTIFY alertChanged)
@@ -103,6 +105,9 @@ public:
     Q_INVOKABLE void fetchThemePreviews();
     /// The theme that the device has active.
     [[nodiscard]] std::optional<Theme> configuredTheme() const;
+    /// The theme that is being looked at; none once the device, or the theme on it, has gone.
+    [[nodiscard]] const std::optional<Theme> &openTheme() const { return m_openTheme; }
+    void setOpenTheme(const std::optional<Theme> &theme);
     /// Asks for a picture and keeps a copy of it as the theme's preview. What is no picture is ignored.
     void chooseThemePreview(const Theme &theme);
     /// Asks for a theme's package and installs it on the selected device, with a backup before that. A call while a
@@ -139,6 +144,10 @@ public:
     {
         return m_browsing.albumWith(trackId);
     }
+    [[nodiscard]] std::shared_ptr<const Album> albumOf(const QString &albumId) const
+    {
+        return m_browsing.albumOf(albumId);
+    }
     [[nodiscard]] std::shared_ptr<const std::vector<Track>> filteredTracks() const
     {
         return m_browsing.filteredTracks();
@@ -158,6 +167,9 @@ public:
     void setTileSize(double size);
     [[nodiscard]] const std::optional<Album> &openAlbum() const { return m_openAlbum; }
     void setOpenAlbum(const std::optional<Album> &album);
+
+    /// The rules of text order have changed.
+    void reorder();
 
     // The carousel of the device's albums, in a window of its own.
     [[nodiscard]] bool showCoverFlow() const { return m_showCoverFlow; }
@@ -208,7 +220,7 @@ public:
     [[nodiscard]] std::vector<std::filesystem::path> playlistTracks() const;
     /// Writes them to the device as a playlist. A call while one is being written is dropped.
     Q_INVOKABLE void makePlaylist();
-    /// A folder for a new backup: it does not exist yet, its parent does. Throws std::system_error.
+    /// A folder for a new backup: neither it nor its parent need exist yet.
     [[nodiscard]] std::filesystem::path newBackupURL() const;
     /// Copies the settings and themes of the selected device to the computer.
     Q_INVOKABLE void backup();
@@ -220,8 +232,15 @@ public:
     [[nodiscard]] bool busy() const { return m_work.busy(); }
     /// Whether something is under way that the end of the program would cut off; a check for duplicates only reads.
     [[nodiscard]] bool working() const { return (busy() && !m_duplicates.isRunning()) || m_writingPlaylist; }
-    /// Ends the work that waits for the network; what is being written goes on to its end. For a window that closes.
-    void endCoverRequests() { m_coverRequest.reset(); }
+    /// Whether the running job can end between two files.
+    [[nodiscard]] bool cancellable() const { return m_work.cancellable(); }
+    /// Whether it has been asked to, and is about to.
+    [[nodiscard]] bool cancelling() const { return m_work.cancelling(); }
+    /// Has the running job end between two files, and what waits for the network at once. What is complete stays, the
+    /// status says how far it came, and the same job begun again does the rest. Nothing where the job cannot.
+    Q_INVOKABLE void cancelWork();
+    /// The same for a job that waits for the network, and for no other: for a window that closes.
+    void endCoverRequests();
     /// Of the running job's present stage, 0 to 1; 0 where it cannot be said.
     [[nodiscard]] double progress() const { return m_work.progress(); }
     /// What may be shown of the time that the running job still takes; to be asked about once a second.
@@ -263,11 +282,13 @@ Q_SIGNALS:
     void playlistNameChanged();
     void openAlbumChanged();
     void coverLookupChanged();
+    void openThemeChanged();
     /// The queue or the selection on the device changed.
     void selectionChanged();
     void duplicateIssuesChanged();
     void duplicateStatusChanged();
     void busyChanged();
+    void cancellingChanged();
     void workingChanged();
     void progressChanged();
     void statusChanged();
@@ -280,6 +301,7 @@ Q_SIGNALS:
 
 private:
     struct PlannedTransfer;
+    struct EndedTransfer;
     struct PreparedCover;
     /// Where an album is, as it was when the user asked: what it gets goes there, or nowhere.
     struct CoverPlace {
@@ -318,8 +340,10 @@ private:
     void setChoice(const QString &prefix, const QString &id);
     void onTracksChanged();
     void setArtwork(const QSet<QUuid> &ids, const QByteArray &image, bool onDevice);
+    void forgetDuplicates();
     void storeLibraryPaths();
     void readBackups();
+    QCoro::Task<> runBackupsReading();
     void disconnect();
 
     QCoro::Task<> runRefresh();
@@ -333,11 +357,13 @@ private:
         std::filesystem::path zip, std::filesystem::path root, std::filesystem::path backupFolder);
     /// What an import starts from; asked in the background, since the answer can lie on a slow disk. Absent: there is
     /// nothing to import, and all stays as it is.
-    using ImportSource = std::function<std::optional<std::vector<std::filesystem::path>>()>;
-    void beginImport(ImportSource source, bool fromDevice, bool enqueue);
-    QCoro::Task<> runImport(ImportSource source, bool fromDevice, bool enqueue);
+    using ImportSource = std::function<std::optional<std::vector<std::filesystem::path>>(const std::stop_token &stop)>;
+    /// Where the tracks go: to the library, also to the queue, back to the library of the last run, to the device's.
+    enum class ImportKind : std::uint8_t { Added, Enqueued, Restored, Device };
+    void beginImport(ImportSource source, ImportKind kind);
+    QCoro::Task<> runImport(ImportSource source, ImportKind kind);
     QCoro::Task<> runCleanup(Device device);
-    QCoro::Task<> runDuplicateCheck(std::vector<Track> tracks, std::stop_token stop);
+    QCoro::Task<> runDuplicateCheck(std::vector<Track> tracks);
     QCoro::Task<> runTransfer(std::shared_ptr<const PlannedTransfer> transfer);
     QCoro::Task<> runPlaylist(std::filesystem::path root);
     QCoro::Task<> runBackup(std::filesystem::path root, std::filesystem::path destination);
@@ -355,8 +381,7 @@ private:
     QCoro::Task<CoverFinding> findCover(Album album, CoverPlace place);
     QCoro::Task<> runCoverSearch(std::vector<Album> albums, CoverPlace place);
     QCoro::Task<> runRepair(CoverPlace place);
-    void applyTransfer(
-        const PlannedTransfer &transfer, TransferResult result, bool isReplaced, const std::exception_ptr &failure);
+    void applyTransfer(const PlannedTransfer &transfer, EndedTransfer ended, bool isReplaced);
     /// The order of paths as plain text; their own goes by components.
     [[nodiscard]] static bool isBeforeAsText(const std::filesystem::path &a, const std::filesystem::path &b)
     {
@@ -369,7 +394,7 @@ private:
     void rediscover();
     [[nodiscard]] TrackImport prepareImport(bool fromDevice) const;
     void restoreLibrary();
-    void applyImport(std::vector<Track> read, bool fromDevice, bool enqueue);
+    void applyImport(TracksRead read, ImportKind kind);
 
     ModelEnvironment m_environment;
     RunningWork m_work;
@@ -379,20 +404,24 @@ private:
     DeviceFinder m_finder;
     std::optional<Device> m_device;
     Browsing m_browsing;
+    QSet<QString> m_unrestored; ///< stored paths of tracks that did not come back because the reading was ended
     std::vector<std::filesystem::path> m_backups;
+    bool m_readingBackups = false;
+    bool m_backupsOutdated = false; ///< they may have changed since the last reading began
     std::vector<std::filesystem::path> m_transferred;
     DeviceContent m_content;
+    std::optional<Theme> m_openTheme;
     QString m_themePreviewStatus;
     std::deque<std::pair<Theme, std::filesystem::path>> m_previewChoices; ///< the first is being stored
     std::unique_ptr<QObject> m_previewRequest; ///< owns the exchange with the catalogue; its end ends that
     QUuid m_contentGeneration; ///< of the reading that may land
     std::stop_source m_contentReading; ///< ends that reading early
-    QString m_playlistName = QStringLiteral("Moja playlista");
+    QString m_playlistName = m_environment.playlistName;
     bool m_writingPlaylist = false;
     std::optional<Album> m_openAlbum;
     std::optional<Album> m_coverLookup;
     bool m_showCoverFlow = false;
-    std::unique_ptr<QObject> m_coverRequest; ///< owns the exchange about covers; its end ends that
+    std::unique_ptr<QObject> m_coverRequest; ///< while one runs: owns the exchange about covers; its end ends that
     QString m_viewMode;
     double m_tileSize = 0;
     int m_visit = 0; ///< counts selected devices: another one may come to the same place

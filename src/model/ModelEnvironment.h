@@ -32,6 +32,8 @@ struct ModelEnvironment {
     CoverSearch &covers = CoverSearch::shared();
     /// Where listening on the computer is heard, as AudioOutput takes it.
     QByteArray audioOutput = {};
+    /// The name box of the playlist page at the start.
+    QString playlistName = QStringLiteral("Moja playlista");
     /// Whether the library of the last run comes back.
     bool restoreLibrary = true;
     /// After this long a discovery counts as hanging, and the user is told.

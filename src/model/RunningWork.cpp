@@ -13,10 +13,11 @@ std::optional<std::chrono::seconds> RunningWork::timeLeft()
     return m_timeLeft.at(m_clock());
 }
 
-void RunningWork::begin(const QString &status, std::vector<TimeLeft::Expectation> stages)
+void RunningWork::begin(const QString &status, Ends ends, std::vector<TimeLeft::Expectation> stages)
 {
     Q_ASSERT(!m_busy);
     m_statusBefore = m_status;
+    m_stop = ends == Ends::BetweenFiles ? std::stop_source() : std::stop_source(std::nostopstate);
     m_timeLeft.begin(std::move(stages), m_clock());
     setProgress(0);
     setBusy(true);
@@ -52,8 +53,20 @@ void RunningWork::putStatusBack()
 void RunningWork::end()
 {
     Q_ASSERT(m_busy);
+    const bool wasCancelling = cancelling();
+    m_stop = std::stop_source(std::nostopstate);
     m_timeLeft = {};
     setBusy(false);
+    if (wasCancelling) {
+        m_listener.cancellingChanged();
+    }
+}
+
+void RunningWork::cancel()
+{
+    if (m_stop.request_stop()) {
+        m_listener.cancellingChanged();
+    }
 }
 
 void RunningWork::setBusy(bool busy)

@@ -7,6 +7,7 @@
 
 #include "media/pictures/Images.h"
 #include "platform/MarluneError.h"
+#include "platform/files/FileWriting.h"
 #include "platform/files/Files.h"
 
 #include <QPointer>
@@ -49,6 +50,14 @@ std::optional<Theme> MarluneModel::configuredTheme() const
         }
     }
     return sameWps;
+}
+
+void MarluneModel::setOpenTheme(const std::optional<Theme> &theme)
+{
+    if (m_openTheme != theme) {
+        m_openTheme = theme;
+        Q_EMIT openThemeChanged();
+    }
 }
 
 void MarluneModel::chooseThemePreview(const Theme &theme)
@@ -113,22 +122,18 @@ void MarluneModel::installTheme()
 
 void MarluneModel::beginThemeInstall(const std::filesystem::path &zip)
 {
-    std::filesystem::path backupFolder;
-    try {
-        backupFolder = newBackupURL();
-    } catch (const std::exception &) {
-        m_work.setAlert(describeFailure(std::current_exception()));
-        return;
-    }
-    m_work.begin(QStringLiteral("Sprawdzam i instaluję motyw…"));
-    runThemeInstall(zip, m_device->root, std::move(backupFolder));
+    m_work.begin(QStringLiteral("Sprawdzam i instaluję motyw…"), RunningWork::Ends::AtItsEnd);
+    runThemeInstall(zip, m_device->root, newBackupURL());
 }
 
 QCoro::Task<> MarluneModel::runThemeInstall(
     std::filesystem::path zip, std::filesystem::path root, std::filesystem::path backupFolder)
 {
     const QPointer<MarluneModel> self(this);
-    auto work = [zip, root, backupFolder] { return Storage::installTheme(zip, root, backupFolder); };
+    auto work = [zip, root, backupFolder] {
+        Files::makeFolders(backupFolder.parent_path());
+        return Storage::installTheme(zip, root, backupFolder);
+    };
     const auto installed = co_await attempt(work);
     if (!self) {
         co_return;

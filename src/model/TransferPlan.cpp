@@ -6,6 +6,8 @@
 
 #include <QHash>
 
+#include <algorithm>
+#include <iterator>
 #include <map>
 
 namespace {
@@ -82,8 +84,9 @@ TransferPlan planTransfer(const std::vector<Track> &items, const std::vector<Tra
         .files = {}, .covers = planCovers(items), .ids = {}, .shares = copyingShares(items), .stages = {}};
     plan.stages = planStages(plan.covers.size());
     plan.files.reserve(items.size());
+    plan.ids.reserve(items.size());
     for (const Track &track : items) {
-        plan.ids.insert(track.id);
+        plan.ids.push_back(track.id);
         const auto place = places.constFind(track.id);
         if (place == places.constEnd()) {
             plan.files.push_back({track.url, track.artist, track.album, std::nullopt});
@@ -96,6 +99,29 @@ TransferPlan planTransfer(const std::vector<Track> &items, const std::vector<Tra
         plan.files.push_back({track.url, place->album->artist, place->album->title, disc});
     }
     return plan;
+}
+
+std::vector<PlannedCover> wholeCovers(const TransferPlan &plan, std::size_t copied)
+{
+    std::vector<PlannedCover> whole;
+    std::copy_if(plan.covers.begin(), plan.covers.end(), std::back_inserter(whole),
+        [copied](const PlannedCover &cover) { return cover.items.back() < copied; });
+    return whole;
+}
+
+QSet<QUuid> finishedItems(const TransferPlan &plan, std::size_t copied, std::size_t covered)
+{
+    QSet<QUuid> finished(plan.ids.begin(), plan.ids.begin() + std::ptrdiff_t(copied));
+    for (const PlannedCover &cover : plan.covers) {
+        if (cover.items.back() < copied && covered > 0) {
+            --covered;
+            continue;
+        }
+        for (const std::size_t item : cover.items) {
+            finished.remove(plan.ids[item]);
+        }
+    }
+    return finished;
 }
 
 std::vector<std::filesystem::path> tracksOf(

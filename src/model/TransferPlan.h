@@ -25,7 +25,7 @@ struct PlannedCover {
 struct TransferPlan {
     std::vector<TransferFile> files; ///< one an item, in their order
     std::vector<PlannedCover> covers;
-    QSet<QUuid> ids; ///< of the items
+    std::vector<QUuid> ids; ///< of the items
     std::vector<double> shares; ///< of the copying that are done with each file
     std::vector<TimeLeft::Expectation> stages; ///< copying, covers where there are any, cleanup
 };
@@ -33,6 +33,13 @@ struct TransferPlan {
 /// The plan for `items`. Their places follow from the albums of the whole `library`: a disc that is sent alone still
 /// gets its disc folder.
 [[nodiscard]] TransferPlan planTransfer(const std::vector<Track> &items, const std::vector<Track> &library);
+
+/// The covers of which all files are among the first `copied` of the plan's.
+[[nodiscard]] std::vector<PlannedCover> wholeCovers(const TransferPlan &plan, std::size_t copied);
+
+/// The items of which nothing is left to be done once the first `copied` files and the first `covered` of their whole
+/// covers are on the device. A part of an album waits for the rest: a cover goes with all of it.
+[[nodiscard]] QSet<QUuid> finishedItems(const TransferPlan &plan, std::size_t copied, std::size_t covered);
 
 /// The files in `destinations` that a cover goes beside; a transfer that ended early has fewer of them.
 [[nodiscard]] std::vector<std::filesystem::path> tracksOf(

@@ -25,6 +25,23 @@ struct MarluneModel::PlannedTransfer {
     std::filesystem::path backupRoot;
 };
 
+/// How far a transfer came.
+struct MarluneModel::EndedTransfer {
+    TransferResult copying;
+    std::size_t wholeCovers = 0; ///< of albums that were copied
+    std::size_t covers = 0; ///< of those, written
+    bool isStopped = false;
+    std::exception_ptr failure;
+
+    /// What a stop between two covers adds to the status.
+    [[nodiscard]] QString missingCovers() const
+    {
+        return covers == wholeCovers ? QString()
+                                     : QStringLiteral(" Okładki: ") + QString::number(covers) + QStringLiteral(" z ")
+                + QString::number(wholeCovers) + u'.';
+    }
+};
+
 namespace {
 
 /// A failure names the album whose picture is unfit for a cover.
@@ -37,16 +54,19 @@ QByteArray preparedCover(const PlannedCover &cover)
     }
 }
 
-/// Blocking; stops at the first album whose cover cannot be prepared or written.
-void installCovers(const std::vector<PlannedCover> &covers, const Storage::DeviceAnchor &device,
+/// Blocking; fails at the first album whose cover cannot be prepared or written. Returns how many are, after a stop
+/// fewer than all.
+std::size_t installCovers(const std::vector<PlannedCover> &covers, const Storage::DeviceAnchor &device,
     const std::vector<std::filesystem::path> &destinations, const std::filesystem::path &backupRoot,
-    const std::function<void(int done, int total)> &progress)
+    const std::function<void(int done, int total)> &progress, const std::stop_token &stop)
 {
-    int done = 0;
-    for (const PlannedCover &cover : covers) {
+    std::size_t done = 0;
+    while (done < covers.size() && !stop.stop_requested()) {
+        const PlannedCover &cover = covers[done];
         Artwork::install(preparedCover(cover), tracksOf(cover, destinations), device, backupRoot);
-        progress(++done, int(covers.size()));
+        progress(int(++done), int(covers.size()));
     }
+    return done;
 }
 
 } // namespace
@@ -59,74 +79,93 @@ void MarluneModel::transfer(const std::optional<std::vector<Track>> &only)
     }
     auto transfer = std::make_shared<const PlannedTransfer>(
         PlannedTransfer {planTransfer(items, tracks()), m_device->root, m_visit, backupRoot()});
-    m_work.begin(QStringLiteral("Wgrywam muzykę…"), transfer->plan.stages);
+    m_work.begin(QStringLiteral("Wgrywam muzykę…"), RunningWork::Ends::BetweenFiles, transfer->plan.stages);
     runTransfer(std::move(transfer));
 }
 
 QCoro::Task<> MarluneModel::runTransfer(std::shared_ptr<const PlannedTransfer> transfer)
 {
     const QPointer<MarluneModel> self(this);
+    const std::stop_token stop = m_work.stopToken();
     const JobProgress copied = postedProgress(transfer->plan.shares);
     const JobProgress progress = postedProgress();
     std::shared_ptr<const Storage::DeviceAnchor> device; // one for all steps: another disk may come between two
-    TransferResult result;
-    std::exception_ptr failure;
+    EndedTransfer ended;
     try {
         auto hold = [transfer] { return std::make_shared<const Storage::DeviceAnchor>(transfer->root); };
         device = co_await background(hold);
         if (!self) {
             co_return;
         }
-        auto copy = [transfer, copied, device] { return Storage::transfer(transfer->plan.files, *device, copied); };
-        result = co_await background(copy);
+        auto copy = [transfer, copied, device, stop] {
+            return Storage::transfer(transfer->plan.files, *device, copied, stop);
+        };
+        ended.copying = co_await background(copy);
         if (!self) {
             co_return;
         }
-        if (!transfer->plan.covers.empty()) {
+        const std::vector<std::filesystem::path> &tracks = ended.copying.destinations;
+        ended.isStopped = tracks.size() < transfer->plan.files.size();
+        const std::vector<PlannedCover> covers = wholeCovers(transfer->plan, tracks.size());
+        ended.wholeCovers = covers.size();
+        if (!covers.empty()) {
             m_work.beginNextStage(QStringLiteral("Zapisuję okładki…"));
-            auto cover = [transfer, progress, device, tracks = result.destinations] {
-                installCovers(transfer->plan.covers, *device, tracks, transfer->backupRoot, progress);
-            };
-            co_await background(cover);
+            // Albums that have come before a stop are complete with their covers only, which take a moment each.
+            auto cover
+                = [transfer, covers, progress, device, tracks, end = ended.isStopped ? std::stop_token() : stop] {
+                      return installCovers(covers, *device, tracks, transfer->backupRoot, progress, end);
+                  };
+            ended.covers = co_await background(cover);
             if (!self) {
                 co_return;
             }
+            ended.isStopped = ended.isStopped || ended.covers < covers.size();
         }
-        m_work.beginNextStage(QStringLiteral("Porządkuję pliki pomocnicze macOS…"));
-        auto clean = [transfer, device] { (void)Storage::cleanupMacMetadata(*device, transfer->backupRoot); };
-        co_await background(clean);
+        if (!ended.isStopped) {
+            m_work.beginNextStage(QStringLiteral("Porządkuję pliki pomocnicze macOS…"));
+            auto clean = [transfer, device, stop] {
+                return Storage::cleanupMacMetadata(*device, transfer->backupRoot, std::nullopt, stop).isStopped;
+            };
+            ended.isStopped = co_await background(clean);
+        }
     } catch (const std::exception &) {
-        failure = std::current_exception();
+        ended.failure = std::current_exception();
     }
     auto look = [device] { return device && device->isReplaced(); };
     const auto seen = co_await attempt(look);
     if (self) {
-        applyTransfer(*transfer, std::move(result), seen.value.value_or(false), failure);
+        applyTransfer(*transfer, std::move(ended), seen.value.value_or(false));
     }
 }
 
 /// `isReplaced`: something else is at the place of the device that the files went to.
-void MarluneModel::applyTransfer(
-    const PlannedTransfer &transfer, TransferResult result, bool isReplaced, const std::exception_ptr &failure)
+void MarluneModel::applyTransfer(const PlannedTransfer &transfer, EndedTransfer ended, bool isReplaced)
 {
     if (isReplaced && m_visit == transfer.visit) {
         ++m_visit; // what is at its place now, noticed or not, holds none of the files that the lists name
         clearDeviceMusic();
     }
-    if (failure) {
-        m_work.setAlert(describeFailure(failure)
+    const TransferResult &result = ended.copying;
+    if (ended.failure) {
+        m_work.setAlert(describeFailure(ended.failure)
             + QStringLiteral("\n\nCzęść utworów mogła już zostać wgrana. Możesz ponowić transfer — identyczne pliki "
                              "zostaną pominięte."));
         m_work.setStatus(QStringLiteral("Transfer przerwany"));
     } else {
-        m_browsing.dequeue(transfer.plan.ids);
+        m_browsing.dequeue(finishedItems(transfer.plan, result.destinations.size(), ended.covers));
         Q_EMIT selectionChanged();
-        addTransferred(transfer.visit, std::move(result.destinations));
-        m_work.setStatus(QStringLiteral("Wgrano: ") + QString::number(result.copied)
-            + QStringLiteral(". Pominięto identyczne: ") + QString::number(result.skipped) + u'.');
-        m_work.setAlert(m_work.status()
-            + QStringLiteral("\n\nUtwory są dostępne w Files → Music. Jeśli używasz Database, zaktualizuj bazę w menu "
-                             "Rockbox na iPodzie."));
+        addTransferred(transfer.visit, result.destinations);
+        const QString skipped = QStringLiteral(". Pominięto identyczne: ") + QString::number(result.skipped) + u'.';
+        if (ended.isStopped) {
+            m_work.setStatus(QStringLiteral("Przerwano: wgrano ") + QString::number(result.copied)
+                + QStringLiteral(" z ") + QString::number(transfer.plan.files.size()) + QStringLiteral(" utworów")
+                + skipped + ended.missingCovers());
+        } else {
+            m_work.setStatus(QStringLiteral("Wgrano: ") + QString::number(result.copied) + skipped);
+            m_work.setAlert(m_work.status()
+                + QStringLiteral("\n\nUtwory są dostępne w Files → Music. Jeśli używasz Database, zaktualizuj bazę w "
+                                 "menu Rockbox na iPodzie."));
+        }
     }
     m_work.end();
     refresh();
@@ -148,24 +187,27 @@ void MarluneModel::cleanupMacFiles()
     if (!m_device || m_work.busy()) {
         return;
     }
-    m_work.begin(QStringLiteral("Porządkuję pliki pomocnicze macOS…"));
+    m_work.begin(QStringLiteral("Porządkuję pliki pomocnicze macOS…"), RunningWork::Ends::BetweenFiles);
     runCleanup(*m_device);
 }
 
 QCoro::Task<> MarluneModel::runCleanup(Device device)
 {
     const QPointer<MarluneModel> self(this);
-    auto clean = [root = device.root, backups = backupRoot()] { return Storage::cleanupMacMetadata(root, backups); };
-    const auto removed = co_await attempt(clean);
+    auto clean = [root = device.root, backups = backupRoot(), stop = m_work.stopToken()] {
+        return Storage::cleanupMacMetadata(Storage::DeviceAnchor(root), backups, std::nullopt, stop);
+    };
+    const auto cleanup = co_await attempt(clean);
     if (!self) {
         co_return;
     }
-    if (removed.failure) {
-        m_work.setAlert(describeFailure(removed.failure));
+    if (cleanup.failure) {
+        m_work.setAlert(describeFailure(cleanup.failure));
         m_work.setStatus(QStringLiteral("Nie udało się ukończyć porządków"));
     } else {
-        m_work.setStatus(QStringLiteral("Usunięto pliki metadanych macOS: ") + QString::number(*removed.value)
-            + QStringLiteral(". Kopia jest na Macu."));
+        const QString removed = QStringLiteral("Usunięto pliki metadanych macOS: ")
+            + QString::number(cleanup.value->removed) + QStringLiteral(". Kopia jest na Macu.");
+        m_work.setStatus(cleanup.value->isStopped ? QStringLiteral("Przerwano. ") + removed : removed);
     }
     m_work.end();
     refresh();

@@ -22,12 +22,20 @@ namespace CollectionQuality {
 /// Runs on the calling thread after each file that was looked at.
 using DuplicateProgress = std::function<void(int done, int total)>;
 
+struct Duplicates {
+    std::vector<QualityIssue> groups;
+    int compared = 0; ///< of the candidates
+    int candidates = 0;
+
+    [[nodiscard]] bool isComplete() const { return compared == candidates; }
+};
+
 /// Groups of files that hold the same bytes, sorted; empty files are none. Reads one after the other the files whose
 /// `Track::bytes` another track has too, and no others. One file under several names (a path named twice, a link and
 /// its target, hard links) is read once and is no duplicate of itself, because a second name takes no room.
 /// Throws the system's failure at the first file that cannot be read: a part of the list could be taken for all of it.
-/// Ends before the next file, with an empty list, once `stop` is requested.
-[[nodiscard]] std::vector<QualityIssue> duplicates(
+/// Ends before the next file once `stop` is requested, with the groups among those that were read.
+[[nodiscard]] Duplicates duplicates(
     const std::vector<Track> &tracks, const DuplicateProgress &progress, const std::stop_token &stop = {});
 
 } // namespace CollectionQuality

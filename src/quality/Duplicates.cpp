@@ -103,30 +103,28 @@ QualityIssue issueOf(const Group &identical)
 
 namespace CollectionQuality {
 
-std::vector<QualityIssue> duplicates(
-    const std::vector<Track> &tracks, const DuplicateProgress &progress, const std::stop_token &stop)
+Duplicates duplicates(const std::vector<Track> &tracks, const DuplicateProgress &progress, const std::stop_token &stop)
 {
     const Group files = candidates(tracks);
     SeenFiles seen;
     Groups<Sha256::Digest> byContent;
-    int done = 0;
+    Duplicates found {.groups = {}, .compared = 0, .candidates = int(files.size())};
     for (const Track *track : files) {
         if (stop.stop_requested()) {
-            return {};
+            break;
         }
         if (seen.add(track->url)) {
             byContent.add(Storage::digest(track->url), *track);
         }
-        progress(++done, int(files.size()));
+        progress(++found.compared, found.candidates);
     }
-    std::vector<QualityIssue> issues;
     for (const Group &identical : std::move(byContent).several()) {
         if (presentSize(*identical.front()) > 0) {
-            issues.push_back(issueOf(identical));
+            found.groups.push_back(issueOf(identical));
         }
     }
-    sortIssues(issues);
-    return issues;
+    sortIssues(found.groups);
+    return found;
 }
 
 } // namespace CollectionQuality

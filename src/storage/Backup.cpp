@@ -65,8 +65,8 @@ void writeReadMe(const std::filesystem::path &folder, const std::filesystem::pat
     Files::writeFully(file.get(), text);
 }
 
-/// Makes the folder. Returns when all of it is on the medium.
-void fillBackup(const std::filesystem::path &folder, const Storage::DeviceAnchor &device)
+/// Makes the folder. Returns when all of it is on the medium; false where a stop left it incomplete.
+bool fillBackup(const std::filesystem::path &folder, const Storage::DeviceAnchor &device, const std::stop_token &stop)
 {
     if (diskCalls().mkdir(folder.c_str(), 0777) != 0) {
         Files::throwFailure(errno, folder);
@@ -76,7 +76,10 @@ void fillBackup(const std::filesystem::path &folder, const Storage::DeviceAnchor
     for (const char *const name : savedItems) {
         if (holdsItem(settings.descriptor.get(), name)) {
             Storage::rejectLinks(settings.path / name);
-            Storage::copyTree(settings.descriptor.get(), name, to.get());
+            Storage::copyTree(settings.descriptor.get(), name, to.get(), stop);
+        }
+        if (stop.stop_requested()) {
+            return false;
         }
     }
     writeReadMe(folder, device.root());
@@ -87,6 +90,7 @@ void fillBackup(const std::filesystem::path &folder, const Storage::DeviceAnchor
     }
     (void)device.require(); // a disk pulled out meanwhile looks like one without themes
     device.requireUnmoved(settings);
+    return true;
 }
 
 [[noreturn]] void refuseTakenFolder()
@@ -108,7 +112,7 @@ void nameBackup(const std::filesystem::path &temporary, const std::filesystem::p
 
 namespace Storage {
 
-void backup(const DeviceAnchor &device, const std::filesystem::path &destination)
+bool backup(const DeviceAnchor &device, const std::filesystem::path &destination, const std::stop_token &stop)
 {
     const std::filesystem::path target = Files::standardized(destination);
     if (liesOn(device.root(), target)) {
@@ -118,16 +122,43 @@ void backup(const DeviceAnchor &device, const std::filesystem::path &destination
         refuseTakenFolder();
     }
     const std::filesystem::path temporary = target.parent_path() / Files::temporaryName("backup-");
+    bool isComplete = false;
     try {
         onComputersDisk(target, [&] {
-            fillBackup(temporary, device);
-            nameBackup(temporary, target);
+            isComplete = fillBackup(temporary, device, stop);
+            if (isComplete) {
+                nameBackup(temporary, target);
+            }
         });
     } catch (...) {
         removeTree(temporary);
         throw;
     }
-    Files::syncName(target);
+    isComplete ? Files::syncName(target) : removeTree(temporary);
+    return isComplete;
+}
+
+std::optional<std::int64_t> backupSize(const std::filesystem::path &backup, const std::stop_token &stop)
+{
+    constexpr int maxItems = 1'000'000;
+    std::int64_t bytes = 0;
+    int items = 0;
+    const auto add = [&](const TreeItem &item) {
+        if (stop.stop_requested() || ++items > maxItems) {
+            Files::throwFailure(ECANCELED);
+        }
+        struct stat status {};
+        if (item.kind == Files::Kind::File
+            && ::fstatat(item.folder, item.path.filename().c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0) {
+            bytes += status.st_size;
+        }
+    };
+    try {
+        forEachBelow(backup, Unreadable::Throw, add);
+        return bytes;
+    } catch (const std::system_error &) {
+        return std::nullopt;
+    }
 }
 
 } // namespace Storage

@@ -74,8 +74,12 @@ Device DeviceAnchor::require() const
 bool DeviceAnchor::isReplaced() const
 {
     struct stat present {};
-    return ::lstat(m_root.c_str(), &present) == 0
-        && (present.st_dev != m_identity.st_dev || present.st_ino != m_identity.st_ino);
+    return ::lstat(m_root.c_str(), &present) == 0 && isAnother(present);
+}
+
+bool DeviceAnchor::isAnother(const struct stat &present) const
+{
+    return present.st_dev != m_identity.st_dev || present.st_ino != m_identity.st_ino;
 }
 
 void DeviceAnchor::requireSamePlace() const
@@ -86,7 +90,7 @@ void DeviceAnchor::requireSamePlace() const
         (void)Device::inspect(m_root); // has better words
         Files::throwFailure(error, m_root);
     }
-    if (present.st_dev != m_identity.st_dev || present.st_ino != m_identity.st_ino) {
+    if (isAnother(present)) {
         throw MarluneError(QStringLiteral("W miejscu iPoda jest teraz inny dysk lub folder. Podłącz iPoda ponownie."));
     }
 }

@@ -18,9 +18,8 @@ namespace Storage {
 
 class DeviceAnchor {
 public:
-    /// Throws as require() does, or the system's failure where the root cannot be opened. Not explicit: a job that is
-    /// given a path takes its anchor at once.
-    DeviceAnchor(const std::filesystem::path &root);
+    /// Throws as require() does, or the system's failure where the root cannot be opened.
+    explicit DeviceAnchor(const std::filesystem::path &root);
 
     [[nodiscard]] const std::filesystem::path &root() const { return m_root; }
 
@@ -44,6 +43,7 @@ public:
     void requireUnmoved(const Files::Folder &folder) const;
 
 private:
+    [[nodiscard]] bool isAnother(const struct stat &present) const;
     void requireSamePlace() const;
 
     std::filesystem::path m_root;

@@ -15,6 +15,11 @@ namespace {
 
 class TreeCopy {
 public:
+    explicit TreeCopy(const std::stop_token &stop)
+        : m_stop(stop)
+    {
+    }
+
     void item(int from, const Files::FolderItem &entry, int to) const
     {
         const char *const name = entry.name.c_str();
@@ -41,6 +46,9 @@ private:
         }
         const Files::Folder destination = Files::openFolder(name, to);
         for (const Files::FolderItem &entry : Files::itemsOf(source)) {
+            if (m_stop.stop_requested()) {
+                return;
+            }
             item(source.descriptor.get(), entry, destination.descriptor.get());
         }
     }
@@ -68,6 +76,8 @@ private:
             Files::throwFailure(errno, name);
         }
     }
+
+    const std::stop_token &m_stop;
 };
 
 struct Identity {
@@ -97,7 +107,7 @@ public:
     {
     }
 
-    void run(const std::filesystem::path &folder, int from)
+    void run(const std::filesystem::path &folder, int from, const std::stop_token &stop = {})
     {
         try {
             enter(Files::openFolder(folder, from));
@@ -106,7 +116,7 @@ public:
                 throw;
             }
         }
-        while (!m_levels.empty()) {
+        while (!m_levels.empty() && !stop.stop_requested()) {
             Level &level = m_levels.back();
             if (level.next == level.items.size()) {
                 leave();
@@ -185,14 +195,15 @@ private:
 
 namespace Storage {
 
-void copyTree(int from, const std::filesystem::path &name, int to)
+void copyTree(int from, const std::filesystem::path &name, int to, const std::stop_token &stop)
 {
-    TreeCopy().item(from, {name.native(), Files::kindOf(name, from)}, to);
+    TreeCopy(stop).item(from, {name.native(), Files::kindOf(name, from)}, to);
 }
 
-void forEachBelow(const std::filesystem::path &folder, Unreadable unreadable, const UseItem &use, int from)
+void forEachBelow(const std::filesystem::path &folder, Unreadable unreadable, const UseItem &use, int from,
+    const std::stop_token &stop)
 {
-    TreeWalk(unreadable, use, [](const TreeItem &) { }).run(folder, from);
+    TreeWalk(unreadable, use, [](const TreeItem &) { }).run(folder, from, stop);
 }
 
 void removeTree(const std::filesystem::path &folder)

@@ -70,11 +70,11 @@ std::vector<std::filesystem::path> companionsOf(
 class Removal {
 public:
     Removal(const Storage::DeviceAnchor &device, std::span<const std::filesystem::path> files,
-        const std::filesystem::path &backupRoot)
+        const std::filesystem::path &backupRoot, const std::stop_token &stop)
         : m_device(device)
-        , m_saved(
-              Storage::saveFiles(files, backupRoot, {QStringLiteral("MacMetadata-"), QStringLiteral(".appledouble")},
-                  [this](const std::filesystem::path &file) { return open(file); }))
+        , m_saved(Storage::saveFiles(
+              files, backupRoot, {QStringLiteral("MacMetadata-"), QStringLiteral(".appledouble")},
+              [this](const std::filesystem::path &file) { return open(file); }, stop))
     {
     }
 
@@ -85,6 +85,9 @@ public:
         const Files::Folder folder = m_device.folderOf(file);
         return Storage::removeIf(folder, file.filename(), [&] { return isAsCopied(folder, file); });
     }
+
+    /// For where no file was removed.
+    void forgetCopies() const { Storage::removeTree(m_saved.folder); }
 
 private:
     [[nodiscard]] Files::Descriptor open(const std::filesystem::path &file)
@@ -125,7 +128,7 @@ private:
 
 namespace Storage {
 
-std::vector<std::filesystem::path> macMetadataFiles(const DeviceAnchor &device)
+std::vector<std::filesystem::path> macMetadataFiles(const DeviceAnchor &device, const std::stop_token &stop)
 {
     (void)device.require();
     const Files::Folder root = device.folder("");
@@ -137,24 +140,34 @@ std::vector<std::filesystem::path> macMetadataFiles(const DeviceAnchor &device)
                     files.push_back(device.root() / item.path);
                 }
             };
-            forEachBelow(top.name, Unreadable::PassOver, collect, root.descriptor.get());
+            forEachBelow(top.name, Unreadable::PassOver, collect, root.descriptor.get(), stop);
         }
     }
     return files;
 }
 
-int cleanupMacMetadata(const DeviceAnchor &device, const std::filesystem::path &backupRoot,
-    std::optional<std::span<const std::filesystem::path>> candidates)
+MacCleanup cleanupMacMetadata(const DeviceAnchor &device, const std::filesystem::path &backupRoot,
+    std::optional<std::span<const std::filesystem::path>> candidates, const std::stop_token &stop)
 {
     (void)device.require();
     const std::vector<std::filesystem::path> files
-        = candidates ? companionsOf(*candidates, device) : macMetadataFiles(device);
-    if (files.empty()) {
-        return 0;
+        = candidates ? companionsOf(*candidates, device) : macMetadataFiles(device, stop);
+    MacCleanup cleanup {.removed = 0, .isStopped = stop.stop_requested()};
+    if (files.empty() || cleanup.isStopped) {
+        return cleanup;
     }
-    const Removal removal(device, files, backupRoot);
-    return int(std::count_if(
-        files.begin(), files.end(), [&](const std::filesystem::path &file) { return removal.remove(file); }));
+    const Removal removal(device, files, backupRoot, stop);
+    for (const std::filesystem::path &file : files) {
+        if (stop.stop_requested()) {
+            cleanup.isStopped = true;
+            break;
+        }
+        cleanup.removed += removal.remove(file) ? 1 : 0;
+    }
+    if (cleanup.isStopped && cleanup.removed == 0) {
+        removal.forgetCopies();
+    }
+    return cleanup;
 }
 
 } // namespace Storage

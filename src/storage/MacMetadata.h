@@ -11,20 +11,29 @@
 #include <filesystem>
 #include <optional>
 #include <span>
+#include <stop_token>
 #include <vector>
 
 namespace Storage {
 
 /// The companions in the folders directly under the root whose names begin with "music" in any case, at any depth, in
 /// the order found: regular files named "._NAME" beside an item NAME that is no link, with the head of an AppleDouble
-/// file (RFC 1740). What cannot be read is passed over.
-[[nodiscard]] std::vector<std::filesystem::path> macMetadataFiles(const DeviceAnchor &device);
+/// file (RFC 1740). What cannot be read is passed over. Once `stop` is requested, these are not all of them.
+[[nodiscard]] std::vector<std::filesystem::path> macMetadataFiles(
+    const DeviceAnchor &device, const std::stop_token &stop = {});
+
+struct MacCleanup {
+    int removed = 0; ///< files
+    bool isStopped = false; ///< before it was through
+
+    bool operator==(const MacCleanup &) const = default;
+};
 
 /// Copies the companions to a new folder "MacMetadata-UUID" with a manifest under `backupRoot`, then removes them from
-/// the device. Returns how many; without any it makes no folder. With `candidates` only the companions of these files
+/// the device; without any it makes no folder. With `candidates` only the companions of these files
 /// of the device are looked at, whether the files exist or not. A failure while copying leaves all of them on the
-/// device, a later one those that were not yet removed.
-int cleanupMacMetadata(const DeviceAnchor &device, const std::filesystem::path &backupRoot,
-    std::optional<std::span<const std::filesystem::path>> candidates = std::nullopt);
+/// device, a later one those that were not yet removed; so does `stop`, and no copies are left of files that all stay.
+MacCleanup cleanupMacMetadata(const DeviceAnchor &device, const std::filesystem::path &backupRoot,
+    std::optional<std::span<const std::filesystem::path>> candidates = std::nullopt, const std::stop_token &stop = {});
 
 } // namespace Storage

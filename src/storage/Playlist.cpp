@@ -6,11 +6,15 @@
 #include "platform/MarluneError.h"
 #include "platform/files/FileWriting.h"
 #include "platform/files/Files.h"
+#include "platform/files/FolderItems.h"
 #include "platform/volumes/Volumes.h"
 
 #include <cerrno>
 #include <string>
+#include <string_view>
 #include <system_error>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -38,6 +42,27 @@ std::string playlistText(std::span<const std::filesystem::path> tracks, const st
     }
     return text;
 }
+
+/// Counts the entries of a playlist that comes in pieces, as the firmware does: a line feed or a carriage return ends a
+/// line, and "#" at its start makes it a comment.
+class EntryCount {
+public:
+    void add(std::string_view piece)
+    {
+        for (const char byte : piece) {
+            if (byte == '\n' || byte == '\r') {
+                m_isAtStart = true;
+            } else if (std::exchange(m_isAtStart, false) && byte != '#') {
+                ++m_entries;
+            }
+        }
+    }
+    [[nodiscard]] std::int64_t entries() const { return m_entries; }
+
+private:
+    std::int64_t m_entries = 0;
+    bool m_isAtStart = true; ///< of a line
+};
 
 [[noreturn]] void refuseTakenName()
 {
@@ -76,6 +101,31 @@ std::filesystem::path playlist(
     }
     Files::syncName(folder);
     return folder.path / file;
+}
+
+std::optional<std::int64_t> playlistLength(const std::filesystem::path &file, const std::stop_token &stop)
+{
+    constexpr std::int64_t maxBytes = 1'000'000'000;
+    constexpr std::string_view mark = "\xEF\xBB\xBF"; // of UTF-8; no part of the first line
+    std::vector<char> buffer(65536);
+    EntryCount count;
+    try {
+        const Files::Folder folder = Files::openFolder(file.parent_path());
+        const Files::Descriptor opened
+            = Files::openForReading(file.filename(), Files::Links::Refuse, folder.descriptor.get());
+        for (std::int64_t read = 0; read < maxBytes && !stop.stop_requested();) {
+            std::string_view piece(buffer.data(), Files::readFully(opened.get(), buffer));
+            const bool last = piece.size() < buffer.size();
+            piece.remove_prefix(read == 0 && piece.starts_with(mark) ? mark.size() : 0);
+            count.add(piece);
+            if (last) {
+                return count.entries();
+            }
+            read += std::int64_t(buffer.size());
+        }
+    } catch (const std::system_error &) { // NOLINT(bugprone-empty-catch): what cannot be read has no length
+    }
+    return std::nullopt;
 }
 
 } // namespace Storage

@@ -23,13 +23,16 @@ Files::Descriptor openUnlinked(const std::filesystem::path &file)
 }
 
 SavedFiles saveFiles(std::span<const std::filesystem::path> files, const std::filesystem::path &backupRoot,
-    const SavedNames &names, const OpenFile &open)
+    const SavedNames &names, const OpenFile &open, const std::stop_token &stop)
 {
     SavedFiles saved {.folder = backupRoot / (names.folderPrefix.toStdString() + Files::newIdentifier()), .copies = {}};
     onComputersDisk(saved.folder, [&] {
         Files::makeFolders(saved.folder);
         QJsonObject manifest;
         for (const std::filesystem::path &file : files) {
+            if (stop.stop_requested()) {
+                break;
+            }
             const std::string name = Files::newIdentifier() + names.fileSuffix.toStdString();
             copyToNew(open(file), saved.folder / name);
             saved.copies.emplace(file, saved.folder / name);

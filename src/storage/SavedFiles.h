@@ -14,6 +14,7 @@
 #include <map>
 #include <optional>
 #include <span>
+#include <stop_token>
 
 namespace Storage {
 
@@ -37,10 +38,12 @@ using OpenFile = std::function<Files::Descriptor(const std::filesystem::path &fi
 [[nodiscard]] Files::Descriptor openUnlinked(const std::filesystem::path &file);
 
 /// Copies `files`, of whatever size, into a new folder under `backupRoot`, which is made with its parents if missing.
-/// When this returns, the copies, the manifest and the folders' entries for them are on the medium.
+/// When this returns, the copies, the manifest and the folders' entries for them are on the medium. Once `stop` is
+/// requested, these are fewer copies.
 /// Throws at the first failure, also for what is no regular file: MarluneError where the computer's disk is full,
 /// otherwise std::system_error. The incomplete folder stays.
 [[nodiscard]] SavedFiles saveFiles(std::span<const std::filesystem::path> files,
-    const std::filesystem::path &backupRoot, const SavedNames &names, const OpenFile &open = openUnlinked);
+    const std::filesystem::path &backupRoot, const SavedNames &names, const OpenFile &open = openUnlinked,
+    const std::stop_token &stop = {});
 
 } // namespace Storage

@@ -120,8 +120,8 @@ std::int64_t totalSize(std::span<const TransferFile> files)
 
 namespace Storage {
 
-TransferResult transfer(
-    std::span<const TransferFile> files, const DeviceAnchor &device, const TransferProgress &progress)
+TransferResult transfer(std::span<const TransferFile> files, const DeviceAnchor &device,
+    const TransferProgress &progress, const std::stop_token &stop)
 {
     const std::int64_t total = totalSize(files);
     // Files that are on the device already count too: to leave them out would cost a pass over all content.
@@ -134,6 +134,9 @@ TransferResult transfer(
     TransferResult result;
     result.destinations.reserve(files.size());
     for (const TransferFile &file : files) {
+        if (stop.stop_requested()) {
+            break;
+        }
         (void)device.require();
         if (isSymbolicLink(file.source)) {
             throw MarluneError(QStringLiteral("Import dowiązań nie jest obsługiwany."));

@@ -13,6 +13,7 @@
 #include <functional>
 #include <optional>
 #include <span>
+#include <stop_token>
 #include <vector>
 
 /// One file planned for the device. The three texts become folder names through safeName().
@@ -25,11 +26,12 @@ struct TransferFile {
     bool operator==(const TransferFile &) const = default;
 };
 
-/// The outcome of a finished run; the two counts add up to the number of files asked for.
+/// The outcome of a run; the two counts add up to the number of destinations.
 struct TransferResult {
     int copied = 0;
     int skipped = 0; ///< found on the device with identical content
-    std::vector<std::filesystem::path> destinations; ///< in input order; spelled as on the device
+    std::vector<std::filesystem::path>
+        destinations; ///< of the files that were asked for, in their order; spelled as on the device
 };
 
 namespace Storage {
@@ -38,9 +40,10 @@ using TransferProgress = std::function<void(int done, int total)>;
 
 /// Copies `files` to Music/ARTIST/ALBUM[/DISC]/ of the device, looking at it again before each step.
 /// `progress` runs on the calling thread after each file and must return quickly.
+/// Ends before the next file once `stop` is requested: there are fewer destinations than files then.
 /// Throws MarluneError (a text for the user) or std::system_error (the system's own) at the first failure; files
 /// finished by then stay.
-[[nodiscard]] TransferResult transfer(
-    std::span<const TransferFile> files, const DeviceAnchor &device, const TransferProgress &progress);
+[[nodiscard]] TransferResult transfer(std::span<const TransferFile> files, const DeviceAnchor &device,
+    const TransferProgress &progress, const std::stop_token &stop = {});
 
 } // namespace Storage

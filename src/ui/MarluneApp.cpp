@@ -1,5 +1,6 @@
 #include "ui/MarluneApp.h"
 
+#include "ui/backups/BackupsPresenter.h"
 #include "ui/controls/FocusGuide.h"
 #include "ui/device/IPodProvider.h"
 #include "ui/library/LibraryPresenter.h"
@@ -8,9 +9,11 @@
 #include "ui/pictures/Symbols.h"
 #include "ui/playback/MediaControls.h"
 #include "ui/playback/PlaybackPresenter.h"
+#include "ui/playlists/PlaylistsPresenter.h"
 #include "ui/quality/QualityPresenter.h"
 #include "ui/shell/DesktopPanels.h"
 #include "ui/shell/ShellPresenter.h"
+#include "ui/words/Language.h"
 #include "ui/words/Localization.h"
 
 #include "platform/MarluneError.h"
@@ -24,11 +27,9 @@
 #include <QFontDatabase>
 #include <QGuiApplication>
 #include <QIcon>
-#include <QLibraryInfo>
 #include <QQmlApplicationEngine>
 #include <QQuickStyle>
 #include <QStandardPaths>
-#include <QTranslator>
 
 #include <unistd.h>
 
@@ -67,16 +68,12 @@ QFont applicationFont()
     return font;
 }
 
-/// The words of the dialogs that Qt draws itself where the desktop has none.
-void translateQt()
+/// A screen reader is not told of each control that goes: Qt would ask the menus for parents that have gone already.
+void withoutReader(const std::function<void()> &deleteControls)
 {
-    for (const char *part : {"qtbase_", "qtdeclarative_"}) {
-        auto *translator = new QTranslator(QCoreApplication::instance());
-        if (translator->load(
-                QLatin1String(part) + AppLocalizer::language(), QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
-            QCoreApplication::installTranslator(translator);
-        }
-    }
+    const auto before = QAccessible::installUpdateHandler([](QAccessibleEvent *) { });
+    deleteControls();
+    QAccessible::installUpdateHandler(before);
 }
 
 /// A program that cannot start says why in a window too: from a desktop nobody sees its standard error.
@@ -100,16 +97,20 @@ struct Program::Parts {
     ~Parts();
 
     [[nodiscard]] QQuickWindow *window() const;
+    void rebuildContent();
 
     // In the order of their making; they go the other way round.
     SettingsLock settingsLock;
     Settings settings;
+    Language language; // before all that reads a text or sorts a list
     DesktopPanels desktopPanels;
     Volumes::Watcher watcher; // before the model: a change while that looks for devices is then an event, not missed
     MarluneModel model;
     std::shared_ptr<CoverStore> covers = std::make_shared<CoverStore>();
     ShellPresenter shell;
     LibraryPresenter library;
+    PlaylistsPresenter playlists;
+    BackupsPresenter backups;
     QualityPresenter quality;
     PlaybackPresenter playback;
     MediaControls mediaControls;
@@ -119,6 +120,7 @@ struct Program::Parts {
 Program::Parts::Parts(const Setup &setup)
     : settingsLock(setup.settingsFile)
     , settings(setup.settingsFile)
+    , language(settings, setup.preferredLanguages)
     , model({.settings = settings,
           .panels = setup.panels ? *setup.panels : desktopPanels,
           .deviceDiscovery = setup.deviceDiscovery,
@@ -126,9 +128,12 @@ Program::Parts::Parts(const Setup &setup)
           .supportFolder = setup.supportFolder,
           .themeSite = setup.themeSite,
           .covers = setup.covers ? *setup.covers : CoverSearch::shared(),
-          .audioOutput = setup.audioOutput})
+          .audioOutput = setup.audioOutput,
+          .playlistName = AppLocalizer::text(QStringLiteral("Moja playlista"))})
     , shell(model)
     , library(model, covers)
+    , playlists(model)
+    , backups(model)
     , quality(model)
     , playback(model.playback())
     , mediaControls(model.playback())
@@ -136,10 +141,16 @@ Program::Parts::Parts(const Setup &setup)
     QObject::connect(&watcher, &Volumes::Watcher::mounted, &model, &MarluneModel::volumeMounted);
     QObject::connect(&watcher, &Volumes::Watcher::unmounted, &model, &MarluneModel::volumeUnmounted);
 
+    QObject::connect(&language, &Language::codeChanged, &model, &MarluneModel::reorder);
+    // Queued: the menu or picker that the choice was made with goes with the rest.
+    QObject::connect(&language, &Language::codeChanged, &engine, [this] { rebuildContent(); }, Qt::QueuedConnection);
+
     prepareEngine(engine, covers);
     engine.setInitialProperties(
         {{QStringLiteral("model"), QVariant::fromValue(&model)}, {QStringLiteral("shell"), QVariant::fromValue(&shell)},
             {QStringLiteral("library"), QVariant::fromValue(&library)},
+            {QStringLiteral("playlists"), QVariant::fromValue(&playlists)},
+            {QStringLiteral("backups"), QVariant::fromValue(&backups)},
             {QStringLiteral("quality"), QVariant::fromValue(&quality)},
             {QStringLiteral("playback"), QVariant::fromValue(&playback)},
             {QStringLiteral("panels"), QVariant::fromValue(&desktopPanels)}});
@@ -154,13 +165,36 @@ Program::Parts::Parts(const Setup &setup)
     }
 }
 
+/// The window keeps its place, its size and what is asked in it; all else is made in the language that is shown now.
+void Program::Parts::rebuildContent()
+{
+    QQuickWindow *shown = window();
+    auto *content = shown ? shown->findChild<QQuickItem *>(QStringLiteral("content")) : nullptr;
+    if (!content) {
+        return;
+    }
+    const auto isWithin = [](const QQuickItem *item, const auto &isIt) {
+        while (item && !isIt(*item)) {
+            item = item->parentItem();
+        }
+        return item != nullptr;
+    };
+    const bool byPicker = isWithin(shown->activeFocusItem(),
+        [](const QQuickItem &item) { return item.objectName() == QStringLiteral("languagePicker"); });
+    withoutReader([content] {
+        content->setProperty("source", QUrl());
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    });
+    QMetaObject::invokeMethod(content, "build");
+    if (!isWithin(shown->activeFocusItem(), [](const QQuickItem &item) { return item.inherits("QQuickPopupItem"); })) {
+        QMetaObject::invokeMethod(content->property("item").value<QQuickItem *>(), "takeFocus", Q_ARG(bool, byPicker));
+    }
+}
+
 Program::Parts::~Parts()
 {
-    // The window's bindings read what is about to go. A screen reader is not told of each control that goes: Qt would
-    // ask the menus for parents that have gone already.
-    const auto before = QAccessible::installUpdateHandler([](QAccessibleEvent *) { });
-    qDeleteAll(engine.rootObjects());
-    QAccessible::installUpdateHandler(before);
+    // The window's bindings read what is about to go.
+    withoutReader([this] { qDeleteAll(engine.rootObjects()); });
     // The rows of lists are deleted later, and an animation in one of them would go on without the engine.
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
@@ -218,7 +252,8 @@ Setup Setup::forUser()
     return {.settingsFile = Settings::defaultFile(),
         .supportFolder = Files::fromText(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation)),
         .ejectVolume = [](const std::filesystem::path &volume) { Volumes::eject(volume); },
-        .themeSite = Catalogue::Site::ofThePublic()};
+        .themeSite = Catalogue::Site::ofThePublic(),
+        .preferredLanguages = QLocale::system().uiLanguages()};
 }
 
 void prepareApplication()
@@ -232,9 +267,7 @@ void prepareApplication()
     QGuiApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/marlune.svg")));
     QGuiApplication::setFont(applicationFont());
     QQuickStyle::setStyle(QStringLiteral("Basic"));
-    AppLocalizer::applyToTextOrder();
-    QLocale::setDefault(AppLocalizer::locale());
-    translateQt();
+    AppLocalizer::setLanguage(AppLocalizer::language());
 }
 
 int run(int argc, char **argv)
@@ -256,6 +289,8 @@ int run(int argc, char **argv)
         QObject::connect(&requests, &TerminationRequests::requested, window, [&program] { program.endSoon(); });
         return QGuiApplication::exec();
     } catch (const MarluneError &refusal) {
+        Settings settings(Settings::defaultFile());
+        const Language language(settings, QLocale::system().uiLanguages());
         return refuse(refusal.message());
     }
 }

@@ -31,6 +31,8 @@ struct Setup {
     CoverSearch *covers = nullptr; ///< asked in place of the shared one, where given
     QByteArray audioOutput = {}; ///< where listening is heard, as AudioOutput takes it
     Panels *panels = nullptr; ///< asked in place of the desktop's dialogs, where given
+    /// The user's, the best first; they count until the user chooses a language.
+    QStringList preferredLanguages = {QStringLiteral("pl")};
 
     /// The user's own settings, folders and disks.
     [[nodiscard]] static Setup forUser();

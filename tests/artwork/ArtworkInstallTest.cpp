@@ -30,7 +30,7 @@ struct CoverDesk {
     }
     std::string install() const
     {
-        return failureOf([&] { Artwork::install("new", tracks, root, folder / "Backups"); });
+        return failureOf([&] { Artwork::install("new", tracks, Storage::DeviceAnchor(root), folder / "Backups"); });
     }
 };
 

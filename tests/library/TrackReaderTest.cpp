@@ -20,8 +20,8 @@ const QByteArray held("held");
 
 std::vector<Track> read(const fs::path &place, const QMap<QString, QString> &overrides = {})
 {
-    return readTracks(
-        {.urls = {place}, .known = {}, .artworkOverrides = overrides, .artwork = {held}}, [](int, int) { });
+    return readTracks({.urls = {place}, .known = {}, .artworkOverrides = overrides, .artwork = {held}}, [](int, int) {
+    }).tracks;
 }
 
 std::set<std::string> namesBelow(const fs::path &folder, const std::vector<fs::path> &paths)
@@ -141,7 +141,7 @@ TEST(ReadTracks, ordersByPathAndReadsEachFileOnce)
     import.urls = {folder.path(), folder / "./2.mp3", folder / "2.mp3"};
     import.known = {(folder / "3.mp3").string()};
     std::string titles;
-    for (const Track &track : readTracks(import, [](int, int) { })) {
+    for (const Track &track : readTracks(import, [](int, int) { }).tracks) {
         titles += track.title.toStdString() + " ";
     }
     EXPECT_EQ(titles, "1 2 10 ");

@@ -143,7 +143,7 @@ private Q_SLOTS:
         // What happens at which request, and what is reported.
         const std::tuple<std::function<void(CoverDesk &, MarluneModel &)>, std::size_t, const char *> rows[] = {
             {lose, 1, "Do wyboru ręcznie: 0. Niedostępne: 3."}, {exchange, 2, "Do wyboru ręcznie: 0. Niedostępne: 3."},
-            {leave, 1, "Do wyboru ręcznie: 0. Niedostępne: 1."}};
+            {leave, 1, "Do wyboru ręcznie: 0. Niedostępne: 0."}};
         for (const auto &row : rows) {
             const CannedServer server({found("A", "x", 1), image()});
             CoverDesk desk;
@@ -166,7 +166,8 @@ private Q_SLOTS:
             desk.run(*model, &MarluneModel::findMissingCovers);
             QVERIFY(!atOnce.isActive() && server.asked.size() <= 2);
             const QString all = u"Dodano okładki: 0. "_s + QString::fromUtf8(std::get<2>(row));
-            QCOMPARE(model->alert(), std::optional(all + tail));
+            const bool hasLeft = model->status() == u"Przerwano. Sprawdzono albumy: 0 z 3. "_s + all;
+            QVERIFY(hasLeft ? !model->alert() && &row == &rows[2] : model->alert() == all + tail);
             QVERIFY(filesBelow(desk.device.root) == before);
         }
     }

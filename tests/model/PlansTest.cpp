@@ -123,13 +123,14 @@ TEST(RunningWork, putsBackNoStatusButItsOwn)
     std::vector<std::string> heard;
     const auto hear = [&heard](const char *what) { return [&heard, what] { heard.emplace_back(what); }; };
     RunningWork work({.busyChanged = hear("busy"),
+                         .cancellingChanged = hear("cancelling"),
                          .progressChanged = hear("progress"),
                          .statusChanged = hear("status"),
                          .alertChanged = hear("alert")},
         TimeLeft::Moment::clock::now);
     const QString first = work.status();
     for (const bool isOvertaken : {false, true}) {
-        work.begin(QStringLiteral("job"));
+        work.begin(QStringLiteral("job"), RunningWork::Ends::AtItsEnd);
         work.beginNextStage(QStringLiteral("its second stage"));
         work.report(0.5);
         if (isOvertaken) {
@@ -147,14 +148,14 @@ TEST(DuplicateCheck, knowsNothingOfOtherTracks)
 {
     int changes = 0;
     DuplicateCheck check({.issuesChanged = [&] { ++changes; }, .statusChanged = [] {}});
-    std::stop_token stop = check.begin();
+    check.begin();
     check.finish({QualityIssue {}});
-    EXPECT_TRUE(check.isComplete() && check.issues().size() == 1 && !stop.stop_requested());
+    EXPECT_TRUE(check.isComplete() && check.issues().size() == 1 && !check.isOvertaken());
     check.forget();
     EXPECT_TRUE(!check.isComplete() && check.issues().empty() && changes == 2);
-    stop = check.begin();
+    check.begin();
     check.forget();
-    EXPECT_TRUE(stop.stop_requested() && check.isRunning());
-    check.fail();
+    EXPECT_TRUE(check.isOvertaken() && check.isRunning());
+    check.interrupt();
     EXPECT_EQ(check.status(), DuplicateCheck::interrupted());
 }

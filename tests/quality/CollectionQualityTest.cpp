@@ -33,8 +33,9 @@ struct Library {
     [[nodiscard]] std::vector<std::string> progress(std::vector<QualityIssue> &found) const
     {
         std::vector<std::string> calls;
-        found = CollectionQuality::duplicates(tracks,
-            [&](int done, int total) { calls.push_back(std::to_string(done) + " of " + std::to_string(total)); });
+        found = CollectionQuality::duplicates(tracks, [&](int done, int total) {
+            calls.push_back(std::to_string(done) + " of " + std::to_string(total));
+        }).groups;
         return calls;
     }
 };
@@ -168,5 +169,6 @@ TEST(Duplicates, openOnlyFilesOfOneSizeAndTellOfTheFirstThatFails)
     }
     std::stop_source stop;
     const auto stopAtTheSecond = [&](int done, int) { done == 2 ? (void)stop.request_stop() : (void)0; };
-    EXPECT_TRUE(CollectionQuality::duplicates(library.tracks, stopAtTheSecond, stop.get_token()).empty());
+    const auto part = CollectionQuality::duplicates(library.tracks, stopAtTheSecond, stop.get_token());
+    EXPECT_TRUE(part.groups.size() == 1 && part.compared == 2 && !part.isComplete());
 }

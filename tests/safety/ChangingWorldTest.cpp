@@ -90,6 +90,7 @@ struct World {
         fs::create_directories(folder / "tmp");
         ::setenv("TMPDIR", (folder / "tmp").c_str(), 1);
     }
+    [[nodiscard]] Storage::DeviceAnchor anchor() const { return Storage::DeviceAnchor(root); }
     [[nodiscard]] Contents onDevice() const
     {
         Contents contents = contentsBelow(root);
@@ -117,7 +118,7 @@ std::vector<Job> jobs()
         {"cover",
             [](const World &world) {
                 const fs::path tracks[] = {world.album / "1.mp3", world.root / "Music/CD2/a.mp3"};
-                Artwork::install("new cover", tracks, world.root, world.backups);
+                Artwork::install("new cover", tracks, world.anchor(), world.backups);
             },
             "new cover", "device Music/Artist/Album/cover.jpeg", true},
         {"transfer",
@@ -127,7 +128,7 @@ std::vector<Job> jobs()
                 const TransferFile files[] = {{world.folder / "Computer/new.mp3", artist, album, std::nullopt},
                     {world.folder / "Computer/1.mp3", artist, album, std::nullopt},
                     {world.folder / "Computer/new.mp3", artist, album, u"CD 1"_s}};
-                (void)Storage::transfer(files, world.root, [](int, int) { });
+                (void)Storage::transfer(files, world.anchor(), [](int, int) { });
             },
             "new music"},
         {"playlist",
@@ -136,9 +137,9 @@ std::vector<Job> jobs()
                 (void)Storage::playlist(u"new"_s, tracks, world.root);
             },
             "#EXTM3U\n/Music/Artist/Album/1.mp3\n"},
-        {"cleanup", [](const World &world) { (void)Storage::cleanupMacMetadata(world.root, world.backups); }, companion,
-            companion, false, true},
-        {"backup", [](const World &world) { Storage::backup(world.root, world.backups / "new"); },
+        {"cleanup", [](const World &world) { (void)Storage::cleanupMacMetadata(world.anchor(), world.backups); },
+            companion, companion, false, true},
+        {"backup", [](const World &world) { Storage::backup(world.anchor(), world.backups / "new"); },
             "device .rockbox/config.cfg", {}, false, true}};
 }
 

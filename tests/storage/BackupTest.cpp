@@ -24,7 +24,7 @@ struct BackupDesk {
     }
     std::string failure(const fs::path &destination) const
     {
-        return failureOf([&] { Storage::backup(folder / "IPOD", folder / destination); });
+        return failureOf([&] { Storage::backup(Storage::DeviceAnchor(folder / "IPOD"), folder / destination); });
     }
     bool isComplete(const fs::path &destination) const
     {
@@ -61,5 +61,19 @@ TEST(Backup, refusesLinksAndSpecialFiles)
         ASSERT_EQ(place == "themes/pipe" ? ::mkfifo(item.c_str(), 0600) : ::symlink("/etc", item.c_str()), 0);
         EXPECT_NE(desk.failure("Backups/new"), "") << place;
         EXPECT_TRUE(fs::is_empty(desk.folder / "Backups"));
+    }
+}
+
+TEST(Backup, hasTheSizeOfItsFilesWithoutWhatLinksLeadTo)
+{
+    const TemporaryFolder folder;
+    folder.write("outside", std::string(1000, 'x'));
+    folder.write("backup/README.txt", "12345");
+    folder.write("backup/themes/deep/er/.hidden", std::string(70000, 'x'));
+    fs::create_symlink("../outside", folder / "backup/link");
+    fs::create_directory_symlink("..", folder / "backup/round");
+    EXPECT_EQ(Storage::backupSize(folder / "backup", {}), 70005);
+    for (const char *none : {"backup/round", "outside", "missing"}) {
+        EXPECT_EQ(Storage::backupSize(folder / none, {}), std::nullopt) << none;
     }
 }

@@ -52,7 +52,7 @@ TEST(ExfatTransfer, givesEveryFileANameThatTheDiskTakes)
         {"case/x/Same.flac", "4"}, {"case/x/sAME (2).flac", "5"}, {"case/x/noextension", "6"},
         {"case/x/noextension (2)", "7"}, {"case/x/byte_.flac", "8"}};
     for (const int copied : {8, 0}) {
-        const TransferResult result = Storage::transfer(files, root, [](int, int) { });
+        const TransferResult result = Storage::transfer(files, Storage::DeviceAnchor(root), [](int, int) { });
         EXPECT_EQ(result.copied, copied);
         EXPECT_EQ(result.skipped, 9 - copied);
         for (const fs::path &destination : result.destinations) {

@@ -55,7 +55,8 @@ TEST(MacMetadata, isOnlyWhatSurelyIs)
     fs::create_directory_symlink("../d", music / "linked");
     fs::create_directory_symlink("d", folder / "IPOD/music linked");
     ASSERT_EQ(::mkfifo((music / "._p").c_str(), 0600), 0);
-    const auto found = Storage::macMetadataFiles(folder / "IPOD");
+    const Storage::DeviceAnchor device(folder / "IPOD");
+    const auto found = Storage::macMetadataFiles(device);
     EXPECT_EQ(std::set(found.begin(), found.end()), (std::set {music / "sub/._y", folder / "IPOD/MUSIC 2/._x"}));
 
     // Of a candidate it is removed whether the candidate exists or not, but never outside the device.
@@ -64,7 +65,7 @@ TEST(MacMetadata, isOnlyWhatSurelyIs)
     diskCalls().renameExclusive = [](int, const char *, int, const char *) {
         return errno = ENOSPC, -1; // a full disk has no room for another name
     };
-    EXPECT_EQ(Storage::cleanupMacMetadata(folder / "IPOD", folder / "Mac", candidates), 1);
+    EXPECT_EQ(Storage::cleanupMacMetadata(device, folder / "Mac", candidates).removed, 1);
     EXPECT_FALSE(exists(music / "._lone"));
     EXPECT_EQ(savedOnComputer(folder / "Mac"), (std::map<fs::path, std::string> {{music / "._lone", appleDouble()}}));
 }

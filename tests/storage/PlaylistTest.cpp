@@ -36,3 +36,25 @@ TEST(Playlist, namesTracksOfTheDeviceAloneAndIsNeverReplaced)
     EXPECT_EQ(desk.failure("link", {root + "/other.mp3"}), nameTaken);
     EXPECT_EQ(fileBytes(desk.root / "Playlists/Rock-Pop.m3u8"), "#EXTM3U\n/Music/Żółw #1.mp3\n/b.mp3\n/b.mp3\n");
 }
+
+TEST(Playlist, isCountedAsTheFirmwareDoes)
+{
+    const TemporaryFolder folder;
+    const std::string line(65537, 'x'); // longer than what is read at a time
+    const std::map<std::string, std::int64_t> lengths {{"", 0}, {"#EXTM3U\n", 0}, {"\n\r\n", 0}, {"a", 1},
+        {"a\rb\r\nc", 3}, {"#EXTM3U\r\n#a\n/b #c\n\n #d\n", 2}, {"\xEF\xBB\xBF#EXTM3U\na\n", 1},
+        {"a\n\xEF\xBB\xBF#b\n", 2}, {"\xEF\xBB", 1}, {line + "\n#" + line + "\n" + line, 2},
+        {std::string(65536, '\n') + "a", 1}};
+    for (const auto &[text, length] : lengths) {
+        EXPECT_EQ(Storage::playlistLength(folder.write("a.m3u", text), {}), length) << text.substr(0, 40);
+    }
+    fs::create_symlink("a.m3u", folder / "link.m3u");
+    fs::create_directory_symlink(".", folder / "folder");
+    fs::create_directory(folder / "b.m3u");
+    for (const char *none : {"link.m3u", "folder/a.m3u", "b.m3u", "c.m3u"}) {
+        EXPECT_EQ(Storage::playlistLength(folder / none, {}), std::nullopt) << none;
+    }
+    std::stop_source stopped;
+    stopped.request_stop();
+    EXPECT_EQ(Storage::playlistLength(folder / "a.m3u", stopped.get_token()), std::nullopt);
+}

@@ -27,7 +27,7 @@ struct Desk {
     TransferResult transfer(const std::vector<TransferFile> &files) const
     {
         int calls = 0;
-        TransferResult result = Storage::transfer(files, root, [&](int done, int total) {
+        TransferResult result = Storage::transfer(files, Storage::DeviceAnchor(root), [&](int done, int total) {
             EXPECT_EQ(done, ++calls);
             EXPECT_EQ(std::size_t(total), files.size());
         });
@@ -37,7 +37,7 @@ struct Desk {
 
     std::string message(const std::vector<TransferFile> &files) const
     {
-        return failureOf([&] { (void)Storage::transfer(files, root, [](int, int) { }); });
+        return failureOf([&] { (void)Storage::transfer(files, Storage::DeviceAnchor(root), [](int, int) { }); });
     }
 
     FileMap music() const { return fs::exists(root / "Music") ? filesBelow(root / "Music") : FileMap {}; }

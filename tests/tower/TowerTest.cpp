@@ -21,7 +21,7 @@ const std::vector<std::pair<std::string, std::set<std::string>>> floors {
     {"quality", {"artwork", "library", "storage", "platform"}},
     {"playback", {"library", "media"}},
     {"model", {"playback", "quality", "themes", "artwork", "library", "storage", "media", "platform"}},
-    {"ui", {"model", "playback", "quality", "media", "platform"}},
+    {"ui", {"model", "playback", "quality", "storage", "media", "platform"}},
 };
 
 /// Rooms with private headers, and the headers that others may use.
@@ -30,8 +30,10 @@ const std::map<std::string, std::set<std::string>> rooms {
     {"media/files", {"FlacBlocks.h", "MediaAsset.h"}},
     {"media/pictures", {"Images.h"}},
     {"media/sound", {"AudioOutput.h"}},
+    {"ui/backups", {"BackupsPresenter.h"}},
     {"ui/guide", {}},
     {"ui/library", {"LibraryPresenter.h"}},
+    {"ui/playlists", {"PlaylistsPresenter.h"}},
     {"ui/playback", {"MediaControls.h", "PlaybackPresenter.h"}},
     {"ui/quality", {"QualityPresenter.h"}},
     {"ui/shell", {"DesktopPanels.h", "ShellPresenter.h"}},

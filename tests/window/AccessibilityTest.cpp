@@ -2,6 +2,8 @@
 #include "NewUser.h"
 #include "ScreenReader.h"
 
+#include "ui/words/Language.h"
+
 #include <QGuiApplication>
 
 namespace {
@@ -81,6 +83,11 @@ private Q_SLOTS:
             = u"page tab: Porządek*|heading: Porządek w kolekcji|label: Okładki: 1|radio button: Wszystko*|list: Problemy|list item: Soundings. Duża okładka — przygotuj wersję 500 × 500 dla iPoda."_s
                   .split(u'|');
         QCOMPARE(amiss(quality), QStringList());
+        Language::create(nullptr, nullptr)->setChoice(u"en"_s);
+        const QStringList english
+            = u"page tab list: Sections|page tab: Tidy up*|heading: Tidy up your collection|label: Covers: 1|radio button: All*|list: Issues|list item: Soundings. Large cover – make a 500 × 500 version for the iPod.|panel: Language|radio button: EN*|heading: Your iPod"_s
+                  .split(u'|');
+        QCOMPARE(amiss(english), QStringList());
     }
 
     void tellsOfAPickersChoicesAndOfAMessage()

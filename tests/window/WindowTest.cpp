@@ -2,6 +2,8 @@
 // transfer, transfer again, listen.
 #include "NewUser.h"
 
+#include "ui/words/Language.h"
+
 #include "platform/MarluneError.h"
 
 class WindowTest : public QObject {
@@ -49,6 +51,39 @@ private Q_SLOTS:
             QTRY_VERIFY(!user.item("alertOk") && !model.alert());
         }
         listenToTheOnlyAlbum(user);
+    }
+
+    void speaksAnotherLanguageWithoutMoving()
+    {
+        NewUser user;
+        MarluneModel &model = user.program.model();
+        QQuickWindow &window = *user.program.window();
+        user.begin(sample / "Music/Low Tide Almanac");
+        window.setGeometry(17, 23, 1101, 707);
+        const QRect place = window.geometry();
+        model.chooseDevice();
+        user.panels.answer({user.folder / "nothing"}); // which leaves an alert open
+        QTRY_VERIFY(user.item("alertOk"));
+        Language &language = *Language::create(nullptr, nullptr);
+        for (const auto &[choice, code, alert, size] :
+            {std::tuple("en", "en", "This folder does not contain", "Tracks: 8 · 1.6 MB"),
+                std::tuple("system", "pl", "Ten folder nie zawiera", "8 utworów · 1,6 MB")}) {
+            language.setChoice(QString::fromLatin1(choice));
+            QCOMPARE(language.code(), QString::fromLatin1(code));
+            QTRY_COMPARE(user.shownText("queueLine"), std::string(size));
+            QCOMPARE(window.geometry(), place);
+            QVERIFY(user.item("alertOk") && model.alert());
+            QVERIFY(user.shownText("alertMessage").starts_with(alert));
+            QTRY_COMPARE(window.activeFocusItem(), user.item("alertOk"));
+        }
+        user.clickNamed("alertOk");
+        QTRY_VERIFY(!user.item("alertOk") && !model.alert());
+        const QQuickItem &picker = *user.item("languagePicker");
+        QTest::mouseClick(&window, Qt::LeftButton, Qt::NoModifier,
+            picker.mapToScene({picker.width() * 0.28, picker.height() / 2}).toPoint()); // "EN"
+        QTRY_COMPARE(user.shownText("queueLine"), std::string("Tracks: 8 · 1.6 MB"));
+        QTRY_COMPARE(window.activeFocusItem()->property("text").toString(), u"EN"_s);
+        QCOMPARE(Settings(user.folder / "config/settings.json").text(u"appLanguage"_s), u"en"_s);
     }
 
 private:

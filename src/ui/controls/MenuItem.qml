@@ -14,11 +14,18 @@ T.MenuItem {
     Accessible.name: label.text
 
     contentItem: Item {
-        implicitWidth: label.implicitWidth + (keys.text === "" ? 0 : keys.implicitWidth + Tokens.space.section)
+        implicitWidth: label.x + label.implicitWidth + (keys.text === "" ? 0 : keys.implicitWidth + Tokens.space.section)
 
+        Icon {
+            anchors.verticalCenter: parent.verticalCenter
+            visible: root.checked
+            symbol: "checkmark"
+            color: label.color
+        }
         TextLine {
             id: label
-            width: parent.width - (keys.text === "" ? 0 : keys.width)
+            x: root.checkable ? Tokens.height.symbol + Tokens.space.tight : 0
+            width: parent.width - x - (keys.text === "" ? 0 : keys.width)
             anchors.verticalCenter: parent.verticalCenter
             text: root.text.replace("&", "")
             font: root.font

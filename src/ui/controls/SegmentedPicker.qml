@@ -27,6 +27,10 @@ Item { // a Control's role would be its own
         }
     }
 
+    function takeFocus() {
+        segments.itemAt(root.values.indexOf(root.value))?.forceActiveFocus(Qt.OtherFocusReason);
+    }
+
     readonly property real textsWidth: {
         let sum = 0;
         for (let i = 0; i < segments.count; ++i) {

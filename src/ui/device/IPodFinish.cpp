@@ -1,14 +1,13 @@
 #include "ui/device/IPodFinish.h"
 
+#include "ui/device/Shades.h"
+
 #include <algorithm>
 #include <iterator>
 
 namespace {
 
-QColor grey(double level, double opacity = 1)
-{
-    return QColor::fromRgbF(float(level), float(level), float(level), float(opacity));
-}
+using Shades::grey;
 
 struct Row {
     const char *name;
@@ -42,7 +41,7 @@ IPodFinish IPodFinish::named(const QString &name)
     const bool isBlack = name == QLatin1String("black");
     const bool isDark = isU2 || isBlack;
     return {.body = row->body,
-        .ring = isU2 ? QColor(0xFF, 0x3B, 0x30) : grey(isBlack ? 0.22 : 0.77),
+        .ring = isU2 ? Shades::red : grey(isBlack ? 0.22 : 0.77),
         .legend = isDark ? grey(1, 0.7) : grey(0.38),
         .centre = grey(isDark ? 0.18 : 0.985),
         .home = isBlack ? QColor(Qt::black) : QColor(Qt::white),

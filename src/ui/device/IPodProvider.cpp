@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr qsizetype cacheBytes = 48'000'000;
+constexpr qsizetype keptDrawings = 48'000'000; // bytes
 constexpr double maxLength = 2000; // logical pixels
 constexpr double maxRatio = 4;
 
@@ -34,6 +34,6 @@ QImage drawAddressed(const QString &id)
 } // namespace
 
 IPodProvider::IPodProvider()
-    : DrawingProvider([](const QString &id, const QSize &) { return drawAddressed(id); }, cacheBytes)
+    : DrawingProvider([](const QString &id, const QSize &) { return drawAddressed(id); }, keptDrawings)
 {
 }

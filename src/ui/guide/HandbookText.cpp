@@ -253,8 +253,9 @@ QList<QRectF> areas(const QTextDocument &document, int begin, int end)
 QList<int> find(const QTextDocument &document, const QString &wanted)
 {
     QList<int> result;
-    if (!wanted.isEmpty()) {
-        for (QTextCursor hit = document.find(wanted); !hit.isNull(); hit = document.find(wanted, hit)) {
+    const QString printed = QString(wanted).replace(u'\'', u'\u2019'); // as the documents have it
+    if (!printed.isEmpty()) {
+        for (QTextCursor hit = document.find(printed); !hit.isNull(); hit = document.find(printed, hit)) {
             result.append(hit.selectionStart());
         }
     }

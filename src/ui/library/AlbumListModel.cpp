@@ -1,6 +1,7 @@
 #include "ui/library/AlbumListModel.h"
 
 #include "ui/words/Localization.h"
+#include "ui/words/Wording.h"
 
 #include "platform/desktop/Desktop.h"
 #include "platform/text/ByteCount.h"
@@ -77,7 +78,7 @@ QVariant AlbumListModel::data(const QModelIndex &index, int role) const
     case TitleRole:
         return shown->album->title;
     case ArtistRole:
-        return shown->album->artist;
+        return Wording::artistText(shown->album->artist);
     case CountAndSizeRole:
         return texts(*shown).countAndSize;
     case FormatRole:
@@ -99,9 +100,10 @@ QVariant AlbumListModel::data(const QModelIndex &index, int role) const
 
 const AlbumListModel::Texts &AlbumListModel::texts(const Row &row) const
 {
-    if (!row.texts) {
+    if (!row.texts || row.texts->language != AppLocalizer::language()) {
         const Album &album = *row.album;
         Texts made;
+        made.language = AppLocalizer::language();
         made.countAndSize = QString::number(album.tracks.size()) + QStringLiteral(" / ") + byteCount(album.bytes());
         made.format = album.tracks.empty() ? QString() : album.tracks.front().info.codec;
         made.highResolution = std::any_of(

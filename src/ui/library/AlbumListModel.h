@@ -61,6 +61,7 @@ Q_SIGNALS:
 private:
     /// What a page shows of one album.
     struct Texts {
+        QString language; ///< in which they were made
         QString countAndSize;
         QString format;
         bool highResolution = false;

@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr qsizetype cacheBytes = 64'000'000;
+constexpr qsizetype keptCovers = 64'000'000; // bytes
 constexpr int maxSide = 2048;
 constexpr int defaultSide = 256;
 
@@ -27,7 +27,7 @@ QImage drawStored(const CoverStore &store, const QString &id, const QSize &reque
 CoverProvider::CoverProvider(std::shared_ptr<const CoverStore> store)
     : DrawingProvider([store = std::move(store)](
                           const QString &id, const QSize &requested) { return drawStored(*store, id, requested); },
-          cacheBytes)
+          keptCovers)
 {
 }
 

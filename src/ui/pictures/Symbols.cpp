@@ -1,5 +1,6 @@
 #include "ui/pictures/Symbols.h"
 
+#include <QFile>
 #include <QPainter>
 #include <QSvgRenderer>
 
@@ -16,6 +17,7 @@ struct Entry {
 };
 
 constexpr std::array table {
+    Entry {"archivebox", "regular/archive"},
     Entry {"arrow.clockwise", "regular/arrow-clockwise"},
     Entry {"arrow.down.to.line", "regular/arrow-line-down"},
     Entry {"backward.end.fill", "fill/skip-back-fill"},
@@ -33,17 +35,14 @@ constexpr std::array table {
     Entry {"folder", "regular/folder"},
     Entry {"forward.end.fill", "fill/skip-forward-fill"},
     Entry {"ipod", "regular/device-mobile-speaker"},
-    Entry {"line.3.horizontal", "bold/list-bold"},
     Entry {"magnifyingglass", "regular/magnifying-glass"},
     Entry {"music.note", "regular/music-note"},
-    Entry {"music.note.light", "light/music-note-light"},
     Entry {"music.note.list", "regular/playlist"},
     Entry {"opticaldisc", "regular/vinyl-record"},
     Entry {"paintbrush", "regular/paint-brush"},
     Entry {"pause.fill", "fill/pause-fill"},
     Entry {"photo", "regular/image"},
     Entry {"play.fill", "fill/play-fill"},
-    Entry {"playpause.fill", "fill/play-pause-fill"},
     Entry {"plus", "regular/plus"},
     Entry {"plus.circle", "regular/plus-circle"},
     Entry {"questionmark", "bold/question-mark-bold"},
@@ -77,19 +76,28 @@ QString file(const QString &name)
 
 QImage draw(const QString &name, const QColor &colour, int side)
 {
-    const QString source = file(name);
-    if (source.isEmpty()) {
+    if (file(name).isEmpty()) {
         return {};
     }
-    QSvgRenderer renderer(source);
     QImage image(side, side, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
     QPainter painter(&image);
-    renderer.render(&painter, QRectF(0, 0, side, side));
-    painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
-    painter.fillRect(image.rect(), colour);
+    paint(painter, name, colour, QRectF(0, 0, side, side));
     painter.end();
     return image;
+}
+
+void paint(QPainter &painter, const QString &name, const QColor &colour, const QRectF &rect)
+{
+    QFile source(file(name));
+    if (!source.open(QIODevice::ReadOnly)) {
+        return;
+    }
+    QSvgRenderer renderer(source.readAll().replace("currentColor", colour.name().toLatin1()));
+    const double before = painter.opacity();
+    painter.setOpacity(before * colour.alphaF());
+    renderer.render(&painter, rect);
+    painter.setOpacity(before);
 }
 
 Provider::Provider()

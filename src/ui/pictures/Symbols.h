@@ -9,6 +9,8 @@
 #include <QString>
 #include <QStringList>
 
+class QPainter;
+
 namespace Symbols {
 
 /// All names.
@@ -17,6 +19,9 @@ namespace Symbols {
 [[nodiscard]] QString file(const QString &name);
 /// Null for a name that there is not.
 [[nodiscard]] QImage draw(const QString &name, const QColor &colour, int side);
+
+/// The same, filling `rect` of what is being painted. Nothing for a name that there is not.
+void paint(QPainter &painter, const QString &name, const QColor &colour, const QRectF &rect);
 
 class Provider : public QQuickImageProvider {
 public:

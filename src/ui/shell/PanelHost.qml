@@ -23,6 +23,11 @@ Item {
         }
     }
 
+    /// Follows the language: an open question stays while the window's content is made anew.
+    function shown(text: string): string {
+        return Language.code === "pl" ? text : L10n.text(text);
+    }
+
     Connections {
         target: root.panels
         function onAsked(kind: int) {
@@ -51,13 +56,13 @@ Item {
         id: pictures
         panels: root.panels
         currentFolder: root.panels.picturesFolder
-        nameFilters: [L10n.text("Obrazy") + " (" + root.panels.picturePatterns + ")"]
+        nameFilters: [root.shown("Obrazy") + " (" + root.panels.picturePatterns + ")"]
     }
     FilePanel {
         id: archives
         panels: root.panels
         currentFolder: root.panels.downloadsFolder
-        nameFilters: [L10n.text("Paczki motywów") + " (" + root.panels.archivePatterns + ")"]
+        nameFilters: [root.shown("Paczki motywów") + " (" + root.panels.archivePatterns + ")"]
     }
     FolderDialog {
         id: folder
@@ -79,7 +84,7 @@ Item {
             choice.close();
         }
 
-        title: L10n.text(root.panels.prompt)
+        title: root.shown(root.panels.prompt)
         onAboutToShow: choice.chosen = choice.none
         onOpened: folderButton.forceActiveFocus(Qt.PopupFocusReason)
         // The dialog comes once the sheet has given the focus back: it would otherwise lose its own to the window.
@@ -97,7 +102,7 @@ Item {
             }
             TextBlock {
                 Layout.preferredWidth: 320
-                text: L10n.text("Co chcesz wskazać?")
+                text: root.shown("Co chcesz wskazać?")
                 font: Tokens.type.body
             }
             Button {
@@ -108,7 +113,7 @@ Item {
                 measure: Button.Large
                 kind: Button.Prominent
                 symbol: "folder"
-                text: L10n.text("Folder z muzyką…")
+                text: root.shown("Folder z muzyką…")
                 onClicked: choice.go(DesktopPanels.ChooseFolder)
             }
             Button {
@@ -116,13 +121,13 @@ Item {
                 Layout.fillWidth: true
                 measure: Button.Large
                 symbol: "music.note"
-                text: L10n.text("Pliki audio…")
+                text: root.shown("Pliki audio…")
                 onClicked: choice.go(DesktopPanels.ChooseFiles)
             }
             Button {
                 Layout.fillWidth: true
                 kind: Button.Borderless
-                text: L10n.text("Anuluj")
+                text: root.shown("Anuluj")
                 onClicked: choice.close()
             }
         }

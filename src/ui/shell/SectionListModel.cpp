@@ -11,6 +11,7 @@ SectionListModel::SectionListModel(MarluneModel &model, QObject *parent)
             const QModelIndex row = index(int(section));
             Q_EMIT dataChanged(row, row, {CurrentRole});
         }
+        Q_EMIT currentRowChanged();
     });
 }
 

@@ -10,6 +10,7 @@ class SectionListModel : public QAbstractListModel {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("The shell presenter has one.")
+    Q_PROPERTY(int currentRow READ currentRow NOTIFY currentRowChanged)
 
 public:
     enum Role : std::uint16_t {
@@ -24,12 +25,16 @@ public:
     [[nodiscard]] QVariant data(const QModelIndex &index, int role) const override;
     [[nodiscard]] QHash<int, QByteArray> roleNames() const override;
 
+    [[nodiscard]] int currentRow() const { return int(m_current); }
     /// Shows the section of that row; other rows are ignored.
     Q_INVOKABLE void open(int row);
 
     [[nodiscard]] static QString symbol(Section section);
     /// What the section is for, in a sentence; shown until it has its page.
     [[nodiscard]] static QString purpose(Section section);
+
+Q_SIGNALS:
+    void currentRowChanged();
 
 private:
     MarluneModel &m_model;

@@ -42,11 +42,15 @@ void ShellPresenter::onBusyChanged()
 void ShellPresenter::showTimeLeft()
 {
     const std::optional<std::chrono::seconds> left = m_model.timeLeft();
-    const QString text = left ? Wording::remainingText(*left) : QString();
-    if (m_remaining != text) {
-        m_remaining = text;
+    if (m_timeLeft != left) {
+        m_timeLeft = left;
         Q_EMIT remainingChanged();
     }
+}
+
+QString ShellPresenter::remaining() const
+{
+    return m_timeLeft ? Wording::remainingText(*m_timeLeft) : QString();
 }
 
 void ShellPresenter::refresh()

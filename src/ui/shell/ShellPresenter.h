@@ -18,8 +18,12 @@ class ShellPresenter : public QObject {
     QML_UNCREATABLE("The program makes it for the model.")
     Q_PROPERTY(SectionListModel *sections READ sections CONSTANT)
     Q_PROPERTY(bool musicShown READ musicShown NOTIFY sectionChanged)
+    Q_PROPERTY(bool playlistsShown READ playlistsShown NOTIFY sectionChanged)
+    Q_PROPERTY(bool backupsShown READ backupsShown NOTIFY sectionChanged)
     Q_PROPERTY(bool qualityShown READ qualityShown NOTIFY sectionChanged)
     Q_PROPERTY(bool guideShown READ guideShown NOTIFY sectionChanged)
+    /// The section has no page of its own yet.
+    Q_PROPERTY(bool unfinishedShown READ unfinishedShown NOTIFY sectionChanged)
     Q_PROPERTY(bool inspectorShown READ inspectorShown NOTIFY sectionChanged)
     Q_PROPERTY(QString sectionSymbol READ sectionSymbol NOTIFY sectionChanged)
     Q_PROPERTY(QString sectionPurpose READ sectionPurpose NOTIFY sectionChanged)
@@ -50,8 +54,14 @@ public:
 
     [[nodiscard]] SectionListModel *sections() { return &m_sections; }
     [[nodiscard]] bool musicShown() const { return m_model.section() == Section::Music; }
+    [[nodiscard]] bool playlistsShown() const { return m_model.section() == Section::Playlists; }
+    [[nodiscard]] bool backupsShown() const { return m_model.section() == Section::Backups; }
     [[nodiscard]] bool qualityShown() const { return m_model.section() == Section::Quality; }
     [[nodiscard]] bool guideShown() const { return m_model.section() == Section::Guide; }
+    [[nodiscard]] bool unfinishedShown() const
+    {
+        return !musicShown() && !playlistsShown() && !backupsShown() && !qualityShown() && !guideShown();
+    }
     /// The device page shows all of the inspector itself.
     [[nodiscard]] bool inspectorShown() const { return m_model.section() != Section::Device; }
     [[nodiscard]] QString sectionSymbol() const { return SectionListModel::symbol(m_model.section()); }
@@ -60,7 +70,7 @@ public:
     [[nodiscard]] QString headline() const;
     [[nodiscard]] QString queueLine() const;
     /// How long the work may still take; empty where nothing can be said.
-    [[nodiscard]] QString remaining() const { return m_remaining; }
+    [[nodiscard]] QString remaining() const;
     [[nodiscard]] bool canClearQueue() const { return !m_model.busy() && m_queuedTracks > 0; }
     [[nodiscard]] bool canTransfer() const { return canClearQueue() && connected(); }
     [[nodiscard]] bool canEject() const { return m_model.canEject(); }
@@ -109,7 +119,7 @@ private:
     std::size_t m_queuedTracks = 0;
     std::int64_t m_queuedBytes = 0;
     QTimer m_clock; ///< runs while there is work
-    QString m_remaining;
+    std::optional<std::chrono::seconds> m_timeLeft;
     bool m_closing = false;
     bool m_ending = false;
 };

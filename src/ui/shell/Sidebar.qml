@@ -20,6 +20,15 @@ Rectangle {
         }
     }
 
+    /// The keyboard goes on at the language's picker, or at the present section.
+    function takeFocus(byPicker: bool) {
+        if (byPicker) {
+            languages.takeFocus();
+        } else {
+            rows.itemAt(root.sections.currentRow).forceActiveFocus(Qt.OtherFocusReason);
+        }
+    }
+
     implicitWidth: Math.min(root.widest, Math.max(root.usualWidth, Math.ceil(list.implicitWidth) + 2 * Tokens.space.regular))
     color: Tokens.color.sidebar
 
@@ -68,13 +77,20 @@ Rectangle {
                 }
             }
         }
+        LanguagePicker {
+            id: languages
+            Layout.fillWidth: true
+            Layout.leftMargin: 18
+            Layout.rightMargin: 18
+            Layout.bottomMargin: footer.visible ? 0 : 20
+        }
         ColumnLayout {
             id: footer
             Layout.fillWidth: true
             Layout.fillHeight: false
             Layout.margins: 20
             // Large text in a low window: the sections come first.
-            visible: root.height > brand.implicitHeight + list.implicitHeight + footer.implicitHeight + 22 + 40 + 2 * 30
+            visible: root.height > brand.implicitHeight + list.implicitHeight + languages.implicitHeight + footer.implicitHeight + 22 + 40 + 3 * 30
             spacing: 5
 
             TextBlock {

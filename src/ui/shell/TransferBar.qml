@@ -66,13 +66,26 @@ Item {
                 }
             }
         }
-        ProgressBar {
-            objectName: "workProgress"
+        RowLayout {
             Layout.fillWidth: true
             visible: root.model.busy
-            value: root.model.progress
-            indeterminate: root.model.progress <= 0
-            Accessible.name: root.model.status
+            spacing: Tokens.space.regular
+
+            ProgressBar {
+                objectName: "workProgress"
+                Layout.fillWidth: true
+                value: root.model.progress
+                indeterminate: root.model.progress <= 0
+                Accessible.name: root.model.status
+            }
+            Button {
+                objectName: "cancelButton"
+                visible: root.model.cancellable
+                measure: Button.Small
+                text: root.model.cancelling ? L10n.text("Przerywam…") : L10n.text("Przerwij")
+                enabled: !root.model.cancelling
+                onClicked: root.model.cancelWork()
+            }
         }
         RowLayout {
             Layout.fillWidth: true

@@ -2,6 +2,19 @@
 
 #include "ui/words/Localization.h"
 
+namespace {
+
+/// Controls, ends of lines, half of a character, and the marks that order what follows from right to left or nest it.
+bool isUnfit(QChar unit)
+{
+    const char16_t code = unit.unicode();
+    const bool turns = (code >= 0x202A && code <= 0x202E) || (code >= 0x2066 && code <= 0x2069);
+    return turns || unit.category() == QChar::Other_Control || unit.isSurrogate()
+        || unit.category() == QChar::Separator_Line || unit.category() == QChar::Separator_Paragraph;
+}
+
+} // namespace
+
 namespace Wording {
 
 QString remainingText(std::chrono::seconds remaining)
@@ -17,6 +30,34 @@ QString remainingText(std::chrono::seconds remaining)
         return AppLocalizer::text(QStringLiteral("jeszcze około %1 min").arg((seconds + minute / 2) / minute));
     }
     return AppLocalizer::text(QStringLiteral("jeszcze około %1 s").arg((seconds / step + 1) * step));
+}
+
+QString moment(const QDateTime &moment)
+{
+    const QLocale locale = AppLocalizer::locale();
+    return locale.toString(moment.date(), QLocale::LongFormat) + QStringLiteral(", ")
+        + locale.toString(moment.time(), QLocale::ShortFormat);
+}
+
+QString fileName(const QString &name)
+{
+    QString shown;
+    for (qsizetype i = 0; i < name.size(); ++i) {
+        const QChar unit = name[i];
+        if (unit.isHighSurrogate() && i + 1 < name.size() && name[i + 1].isLowSurrogate()) {
+            shown += name.sliced(i++, 2);
+        } else if (isUnfit(unit)) {
+            shown += QChar(QChar::ReplacementCharacter);
+        } else {
+            shown += unit;
+        }
+    }
+    return shown;
+}
+
+QString artistText(const QString &artist)
+{
+    return artist == QStringLiteral("Różni wykonawcy") ? AppLocalizer::text(artist) : artist;
 }
 
 } // namespace Wording
