@@ -298,6 +298,7 @@ void HandbookDocument::keepPlace()
         Q_EMIT scrollWanted(topOf(m_place));
     }
     m_keeping = false;
+    setPlace(placeAt(m_top));
 }
 
 /// The reader stays at the hit of the same place in the row; a new search begins at what is shown.

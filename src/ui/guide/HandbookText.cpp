@@ -17,7 +17,6 @@ namespace HandbookText {
 namespace {
 
 constexpr int groundProperty = QTextFormat::UserProperty + 1;
-constexpr qsizetype longestLine = 40; ///< letters in a cell of a table; more take several lines
 
 /// The file behind an address; empty for one that is not local.
 QString localFile(const QUrl &address)
@@ -111,22 +110,36 @@ template <typename Visit> void eachTable(const QTextFrame &frame, const Visit &v
     }
 }
 
+/// How much of a table's width a column wants: enough for its longest word, and some for its longest text.
+double wishOf(const QTextTable &table, int column)
+{
+    constexpr double padding = 3; // all in letters
+    constexpr double longestLine = 40; // more take several lines
+    constexpr double ofTexts = 0.2;
+    double word = 1;
+    double text = 1;
+    for (int row = 0; row < table.rows(); ++row) {
+        const QString words = table.cellAt(row, column).firstCursorPosition().block().text();
+        for (const QString &each : words.split(u' ')) {
+            word = std::max(word, double(each.size()));
+        }
+        text = std::max(text, std::min(longestLine, double(words.size())));
+    }
+    return padding + word + ofTexts * (text - word);
+}
+
 /// Rich text would give all columns the same width. The lines between the rows are drawn beside the text.
 void layOutTables(const QTextDocument &text)
 {
     eachTable(*text.rootFrame(), [](const QTextTable &table) {
-        QList<double> letters(table.columns(), 1);
-        for (int row = 0; row < table.rows(); ++row) {
-            for (int column = 0; column < table.columns(); ++column) {
-                const QTextCursor cell = table.cellAt(row, column).firstCursorPosition();
-                const auto length = double(std::min(longestLine, cell.block().text().size()));
-                letters[column] = std::max(letters[column], length);
-            }
+        QList<double> wishes;
+        for (int column = 0; column < table.columns(); ++column) {
+            wishes.append(wishOf(table, column));
         }
-        const double all = std::accumulate(letters.cbegin(), letters.cend(), 0.0);
+        const double all = std::accumulate(wishes.cbegin(), wishes.cend(), 0.0);
         QList<QTextLength> widths;
-        for (const double column : letters) {
-            widths.append(QTextLength(QTextLength::PercentageLength, 100 * column / all));
+        for (const double wish : wishes) {
+            widths.append(QTextLength(QTextLength::PercentageLength, 100 * wish / all));
         }
         QTextTableFormat format = table.format();
         format.setWidth(QTextLength(QTextLength::PercentageLength, 100));

@@ -34,7 +34,7 @@ Item {
         onScrollWanted: top => root.scrollTo(top - root.covered)
     }
     Shortcut {
-        sequences: [StandardKey.Find]
+        sequence: "Ctrl+F"
         enabled: root.visible
         onActivated: findBar.open()
     }

@@ -61,7 +61,7 @@ Item {
         boundsBehavior: Flickable.StopAtBounds
         keyNavigationEnabled: false
         activeFocusOnTab: true
-        model: ModelListModel {}
+        model: IPodModels.all
         Accessible.role: Accessible.List
         Accessible.name: L10n.text("Wszystkie modele")
         T.ScrollBar.vertical: ScrollBar {
@@ -70,6 +70,12 @@ Item {
             height: root.height
         }
         delegate: ModelCard {
+            required property var modelData
+
+            profileId: modelData.profileId
+            name: modelData.name
+            support: modelData.support
+            supported: modelData.supported
             width: grid.cellWidth - root.columnSpacing
             height: grid.cellHeight - root.rowSpacing
         }
