@@ -25,6 +25,8 @@ constexpr std::array table {
     Entry {"checkmark", "regular/check"},
     Entry {"checkmark.circle", "regular/check-circle"},
     Entry {"checkmark.circle.fill", "fill/check-circle-fill"},
+    Entry {"chevron.down", "regular/caret-down"},
+    Entry {"chevron.up", "regular/caret-up"},
     Entry {"chevron.up.chevron.down", "regular/caret-up-down"},
     Entry {"clock.arrow.circlepath", "regular/clock-counter-clockwise"},
     Entry {"doc.badge.ellipsis", "regular/file-x"},

@@ -69,6 +69,13 @@ Item {
         }
     }
     Place {
+        shown: root.shell.guideShown
+
+        GuidePage {
+            anchors.fill: parent
+        }
+    }
+    Place {
         shown: root.shell.unfinishedShown
 
         EmptyState {

@@ -21,6 +21,7 @@ class ShellPresenter : public QObject {
     Q_PROPERTY(bool playlistsShown READ playlistsShown NOTIFY sectionChanged)
     Q_PROPERTY(bool backupsShown READ backupsShown NOTIFY sectionChanged)
     Q_PROPERTY(bool qualityShown READ qualityShown NOTIFY sectionChanged)
+    Q_PROPERTY(bool guideShown READ guideShown NOTIFY sectionChanged)
     /// The section has no page of its own yet.
     Q_PROPERTY(bool unfinishedShown READ unfinishedShown NOTIFY sectionChanged)
     Q_PROPERTY(bool inspectorShown READ inspectorShown NOTIFY sectionChanged)
@@ -56,9 +57,10 @@ public:
     [[nodiscard]] bool playlistsShown() const { return m_model.section() == Section::Playlists; }
     [[nodiscard]] bool backupsShown() const { return m_model.section() == Section::Backups; }
     [[nodiscard]] bool qualityShown() const { return m_model.section() == Section::Quality; }
+    [[nodiscard]] bool guideShown() const { return m_model.section() == Section::Guide; }
     [[nodiscard]] bool unfinishedShown() const
     {
-        return !musicShown() && !playlistsShown() && !backupsShown() && !qualityShown();
+        return !musicShown() && !playlistsShown() && !backupsShown() && !qualityShown() && !guideShown();
     }
     /// The device page shows all of the inspector itself.
     [[nodiscard]] bool inspectorShown() const { return m_model.section() != Section::Device; }
