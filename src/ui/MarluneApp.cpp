@@ -3,6 +3,7 @@
 #include "ui/backups/BackupsPresenter.h"
 #include "ui/controls/FocusGuide.h"
 #include "ui/device/IPodProvider.h"
+#include "ui/library/AlbumSheetPresenter.h"
 #include "ui/library/LibraryPresenter.h"
 #include "ui/pictures/CoverProvider.h"
 #include "ui/pictures/ShadowProvider.h"
@@ -13,6 +14,7 @@
 #include "ui/quality/QualityPresenter.h"
 #include "ui/shell/DesktopPanels.h"
 #include "ui/shell/ShellPresenter.h"
+#include "ui/themes/ThemeSheetPresenter.h"
 #include "ui/words/Language.h"
 #include "ui/words/Localization.h"
 
@@ -112,6 +114,9 @@ struct Program::Parts {
     PlaylistsPresenter playlists;
     BackupsPresenter backups;
     QualityPresenter quality;
+    AlbumSheetPresenter albumSheet;
+    AlbumSheetPresenter coverSheet;
+    ThemeSheetPresenter themeSheet;
     PlaybackPresenter playback;
     MediaControls mediaControls;
     QQmlApplicationEngine engine;
@@ -135,6 +140,9 @@ Program::Parts::Parts(const Setup &setup)
     , playlists(model)
     , backups(model)
     , quality(model)
+    , albumSheet(model, covers, AlbumSheetPresenter::Field::OpenAlbum)
+    , coverSheet(model, covers, AlbumSheetPresenter::Field::CoverLookup)
+    , themeSheet(model)
     , playback(model.playback())
     , mediaControls(model.playback())
 {
@@ -152,6 +160,9 @@ Program::Parts::Parts(const Setup &setup)
             {QStringLiteral("playlists"), QVariant::fromValue(&playlists)},
             {QStringLiteral("backups"), QVariant::fromValue(&backups)},
             {QStringLiteral("quality"), QVariant::fromValue(&quality)},
+            {QStringLiteral("albumSheet"), QVariant::fromValue(&albumSheet)},
+            {QStringLiteral("coverSheet"), QVariant::fromValue(&coverSheet)},
+            {QStringLiteral("themeSheet"), QVariant::fromValue(&themeSheet)},
             {QStringLiteral("playback"), QVariant::fromValue(&playback)},
             {QStringLiteral("panels"), QVariant::fromValue(&desktopPanels)}});
     engine.load(QUrl(QStringLiteral("qrc:/qml/Marlune/shell/Main.qml")));

@@ -48,6 +48,13 @@ bool cameByItself(int reason)
     return reason == Qt::PopupFocusReason || reason == Qt::ActiveWindowFocusReason || reason == Qt::OtherFocusReason;
 }
 
+/// A click has put the focus there, or has disabled what had it: what was clicked is seen, and where the focus was
+/// handed on to, nobody looks. To be asked only where the latest input was none of a key.
+bool cameByMouse(int reason)
+{
+    return reason == Qt::MouseFocusReason || reason == Qt::OtherFocusReason;
+}
+
 /// Moves `view` as little as needed for all of `item` to be seen, or its beginning where it is too large. What fills
 /// all of the view stays where it is. A view can name in its property "covered" how much of its upper edge something
 /// lies over.
@@ -190,9 +197,12 @@ void FocusGuide::settle()
         item->setProperty("focusReason", Qt::TabFocusReason);
     }
     remember(*item);
+    disconnect(m_frames);
+    if (!m_byKey && reason.isValid() && cameByMouse(reason.toInt())) {
+        return;
+    }
     scrollIntoView(*item);
     m_framesToFollow = 5;
-    disconnect(m_frames);
     m_frames = connect(window, &QQuickWindow::afterAnimating, this, &FocusGuide::onFrame);
 }
 

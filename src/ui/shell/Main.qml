@@ -12,6 +12,9 @@ T.ApplicationWindow {
     required property PlaylistsPresenter playlists
     required property BackupsPresenter backups
     required property QualityPresenter quality
+    required property AlbumSheetPresenter albumSheet
+    required property AlbumSheetPresenter coverSheet
+    required property ThemeSheetPresenter themeSheet
     required property PlaybackPresenter playback
     required property DesktopPanels panels
 
@@ -43,6 +46,9 @@ T.ApplicationWindow {
                 playlists: root.playlists,
                 backups: root.backups,
                 quality: root.quality,
+                albumSheet: root.albumSheet,
+                coverSheet: root.coverSheet,
+                themeSheet: root.themeSheet,
                 playback: root.playback
             });
         }
