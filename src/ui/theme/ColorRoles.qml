@@ -24,6 +24,13 @@ QtObject {
     readonly property color found: dark ? "#4A3F14" : "#FFF1B8" ///< below words that were searched for
     readonly property color foundNow: dark ? "#7A5C00" : "#FFD54A" ///< and the ones that the reader is at
 
+    // Parts of a disk
+    readonly property color partFlac: dark ? "#4C9BFF" : "#0A63E0"
+    readonly property color partMp3: dark ? "#B794FF" : "#7A4BC9"
+    readonly property color partMusic: dark ? "#35C3B1" : "#0B8577"
+    readonly property color partData: dark ? "#7E7E87" : "#8E8E97"
+    readonly property color partFree: dark ? "#303034" : "#E4E4E9"
+
     // Laid over whatever lies below
     readonly property color line: dark ? "#1CFFFFFF" : "#17000000"
     readonly property color hover: dark ? "#12F2F2F4" : "#0D1D1D1F"
