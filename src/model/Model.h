@@ -381,6 +381,7 @@ private:
     QCoro::Task<CoverFinding> findCover(Album album, CoverPlace place);
     QCoro::Task<> runCoverSearch(std::vector<Album> albums, CoverPlace place);
     QCoro::Task<> runRepair(CoverPlace place);
+    [[nodiscard]] static QString stoppedText(const EndedTransfer &ended, std::size_t files);
     void applyTransfer(const PlannedTransfer &transfer, EndedTransfer ended, bool isReplaced);
     /// The order of paths as plain text; their own goes by components.
     [[nodiscard]] static bool isBeforeAsText(const std::filesystem::path &a, const std::filesystem::path &b)
@@ -394,6 +395,7 @@ private:
     void rediscover();
     [[nodiscard]] TrackImport prepareImport(bool fromDevice) const;
     void restoreLibrary();
+    [[nodiscard]] static QString stoppedText(int read, int left, ImportKind kind);
     void applyImport(TracksRead read, ImportKind kind);
 
     ModelEnvironment m_environment;

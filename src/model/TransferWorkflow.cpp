@@ -32,14 +32,6 @@ struct MarluneModel::EndedTransfer {
     std::size_t covers = 0; ///< of those, written
     bool isStopped = false;
     std::exception_ptr failure;
-
-    /// What a stop between two covers adds to the status.
-    [[nodiscard]] QString missingCovers() const
-    {
-        return covers == wholeCovers ? QString()
-                                     : QStringLiteral(" Okładki: ") + QString::number(covers) + QStringLiteral(" z ")
-                + QString::number(wholeCovers) + u'.';
-    }
 };
 
 namespace {
@@ -138,6 +130,16 @@ QCoro::Task<> MarluneModel::runTransfer(std::shared_ptr<const PlannedTransfer> t
     }
 }
 
+QString MarluneModel::stoppedText(const EndedTransfer &ended, std::size_t files)
+{
+    const QString music = QStringLiteral("Przerwano: wgrano ") + QString::number(ended.copying.copied)
+        + QStringLiteral(" z ") + QString::number(files) + QStringLiteral(" utworów. Pominięto identyczne: ")
+        + QString::number(ended.copying.skipped) + u'.';
+    return ended.covers == ended.wholeCovers ? music
+                                             : music + QStringLiteral(" Okładki: ") + QString::number(ended.covers)
+            + QStringLiteral(" z ") + QString::number(ended.wholeCovers) + u'.';
+}
+
 /// `isReplaced`: something else is at the place of the device that the files went to.
 void MarluneModel::applyTransfer(const PlannedTransfer &transfer, EndedTransfer ended, bool isReplaced)
 {
@@ -155,13 +157,11 @@ void MarluneModel::applyTransfer(const PlannedTransfer &transfer, EndedTransfer 
         m_browsing.dequeue(finishedItems(transfer.plan, result.destinations.size(), ended.covers));
         Q_EMIT selectionChanged();
         addTransferred(transfer.visit, result.destinations);
-        const QString skipped = QStringLiteral(". Pominięto identyczne: ") + QString::number(result.skipped) + u'.';
         if (ended.isStopped) {
-            m_work.setStatus(QStringLiteral("Przerwano: wgrano ") + QString::number(result.copied)
-                + QStringLiteral(" z ") + QString::number(transfer.plan.files.size()) + QStringLiteral(" utworów")
-                + skipped + ended.missingCovers());
+            m_work.setStatus(stoppedText(ended, transfer.plan.files.size()));
         } else {
-            m_work.setStatus(QStringLiteral("Wgrano: ") + QString::number(result.copied) + skipped);
+            m_work.setStatus(QStringLiteral("Wgrano: ") + QString::number(result.copied)
+                + QStringLiteral(". Pominięto identyczne: ") + QString::number(result.skipped) + u'.');
             m_work.setAlert(m_work.status()
                 + QStringLiteral("\n\nUtwory są dostępne w Files → Music. Jeśli używasz Database, zaktualizuj bazę w "
                                  "menu Rockbox na iPodzie."));
@@ -205,10 +205,11 @@ QCoro::Task<> MarluneModel::runCleanup(Device device)
         m_work.setAlert(describeFailure(cleanup.failure));
         m_work.setStatus(QStringLiteral("Nie udało się ukończyć porządków"));
     } else {
-        const auto [removed, isStopped] = *cleanup.value;
-        m_work.setStatus((isStopped ? QStringLiteral("Przerwano. ") : QString())
-            + QStringLiteral("Usunięto pliki metadanych macOS: ") + QString::number(removed)
-            + (isStopped && removed == 0 ? QStringLiteral(".") : QStringLiteral(". Kopia jest na Macu.")));
+        const QString removed = QStringLiteral("Usunięto pliki metadanych macOS: ")
+            + QString::number(cleanup.value->removed) + QStringLiteral(". Kopia jest na Macu.");
+        m_work.setStatus(!cleanup.value->isStopped ? removed
+                : cleanup.value->removed > 0       ? QStringLiteral("Przerwano. ") + removed
+                                                   : QStringLiteral("Przerwano. Niczego nie usunięto."));
     }
     m_work.end();
     refresh();
