@@ -276,13 +276,12 @@ QCoro::Task<> MarluneModel::runRepair(CoverPlace place)
         }
         m_work.report(double(repaired + failed) / double(albums.size()));
     }
+    const QString counts = QStringLiteral(". Nie udało się naprawić: ") + QString::number(failed) + u'.';
     if (repaired + failed < int(albums.size())) {
         m_work.setStatus(QStringLiteral("Przerwano. Naprawione albumy: ") + QString::number(repaired)
-            + QStringLiteral(" z ") + QString::number(albums.size()) + QStringLiteral(". Nie udało się naprawić: ")
-            + QString::number(failed) + u'.');
+            + QStringLiteral(" z ") + QString::number(albums.size()) + counts);
     } else {
-        m_work.setStatus(QStringLiteral("Naprawione albumy: ") + QString::number(repaired)
-            + QStringLiteral(". Nie udało się naprawić: ") + QString::number(failed) + u'.');
+        m_work.setStatus(QStringLiteral("Naprawione albumy: ") + QString::number(repaired) + counts);
         m_work.setAlert(m_work.status() + u'\n'
             + (place.onDevice ? QStringLiteral("Poprzednie obrazy z iPoda mają kopię na Macu.")
                               : QStringLiteral("Okładki są gotowe do wgrania razem z albumami."))

@@ -142,20 +142,6 @@ QCoro::Task<> MarluneModel::runImport(ImportSource source, ImportKind kind)
     }
 }
 
-QString MarluneModel::stoppedText(int read, int left, ImportKind kind)
-{
-    const QString count = QStringLiteral("Przerwano. Odczytano utwory: ") + QString::number(read) + u'.';
-    const QString counts = left > 0 ? count + QStringLiteral(" Pozostało: ") + QString::number(left) + u'.' : count;
-    switch (kind) {
-    case ImportKind::Device:
-        return counts + QStringLiteral(" Lista muzyki z iPoda jest niepełna.");
-    case ImportKind::Restored:
-        return counts + QStringLiteral(" Reszta biblioteki wróci przy następnym uruchomieniu.");
-    default:
-        return counts;
-    }
-}
-
 void MarluneModel::applyImport(TracksRead read, ImportKind kind)
 {
     const bool fromDevice = kind == ImportKind::Device;
@@ -177,11 +163,16 @@ void MarluneModel::applyImport(TracksRead read, ImportKind kind)
         Q_EMIT selectionChanged();
     }
     m_work.end();
+    const QString found = QStringLiteral("Odczytano utwory: ") + QString::number(count);
     if (read.isStopped) {
-        m_work.setStatus(stoppedText(int(count), read.left, kind));
+        const QString left
+            = read.left > 0 ? QStringLiteral(". Pozostało: ") + QString::number(read.left) + u'.' : QStringLiteral(".");
+        const QString rest = fromDevice    ? QStringLiteral(" Lista muzyki z iPoda jest niepełna.")
+            : kind == ImportKind::Restored ? QStringLiteral(" Reszta biblioteki wróci przy następnym uruchomieniu.")
+                                           : QString();
+        m_work.setStatus(QStringLiteral("Przerwano. ") + found + left + rest);
     } else {
-        m_work.setStatus(count == 0 ? QStringLiteral("Nie znaleziono nowych plików audio")
-                                    : QStringLiteral("Odczytano utwory: ") + QString::number(count));
+        m_work.setStatus(count == 0 ? QStringLiteral("Nie znaleziono nowych plików audio") : found);
     }
 }
 

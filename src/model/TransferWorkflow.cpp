@@ -130,16 +130,6 @@ QCoro::Task<> MarluneModel::runTransfer(std::shared_ptr<const PlannedTransfer> t
     }
 }
 
-QString MarluneModel::stoppedText(const EndedTransfer &ended, std::size_t files)
-{
-    const QString music = QStringLiteral("Przerwano: wgrano ") + QString::number(ended.copying.copied)
-        + QStringLiteral(" z ") + QString::number(files) + QStringLiteral(" utworów. Pominięto identyczne: ")
-        + QString::number(ended.copying.skipped) + u'.';
-    return ended.covers == ended.wholeCovers ? music
-                                             : music + QStringLiteral(" Okładki: ") + QString::number(ended.covers)
-            + QStringLiteral(" z ") + QString::number(ended.wholeCovers) + u'.';
-}
-
 /// `isReplaced`: something else is at the place of the device that the files went to.
 void MarluneModel::applyTransfer(const PlannedTransfer &transfer, EndedTransfer ended, bool isReplaced)
 {
@@ -157,11 +147,16 @@ void MarluneModel::applyTransfer(const PlannedTransfer &transfer, EndedTransfer 
         m_browsing.dequeue(finishedItems(transfer.plan, result.destinations.size(), ended.covers));
         Q_EMIT selectionChanged();
         addTransferred(transfer.visit, result.destinations);
+        const QString skipped = QStringLiteral(". Pominięto identyczne: ") + QString::number(result.skipped) + u'.';
         if (ended.isStopped) {
-            m_work.setStatus(stoppedText(ended, transfer.plan.files.size()));
+            const QString covers = ended.covers == ended.wholeCovers ? QString()
+                                                                     : QStringLiteral(" Okładki: ")
+                    + QString::number(ended.covers) + QStringLiteral(" z ") + QString::number(ended.wholeCovers) + u'.';
+            m_work.setStatus(QStringLiteral("Przerwano: wgrano ") + QString::number(result.copied)
+                + QStringLiteral(" z ") + QString::number(transfer.plan.files.size()) + QStringLiteral(" utworów")
+                + skipped + covers);
         } else {
-            m_work.setStatus(QStringLiteral("Wgrano: ") + QString::number(result.copied)
-                + QStringLiteral(". Pominięto identyczne: ") + QString::number(result.skipped) + u'.');
+            m_work.setStatus(QStringLiteral("Wgrano: ") + QString::number(result.copied) + skipped);
             m_work.setAlert(m_work.status()
                 + QStringLiteral("\n\nUtwory są dostępne w Files → Music. Jeśli używasz Database, zaktualizuj bazę w "
                                  "menu Rockbox na iPodzie."));
@@ -205,11 +200,10 @@ QCoro::Task<> MarluneModel::runCleanup(Device device)
         m_work.setAlert(describeFailure(cleanup.failure));
         m_work.setStatus(QStringLiteral("Nie udało się ukończyć porządków"));
     } else {
-        const QString removed = QStringLiteral("Usunięto pliki metadanych macOS: ")
-            + QString::number(cleanup.value->removed) + QStringLiteral(". Kopia jest na Macu.");
-        m_work.setStatus(!cleanup.value->isStopped ? removed
-                : cleanup.value->removed > 0       ? QStringLiteral("Przerwano. ") + removed
-                                                   : QStringLiteral("Przerwano. Niczego nie usunięto."));
+        const auto [removed, isStopped] = *cleanup.value;
+        m_work.setStatus((isStopped ? QStringLiteral("Przerwano. ") : QString())
+            + QStringLiteral("Usunięto pliki metadanych macOS: ") + QString::number(removed)
+            + (isStopped && removed == 0 ? QStringLiteral(".") : QStringLiteral(". Kopia jest na Macu.")));
     }
     m_work.end();
     refresh();

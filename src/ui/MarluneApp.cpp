@@ -2,7 +2,9 @@
 
 #include "ui/backups/BackupsPresenter.h"
 #include "ui/controls/FocusGuide.h"
+#include "ui/device/DevicePresenter.h"
 #include "ui/device/IPodProvider.h"
+#include "ui/library/AlbumSheetPresenter.h"
 #include "ui/library/LibraryPresenter.h"
 #include "ui/pictures/CoverProvider.h"
 #include "ui/pictures/ShadowProvider.h"
@@ -13,6 +15,7 @@
 #include "ui/quality/QualityPresenter.h"
 #include "ui/shell/DesktopPanels.h"
 #include "ui/shell/ShellPresenter.h"
+#include "ui/themes/ThemeSheetPresenter.h"
 #include "ui/words/Language.h"
 #include "ui/words/Localization.h"
 
@@ -108,10 +111,14 @@ struct Program::Parts {
     MarluneModel model;
     std::shared_ptr<CoverStore> covers = std::make_shared<CoverStore>();
     ShellPresenter shell;
+    DevicePresenter device;
     LibraryPresenter library;
     PlaylistsPresenter playlists;
     BackupsPresenter backups;
     QualityPresenter quality;
+    AlbumSheetPresenter albumSheet;
+    AlbumSheetPresenter coverSheet;
+    ThemeSheetPresenter themeSheet;
     PlaybackPresenter playback;
     MediaControls mediaControls;
     QQmlApplicationEngine engine;
@@ -131,10 +138,14 @@ Program::Parts::Parts(const Setup &setup)
           .audioOutput = setup.audioOutput,
           .playlistName = AppLocalizer::text(QStringLiteral("Moja playlista"))})
     , shell(model)
+    , device(model)
     , library(model, covers)
     , playlists(model)
     , backups(model)
     , quality(model)
+    , albumSheet(model, covers, AlbumSheetPresenter::Field::OpenAlbum)
+    , coverSheet(model, covers, AlbumSheetPresenter::Field::CoverLookup)
+    , themeSheet(model)
     , playback(model.playback())
     , mediaControls(model.playback())
 {
@@ -148,10 +159,14 @@ Program::Parts::Parts(const Setup &setup)
     prepareEngine(engine, covers);
     engine.setInitialProperties(
         {{QStringLiteral("model"), QVariant::fromValue(&model)}, {QStringLiteral("shell"), QVariant::fromValue(&shell)},
+            {QStringLiteral("device"), QVariant::fromValue(&device)},
             {QStringLiteral("library"), QVariant::fromValue(&library)},
             {QStringLiteral("playlists"), QVariant::fromValue(&playlists)},
             {QStringLiteral("backups"), QVariant::fromValue(&backups)},
             {QStringLiteral("quality"), QVariant::fromValue(&quality)},
+            {QStringLiteral("albumSheet"), QVariant::fromValue(&albumSheet)},
+            {QStringLiteral("coverSheet"), QVariant::fromValue(&coverSheet)},
+            {QStringLiteral("themeSheet"), QVariant::fromValue(&themeSheet)},
             {QStringLiteral("playback"), QVariant::fromValue(&playback)},
             {QStringLiteral("panels"), QVariant::fromValue(&desktopPanels)}});
     engine.load(QUrl(QStringLiteral("qrc:/qml/Marlune/shell/Main.qml")));

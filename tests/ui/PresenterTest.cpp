@@ -1,13 +1,20 @@
 // What the pages get from their presenters, over a real model.
 #include "platform/MarluneError.h"
 #include "support/ModelDesk.h"
+#include "ui/backups/BackupsPresenter.h"
+#include "ui/guide/HandbookText.h"
+#include "ui/library/AlbumSheetPresenter.h"
 #include "ui/library/LibraryPresenter.h"
+#include "ui/playlists/PlaylistsPresenter.h"
 #include "ui/quality/QualityPresenter.h"
 #include "ui/shell/DesktopPanels.h"
 #include "ui/shell/ShellPresenter.h"
 
 #include <QAbstractItemModelTester>
 #include <QSignalSpy>
+#include <QTextBlock>
+#include <QTextCursor>
+#include <QTextDocument>
 
 namespace {
 
@@ -16,8 +23,20 @@ struct Pages {
     std::unique_ptr<MarluneModel> model = desk.start();
     ShellPresenter shell {*model};
     LibraryPresenter library {*model, std::make_shared<CoverStore>()};
+    PlaylistsPresenter playlists {*model};
+    BackupsPresenter backups {*model};
     QualityPresenter quality {*model};
 };
+
+QStringList shownIn(const FileListModel &rows)
+{
+    QStringList shown;
+    for (int row = 0; row < rows.rowCount(); ++row) {
+        shown.append(rows.data(rows.index(row), FileListModel::NameRole).toString() + u" | "_s
+            + rows.data(rows.index(row), FileListModel::DetailRole).toString());
+    }
+    return shown;
+}
 
 } // namespace
 
@@ -145,6 +164,86 @@ private Q_SLOTS:
         QVERIFY(!changedMeanwhile);
     }
 
+    void playlistsAreCountedWhileTheirPageIsShown()
+    {
+        Pages pages;
+        FileListModel &rows = *pages.playlists.playlists();
+        const QAbstractItemModelTester tester(&rows, QAbstractItemModelTester::FailureReportingMode::QtTest);
+        for (const char *name : {"a\nb\xE2\x80\xA8.m3u8", "caf\xE9\xE2\x80\xAE.m3u"}) {
+            pages.desk.folder.write(fs::path("IPOD/Playlists") / name, "#EXTM3U\nx\ny\n");
+        }
+        const auto written = [&](const char *text) { pages.desk.folder.write("IPOD/Playlists/c.m3u8", text); };
+        written("x");
+        pages.model->select(pages.desk.makeDevice("IPOD", true));
+        pages.desk.waitForJobs(*pages.model);
+        QCOMPARE(rows.rowCount(), 0); // nobody sees them
+        pages.model->setSection(Section::Playlists);
+        const QString odd = u"a\uFFFDb\uFFFD | Utwory: 2;caf\uFFFD\uFFFD | Utwory: 2"_s;
+        const auto shown = [&](const QString &last) {
+            return shownIn(rows) == (odd.section(u';', 0, 0) + u';' + last + u';' + odd.section(u';', 1)).split(u';');
+        };
+        QTRY_VERIFY(shown(u"c | Utwory: 1"_s));
+        pages.model->setSection(Section::Music);
+        written("x\ny\nz");
+        pages.desk.waitForJobs(*pages.model);
+        QVERIFY(shown(u"c | Utwory: 1"_s));
+        {
+            const HeldJobs held({JobPriority::Utility});
+            pages.model->setSection(Section::Playlists);
+            QTest::qWait(20);
+            pages.model->setSection(Section::Music); // before it was looked at
+        }
+        pages.desk.waitForJobs(*pages.model);
+        QVERIFY(shown(u"c | Utwory: 1"_s));
+        fs::remove(pages.desk.folder / "IPOD/Playlists/c.m3u8");
+        fs::create_symlink("nowhere", pages.desk.folder / "IPOD/Playlists/c.m3u8");
+        pages.model->setSection(Section::Playlists);
+        QTRY_VERIFY(shown(u"c | Nie udało się odczytać"_s));
+        pages.model->volumeUnmounted(pages.desk.folder / "IPOD");
+        QTRY_COMPARE(rows.rowCount(), 0);
+    }
+
+    void copiesTellWhatTheyAreOfWhenTheyWereMadeAndTheirSize()
+    {
+        Pages pages;
+        pages.model->setSection(Section::Backups);
+        for (const char *name : {"2026-11-23_14-05-09_3F2A9C", "2026-13-01_00-00-00_X", "Covers-1"}) {
+            pages.desk.folder.write(fs::path("data/Marlune/Backups") / name / "x", std::string(1500, 'x'));
+        }
+        pages.model->refresh();
+        const auto made = [](const QString &text) {
+            return QRegularExpression(u"^"_s + text + u"\\w+, \\d+ \\w+ \\d{4}, \\d+:\\d\\d · 2.kB$"_s,
+                QRegularExpression::UseUnicodePropertiesOption);
+        };
+        QTRY_VERIFY(shownIn(*pages.backups.backups()).join(u"").count(u"kB"_s) == 3);
+        const QStringList shown = shownIn(*pages.backups.backups());
+        QVERIFY(shown[0].contains(made(u"Covers-1 \\| Okładki · "_s)));
+        QVERIFY(shown[1].contains(made(u"2026-13-01_00-00-00_X \\| "_s))); // no such date: the folder's own
+        QVERIFY2(shown[2].startsWith(
+                     u"2026-11-23_14-05-09_3F2A9C | Ustawienia i motywy · poniedziałek, 23 listopada 2026, 14:05 · "_s),
+            qPrintable(shown[2]));
+    }
+
+    void aSheetsAlbumIsTheOneThatTheLibraryHasNow()
+    {
+        Pages pages;
+        const auto covers = std::make_shared<CoverStore>();
+        AlbumSheetPresenter sheet(*pages.model, covers, AlbumSheetPresenter::Field::OpenAlbum);
+        const auto file = pages.desk.folder.write("music/1.flac", flacWith({"TITLE=t", "ARTIST=a", "ALBUM=b"}));
+        pages.desk.import(*pages.model, pages.desk.folder / "music");
+        pages.model->setOpenAlbum(*pages.model->albums()->front());
+        QVERIFY(sheet.wanted() && sheet.available() && sheet.albumTitle() == u"b"_s && sheet.cover().isEmpty());
+        QVERIFY2(sheet.facts().startsWith(u"Utwory: 1 · 0:01 · "_s), qPrintable(sheet.facts()));
+        QCOMPARE(sheet.format(), u"FLAC · 16-bit / 44.1 kHz"_s);
+        pages.model->chooseArtwork(*pages.model->openAlbum(), false);
+        pages.desk.answer(*pages.model, dataFile("images/plain.png"));
+        QTRY_VERIFY(!sheet.cover().isEmpty());
+        pages.model->forget(*pages.model->openAlbum());
+        QTRY_VERIFY(sheet.wanted() && !sheet.available());
+        sheet.dismiss();
+        QVERIFY(!sheet.wanted() && !pages.model->openAlbum());
+    }
+
     void aPanelIsAnsweredOnceWithFilesOfThisComputer()
     {
         DesktopPanels panels;
@@ -164,6 +263,67 @@ private Q_SLOTS:
         panels.answer({file});
         panels.answer({file});
         QCOMPARE(answers.size(), 2U);
+    }
+
+    void linksOfTheHandbook_data()
+    {
+        using Kind = HandbookText::Destination::Kind;
+        QTest::addColumn<Kind>("kind");
+        const std::pair<const char *, Kind> table[] = {{"https://example.org/a#b", Kind::Outside},
+            {"mailto:a@example.org", Kind::Outside}, {"#sound", Kind::Place}, {"index.html#sound", Kind::Place},
+            {"en.html", Kind::Document}, {"http://example.org", Kind::Nowhere}, {"//example.org/a", Kind::Nowhere},
+            {"javascript:0", Kind::Nowhere}, {"file:///etc/passwd", Kind::Nowhere},
+            {"../icons/marlune.svg", Kind::Nowhere}, {"missing.html", Kind::Nowhere}, {"", Kind::Nowhere}};
+        for (const auto &[link, kind] : table) {
+            QTest::newRow(link) << kind;
+        }
+    }
+    void linksOfTheHandbook()
+    {
+        QFETCH(const HandbookText::Destination::Kind, kind);
+        const QString link = QString::fromLatin1(QTest::currentDataTag());
+        QCOMPARE(HandbookText::destination(QUrl(u"qrc:/guide/index.html"_s), link).kind, kind);
+    }
+
+    void bothHandbooksHaveTheSameSectionsAndOnlyLinksThatLead()
+    {
+        using Kind = HandbookText::Destination::Kind;
+        QStringList before;
+        for (const QString &name : {u"index.html"_s, u"en.html"_s}) {
+            const QUrl address(u"qrc:/guide/"_s + name);
+            const auto text = HandbookText::read(address, {});
+            QStringList sections;
+            QStringList wanted;
+            for (const HandbookText::Part &part : HandbookText::parts(*text)) {
+                const HandbookText::Destination to = HandbookText::destination(address, part.target);
+                QVERIFY2(part.target.isEmpty() || to.kind == Kind::Outside || to.kind == Kind::Place,
+                    qPrintable(part.target));
+                (part.target.isEmpty() ? sections : wanted).append(part.target.isEmpty() ? part.anchor : to.anchor);
+            }
+            sections.removeAll(QString());
+            wanted.removeAll(QString());
+            QCOMPARE(sections.size(), 18);
+            QVERIFY(std::all_of(
+                wanted.begin(), wanted.end(), [&](const QString &anchor) { return sections.contains(anchor); }));
+            QVERIFY(before.isEmpty() || before == sections);
+            before = sections;
+        }
+    }
+
+    void theHandbookReadsOnlyWhatLiesBesideIt()
+    {
+        const TemporaryFolder folder;
+        folder.write("a.png", "picture");
+        folder.write("beside/sheet.css", "p { font-weight: 700 }");
+        const fs::path file = folder.write("beside/a.html",
+            "<html><head><link rel=stylesheet type='text/css' href='sheet.css'><link rel=stylesheet "
+            "href='http://127.0.0.1:1/a.css'></head><body>"
+            "<script>document.write('script')</script><p>Text<img src='http://127.0.0.1:1/a.png'>"
+            "<img src='http://127.0.0.1:1/a.png'><img src='../a.png'><img src='sheet.css'></p>");
+        const auto text = HandbookText::read(QUrl::fromLocalFile(QString::fromStdString(file.string())), {});
+        QCOMPARE(text->toPlainText(), u"Text"_s + QChar::ObjectReplacementCharacter);
+        QCOMPARE(QTextCursor(text->firstBlock()).block().begin().fragment().charFormat().fontWeight(), 700);
+        QVERIFY(HandbookText::read(QUrl(u"qrc:/guide/missing.html"_s), {})->isEmpty());
     }
 };
 

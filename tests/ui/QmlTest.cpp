@@ -1,11 +1,17 @@
 // Runs the tests in qml/ against the pages' own module. `Bench` gives them a real model with albums of real files.
 #include "support/ModelDesk.h"
 #include "ui/MarluneApp.h"
+#include "ui/backups/BackupsPresenter.h"
+#include "ui/library/AlbumSheetPresenter.h"
 #include "ui/library/LibraryPresenter.h"
 #include "ui/playback/PlaybackPresenter.h"
+#include "ui/playlists/PlaylistsPresenter.h"
 #include "ui/quality/QualityPresenter.h"
 #include "ui/shell/DesktopPanels.h"
 #include "ui/shell/ShellPresenter.h"
+#include "ui/themes/ThemeSheetPresenter.h"
+
+#include "platform/files/PathText.h"
 
 #include <QMimeData>
 #include <QQmlEngine>
@@ -21,7 +27,11 @@ class Bench : public QObject {
     Q_PROPERTY(MarluneModel *model READ model CONSTANT)
     Q_PROPERTY(ShellPresenter *shell READ shell CONSTANT)
     Q_PROPERTY(LibraryPresenter *library READ library CONSTANT)
+    Q_PROPERTY(PlaylistsPresenter *playlists READ playlists CONSTANT)
+    Q_PROPERTY(BackupsPresenter *backups READ backups CONSTANT)
     Q_PROPERTY(QualityPresenter *quality READ quality CONSTANT)
+    Q_PROPERTY(AlbumSheetPresenter *albumSheet READ albumSheet CONSTANT)
+    Q_PROPERTY(ThemeSheetPresenter *themeSheet READ themeSheet CONSTANT)
     Q_PROPERTY(PlaybackPresenter *playback READ playback CONSTANT)
     Q_PROPERTY(DesktopPanels *panels READ panels CONSTANT)
 
@@ -29,8 +39,11 @@ public:
     [[nodiscard]] MarluneModel *model() { return m_model.get(); }
     [[nodiscard]] ShellPresenter *shell() { return &m_shell; }
     [[nodiscard]] LibraryPresenter *library() { return &m_library; }
+    [[nodiscard]] PlaylistsPresenter *playlists() { return &m_playlists; }
+    [[nodiscard]] BackupsPresenter *backups() { return &m_backups; }
     [[nodiscard]] QualityPresenter *quality() { return &m_quality; }
-
+    [[nodiscard]] AlbumSheetPresenter *albumSheet() { return &m_albumSheet; }
+    [[nodiscard]] ThemeSheetPresenter *themeSheet() { return &m_themeSheet; }
     [[nodiscard]] PlaybackPresenter *playback() { return &m_playback; }
     [[nodiscard]] DesktopPanels *panels() { return &m_panels; }
 
@@ -61,6 +74,16 @@ public:
     {
         m_model->select(m_desk.makeDevice(name.toUtf8().constData(), isVolume));
     }
+    /// Writes a file on the device "IPOD" or among the computer's copies.
+    Q_INVOKABLE void write(const QString &name, const QString &text)
+    {
+        m_desk.folder.write(Files::fromText(name), text.toStdString());
+    }
+    /// Looks at the album of the first track, or at the device's first theme.
+    Q_INVOKABLE void openAlbum() { m_model->setOpenAlbum(*m_model->albumWith(m_model->tracks().front().id)); }
+    Q_INVOKABLE void openTheme() { m_model->setOpenTheme(m_model->themes().front()); }
+    Q_INVOKABLE void forgetAlbum() { m_model->forget(*m_model->openAlbum()); }
+    Q_INVOKABLE void disconnectDevice() { m_model->volumeUnmounted(m_model->device()->root); }
     [[nodiscard]] Q_INVOKABLE int queuedTracks() const { return int(m_model->queued().size()); }
     /// Asks as the model does; each answer counts.
     Q_INVOKABLE void ask(bool files, bool folders)
@@ -112,7 +135,11 @@ private:
     std::unique_ptr<MarluneModel> m_model = m_desk.start();
     ShellPresenter m_shell {*m_model};
     LibraryPresenter m_library {*m_model, covers};
+    PlaylistsPresenter m_playlists {*m_model};
+    BackupsPresenter m_backups {*m_model};
     QualityPresenter m_quality {*m_model};
+    AlbumSheetPresenter m_albumSheet {*m_model, covers, AlbumSheetPresenter::Field::OpenAlbum};
+    ThemeSheetPresenter m_themeSheet {*m_model};
     PlaybackPresenter m_playback {m_model->playback()};
     DesktopPanels m_panels;
     int m_answers = 0;

@@ -48,7 +48,16 @@ bool cameByItself(int reason)
     return reason == Qt::PopupFocusReason || reason == Qt::ActiveWindowFocusReason || reason == Qt::OtherFocusReason;
 }
 
-/// Moves `view` as little as needed for all of `item` to be seen, or its beginning where it is too large.
+/// A click has put the focus there, or has disabled what had it: what was clicked is seen, and where the focus was
+/// handed on to, nobody looks. To be asked only where the latest input was none of a key.
+bool cameByMouse(int reason)
+{
+    return reason == Qt::MouseFocusReason || reason == Qt::OtherFocusReason;
+}
+
+/// Moves `view` as little as needed for all of `item` to be seen, or its beginning where it is too large. What fills
+/// all of the view stays where it is. A view can name in its property "covered" how much of its upper edge something
+/// lies over.
 void scrollTo(QQuickItem &view, const QQuickItem &item)
 {
     const auto *content = view.property("contentItem").value<QQuickItem *>();
@@ -63,7 +72,11 @@ void scrollTo(QQuickItem &view, const QQuickItem &item)
     const QPointF top = item.mapToItem(content, QPointF(0, -breathingSpace));
     const double bottom = item.mapToItem(content, QPointF(0, item.height() + breathingSpace)).y();
     const double now = view.property("contentY").toDouble();
-    const double wanted = std::min(std::max(now, bottom - view.height()), top.y());
+    if (top.y() <= now && bottom >= now + view.height()) {
+        return;
+    }
+    const double wanted
+        = std::min(std::max(now, bottom - view.height()), top.y() - view.property("covered").toDouble());
     const double possible = std::max(least, std::min(wanted, most));
     if (wanted != now && possible != now) {
         view.setProperty("contentY", possible);
@@ -184,9 +197,12 @@ void FocusGuide::settle()
         item->setProperty("focusReason", Qt::TabFocusReason);
     }
     remember(*item);
+    disconnect(m_frames);
+    if (!m_byKey && reason.isValid() && cameByMouse(reason.toInt())) {
+        return;
+    }
     scrollIntoView(*item);
     m_framesToFollow = 5;
-    disconnect(m_frames);
     m_frames = connect(window, &QQuickWindow::afterAnimating, this, &FocusGuide::onFrame);
 }
 

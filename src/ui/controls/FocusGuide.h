@@ -1,8 +1,8 @@
 // Keeps the keyboard's focus where it can be seen and used, in every window and for every control.
 //
-// What gets the focus is scrolled into view. What loses it by being disabled, hidden or deleted hands it on to the next
-// control, unless something else has taken it. Where the focus comes back by itself (after a sheet, a menu, another
-// window) the ring is shown if it was a key that brought it. UI thread.
+// What gets the focus is scrolled into view, unless a click brought it. What loses it by being disabled, hidden or
+// deleted hands it on to the next control, unless something else has taken it. Where the focus comes back by itself
+// (after a sheet, a menu, another window) the ring is shown if it was a key that brought it. UI thread.
 #pragma once
 
 #include "platform/tasks/BurstTimer.h"

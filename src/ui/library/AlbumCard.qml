@@ -73,42 +73,14 @@ T.ItemDelegate {
         width: root.width
         spacing: 2
 
-        TextLine {
+        AlbumWords {
             width: parent.width
-            text: root.albumTitle
-            font: Tokens.type.bodyStrong
-            Accessible.ignored: true
-        }
-        TextLine {
-            width: parent.width
-            text: root.artist
-            font: Tokens.type.caption
-            color: Tokens.color.textMuted
-            Accessible.ignored: true
-        }
-        AlbumFacts {
-            width: parent.width
+            albumTitle: root.albumTitle
+            artist: root.artist
             format: root.format
             highResolution: root.highResolution
             countAndSize: root.countAndSize
-        }
-        Row {
-            visible: root.discs !== ""
-            spacing: Tokens.space.hair
-
-            Icon {
-                anchors.verticalCenter: parent.verticalCenter
-                symbol: root.discs === "" ? "" : "opticaldisc"
-                color: Tokens.color.textMuted
-                side: Tokens.height.symbol - 3
-            }
-            TextLine {
-                width: Math.min(implicitWidth, root.width - Tokens.height.symbol)
-                text: root.discs
-                font: Tokens.type.caption2
-                color: Tokens.color.textMuted
-                Accessible.ignored: true
-            }
+            discs: root.discs
         }
         Button {
             objectName: "queueButton"

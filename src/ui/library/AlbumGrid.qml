@@ -32,10 +32,7 @@ FocusScope {
         view.currentIndex = Math.max(0, Math.min(row, view.count - 1));
     }
     function openMenuOfCurrent() {
-        const card = view.currentItem as AlbumCard;
-        menu.row = view.currentIndex;
-        menu.playing = card?.playing ?? false;
-        menu.popup(card, Tokens.space.wide, Tokens.space.wide);
+        menu.openFor(view.currentIndex, (view.currentItem as AlbumCard)?.playing ?? false, view.currentItem);
     }
 
     Accessible.role: Accessible.List
@@ -72,20 +69,9 @@ FocusScope {
         deviceSide: root.deviceSide
         busy: root.busy
     }
-    AlbumCard {
+    TallestCard {
         id: tallest
-        visible: false
         width: root.cardWidth
-        albumTitle: " "
-        artist: " "
-        countAndSize: " "
-        format: " "
-        highResolution: false
-        discs: " "
-        selected: false
-        playing: false
-        cover: ""
-        deviceSide: false
     }
 
     Item {
@@ -126,11 +112,7 @@ FocusScope {
                 onToggled: root.albums.toggle(index)
                 onPlayNeared: root.albums.preparePlay()
                 onPlayed: root.albums.play(index)
-                onMenuWanted: {
-                    menu.row = index;
-                    menu.playing = card.playing;
-                    menu.popup(); // at the pointer
-                }
+                onMenuWanted: menu.openFor(index, card.playing, null)
             }
         }
     }

@@ -12,6 +12,17 @@ Menu {
     property int row: -1
     property bool playing: false ///< the album of that row
 
+    /// By the card, or without one at the pointer.
+    function openFor(row: int, playing: bool, card: Item) {
+        root.row = row;
+        root.playing = playing;
+        if (card) {
+            root.popup(card, Tokens.space.wide, Tokens.space.wide);
+        } else {
+            root.popup();
+        }
+    }
+
     T.Action {
         text: L10n.text(root.playing ? "Pauza" : "Odtwórz")
         onTriggered: root.albums.play(root.row)

@@ -52,31 +52,11 @@ Item {
                 Accessible.role: Accessible.AlertMessage
                 Accessible.name: text
             }
-            RowLayout {
+            PlaybackPosition {
                 id: place
                 Layout.fillWidth: true
                 visible: root.playback.error === ""
-                spacing: Tokens.space.tight
-
-                Time {
-                    objectName: "positionText"
-                    text: root.playback.positionText
-                }
-                Slider {
-                    id: positionSlider
-                    objectName: "positionSlider"
-                    Layout.fillWidth: true
-                    implicitHeight: Tokens.height.small
-                    enabled: root.playback.duration > 0
-                    to: Math.max(1, root.playback.duration)
-                    stepSize: 5
-                    Accessible.name: L10n.text("Miejsce w utworze")
-                    onMoved: root.playback.seek(value)
-                }
-                Time {
-                    text: root.playback.durationText
-                    horizontalAlignment: Text.AlignRight
-                }
+                playback: root.playback
             }
         }
         Icon {
@@ -107,28 +87,10 @@ Item {
         anchors.bottom: root.bottom
         width: root.width
     }
-    // A hand on a slider is not moved away by the sound.
-    Binding {
-        positionSlider.value: root.playback.position
-        when: !positionSlider.pressed
-        restoreMode: Binding.RestoreNone
-    }
+    // A hand on the slider is not moved away by the sound.
     Binding {
         volumeSlider.value: root.playback.volume
         when: !volumeSlider.pressed
         restoreMode: Binding.RestoreNone
-    }
-
-    component Time: TextLine {
-        Layout.preferredWidth: Math.max(implicitWidth, widest.advanceWidth)
-        elide: Text.ElideNone
-        font: Tokens.type.caption
-        color: Tokens.color.textMuted
-
-        TextMetrics {
-            id: widest
-            font: Tokens.type.caption
-            text: "00:00"
-        }
     }
 }

@@ -86,7 +86,7 @@ T.ItemDelegate {
                 }
                 Button {
                     objectName: "openAlbumButton"
-                    visible: false // until there is a sheet that it opens
+                    visible: !root.isOfCovers
                     measure: Button.Small
                     focusPolicy: root.current || activeFocus ? Qt.StrongFocus : Qt.ClickFocus
                     text: L10n.text("Otwórz album")

@@ -34,6 +34,14 @@ Item {
         model: root.model
         quality: root.quality
         scrolledBy: view
+        onHeightChanged: {
+            if (heightBefore > 0 && view.contentY < view.originY) { // what is above a note that grows keeps its place
+                view.contentY = Math.max(view.contentY - height + heightBefore, view.originY - view.spacing - height - root.around);
+            }
+            heightBefore = height;
+        }
+
+        property real heightBefore: 0
     }
     ListView {
         id: view

@@ -42,8 +42,9 @@ QualityPresenter::QualityPresenter(MarluneModel &model, QObject *parent)
             m_inspection.start();
         }
     });
-    m_change.follow(m_model, &MarluneModel::tracksChanged, &MarluneModel::libraryOnDeviceChanged,
-        &MarluneModel::deviceChanged, &MarluneModel::busyChanged, &MarluneModel::duplicateStatusChanged);
+    m_change.follow(m_model, &MarluneModel::sectionChanged, &MarluneModel::tracksChanged,
+        &MarluneModel::libraryOnDeviceChanged, &MarluneModel::deviceChanged, &MarluneModel::busyChanged,
+        &MarluneModel::duplicateStatusChanged);
     connect(&m_model, &MarluneModel::duplicateIssuesChanged, this, &QualityPresenter::takeDuplicates);
 }
 
@@ -134,8 +135,15 @@ void QualityPresenter::forget()
 
 void QualityPresenter::inspectIfShown()
 {
-    if (m_model.section() == Section::Quality) {
+    if (isShown()) {
         runInspection();
+    }
+}
+
+void QualityPresenter::refreshIfShown()
+{
+    if (isShown()) {
+        refresh();
     }
 }
 

@@ -67,7 +67,9 @@ private:
     [[nodiscard]] std::shared_ptr<const Album> albumOf(int row) const;
     void abandonInspection();
     void forget();
+    [[nodiscard]] bool isShown() const { return m_model.section() == Section::Quality; }
     void inspectIfShown();
+    void refreshIfShown();
     QCoro::Task<> runInspection();
     void takeDuplicates();
     void refresh();
@@ -75,7 +77,7 @@ private:
     MarluneModel &m_model;
     IssueListModel m_issues;
     BurstTimer m_inspection {[this] { inspectIfShown(); }};
-    BurstTimer m_change {[this] { refresh(); }};
+    BurstTimer m_change {[this] { refreshIfShown(); }};
     QString m_filter;
     IssueListModel::Issues m_found; ///< by the last inspection
     IssueListModel::Issues m_duplicates; ///< by the last check for them

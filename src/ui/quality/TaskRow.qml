@@ -16,14 +16,18 @@ GridLayout {
     columnSpacing: Tokens.space.wide
     rowSpacing: Tokens.space.hair
 
-    TextLine {
-        Layout.preferredWidth: root.labelWidth
-        Layout.preferredHeight: Tokens.height.regular
+    Item {
+        implicitWidth: root.labelWidth
+        implicitHeight: Tokens.height.regular
         Layout.alignment: Qt.AlignTop
-        verticalAlignment: Text.AlignVCenter
-        text: root.title
-        font: Tokens.type.subheadlineStrong
-        Accessible.role: Accessible.Heading
+
+        TextLine {
+            anchors.fill: parent
+            verticalAlignment: Text.AlignVCenter
+            text: root.title
+            font: Tokens.type.subheadlineStrong
+            Accessible.role: Accessible.Heading
+        }
     }
     ColumnLayout {
         Layout.fillWidth: true

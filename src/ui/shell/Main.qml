@@ -8,10 +8,14 @@ T.ApplicationWindow {
 
     required property MarluneModel model
     required property ShellPresenter shell
+    required property DevicePresenter device
     required property LibraryPresenter library
     required property PlaylistsPresenter playlists
     required property BackupsPresenter backups
     required property QualityPresenter quality
+    required property AlbumSheetPresenter albumSheet
+    required property AlbumSheetPresenter coverSheet
+    required property ThemeSheetPresenter themeSheet
     required property PlaybackPresenter playback
     required property DesktopPanels panels
 
@@ -39,10 +43,14 @@ T.ApplicationWindow {
             content.setSource("WindowContent.qml", {
                 model: root.model,
                 shell: root.shell,
+                device: root.device,
                 library: root.library,
                 playlists: root.playlists,
                 backups: root.backups,
                 quality: root.quality,
+                albumSheet: root.albumSheet,
+                coverSheet: root.coverSheet,
+                themeSheet: root.themeSheet,
                 playback: root.playback
             });
         }

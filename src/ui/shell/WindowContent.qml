@@ -1,5 +1,5 @@
 // All that the window shows: menus above, sections at the left, the chosen page with the transfer bar, the device at the
-// right. Made anew for another language.
+// right; and the sheets over it. Made anew for another language.
 import QtQuick
 import QtQuick.Layouts
 import Marlune
@@ -9,10 +9,14 @@ ColumnLayout {
 
     required property MarluneModel model
     required property ShellPresenter shell
+    required property DevicePresenter device
     required property LibraryPresenter library
     required property PlaylistsPresenter playlists
     required property BackupsPresenter backups
     required property QualityPresenter quality
+    required property AlbumSheetPresenter albumSheet
+    required property AlbumSheetPresenter coverSheet
+    required property ThemeSheetPresenter themeSheet
     required property PlaybackPresenter playback
 
     /// Where the keyboard goes on after the language was chosen in the sidebar, or in a menu.
@@ -52,6 +56,7 @@ ColumnLayout {
                 Layout.fillHeight: true
                 model: root.model
                 shell: root.shell
+                device: root.device
                 library: root.library
                 playlists: root.playlists
                 backups: root.backups
@@ -87,5 +92,18 @@ ColumnLayout {
             model: root.model
             shell: root.shell
         }
+    }
+
+    AlbumSheet {
+        objectName: "albumSheet"
+        album: root.albumSheet
+    }
+    CoverLookupSheet {
+        objectName: "coverLookupSheet"
+        album: root.coverSheet
+    }
+    ThemeSheet {
+        objectName: "themeSheet"
+        theme: root.themeSheet
     }
 }

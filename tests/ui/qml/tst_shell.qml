@@ -36,6 +36,27 @@ PageTest {
         id: panelsComponent
         PanelHost {}
     }
+    Component {
+        id: playlistsComponent
+        PlaylistsPage {
+            width: root.width
+            height: root.height
+        }
+    }
+    Component {
+        id: backupsComponent
+        BackupsPage {
+            height: root.height
+        }
+    }
+    Component {
+        id: albumSheetComponent
+        AlbumSheet {}
+    }
+    Component {
+        id: themeSheetComponent
+        ThemeSheet {}
+    }
     AlertDialog {
         id: alert
     }
@@ -117,6 +138,25 @@ PageTest {
         compare(root.bench.model.section, "Motywy");
     }
 
+    function test_threeQuickClicksAskForTheCarousel() {
+        root.bench.connectDevice("IPOD", false);
+        const model = root.bench.model;
+        const inspector = make(inspectorComponent, { model: model, shell: root.bench.shell });
+        const drawing = below(inspector).find(item => item instanceof IPodView);
+        const pause = Application.styleHints.mouseDoubleClickInterval + 100;
+        for (const [clicks, shown] of [[1, false], [2, false], [3, true]]) {
+            for (let click = 0; click < clicks; ++click) {
+                mouseClick(drawing);
+            }
+            compare(model.showCoverFlow, shown);
+            wait(shown ? 0 : pause);
+        }
+        verify(model.libraryOnDevice);
+        model.showCoverFlow = false; // its window was closed
+        mouseClick(drawing);
+        verify(!model.showCoverFlow);
+    }
+
     function test_filesOrFoldersIsAskedFirst() {
         const host = make(panelsComponent, { panels: root.bench.panels });
         const button = findChild(host, "chooseFolderButton");
@@ -133,17 +173,84 @@ PageTest {
         }
     }
 
+    function test_rowsOfFilesAreWalkedByKeyboard() {
+        for (let i = 10; i < 60; ++i) {
+            root.bench.write("IPOD/Playlists/" + i + "<b>.m3u8", "x");
+        }
+        root.bench.model.section = "Playlisty";
+        const page = make(playlistsComponent, { model: root.bench.model, playlists: root.bench.playlists });
+        const list = findChild(page, "fileList");
+        verify(findChild(page, "emptyState").visible && !findChild(page, "savePlaylistButton").enabled);
+        root.bench.connectDevice("IPOD", false);
+        tryCompare(list, "count", 50);
+        tryVerify(() => !findChild(page, "emptyState").visible);
+        const name = findChild(page, "playlistName");
+        name.forceActiveFocus(Qt.TabFocusReason);
+        keyClick(Qt.Key_Tab);
+        const current = () => list.currentItem;
+        verify(current().activeFocus);
+        compare(current().Accessible.name, "10<b>");
+        tryCompare(current().Accessible, "description", "Utwory: 1");
+        keyClick(Qt.Key_Tab);
+        verify(findChild(current(), "fileButton").activeFocus);
+        compare(findChild(current(), "fileButton").Accessible.name, "Pokaż: 10<b>");
+        keyClick(Qt.Key_Backtab);
+        for (const [key, row] of [[Qt.Key_Down, 1], [Qt.Key_End, 49], [Qt.Key_Up, 48], [Qt.Key_Home, 0]]) {
+            keyClick(key);
+            compare(list.currentIndex, row);
+            verify(current().visualFocus);
+            tryVerify(() => current().y >= list.contentY && current().y + current().height <= list.contentY + list.height);
+        }
+        keyClick(Qt.Key_PageDown);
+        verify(list.currentIndex > 2);
+        const place = list.contentY;
+        root.bench.write("IPOD/Playlists/99.m3u8", "x");
+        root.bench.model.refresh();
+        tryCompare(list, "count", 51);
+        compare(list.contentY, place);
+    }
+
+    function test_sheetsFollowTheirField() {
+        root.bench.write("IPOD/.rockbox/themes/Night <i>.cfg", "");
+        root.bench.addAlbum("Artist", "Album");
+        root.bench.connectDevice("IPOD", true);
+        const bar = make(topBarComponent, { model: root.bench.model, shell: root.bench.shell });
+        const refresh = findChild(bar, "refreshButton");
+        for (const [component, key, open, leave] of [[albumSheetComponent, "album", () => root.bench.openAlbum(), () => root.bench.forgetAlbum()],
+                [themeSheetComponent, "theme", () => root.bench.openTheme(), () => root.bench.disconnectDevice()]]) {
+            const presenter = root.bench[key + "Sheet"];
+            const sheet = component.createObject(root, { [key]: presenter });
+            root.made.push(sheet);
+            tryVerify(() => !root.bench.model.busy);
+            wait(50);
+            for (const close of [Qt.Key_Escape, Qt.Key_Space]) { // Space presses the button that has the focus
+                refresh.forceActiveFocus(Qt.TabFocusReason);
+                open();
+                tryVerify(() => sheet.opened);
+                keyClick(Qt.Key_F10); // is not for what lies behind
+                keyClick(close);
+                tryVerify(() => !sheet.visible && !presenter.wanted && refresh.activeFocus);
+            }
+            open();
+            tryVerify(() => sheet.opened);
+            leave();
+            tryVerify(() => key === "album" ? findChild(sheet.contentItem, "albumGone").visible : !sheet.visible);
+            presenter.dismiss();
+            tryVerify(() => !sheet.visible);
+        }
+    }
+
     function test_largeTextIsNotCut() {
         root.bench.connectDevice("IPOD", false);
         const both = { model: root.bench.model, shell: root.bench.shell };
         const parts = [make(sidebarComponent, { sections: root.bench.shell.sections }),
-            make(barComponent, Object.assign({ width: 516 }, both)), make(inspectorComponent, both)];
+            make(barComponent, Object.assign({ width: 516 }, both)), make(inspectorComponent, both),
+            make(playlistsComponent, { width: 516, model: root.bench.model, playlists: root.bench.playlists }),
+            make(backupsComponent, { width: 516, model: root.bench.model, backups: root.bench.backups })];
         for (const scale of [1, 1.5]) {
             DesktopScheme.textScale = scale;
-            for (const part of parts) {
-                waitForRendering(part);
-                compare(root.bench.clippedTexts(part), []);
-            }
+            waitForRendering(parts[0]); // one frame is all parts'
+            parts.forEach(part => compare(root.bench.clippedTexts(part), []));
         }
     }
 }

@@ -1,0 +1,50 @@
+#include "ui/themes/ThemeSheetPresenter.h"
+
+#include "ui/themes/ThemePictures.h"
+#include "ui/words/Localization.h"
+#include "ui/words/Wording.h"
+
+ThemeSheetPresenter::ThemeSheetPresenter(MarluneModel &model, QObject *parent)
+    : QObject(parent)
+    , m_model(model)
+{
+    connect(&m_model, &MarluneModel::openThemeChanged, this, &ThemeSheetPresenter::refresh);
+    connect(&m_model, &MarluneModel::themePreviewsChanged, this, &ThemeSheetPresenter::refresh);
+}
+
+void ThemeSheetPresenter::refresh()
+{
+    m_theme = m_model.openTheme().value_or(m_theme);
+    Q_EMIT changed();
+}
+
+ThemePreview ThemeSheetPresenter::preview() const
+{
+    return m_model.themePreviews().value(m_theme.id());
+}
+
+QString ThemeSheetPresenter::name() const
+{
+    return Wording::fileName(m_theme.name());
+}
+
+QUrl ThemeSheetPresenter::playingPicture() const
+{
+    return ThemePictures::address(preview().playing);
+}
+
+QUrl ThemeSheetPresenter::menuPicture() const
+{
+    return ThemePictures::address(preview().menu);
+}
+
+QString ThemeSheetPresenter::author() const
+{
+    return preview().author.value_or(AppLocalizer::text(QStringLiteral("Nieznany — sprawdź plik motywu")));
+}
+
+QString ThemeSheetPresenter::source() const
+{
+    const QString source = preview().source;
+    return AppLocalizer::text(source.isEmpty() ? QStringLiteral("Nie znaleziono zrzutu tego motywu.") : source);
+}
