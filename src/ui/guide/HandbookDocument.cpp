@@ -118,7 +118,7 @@ QString HandbookDocument::hitText() const
         return {};
     }
     return AppLocalizer::text(m_hits.isEmpty() ? QStringLiteral("Brak wyników")
-                                               : QStringLiteral("%1 z %2").arg(m_hit + 1).arg(m_hits.size()));
+                                               : QStringLiteral("Wynik %1 z %2").arg(m_hit + 1).arg(m_hits.size()));
 }
 
 QVariantList HandbookDocument::sections() const

@@ -75,7 +75,7 @@ PageTest {
         for (const letter of ["*", "p", "a", "n"]) {
             keyClick(letter);
         }
-        compare(count.text, "1 z 1"); // it is "*PANIC*" there
+        compare(count.text, "Wynik 1 z 1"); // it is "*PANIC*" there
         verify(view.contentY > 0);
         field.text = "flac";
         verify(/^\d+ z \d\d?$/.test(count.text), count.text);
