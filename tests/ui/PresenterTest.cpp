@@ -2,6 +2,7 @@
 #include "platform/MarluneError.h"
 #include "support/ModelDesk.h"
 #include "ui/backups/BackupsPresenter.h"
+#include "ui/guide/HandbookDocument.h"
 #include "ui/guide/HandbookText.h"
 #include "ui/library/AlbumSheetPresenter.h"
 #include "ui/library/LibraryPresenter.h"
@@ -11,6 +12,7 @@
 #include "ui/shell/ShellPresenter.h"
 
 #include <QAbstractItemModelTester>
+#include <QDesktopServices>
 #include <QSignalSpy>
 #include <QTextBlock>
 #include <QTextCursor>
@@ -42,6 +44,12 @@ QStringList shownIn(const FileListModel &rows)
 
 class PresenterTest : public QObject {
     Q_OBJECT
+
+public:
+    Q_INVOKABLE void take(const QUrl &address) { m_opened.append(address); }
+
+private:
+    QList<QUrl> m_opened; ///< by the desktop, as far as the program can tell
 
 private Q_SLOTS:
     void searchWaitsForAPauseInTyping()
@@ -282,6 +290,13 @@ private Q_SLOTS:
     {
         QFETCH(const HandbookText::Destination::Kind, kind);
         const QString link = QString::fromLatin1(QTest::currentDataTag());
+        m_opened.clear();
+        const QStringList schemes {u"http"_s, u"https"_s, u"mailto"_s, u"file"_s};
+        std::for_each(schemes.begin(), schemes.end(),
+            [this](const auto &each) { QDesktopServices::setUrlHandler(each, this, "take"); });
+        HandbookDocument().follow(link);
+        std::for_each(schemes.begin(), schemes.end(), QDesktopServices::unsetUrlHandler);
+        QCOMPARE(m_opened.size(), kind == HandbookText::Destination::Kind::Outside ? 1 : 0);
         QCOMPARE(HandbookText::destination(QUrl(u"qrc:/guide/index.html"_s), link).kind, kind);
     }
 

@@ -40,7 +40,7 @@ Column {
             horizontalPadding: Tokens.space.tight
             verticalPadding: 5
             text: modelData.text
-            focusPolicy: row.current || row.activeFocus ? Qt.StrongFocus : Qt.ClickFocus // what has the focus has to stay a stop
+            focusPolicy: row.current || row.activeFocus || (root.current === "" && row.index === 0) ? Qt.StrongFocus : Qt.ClickFocus
             font: row.current ? Tokens.type.subheadlineStrong : Tokens.type.subheadline
             Accessible.name: row.text
             onClicked: root.picked(modelData.anchor)

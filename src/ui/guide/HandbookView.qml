@@ -136,10 +136,14 @@ Item {
                 onActiveFocusChanged: words.ringed = words.activeFocus && !press.pressed
                 onLinkActivated: link => handbook.follow(link)
                 onLinkHovered: link => link.startsWith("https:") ? Hints.show(words, link) : Hints.hide(words)
+                Accessible.role: Accessible.EditableText // the one role whose words a screen reader can go through
+                Accessible.readOnly: true
+                Accessible.multiLine: true
                 Accessible.name: L10n.text("Poradnik Rockbox")
 
                 TapHandler {
                     id: press
+                    onPressedChanged: if (pressed) words.ringed = false
                 }
                 HoverHandler {
                     cursorShape: words.hoveredLink === "" ? Qt.IBeamCursor : Qt.PointingHandCursor
