@@ -72,5 +72,11 @@ void duplicates(const std::filesystem::path &library);
 void heartbeatAndMemory(const std::filesystem::path &library);
 /// Scrolls through the album grid.
 void tiles(const std::filesystem::path &library);
+/// Scrolls through all drawn iPods; needs no library.
+void drawings(const std::filesystem::path &library);
+/// The text operation on texts of the program's own table.
+void translate(const std::filesystem::path &library);
+/// A change of the language, with the library in the window.
+void language(const std::filesystem::path &library);
 
 } // namespace Bench

@@ -3,9 +3,11 @@
 #include "Figures.h"
 
 #include "ui/MarluneApp.h"
+#include "ui/pictures/CoverStore.h"
 
 #include <QElapsedTimer>
 #include <QGuiApplication>
+#include <QQmlApplicationEngine>
 #include <QQuickItem>
 #include <QTimer>
 
@@ -60,6 +62,77 @@ QQuickItem *findGrid(QQuickItem *root)
     return nullptr;
 }
 
+/// One frame begins when the one before is done, so that the gaps are what the frames take. Before the first window.
+void renderWithoutPause()
+{
+    qputenv("QSG_RENDER_LOOP", "basic");
+    qputenv("QT_QPA_UPDATE_IDLE_TIME", "0");
+    QSurfaceFormat format = QSurfaceFormat::defaultFormat();
+    format.setSwapInterval(0);
+    QSurfaceFormat::setDefaultFormat(format);
+}
+
+/// Prints what the frames take while `view` is scrolled from its beginning to its end.
+void scrollThrough(const char *name, QQuickWindow &window, QQuickItem &view, double pixelsPerFrame)
+{
+    QElapsedTimer sinceFrame;
+    std::vector<double> frames; // ms
+    QEventLoop scrolling;
+    const auto step = [&] {
+        const double end = view.property("contentHeight").toDouble() - view.height();
+        const double position = view.property("contentY").toDouble();
+        if (position >= end) {
+            scrolling.quit();
+            return;
+        }
+        view.setProperty("contentY", std::min(position + pixelsPerFrame, end));
+        window.update();
+    };
+    QObject::connect(&window, &QQuickWindow::frameSwapped, &scrolling, [&] {
+        frames.push_back(double(sinceFrame.nsecsElapsed()) / 1e6);
+        sinceFrame.restart();
+        step();
+    });
+    sinceFrame.start();
+    step();
+    scrolling.exec();
+    const auto late = std::count_if(frames.begin(), frames.end(), [](double frame) { return frame > 16; });
+    std::printf("%s %zu frames, %zu over 16 ms, median %.1f ms, worst %.1f ms\n", name, frames.size(),
+        std::size_t(late), Bench::median(frames), *std::max_element(frames.begin(), frames.end()));
+}
+
+/// All models as the handbook shows them, with no page around them.
+constexpr char gallery[] = R"(
+import QtQuick
+import Marlune
+
+Window {
+    id: root
+
+    required property var models
+
+    width: 975
+    height: 820
+    visible: true
+    color: Tokens.color.content
+
+    GridView {
+        objectName: "albumGrid"
+        anchors.fill: parent
+        cellWidth: 160
+        cellHeight: 250
+        cacheBuffer: 250
+        model: root.models
+        delegate: IPodIllustration {
+            required property string modelData
+            profileId: modelData
+            width: 120
+            maxHeight: 190
+        }
+    }
+}
+)";
+
 } // namespace
 
 namespace Bench {
@@ -111,12 +184,7 @@ void heartbeatAndMemory(const std::filesystem::path &library)
 
 void tiles(const std::filesystem::path &library)
 {
-    // One frame begins when the one before is done, so that the gaps are what the frames take.
-    qputenv("QSG_RENDER_LOOP", "basic");
-    qputenv("QT_QPA_UPDATE_IDLE_TIME", "0");
-    QSurfaceFormat format = QSurfaceFormat::defaultFormat();
-    format.setSwapInterval(0);
-    QSurfaceFormat::setDefaultFormat(format);
+    renderWithoutPause();
     constexpr double pixelsPerFrame = 40;
 
     const WorkFolder folder;
@@ -133,30 +201,34 @@ void tiles(const std::filesystem::path &library)
         std::printf("tiles: the window shows no grid\n");
         return;
     }
-    QElapsedTimer sinceFrame;
-    std::vector<double> frames; // ms
-    QEventLoop scrolling;
-    const auto step = [&] {
-        const double end = grid->property("contentHeight").toDouble() - grid->height();
-        const double position = grid->property("contentY").toDouble();
-        if (position >= end) {
-            scrolling.quit();
-            return;
-        }
-        grid->setProperty("contentY", std::min(position + pixelsPerFrame, end));
-        program.window()->update();
-    };
-    QObject::connect(program.window(), &QQuickWindow::frameSwapped, &scrolling, [&] {
-        frames.push_back(double(sinceFrame.nsecsElapsed()) / 1e6);
-        sinceFrame.restart();
-        step();
-    });
-    sinceFrame.start();
-    step();
-    scrolling.exec();
-    const auto late = std::count_if(frames.begin(), frames.end(), [](double frame) { return frame > 16; });
-    std::printf("tiles %zu frames, %zu over 16 ms, median %.1f ms, worst %.1f ms\n", frames.size(), std::size_t(late),
-        median(frames), *std::max_element(frames.begin(), frames.end()));
+    scrollThrough("tiles", *program.window(), *grid, pixelsPerFrame);
+}
+
+void drawings(const std::filesystem::path &)
+{
+    renderWithoutPause();
+    constexpr double pixelsPerFrame = 8;
+
+    const WorkFolder folder;
+    (void)emptySetup(folder);
+    QStringList models;
+    for (const IPodProfile &profile : IPodProfile::all()) {
+        models.append(profile.id);
+    }
+    QQmlApplicationEngine engine;
+    MarluneApp::prepareEngine(engine, std::make_shared<CoverStore>());
+    engine.setInitialProperties({{QStringLiteral("models"), models}});
+    engine.loadData(gallery);
+    auto *window
+        = engine.rootObjects().isEmpty() ? nullptr : qobject_cast<QQuickWindow *>(engine.rootObjects().front());
+    QQuickItem *grid = window ? findGrid(window->contentItem()) : nullptr;
+    require(grid, "the gallery");
+    runFor(1000);
+    for (const char *pass : {"drawings", "drawings-again"}) { // drawn on the way, and then at hand
+        grid->setProperty("contentY", 0);
+        runFor(300);
+        scrollThrough(pass, *window, *grid, pixelsPerFrame);
+    }
 }
 
 } // namespace Bench

@@ -1,6 +1,8 @@
 // What the pages do with what is browsed: choices that are kept, and who hears of a change.
 #include "model/Model.h"
 
+#include "platform/text/TextOrder.h"
+
 void MarluneModel::onTracksChanged()
 {
     Q_EMIT tracksChanged();
@@ -10,6 +12,8 @@ void MarluneModel::onTracksChanged()
 void MarluneModel::reorder()
 {
     Q_EMIT browsingChanged(); // which sorts by the new ones
+    TextOrder::stableSort(m_content.themes, [](const Theme &theme) { return theme.name(); });
+    Q_EMIT themesChanged();
 }
 
 void MarluneModel::setArtwork(const QSet<QUuid> &ids, const QByteArray &image, bool onDevice)

@@ -32,14 +32,6 @@ struct MarluneModel::EndedTransfer {
     std::size_t covers = 0; ///< of those, written
     bool isStopped = false;
     std::exception_ptr failure;
-
-    /// What a stop between two covers adds to the status.
-    [[nodiscard]] QString missingCovers() const
-    {
-        return covers == wholeCovers ? QString()
-                                     : QStringLiteral(" Okładki: ") + QString::number(covers) + QStringLiteral(" z ")
-                + QString::number(wholeCovers) + u'.';
-    }
 };
 
 namespace {
@@ -157,9 +149,12 @@ void MarluneModel::applyTransfer(const PlannedTransfer &transfer, EndedTransfer 
         addTransferred(transfer.visit, result.destinations);
         const QString skipped = QStringLiteral(". Pominięto identyczne: ") + QString::number(result.skipped) + u'.';
         if (ended.isStopped) {
+            const QString covers = ended.covers == ended.wholeCovers ? QString()
+                                                                     : QStringLiteral(" Okładki: ")
+                    + QString::number(ended.covers) + QStringLiteral(" z ") + QString::number(ended.wholeCovers) + u'.';
             m_work.setStatus(QStringLiteral("Przerwano: wgrano ") + QString::number(result.copied)
                 + QStringLiteral(" z ") + QString::number(transfer.plan.files.size()) + QStringLiteral(" utworów")
-                + skipped + ended.missingCovers());
+                + skipped + covers);
         } else {
             m_work.setStatus(QStringLiteral("Wgrano: ") + QString::number(result.copied) + skipped);
             m_work.setAlert(m_work.status()
@@ -205,9 +200,10 @@ QCoro::Task<> MarluneModel::runCleanup(Device device)
         m_work.setAlert(describeFailure(cleanup.failure));
         m_work.setStatus(QStringLiteral("Nie udało się ukończyć porządków"));
     } else {
-        const QString removed = QStringLiteral("Usunięto pliki metadanych macOS: ")
-            + QString::number(cleanup.value->removed) + QStringLiteral(". Kopia jest na Macu.");
-        m_work.setStatus(cleanup.value->isStopped ? QStringLiteral("Przerwano. ") + removed : removed);
+        const auto [removed, isStopped] = *cleanup.value;
+        m_work.setStatus((isStopped ? QStringLiteral("Przerwano. ") : QString())
+            + QStringLiteral("Usunięto pliki metadanych macOS: ") + QString::number(removed)
+            + (isStopped && removed == 0 ? QStringLiteral(".") : QStringLiteral(". Kopia jest na Macu.")));
     }
     m_work.end();
     refresh();

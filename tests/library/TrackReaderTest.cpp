@@ -145,4 +145,14 @@ TEST(ReadTracks, ordersByPathAndReadsEachFileOnce)
         titles += track.title.toStdString() + " ";
     }
     EXPECT_EQ(titles, "1 2 10 ");
+
+    for (int last = 0; last <= 3; ++last) { // it is stopped behind that one
+        std::stop_source stop;
+        (void)(last == 0 && stop.request_stop());
+        const auto count = [&stop, last, done = 0](int, int) mutable { (void)(++done == last && stop.request_stop()); };
+        const TracksRead read = readTracks(import, count, stop.get_token());
+        EXPECT_EQ(read.tracks.size(), std::size_t(last));
+        EXPECT_EQ(read.left, last == 0 ? 0 : 3 - last); // not even looked for
+        EXPECT_EQ(read.isStopped, last < 3);
+    }
 }

@@ -79,11 +79,19 @@ private Q_SLOTS:
         ModelDesk desk;
         const Device device = desk.makeDevice("IPOD", false);
         const QString key = u"appearance-"_s + Files::text(device.root);
-        for (const char *look : {"nano", "auto"}) {
+        for (const char *look : {"nano5", "auto"}) {
             const auto model = desk.start();
-            model->setAppearance(u"classic"_s); // no device: nothing to remember it for
+            model->setAppearance(u"classic6"_s); // no device: nothing to remember it for
+            QCOMPARE(model->deviceProfile().id + model->deviceFinish(), u"unknownwhite"_s);
             model->select(device);
+            desk.waitForJobs(*model);
             model->setAppearance(QString::fromLatin1(look));
+            const bool isChosen = look[0] == 'n';
+            QCOMPARE(model->deviceProfile().id, isChosen ? u"nano5"_s : u"video"_s);
+            QCOMPARE(model->deviceFinish(), isChosen ? u"purple"_s : u"white"_s);
+            model->setFinish(u"gold"_s);
+            QCOMPARE(model->deviceFinish(), u"gold"_s);
+            model->setFinish(u"auto"_s);
             model->setSortMode(u"Rok"_s);
             model->setTileSize(-1);
             QCOMPARE(desk.settings.text(key).value_or(u"auto"_s), QString::fromLatin1(look));

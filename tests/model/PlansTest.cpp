@@ -1,9 +1,10 @@
 // The plain parts of the model: the plan of a transfer, what follows from a discovery of devices, the running work, the
-// check for duplicates.
+// check for duplicates, the models by their targets.
 #include "support/SampleTracks.h"
 
 #include "model/DeviceFinder.h"
 #include "model/DuplicateCheck.h"
+#include "model/IPodProfile.h"
 #include "model/RunningWork.h"
 #include "model/TransferPlan.h"
 
@@ -158,4 +159,21 @@ TEST(DuplicateCheck, knowsNothingOfOtherTracks)
     EXPECT_TRUE(check.isOvertaken() && check.isRunning());
     check.interrupt();
     EXPECT_EQ(check.status(), DuplicateCheck::interrupted());
+}
+
+TEST(IPodProfile, theFirstModelWithTheTargetIsTaken)
+{
+    const std::pair<std::optional<QString>, const char *> rows[]
+        = {{u"ipod1g2g"_s, "ipod1"}, {u"ipodvideo"_s, "video"}, {u"ipod6g"_s, "classic6"}, {u"ipodnano"_s, "nano1"},
+            {u"ipodnano2g"_s, "nano2"}, {u"IPODVIDEO"_s, "unknown"}, {u""_s, "unknown"}, {std::nullopt, "unknown"}};
+    for (const auto &[target, id] : rows) {
+        EXPECT_EQ(IPodProfile::automatic(target).id, QLatin1String(id)) << id;
+    }
+    std::set<QString> ids;
+    for (const IPodProfile &profile : IPodProfile::all()) {
+        ids.insert(profile.id);
+        EXPECT_EQ(IPodProfile::withId(profile.id), &profile);
+    }
+    EXPECT_EQ(ids.size(), 32U);
+    EXPECT_FALSE(ids.contains(IPodProfile::fallback().id));
 }

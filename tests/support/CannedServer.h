@@ -9,6 +9,7 @@
 #include <QUrl>
 
 #include <chrono>
+#include <functional>
 #include <stdexcept>
 #include <vector>
 
@@ -60,6 +61,8 @@ public:
 
     /// Given in turn; the last one again and again.
     std::vector<Answer> answers;
+    /// Gives each answer where it is set.
+    std::function<Answer(const Asked &)> answering;
     std::vector<Asked> asked;
     int connected = 0; ///< clients at this moment
     std::int64_t sent = 0; ///< bytes that the system has taken for the clients
@@ -73,7 +76,8 @@ private:
             return;
         }
         asked.push_back({head.mid(4, head.indexOf(" HTTP/") - 4), head});
-        const Answer answer = answers.at(std::min(asked.size(), answers.size()) - 1);
+        const Answer answer
+            = answering ? answering(asked.back()) : answers.at(std::min(asked.size(), answers.size()) - 1);
         QObject::connect(&socket, &QTcpSocket::bytesWritten, &socket,
             [this, &socket, then = answer.then, left = answer.padding](qint64 bytes) mutable {
                 sent += bytes;

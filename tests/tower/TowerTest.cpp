@@ -31,11 +31,13 @@ const std::map<std::string, std::set<std::string>> rooms {
     {"media/pictures", {"Images.h"}},
     {"media/sound", {"AudioOutput.h"}},
     {"ui/backups", {"BackupsPresenter.h"}},
+    {"ui/device", {"DevicePresenter.h", "IPodFinish.h", "IPodProvider.h"}},
     {"ui/library", {"AlbumSheetPresenter.h", "LibraryPresenter.h"}},
     {"ui/playlists", {"PlaylistsPresenter.h"}},
     {"ui/playback", {"MediaControls.h", "PlaybackPresenter.h"}},
     {"ui/quality", {"QualityPresenter.h"}},
     {"ui/shell", {"DesktopPanels.h", "ShellPresenter.h"}},
+    {"ui/themes", {"ThemePictures.h"}},
 };
 
 /// Libraries that only the named rooms may see; all else of Qt Core is everybody's.

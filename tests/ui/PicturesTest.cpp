@@ -74,14 +74,15 @@ TEST(CoverStore, namesABufferOnceAndForgetsItWithItsLastHolder)
 
 TEST(Symbols, everyNameInUseHasADrawing)
 {
-    // Names are in QML as `symbol: … "name" …` and in the sections' table.
+    // Names are in QML as `symbol: … "name" …`, in the sections' table, and where iPods are drawn.
     const QRegularExpression mention(
-        uR"re(symbol\w*:[^\n]*|case Section::\w+:\s+return QStringLiteral\("[a-z.]+"\))re"_s);
+        uR"re(symbol\w*:[^\n]*|case Section::\w+:\s+return QStringLiteral\("[a-z.]+"\)|drawSymbol\([^;]*;)re"_s);
     const QRegularExpression name(uR"re("([a-z0-9.]+)")re"_s);
     std::set<QString> used;
     const fs::path sources = fs::path(MARLUNE_SOURCE_DIR) / "src/ui";
     for (const auto &entry : fs::recursive_directory_iterator(sources)) {
-        if (entry.path().extension() == ".qml" || entry.path().filename() == "SectionListModel.cpp") {
+        if (entry.path().extension() == ".qml" || entry.path().filename() == "SectionListModel.cpp"
+            || entry.path().filename() == "IPodParts.cpp") {
             const QString text = QString::fromStdString(fileBytes(entry.path()));
             for (auto place = mention.globalMatch(text); place.hasNext();) {
                 const QString line = place.next().captured();

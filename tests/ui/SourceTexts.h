@@ -159,15 +159,17 @@ private:
                 || (root.begin > 3 && is(root.begin - 4, "L10n")));
     }
 
-    /// Whether it has letters beyond ASCII, two words, or is one word in the case of a title.
+    /// Whether it has letters beyond ASCII, two words, or is one word in the case of a title. What begins in the middle
+    /// of a sentence is read where the sentence is.
     [[nodiscard]] bool isLikeProse(const QString &text, Range root) const
     {
         static const QRegularExpression beyondAscii(QStringLiteral("[^\\x00-\\x7F]"));
-        static const QRegularExpression words(QStringLiteral("\\pL.* .*\\pL|\\pL.* \1|\1 .*\\pL|^[A-Z][a-z]+$"));
+        static const QRegularExpression words(QStringLiteral("\\pL.* .*\\pL|\\pL.* \1|\1 .*\\pL\\pL|^[A-Z][a-z]+$"));
         static const QRegularExpression letters(QStringLiteral("\\pL"));
         const bool isProse = std::any_of(m_tokens.begin() + std::ptrdiff_t(root.begin),
             m_tokens.begin() + std::ptrdiff_t(root.end), [](const Token &token) { return token.isProse; });
-        return text.contains(letters) && (text.contains(beyondAscii) || (isProse && text.contains(words)));
+        const bool isRest = text.startsWith(u' ') || text.startsWith(u". ");
+        return text.contains(letters) && !isRest && (text.contains(beyondAscii) || (isProse && text.contains(words)));
     }
 
     /// A QML property's colon, not that of a choice.
@@ -252,7 +254,27 @@ private:
         if (range.end - range.begin == 3 && is(range.begin, "QString")) { // QString()
             return {QString()};
         }
+        if (range.end - range.begin == 1) {
+            if (const std::optional<Range> earlier = valueOf(m_tokens[range.begin].text, range.begin)) {
+                return composed(*earlier);
+            }
+        }
         return {QString(value)};
+    }
+
+    /// What the constant of this name was set to last: "const QString name = …;"
+    [[nodiscard]] std::optional<Range> valueOf(const QString &name, std::size_t before) const
+    {
+        for (std::size_t i = before; i-- > 3;) {
+            if (is(i, "=") && m_tokens[i - 1].text == name && is(i - 2, "QString") && is(i - 3, "const")) {
+                std::size_t end = i + 1;
+                while (end < before && !is(end, ";")) {
+                    ++end;
+                }
+                return end < before ? std::optional(Range {i + 1, end}) : std::nullopt;
+            }
+        }
+        return std::nullopt;
     }
 
     static QString numbered(const QString &text)

@@ -28,10 +28,12 @@ struct NewUser {
     KeptPanels panels;
     CoverSearch covers {CoverServices {}};
     fs::path device = folder / "IPOD";
+    QStringList languages;
     MarluneApp::Program program;
 
-    NewUser()
-        : program(setup())
+    explicit NewUser(QStringList preferred = {u"pl"_s})
+        : languages(std::move(preferred))
+        , program(setup())
     {
         fs::copy(sample / "iPod", device, fs::copy_options::recursive);
         program.window()->setGeometry(0, 0, 1260, 820); // a screen without hardware can be smaller
@@ -46,7 +48,8 @@ struct NewUser {
             .themeSite = {},
             .covers = &covers,
             .audioOutput = "null",
-            .panels = &panels};
+            .panels = &panels,
+            .preferredLanguages = languages};
     }
 
     [[nodiscard]] QQuickItem *item(const char *name, QQuickItem *below = nullptr) const

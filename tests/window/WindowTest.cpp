@@ -3,6 +3,7 @@
 #include "NewUser.h"
 
 #include "ui/words/Language.h"
+#include "ui/words/Localization.h"
 
 #include "platform/MarluneError.h"
 
@@ -53,6 +54,13 @@ private Q_SLOTS:
         listenToTheOnlyAlbum(user);
     }
 
+    void speaksTheUsersLanguage()
+    {
+        NewUser user({u"de-DE"_s, u"pl"_s}); // the first counts, and there are two languages
+        QCOMPARE(user.shownText("queueLine"), std::string("Tracks: 0 · 0 B"));
+        QCOMPARE(user.program.model().playlistName(), u"My playlist"_s);
+    }
+
     void speaksAnotherLanguageWithoutMoving()
     {
         NewUser user;
@@ -84,9 +92,30 @@ private Q_SLOTS:
         QTRY_COMPARE(user.shownText("queueLine"), std::string("Tracks: 8 · 1.6 MB"));
         QTRY_COMPARE(window.activeFocusItem()->property("text").toString(), u"EN"_s);
         QCOMPARE(Settings(user.folder / "config/settings.json").text(u"appLanguage"_s), u"en"_s);
+        model.setPlaylistName(u"Mine"_s);
+        for (const Section section : allSections) {
+            model.setSection(section);
+            QTest::qWait(100); // the page is made, and its rows come in
+            QCOMPARE(leftInPolish(*window.contentItem()).join(u"; "_s), QString());
+        }
     }
 
 private:
+    /// Shown texts that have English words.
+    static QStringList leftInPolish(const QQuickItem &item)
+    {
+        QStringList found;
+        for (const char *property : {"text", "toolTip", "placeholderText"}) {
+            if (const QString text = item.property(property).toString(); AppLocalizer::text(text) != text) {
+                found.append(text);
+            }
+        }
+        for (const QQuickItem *child : item.childItems()) {
+            found += child->isVisible() ? leftInPolish(*child) : QStringList();
+        }
+        return found;
+    }
+
     static void listenToTheOnlyAlbum(NewUser &user)
     {
         const Playback &playback = user.program.model().playback();

@@ -17,7 +17,6 @@ class IPodFigure : public QObject {
     Q_PROPERTY(double width MEMBER m_width NOTIFY changed)
     Q_PROPERTY(double maxHeight MEMBER m_maxHeight NOTIFY changed)
     Q_PROPERTY(double pixelRatio MEMBER m_pixelRatio NOTIFY changed)
-    Q_PROPERTY(bool pictured MEMBER m_pictured NOTIFY changed)
 
     Q_PROPERTY(QString label READ label NOTIFY changed)
     Q_PROPERTY(QSizeF body READ body NOTIFY changed)
@@ -25,7 +24,8 @@ class IPodFigure : public QObject {
     Q_PROPERTY(QRectF screen READ screen NOTIFY changed)
     Q_PROPERTY(QColor ink READ ink NOTIFY changed)
     Q_PROPERTY(int margin READ margin CONSTANT)
-    Q_PROPERTY(QString bodyAddress READ bodyAddress NOTIFY changed)
+    Q_PROPERTY(QString litAddress READ litAddress NOTIFY changed)
+    Q_PROPERTY(QString blankAddress READ blankAddress NOTIFY changed)
     Q_PROPERTY(QString glassAddress READ glassAddress NOTIFY changed)
 
 public:
@@ -41,7 +41,9 @@ public:
     [[nodiscard]] QColor ink() const;
     /// What the body's picture has around the body.
     [[nodiscard]] int margin() const;
-    [[nodiscard]] QString bodyAddress() const { return address(m_pictured ? "blank" : "lit"); }
+    /// The body with what its screen shows of itself, the same without that, and what lies over a picture there.
+    [[nodiscard]] QString litAddress() const { return address("lit"); }
+    [[nodiscard]] QString blankAddress() const { return address("blank"); }
     [[nodiscard]] QString glassAddress() const { return address("glass"); }
 
 Q_SIGNALS:
@@ -58,5 +60,4 @@ private:
     double m_width = 0;
     double m_maxHeight = 370;
     double m_pixelRatio = 1;
-    bool m_pictured = false; ///< a picture lies over the screen
 };

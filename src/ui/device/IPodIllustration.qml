@@ -1,6 +1,8 @@
 // One drawn iPod, in the middle of its width and as high as its body; on its screen, a picture where there is one.
 //
 // While the drawing for another size or finish is being made, the one before stays.
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import Marlune
 
@@ -25,7 +27,6 @@ Item {
         width: root.width
         maxHeight: root.maxHeight
         pixelRatio: Screen.devicePixelRatio
-        pictured: root.pictured
     }
     Item {
         id: body
@@ -49,31 +50,30 @@ Item {
             width: body.width + 2 * figure.margin
             height: body.height + 2 * figure.margin
             asynchronous: true
-            source: figure.bodyAddress
+            source: root.pictured ? figure.blankAddress : figure.litAddress
             onStatusChanged: {
                 if (status === Image.Ready) {
                     kept.source = source;
                 }
             }
         }
-        ThemeImage {
+        Loader {
             x: figure.screen.x
             y: figure.screen.y
             width: figure.screen.width
             height: figure.screen.height
-            visible: root.pictured
-            url: root.pictured ? root.preview : ""
-            ink: figure.ink
-            silent: true
-        }
-        Image {
-            x: figure.screen.x
-            y: figure.screen.y
-            width: figure.screen.width
-            height: figure.screen.height
-            visible: root.pictured
-            asynchronous: true
-            source: root.pictured ? figure.glassAddress : ""
+            active: root.pictured
+            sourceComponent: ThemeImage {
+                url: root.preview
+                ink: figure.ink
+                silent: true
+
+                Image {
+                    anchors.fill: parent
+                    asynchronous: true
+                    source: figure.glassAddress
+                }
+            }
         }
     }
 }

@@ -109,7 +109,46 @@ QBrush grain()
     return QBrush(tile);
 }
 
-void drawBody(QPainter &painter, const IPodProfile &profile, const IPodFinish &finish, QSizeF body)
+/// The light on the body's edge at a share of its height: the opacity of white there, below 0 that of black.
+double lightOnEdge(double share, bool isDark)
+{
+    constexpr double brightUpTo = 0.2; // of the height
+    constexpr double darkFrom = 0.8;
+    if (share < brightUpTo) {
+        return (isDark ? 0.32 : 0.6) * (1 - 0.65 * share / brightUpTo);
+    }
+    if (share > darkFrom) {
+        const double depth = (share - darkFrom) / (1 - darkFrom);
+        return isDark ? -0.1 - 0.4 * depth * depth : -0.07 - 0.13 * depth * depth;
+    }
+    const double down = (share - brightUpTo) / (darkFrom - brightUpTo);
+    return isDark ? 0.112 - 0.212 * down : 0.21 - 0.28 * down;
+}
+
+/// What light makes of the body's edge, as a layer as large as the body. Reckoned by the pixel: gradients laid over
+/// each other would show their steps.
+QImage roundedEdge(QSizeF body, bool isDark, double pixelRatio)
+{
+    constexpr double dither[4][4] = {{0, 8, 2, 10}, {12, 4, 14, 6}, {3, 11, 1, 9}, {15, 7, 13, 5}};
+    const double width = std::max(2.0, 0.03 * body.width());
+    QImage layer = canvas(body, pixelRatio);
+    for (int y = 0; y < layer.height(); ++y) {
+        auto *line = reinterpret_cast<QRgb *>(layer.scanLine(y));
+        const double light = lightOnEdge((y + 0.5) / layer.height(), isDark);
+        for (int x = 0; x < layer.width(); ++x) {
+            const QPointF point = QPointF(x + 0.5, y + 0.5) / pixelRatio - QPointF(body.width(), body.height()) / 2;
+            const double depth = -distanceToEdge(point, body / 2, cornerShare * body.width());
+            if (depth > 0 && depth < width) {
+                const double near = 1 - depth / width;
+                const int alpha = int(255 * std::abs(light) * near * near + (dither[y % 4][x % 4] + 0.5) / 16);
+                line[x] = light > 0 ? qRgba(alpha, alpha, alpha, alpha) : qRgba(0, 0, 0, alpha);
+            }
+        }
+    }
+    return layer;
+}
+
+void drawBody(QPainter &painter, const IPodProfile &profile, const IPodFinish &finish, QSizeF body, double pixelRatio)
 {
     const bool isDark = finish.body.lightnessF() < 0.5F;
     // The rim behind the front, seen as a fine line around it.
@@ -129,15 +168,7 @@ void drawBody(QPainter &painter, const IPodProfile &profile, const IPodFinish &f
         painter.fillPath(outline(body, 0), grain());
     }
 
-    // The edge is rounded off: bright where it faces the light, dark below.
-    QLinearGradient edge(bounds.topLeft(), bounds.bottomLeft());
-    edge.setStops({{0, white(isDark ? 0.09 : 0.2)}, {0.15, white(isDark ? 0.04 : 0.1)}, {0.6, black(0.01)},
-        {0.9, black(isDark ? 0.09 : 0.02)}, {1, black(isDark ? 0.14 : 0.05)}});
-    const double softest = 0.022 * body.width();
-    for (const double share : {1.0, 0.7, 0.45, 0.25}) {
-        const double width = share * softest;
-        painter.strokePath(outline(body, width / 2), QPen(edge, width));
-    }
+    painter.drawImage(bounds, roundedEdge(body, isDark, pixelRatio));
     constexpr double line = 1;
     painter.strokePath(outline(body, line / 2), QPen(white(0.65), line));
 }
@@ -162,7 +193,7 @@ QImage IPodPainter::draw(
     painter.setRenderHint(QPainter::Antialiasing);
     painter.scale(pixelRatio, pixelRatio);
     painter.translate(margin, margin);
-    drawBody(painter, profile, colours, layout.body);
+    drawBody(painter, profile, colours, layout.body, pixelRatio);
     if (layout.screen) {
         IPodParts::drawScreen(painter, profile, colours, *layout.screen);
         if (screen == Screen::Lit) {

@@ -7,6 +7,7 @@ Item {
 
     readonly property int iconSide: 40
 
+    implicitWidth: words.x + name.implicitWidth
     implicitHeight: Math.max(root.iconSide + 2, words.height)
 
     Image {
@@ -24,6 +25,7 @@ Item {
         width: root.width - x
 
         TextLine {
+            id: name
             width: parent.width
             text: L10n.text("Marlune")
             font: Tokens.type.of(23, Font.Bold)

@@ -29,7 +29,8 @@ Rectangle {
         }
     }
 
-    implicitWidth: Math.min(root.widest, Math.max(root.usualWidth, Math.ceil(list.implicitWidth) + 2 * Tokens.space.regular))
+    implicitWidth: Math.min(root.widest, Math.max(root.usualWidth, Math.ceil(list.implicitWidth) + 2 * Tokens.space.regular,
+        Math.ceil(brand.implicitWidth) + 2 * 19, languages.minimumWidth + 2 * 18))
     color: Tokens.color.sidebar
 
     ColumnLayout {

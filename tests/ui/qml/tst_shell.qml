@@ -138,6 +138,25 @@ PageTest {
         compare(root.bench.model.section, "Motywy");
     }
 
+    function test_threeQuickClicksAskForTheCarousel() {
+        root.bench.connectDevice("IPOD", false);
+        const model = root.bench.model;
+        const inspector = make(inspectorComponent, { model: model, shell: root.bench.shell });
+        const drawing = below(inspector).find(item => item instanceof IPodView);
+        const pause = Application.styleHints.mouseDoubleClickInterval + 100;
+        for (const [clicks, shown] of [[1, false], [2, false], [3, true]]) {
+            for (let click = 0; click < clicks; ++click) {
+                mouseClick(drawing);
+            }
+            compare(model.showCoverFlow, shown);
+            wait(shown ? 0 : pause);
+        }
+        verify(model.libraryOnDevice);
+        model.showCoverFlow = false; // its window was closed
+        mouseClick(drawing);
+        verify(!model.showCoverFlow);
+    }
+
     function test_filesOrFoldersIsAskedFirst() {
         const host = make(panelsComponent, { panels: root.bench.panels });
         const button = findChild(host, "chooseFolderButton");
