@@ -52,7 +52,7 @@ Item {
             side: Math.round(1.3 * Tokens.type.caption.pixelSize)
             color: root.ink
         }
-        TextBlock {
+        TextLine {
             width: Math.min(implicitWidth, root.width - parent.spacing - 4 * Tokens.space.hair - Tokens.type.caption.pixelSize)
             text: L10n.text("Podgląd niedostępny")
             font: Tokens.type.caption
