@@ -102,7 +102,9 @@ private Q_SLOTS:
         Pages pages;
         DevicePresenter page(*pages.model);
         pages.model->setSection(Section::Device);
-        pages.model->select(pages.desk.makeDevice("BARE", false));
+        const Device bare = pages.desk.makeDevice("BARE", false);
+        pages.desk.folder.write("BARE/.rockbox/rockbox-info.txt", "");
+        pages.model->select(bare);
         QTRY_COMPARE(page.facts().join(u'|'),
             u"BARE|Nieznany|Nieznana|Nieznane|Nieznany|%1|Odczyt i zapis|Domyślny|Domyślny"_s.arg(
                 page.facts().value(5)));
