@@ -52,6 +52,8 @@ MarluneModel::MarluneModel(ModelEnvironment environment, QObject *parent)
         });
     });
 
+    connect(this, &MarluneModel::themePreviewsChanged, this, [this] { ++m_themePreviewRevision; });
+
     if (!settings.notice().isEmpty()) {
         m_work.setAlert(settings.notice());
     }

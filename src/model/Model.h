@@ -96,6 +96,8 @@ public:
     [[nodiscard]] const std::vector<Theme> &themes() const { return m_content.themes; }
     /// By theme id; of themes that were seen before too.
     [[nodiscard]] const ThemePreviews &themePreviews() const { return m_content.themePreviews; }
+    /// Another one after each change there: a picture can be replaced under its old name.
+    [[nodiscard]] int themePreviewRevision() const { return m_themePreviewRevision; }
     /// By theme id.
     [[nodiscard]] const QMap<QString, Configuration> &themeSettings() const { return m_content.themeSettings; }
     /// What the firmware says of itself, and how it is set up.
@@ -420,6 +422,7 @@ private:
     DeviceContent m_content;
     std::optional<Theme> m_openTheme;
     QString m_themePreviewStatus;
+    int m_themePreviewRevision = 0;
     std::deque<std::pair<Theme, std::filesystem::path>> m_previewChoices; ///< the first is being stored
     std::unique_ptr<QObject> m_previewRequest; ///< owns the exchange with the catalogue; its end ends that
     QUuid m_contentGeneration; ///< of the reading that may land

@@ -7,9 +7,9 @@
 
 namespace ThemePictures {
 
-/// Empty where there is none. A file that is another one under its old name is read again where `revision` differs.
-[[nodiscard]] QUrl address(const std::optional<PicturePlace> &place, int revision);
+/// Empty where there is none. Another one after each change of the previews: a file can be replaced under its old name.
+[[nodiscard]] QUrl address(const MarluneModel &model, const std::optional<PicturePlace> &place);
 /// Of the playing screen of the theme that the device has active, else of its menu.
-[[nodiscard]] QUrl ofConfiguredTheme(const MarluneModel &model, int revision);
+[[nodiscard]] QUrl ofConfiguredTheme(const MarluneModel &model);
 
 } // namespace ThemePictures
