@@ -10,7 +10,7 @@ RunningWork::RunningWork(Listener listener, std::function<TimeLeft::Moment()> cl
 
 std::optional<std::chrono::seconds> RunningWork::timeLeft()
 {
-    return m_timeLeft.at(m_clock());
+    return cancelling() ? std::nullopt : m_timeLeft.at(m_clock());
 }
 
 void RunningWork::begin(const QString &status, Ends ends, std::vector<TimeLeft::Expectation> stages)

@@ -19,6 +19,7 @@ ShellPresenter::ShellPresenter(MarluneModel &model, QObject *parent)
         &MarluneModel::tracksChanged, &MarluneModel::progressChanged, &MarluneModel::workingChanged);
     connect(&m_model, &MarluneModel::sectionChanged, this, &ShellPresenter::sectionChanged);
     connect(&m_model, &MarluneModel::busyChanged, this, &ShellPresenter::onBusyChanged);
+    connect(&m_model, &MarluneModel::cancellingChanged, this, &ShellPresenter::showTimeLeft);
     connect(&m_model, &MarluneModel::workingChanged, this, &ShellPresenter::closeWhenDone, Qt::QueuedConnection);
     connect(&m_model, &MarluneModel::alertChanged, this, &ShellPresenter::closeWhenDone, Qt::QueuedConnection);
     m_clock.setInterval(std::chrono::seconds(1));
