@@ -7,9 +7,10 @@
 
 namespace ThemePictures {
 
-/// Empty where there is none. A file that is another one under its old name is read again where `revision` differs.
-[[nodiscard]] QUrl address(const std::optional<PicturePlace> &place, int revision);
+/// Of a picture among the model's previews; empty where there is none. After a change of those it is another one, so
+/// that a file which was replaced under its old name is read again.
+[[nodiscard]] QUrl address(const MarluneModel &model, const std::optional<PicturePlace> &place);
 /// Of the playing screen of the theme that the device has active, else of its menu.
-[[nodiscard]] QUrl ofConfiguredTheme(const MarluneModel &model, int revision);
+[[nodiscard]] QUrl ofConfiguredTheme(const MarluneModel &model);
 
 } // namespace ThemePictures

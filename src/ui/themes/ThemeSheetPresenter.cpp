@@ -30,12 +30,12 @@ QString ThemeSheetPresenter::name() const
 
 QUrl ThemeSheetPresenter::playingPicture() const
 {
-    return ThemePictures::address(preview().playing);
+    return ThemePictures::address(m_model, preview().playing);
 }
 
 QUrl ThemeSheetPresenter::menuPicture() const
 {
-    return ThemePictures::address(preview().menu);
+    return ThemePictures::address(m_model, preview().menu);
 }
 
 QString ThemeSheetPresenter::author() const
