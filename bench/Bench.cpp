@@ -19,13 +19,16 @@ constexpr Figure figures[] = {{"import", Bench::import}, {"flac", Bench::flac}, 
     {"jpeg-progressive", Bench::jpegProgressive}, {"check", Bench::check}, {"catalogue", Bench::catalogue},
     {"covers", Bench::covers}, {"inspect", Bench::inspect}, {"duplicates", Bench::duplicates}, {"play", Bench::play},
     {"heartbeat", Bench::heartbeatAndMemory}, {"memory", Bench::heartbeatAndMemory}, {"tiles", Bench::tiles},
-    {"drawings", Bench::drawings},
-    {"translate", Bench::translate}, {"language", Bench::language}};
+    {"drawings", Bench::drawings}, {"translate", Bench::translate}, {"language", Bench::language},
+    {"start", Bench::start}};
 
 } // namespace
 
 int main(int argc, char **argv)
 {
+    if (argc == 3 && std::strcmp(argv[1], "first-frame") == 0) {
+        return Bench::firstFrame(argc, argv, argv[2]);
+    }
     const QGuiApplication application(argc, argv);
     if (argc < 3) {
         std::fprintf(stderr, "usage: %s NAME|all LIBRARY\n", argv[0]);

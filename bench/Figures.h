@@ -70,6 +70,10 @@ void inspect(const std::filesystem::path &library);
 void duplicates(const std::filesystem::path &library);
 /// Both import the library into the real window; they share one run.
 void heartbeatAndMemory(const std::filesystem::path &library);
+/// Starts the program with the library, and without any.
+void start(const std::filesystem::path &library);
+/// One such start, in a process of its own: writes a line with the first frame, and ends. `folder` holds the settings.
+[[nodiscard]] int firstFrame(int argc, char **argv, const std::filesystem::path &folder);
 /// Scrolls through the album grid.
 void tiles(const std::filesystem::path &library);
 /// Scrolls through all drawn iPods; needs no library.

@@ -10,9 +10,12 @@ Sheet {
     property int broad: 480
     default property alias told: body.data
 
+    readonly property size room: Qt.size((root.parent?.width ?? 0) - 4 * Tokens.space.group, (root.parent?.height ?? 0) - 4 * Tokens.space.group)
+
     /// Closed by the user, in whatever way.
     signal dismissed
 
+    implicitWidth: Math.min(root.broad, root.room.width) + leftPadding + rightPadding
     onWantedChanged: root.wanted ? root.open() : root.close()
     Component.onCompleted: if (root.wanted) root.open()
     onOpened: closeButton.forceActiveFocus(Qt.PopupFocusReason)
@@ -22,7 +25,7 @@ Sheet {
         spacing: Tokens.space.wide
 
         RowLayout {
-            Layout.preferredWidth: Math.min(root.broad, (root.parent?.width ?? root.broad) - 4 * Tokens.space.group)
+            id: head
             spacing: Tokens.space.wide
 
             TextLine {
@@ -38,10 +41,18 @@ Sheet {
                 onClicked: root.close()
             }
         }
-        ColumnLayout {
-            id: body
+        Flickable {
             Layout.fillWidth: true
-            spacing: Tokens.space.regular
+            Layout.preferredHeight: Math.min(contentHeight, root.room.height - head.implicitHeight - Tokens.space.wide)
+            contentHeight: body.implicitHeight
+            boundsBehavior: Flickable.StopAtBounds
+            clip: contentHeight > height
+
+            ColumnLayout {
+                id: body
+                width: parent.width
+                spacing: Tokens.space.regular
+            }
         }
     }
 }

@@ -46,12 +46,13 @@ T.ItemDelegate {
                 elide: Text.ElideMiddle
                 Accessible.ignored: true
             }
-            TextLine {
+            TextBlock {
                 objectName: "fileDetail"
                 Layout.fillWidth: true
                 text: root.detail
                 font: Tokens.type.caption
-                color: Tokens.color.textMuted
+                maximumLineCount: 3
+                elide: Text.ElideRight
                 Accessible.ignored: true
             }
         }

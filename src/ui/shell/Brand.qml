@@ -31,7 +31,7 @@ Item {
             font: Tokens.type.of(23, Font.Bold)
         }
         TextBlock {
-            width: Math.min(parent.width, 100 * Tokens.type.scale) // two even lines
+            width: Math.min(parent.width, 92 * Tokens.type.scale) // two even lines
             text: L10n.text("Muzyka. Motywy. Twój iPod.")
             font: Tokens.type.of(10, Font.Normal)
         }

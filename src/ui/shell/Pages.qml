@@ -17,20 +17,22 @@ Item {
 
     /// No Loader: in Qt 6.4 that makes nothing of a component that is bound to its surroundings.
     component Place: Item {
+        id: place
+
         required property bool shown
         default property Component page
         property Item made: null
 
         function makeOnce() {
-            if (shown && !made) {
-                made = page.createObject(this) as Item;
+            if (place.shown && !place.made) {
+                place.made = place.page.createObject(place, {}) as Item;
             }
         }
 
         anchors.fill: parent
         visible: shown
-        onShownChanged: makeOnce()
-        Component.onCompleted: makeOnce()
+        onShownChanged: place.makeOnce()
+        Component.onCompleted: place.makeOnce()
     }
 
     Place {

@@ -46,6 +46,8 @@ DetailSheet {
         required property url url
 
         Layout.fillWidth: true
+        Layout.preferredWidth: 1 // both alike
+        Layout.alignment: Qt.AlignTop
         spacing: Tokens.space.tight
 
         TextLine {
