@@ -57,6 +57,8 @@ DeviceContent readDeviceContent(
     content.deviceInfo = configuration(firmware / "rockbox-info.txt");
     content.deviceConfig = configuration(firmware / "config.cfg");
     content.playlists = playlistsBelow(root);
+    content.volume = Volumes::traits(root);
+    content.hasMusicFolder = Files::isDirectory(root / "Music");
     return content;
 }
 
@@ -69,7 +71,8 @@ void MarluneModel::loadDeviceContent()
             .deviceInfo = m_content.deviceInfo,
             .deviceConfig = m_content.deviceConfig,
             .themeSettings = m_content.themeSettings,
-            .playlists = {}});
+            .playlists = {},
+            .volume = std::nullopt});
     } else if (!m_ejecting) { // however that ends, a refresh follows
         runContentLoad(m_device->root);
     }
@@ -131,7 +134,8 @@ void MarluneModel::setDeviceContent(DeviceContent content)
         Q_EMIT themePreviewsChanged();
     }
     if (before.deviceInfo != m_content.deviceInfo || before.deviceConfig != m_content.deviceConfig
-        || before.themeSettings != m_content.themeSettings) {
+        || before.themeSettings != m_content.themeSettings || before.volume != m_content.volume
+        || before.hasMusicFolder != m_content.hasMusicFolder) {
         Q_EMIT deviceSettingsChanged();
     }
     if (before.playlists != m_content.playlists) {

@@ -3,6 +3,8 @@
 
 #include "themes/ThemePreview.h"
 
+#include "platform/volumes/Volumes.h"
+
 #include <stop_token>
 
 struct DeviceContent {
@@ -12,6 +14,8 @@ struct DeviceContent {
     Configuration deviceConfig; ///< of `.rockbox/config.cfg`
     QMap<QString, Configuration> themeSettings; ///< by theme id
     std::vector<std::filesystem::path> playlists; ///< by name
+    std::optional<Volumes::Traits> volume; ///< that it lies on
+    bool hasMusicFolder = false;
 };
 
 /// Reads the device at `root`; what cannot be read is missing. Blocking, any thread but the UI's. Once `stop` is

@@ -15,6 +15,7 @@ constexpr std::chrono::seconds drainTimeout {3};
 // Settings of one device begin with these; its path follows.
 const QString appearancePrefix = QStringLiteral("appearance-");
 const QString finishPrefix = QStringLiteral("finish-");
+const QString descriptionPrefix = QStringLiteral("deviceDescription-");
 
 } // namespace
 
@@ -131,6 +132,30 @@ void MarluneModel::setAppearance(const QString &id)
 void MarluneModel::setFinish(const QString &id)
 {
     setChoice(finishPrefix, id);
+}
+
+std::optional<QString> MarluneModel::chosenAppearance() const
+{
+    return choice(appearancePrefix);
+}
+
+QString MarluneModel::deviceDescription() const
+{
+    return choice(descriptionPrefix).value_or(QString());
+}
+
+void MarluneModel::setDeviceDescription(const QString &text)
+{
+    if (!m_device || text == deviceDescription()) {
+        return;
+    }
+    const QString key = descriptionPrefix + Files::text(m_device->root);
+    if (text.isEmpty()) {
+        m_environment.settings.remove(key);
+    } else {
+        m_environment.settings.setText(key, text);
+    }
+    Q_EMIT appearanceChanged();
 }
 
 void MarluneModel::setChoice(const QString &prefix, const QString &id)

@@ -82,10 +82,15 @@ public:
     /// The illustration and finish chosen for the selected device; "auto" forgets the choice.
     Q_INVOKABLE void setAppearance(const QString &id);
     Q_INVOKABLE void setFinish(const QString &id);
+    /// Absent where the illustration follows from what the firmware says.
+    [[nodiscard]] std::optional<QString> chosenAppearance() const;
     /// The model that the selected device is drawn as: the chosen one, else what the firmware's target tells.
     [[nodiscard]] const IPodProfile &deviceProfile() const;
     /// Its colour: the chosen one, else the profile's own.
     [[nodiscard]] QString deviceFinish() const;
+    /// The user's own words on the selected device.
+    [[nodiscard]] QString deviceDescription() const;
+    void setDeviceDescription(const QString &text);
 
     // What the selected device holds, as its last reading saw it.
     [[nodiscard]] const std::vector<Theme> &themes() const { return m_content.themes; }
@@ -97,6 +102,9 @@ public:
     [[nodiscard]] const Configuration &deviceInfo() const { return m_content.deviceInfo; }
     [[nodiscard]] const Configuration &deviceConfig() const { return m_content.deviceConfig; }
     [[nodiscard]] const std::vector<std::filesystem::path> &playlists() const { return m_content.playlists; }
+    /// Absent until it is known.
+    [[nodiscard]] const std::optional<Volumes::Traits> &deviceVolume() const { return m_content.volume; }
+    [[nodiscard]] bool deviceHasMusicFolder() const { return m_content.hasMusicFolder; }
     /// How the catalogue's previews came; empty before.
     [[nodiscard]] QString themePreviewStatus() const { return m_themePreviewStatus; }
     /// Reads it all anew. Only the newest reading lands, and only on the device that it read.
@@ -263,7 +271,7 @@ Q_SIGNALS:
     /// Also where a picture was replaced under its old name.
     void themePreviewsChanged();
     void themePreviewStatusChanged();
-    /// deviceInfo(), deviceConfig() or themeSettings() changed.
+    /// What the device says of itself, of its volume or of its themes changed.
     void deviceSettingsChanged();
     void playlistsChanged();
     /// The library of the computer or of the device holds other tracks.
@@ -293,7 +301,7 @@ Q_SIGNALS:
     void progressChanged();
     void statusChanged();
     void alertChanged();
-    /// deviceProfile() or deviceFinish() may differ from what they were.
+    /// deviceProfile(), deviceFinish() or deviceDescription() may differ from what they were.
     void appearanceChanged();
     void showCoverFlowChanged();
     /// The carousel was asked for while it is shown: its window is to come to the front.

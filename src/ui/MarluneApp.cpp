@@ -2,6 +2,7 @@
 
 #include "ui/backups/BackupsPresenter.h"
 #include "ui/controls/FocusGuide.h"
+#include "ui/device/DevicePresenter.h"
 #include "ui/device/IPodProvider.h"
 #include "ui/library/AlbumSheetPresenter.h"
 #include "ui/library/LibraryPresenter.h"
@@ -110,6 +111,7 @@ struct Program::Parts {
     MarluneModel model;
     std::shared_ptr<CoverStore> covers = std::make_shared<CoverStore>();
     ShellPresenter shell;
+    DevicePresenter device;
     LibraryPresenter library;
     PlaylistsPresenter playlists;
     BackupsPresenter backups;
@@ -136,6 +138,7 @@ Program::Parts::Parts(const Setup &setup)
           .audioOutput = setup.audioOutput,
           .playlistName = AppLocalizer::text(QStringLiteral("Moja playlista"))})
     , shell(model)
+    , device(model)
     , library(model, covers)
     , playlists(model)
     , backups(model)
@@ -156,6 +159,7 @@ Program::Parts::Parts(const Setup &setup)
     prepareEngine(engine, covers);
     engine.setInitialProperties(
         {{QStringLiteral("model"), QVariant::fromValue(&model)}, {QStringLiteral("shell"), QVariant::fromValue(&shell)},
+            {QStringLiteral("device"), QVariant::fromValue(&device)},
             {QStringLiteral("library"), QVariant::fromValue(&library)},
             {QStringLiteral("playlists"), QVariant::fromValue(&playlists)},
             {QStringLiteral("backups"), QVariant::fromValue(&backups)},

@@ -32,6 +32,7 @@ const std::map<std::string, std::set<std::string>> rooms {
     {"media/sound", {"AudioOutput.h"}},
     {"ui/backups", {"BackupsPresenter.h"}},
     {"ui/device", {"DevicePresenter.h", "IPodFinish.h", "IPodProvider.h"}},
+    {"ui/guide", {}},
     {"ui/library", {"AlbumSheetPresenter.h", "LibraryPresenter.h"}},
     {"ui/playlists", {"PlaylistsPresenter.h"}},
     {"ui/playback", {"MediaControls.h", "PlaybackPresenter.h"}},

@@ -2,6 +2,8 @@
 #include "platform/MarluneError.h"
 #include "support/ModelDesk.h"
 #include "ui/backups/BackupsPresenter.h"
+#include "ui/guide/HandbookDocument.h"
+#include "ui/guide/HandbookText.h"
 #include "ui/library/AlbumSheetPresenter.h"
 #include "ui/library/LibraryPresenter.h"
 #include "ui/playlists/PlaylistsPresenter.h"
@@ -10,7 +12,11 @@
 #include "ui/shell/ShellPresenter.h"
 
 #include <QAbstractItemModelTester>
+#include <QDesktopServices>
 #include <QSignalSpy>
+#include <QTextBlock>
+#include <QTextCursor>
+#include <QTextDocument>
 
 namespace {
 
@@ -38,6 +44,12 @@ QStringList shownIn(const FileListModel &rows)
 
 class PresenterTest : public QObject {
     Q_OBJECT
+
+public:
+    Q_INVOKABLE void take(const QUrl &address) { m_opened.append(address); }
+
+private:
+    QList<QUrl> m_opened; ///< by the desktop, as far as the program can tell
 
 private Q_SLOTS:
     void searchWaitsForAPauseInTyping()
@@ -259,6 +271,74 @@ private Q_SLOTS:
         panels.answer({file});
         panels.answer({file});
         QCOMPARE(answers.size(), 2U);
+    }
+
+    void linksOfTheHandbook_data()
+    {
+        using Kind = HandbookText::Destination::Kind;
+        QTest::addColumn<Kind>("kind");
+        const std::pair<const char *, Kind> table[] = {{"https://example.org/a#b", Kind::Outside},
+            {"mailto:a@example.org", Kind::Outside}, {"#sound", Kind::Place}, {"index.html#sound", Kind::Place},
+            {"en.html", Kind::Document}, {"http://example.org", Kind::Nowhere}, {"//example.org/a", Kind::Nowhere},
+            {"javascript:0", Kind::Nowhere}, {"file:///etc/passwd", Kind::Nowhere},
+            {"../icons/marlune.svg", Kind::Nowhere}, {"missing.html", Kind::Nowhere}, {"", Kind::Nowhere}};
+        for (const auto &[link, kind] : table) {
+            QTest::newRow(link) << kind;
+        }
+    }
+    void linksOfTheHandbook()
+    {
+        QFETCH(const HandbookText::Destination::Kind, kind);
+        const QString link = QString::fromLatin1(QTest::currentDataTag());
+        m_opened.clear();
+        const QStringList schemes {u"http"_s, u"https"_s, u"mailto"_s, u"file"_s};
+        std::for_each(schemes.begin(), schemes.end(),
+            [this](const auto &each) { QDesktopServices::setUrlHandler(each, this, "take"); });
+        HandbookDocument().follow(link);
+        std::for_each(schemes.begin(), schemes.end(), QDesktopServices::unsetUrlHandler);
+        QCOMPARE(m_opened.size(), kind == HandbookText::Destination::Kind::Outside ? 1 : 0);
+        QCOMPARE(HandbookText::destination(QUrl(u"qrc:/guide/index.html"_s), link).kind, kind);
+    }
+
+    void bothHandbooksHaveTheSameSectionsAndOnlyLinksThatLead()
+    {
+        using Kind = HandbookText::Destination::Kind;
+        QStringList before;
+        for (const QString &name : {u"index.html"_s, u"en.html"_s}) {
+            const QUrl address(u"qrc:/guide/"_s + name);
+            const auto text = HandbookText::read(address, {});
+            QStringList sections;
+            QStringList wanted;
+            for (const HandbookText::Part &part : HandbookText::parts(*text)) {
+                const HandbookText::Destination to = HandbookText::destination(address, part.target);
+                QVERIFY2(part.target.isEmpty() || to.kind == Kind::Outside || to.kind == Kind::Place,
+                    qPrintable(part.target));
+                (part.target.isEmpty() ? sections : wanted).append(part.target.isEmpty() ? part.anchor : to.anchor);
+            }
+            sections.removeAll(QString());
+            wanted.removeAll(QString());
+            QCOMPARE(sections.size(), 18);
+            QVERIFY(std::all_of(
+                wanted.begin(), wanted.end(), [&](const QString &anchor) { return sections.contains(anchor); }));
+            QVERIFY(before.isEmpty() || before == sections);
+            before = sections;
+        }
+    }
+
+    void theHandbookReadsOnlyWhatLiesBesideIt()
+    {
+        const TemporaryFolder folder;
+        folder.write("a.png", "picture");
+        folder.write("beside/sheet.css", "p { font-weight: 700 }");
+        const fs::path file = folder.write("beside/a.html",
+            "<html><head><link rel=stylesheet type='text/css' href='sheet.css'><link rel=stylesheet "
+            "href='http://127.0.0.1:1/a.css'></head><body>"
+            "<script>document.write('script')</script><p>Text<img src='http://127.0.0.1:1/a.png'>"
+            "<img src='http://127.0.0.1:1/a.png'><img src='../a.png'><img src='sheet.css'></p>");
+        const auto text = HandbookText::read(QUrl::fromLocalFile(QString::fromStdString(file.string())), {});
+        QCOMPARE(text->toPlainText(), u"Text"_s + QChar::ObjectReplacementCharacter);
+        QCOMPARE(QTextCursor(text->firstBlock()).block().begin().fragment().charFormat().fontWeight(), 700);
+        QVERIFY(HandbookText::read(QUrl(u"qrc:/guide/missing.html"_s), {})->isEmpty());
     }
 };
 

@@ -59,6 +59,11 @@ bool open(const std::filesystem::path &path)
     return QDesktopServices::openUrl(QUrl::fromEncoded(fileUri(Files::standardized(path)), QUrl::StrictMode));
 }
 
+bool openAddress(const QUrl &address)
+{
+    return QDesktopServices::openUrl(address);
+}
+
 void reveal(const std::vector<std::filesystem::path> &paths)
 {
     const auto [items, folders] = firstFolders(paths);

@@ -140,6 +140,20 @@ Capacity capacity(const std::filesystem::path &path)
     return {std::int64_t(room.f_bavail) * unit, std::int64_t(room.f_blocks) * unit};
 }
 
+std::optional<Traits> traits(const std::filesystem::path &path)
+{
+    struct stat status {};
+    if (::stat(path.c_str(), &status) != 0) {
+        return std::nullopt;
+    }
+    const bool isWritable = ::access(path.c_str(), W_OK) == 0; // says no on a volume mounted for reading alone
+    try {
+        return Traits {mountedType(status.st_dev), isWritable};
+    } catch (const std::system_error &) {
+        return Traits {{}, isWritable};
+    }
+}
+
 bool isMountedDisk(const std::filesystem::path &path)
 {
     const std::filesystem::path disk = path.has_filename() ? path : path.parent_path(); // without a slash at its end

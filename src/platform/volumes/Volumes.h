@@ -11,6 +11,8 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <optional>
+#include <string>
 #include <vector>
 
 namespace Volumes {
@@ -25,6 +27,15 @@ struct Capacity {
 };
 /// Room on the volume that holds `path`. Throws std::system_error.
 [[nodiscard]] Capacity capacity(const std::filesystem::path &path);
+
+/// What else is known of the volume that holds a path.
+struct Traits {
+    std::string fileSystem; ///< as the mount table names it ("vfat"); empty where it has no name there
+    bool isWritable = false; ///< for this user
+    bool operator==(const Traits &) const = default;
+};
+/// Absent where the volume cannot be asked.
+[[nodiscard]] std::optional<Traits> traits(const std::filesystem::path &path);
 
 /// Whether this path is that of a mounted disk as the desktop mounts one: one of mounted(), and directly in a folder
 /// whose text is "/media", "/media/USER", "/run/media/USER" or "/mnt". A plain folder there is none.

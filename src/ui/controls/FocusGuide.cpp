@@ -55,7 +55,9 @@ bool cameByMouse(int reason)
     return reason == Qt::MouseFocusReason || reason == Qt::OtherFocusReason;
 }
 
-/// Moves `view` as little as needed for all of `item` to be seen, or its beginning where it is too large.
+/// Moves `view` as little as needed for all of `item` to be seen, or its beginning where it is too large. What fills
+/// all of the view stays where it is. A view can name in its property "covered" how much of its upper edge something
+/// lies over.
 void scrollTo(QQuickItem &view, const QQuickItem &item)
 {
     const auto *content = view.property("contentItem").value<QQuickItem *>();
@@ -70,7 +72,11 @@ void scrollTo(QQuickItem &view, const QQuickItem &item)
     const QPointF top = item.mapToItem(content, QPointF(0, -breathingSpace));
     const double bottom = item.mapToItem(content, QPointF(0, item.height() + breathingSpace)).y();
     const double now = view.property("contentY").toDouble();
-    const double wanted = std::min(std::max(now, bottom - view.height()), top.y());
+    if (top.y() <= now && bottom >= now + view.height()) {
+        return;
+    }
+    const double wanted
+        = std::min(std::max(now, bottom - view.height()), top.y() - view.property("covered").toDouble());
     const double possible = std::max(least, std::min(wanted, most));
     if (wanted != now && possible != now) {
         view.setProperty("contentY", possible);

@@ -1,8 +1,6 @@
 // One drawn iPod, in the middle of its width and as high as its body; on its screen, a picture where there is one.
 //
 // While the drawing for another size or finish is being made, the one before stays.
-pragma ComponentBehavior: Bound
-
 import QtQuick
 import Marlune
 
@@ -57,22 +55,20 @@ Item {
                 }
             }
         }
-        Loader {
+        ThemeImage {
             x: figure.screen.x
             y: figure.screen.y
             width: figure.screen.width
             height: figure.screen.height
-            active: root.pictured
-            sourceComponent: ThemeImage {
-                url: root.preview
-                ink: figure.ink
-                silent: true
+            visible: root.pictured
+            url: root.pictured ? root.preview : ""
+            ink: figure.ink
+            silent: true
 
-                Image {
-                    anchors.fill: parent
-                    asynchronous: true
-                    source: figure.glassAddress
-                }
+            Image {
+                anchors.fill: parent
+                asynchronous: true
+                source: root.pictured ? figure.glassAddress : ""
             }
         }
     }

@@ -92,7 +92,7 @@ QLinearGradient sheen(const IPodProfile &profile, const IPodFinish &finish, QSiz
 }
 
 /// The fine roughness of blasted metal.
-QBrush grain()
+QBrush grain(double pixelRatio)
 {
     static const QImage tile = [] {
         constexpr int side = 128;
@@ -106,7 +106,9 @@ QBrush grain()
         }
         return image;
     }();
-    return QBrush(tile);
+    QBrush brush(tile);
+    brush.setTransform(QTransform::fromScale(1 / pixelRatio, 1 / pixelRatio));
+    return brush;
 }
 
 /// The light on the body's edge at a share of its height: the opacity of white there, below 0 that of black.
@@ -165,7 +167,7 @@ void drawBody(QPainter &painter, const IPodProfile &profile, const IPodFinish &f
     painter.fillPath(outline(body, 0), sheen(profile, finish, body));
 
     if (!finish.polished) {
-        painter.fillPath(outline(body, 0), grain());
+        painter.fillPath(outline(body, 0), grain(pixelRatio));
     }
 
     painter.drawImage(bounds, roundedEdge(body, isDark, pixelRatio));

@@ -286,7 +286,8 @@ void IPodParts::drawScreenWords(QPainter &painter, const IPodProfile &profile, c
     double y = screen.center().y() - height / 2;
     drawText(painter, {screen.center().x(), y + lineHeight * words / 2}, QStringLiteral("iPod"), words, QFont::DemiBold,
         ink);
-    y += lineHeight * words + spacing;
+    const double ratio = painter.transform().m11();
+    y = std::round((y + lineHeight * words + spacing) * ratio) / ratio; // the line is as fine as a pixel
     painter.fillRect(QRectF(screen.left() + padding, y, screen.width() - 2 * padding, 1), white(0.25));
     y += 1 + spacing;
     const QTransform place

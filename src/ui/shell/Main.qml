@@ -8,6 +8,7 @@ T.ApplicationWindow {
 
     required property MarluneModel model
     required property ShellPresenter shell
+    required property DevicePresenter device
     required property LibraryPresenter library
     required property PlaylistsPresenter playlists
     required property BackupsPresenter backups
@@ -42,6 +43,7 @@ T.ApplicationWindow {
             content.setSource("WindowContent.qml", {
                 model: root.model,
                 shell: root.shell,
+                device: root.device,
                 library: root.library,
                 playlists: root.playlists,
                 backups: root.backups,

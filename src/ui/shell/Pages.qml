@@ -9,6 +9,7 @@ Item {
 
     required property MarluneModel model
     required property ShellPresenter shell
+    required property DevicePresenter device
     required property LibraryPresenter library
     required property PlaylistsPresenter playlists
     required property BackupsPresenter backups
@@ -34,6 +35,15 @@ Item {
         Component.onCompleted: place.makeOnce()
     }
 
+    Place {
+        shown: root.shell.deviceShown
+
+        DevicePage {
+            anchors.fill: parent
+            model: root.model
+            device: root.device
+        }
+    }
     Place {
         shown: root.shell.musicShown
 
@@ -68,6 +78,13 @@ Item {
             anchors.fill: parent
             model: root.model
             quality: root.quality
+        }
+    }
+    Place {
+        shown: root.shell.guideShown
+
+        GuidePage {
+            anchors.fill: parent
         }
     }
     Place {

@@ -17,10 +17,12 @@ class ShellPresenter : public QObject {
     QML_ELEMENT
     QML_UNCREATABLE("The program makes it for the model.")
     Q_PROPERTY(SectionListModel *sections READ sections CONSTANT)
+    Q_PROPERTY(bool deviceShown READ deviceShown NOTIFY sectionChanged)
     Q_PROPERTY(bool musicShown READ musicShown NOTIFY sectionChanged)
     Q_PROPERTY(bool playlistsShown READ playlistsShown NOTIFY sectionChanged)
     Q_PROPERTY(bool backupsShown READ backupsShown NOTIFY sectionChanged)
     Q_PROPERTY(bool qualityShown READ qualityShown NOTIFY sectionChanged)
+    Q_PROPERTY(bool guideShown READ guideShown NOTIFY sectionChanged)
     /// The section has no page of its own yet.
     Q_PROPERTY(bool unfinishedShown READ unfinishedShown NOTIFY sectionChanged)
     Q_PROPERTY(bool inspectorShown READ inspectorShown NOTIFY sectionChanged)
@@ -52,16 +54,15 @@ public:
     explicit ShellPresenter(MarluneModel &model, QObject *parent = nullptr);
 
     [[nodiscard]] SectionListModel *sections() { return &m_sections; }
+    [[nodiscard]] bool deviceShown() const { return m_model.section() == Section::Device; }
     [[nodiscard]] bool musicShown() const { return m_model.section() == Section::Music; }
     [[nodiscard]] bool playlistsShown() const { return m_model.section() == Section::Playlists; }
     [[nodiscard]] bool backupsShown() const { return m_model.section() == Section::Backups; }
     [[nodiscard]] bool qualityShown() const { return m_model.section() == Section::Quality; }
-    [[nodiscard]] bool unfinishedShown() const
-    {
-        return !musicShown() && !playlistsShown() && !backupsShown() && !qualityShown();
-    }
+    [[nodiscard]] bool guideShown() const { return m_model.section() == Section::Guide; }
+    [[nodiscard]] bool unfinishedShown() const { return m_model.section() == Section::Themes; }
     /// The device page shows all of the inspector itself.
-    [[nodiscard]] bool inspectorShown() const { return m_model.section() != Section::Device; }
+    [[nodiscard]] bool inspectorShown() const { return !deviceShown(); }
     [[nodiscard]] QString sectionSymbol() const { return SectionListModel::symbol(m_model.section()); }
     [[nodiscard]] QString sectionPurpose() const { return SectionListModel::purpose(m_model.section()); }
 

@@ -9,6 +9,7 @@ ColumnLayout {
 
     required property MarluneModel model
     required property ShellPresenter shell
+    required property DevicePresenter device
     required property LibraryPresenter library
     required property PlaylistsPresenter playlists
     required property BackupsPresenter backups
@@ -55,6 +56,7 @@ ColumnLayout {
                 Layout.fillHeight: true
                 model: root.model
                 shell: root.shell
+                device: root.device
                 library: root.library
                 playlists: root.playlists
                 backups: root.backups

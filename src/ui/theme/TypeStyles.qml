@@ -20,12 +20,15 @@ QtObject {
 
     /// A style of its own, for the few places that have one.
     function of(size: real, weight: int): font {
-        const pixels = Math.round(size * root.scale);
+        return root.spaced(size, weight, size >= 22 ? -0.01 * Math.round(size * root.scale) : 0);
+    }
+    /// The same with a distance between the letters.
+    function spaced(size: real, weight: int, letterSpacing: real): font {
         return Qt.font({
             family: root.family,
-            pixelSize: pixels,
+            pixelSize: Math.round(size * root.scale),
             weight: weight,
-            letterSpacing: size >= 22 ? -0.01 * pixels : 0
+            letterSpacing: letterSpacing
         });
     }
 }

@@ -10,6 +10,12 @@ Item {
     property real rounding: 5
     property bool silent: false ///< part of a drawing that says for itself what it shows
 
+    /// Small enough for the longest of the words.
+    readonly property font lettering: Qt.font({
+        family: Tokens.type.caption.family,
+        pixelSize: Math.max(1, Math.min(Tokens.type.caption.pixelSize, Math.floor((root.width - 16) / 8)))
+    })
+
     implicitWidth: 240
     implicitHeight: Math.round(root.width * 3 / 4)
 
@@ -29,14 +35,14 @@ Item {
         Icon {
             anchors.horizontalCenter: parent.horizontalCenter
             symbol: "photo"
-            side: Math.round(1.3 * Tokens.type.title2.pixelSize)
+            side: Math.round(Math.min(1.3 * Tokens.type.title2.pixelSize, root.height / 4))
             color: root.ink
         }
         TextBlock {
             width: parent.width
             horizontalAlignment: Text.AlignHCenter
             text: L10n.text("Brak podglądu")
-            font: Tokens.type.caption
+            font: root.lettering
             color: root.ink
             Accessible.ignored: root.silent
         }
@@ -49,13 +55,14 @@ Item {
         Icon {
             anchors.verticalCenter: parent.verticalCenter
             symbol: "photo"
-            side: Math.round(1.3 * Tokens.type.caption.pixelSize)
+            side: Math.round(1.3 * root.lettering.pixelSize)
             color: root.ink
         }
-        TextLine {
-            width: Math.min(implicitWidth, root.width - parent.spacing - 4 * Tokens.space.hair - Tokens.type.caption.pixelSize)
-            text: L10n.text("Podgląd niedostępny")
-            font: Tokens.type.caption
+        TextBlock {
+            width: Math.min(Math.ceil(words.advanceWidth) + 1, root.width - parent.spacing - 2 * Tokens.space.hair - 1.3 * root.lettering.pixelSize)
+            wrapMode: Text.WordWrap
+            text: words.text
+            font: root.lettering
             color: root.ink
             Accessible.ignored: root.silent
         }
@@ -66,6 +73,11 @@ Item {
         visible: picture.state === ThemePicture.Fetching
         indeterminate: true
         Accessible.ignored: root.silent
+    }
+    TextMetrics { // the wrapped text's own width would depend on the one that it is given
+        id: words
+        font: root.lettering
+        text: L10n.text("Podgląd niedostępny")
     }
     // A picture that is there at once is not announced by words that flash up before it.
     Timer {

@@ -160,5 +160,5 @@ void ThemePicture::paint(QPainter *painter)
     QBrush picture(m_image);
     picture.setTransform(QTransform::fromTranslate(corner.x(), corner.y())
             .scale(shown.width() / m_image.width(), shown.height() / m_image.height()));
-    painter->fillPath(shown.width() < width() && shown.height() < height() ? place : shape.intersected(place), picture);
+    painter->fillPath(shape.intersected(place), picture);
 }

@@ -44,6 +44,8 @@ TestCase {
                 ["hover", "pressed", "field"].forEach(cover => hold("text", ground, cover));
             }
             hold("textMuted", "content", "field");
+            ["note", "caution", "found", "foundNow"].forEach(cover => hold("text", "content", cover));
+            ["note", "caution"].forEach(cover => hold("accent", "content", cover));
             ["content", "window", "card"].forEach(ground => hold("accent", ground));
             ["", "hover", "pressed"].forEach(cover => hold("textOnAccent", "accent", cover));
             ["content", "window"].forEach(ground => hold("warning", ground));
