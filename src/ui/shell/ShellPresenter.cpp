@@ -15,9 +15,8 @@ ShellPresenter::ShellPresenter(MarluneModel &model, QObject *parent)
     , m_sections(model)
 {
     m_change.follow(m_model, &MarluneModel::devicesChanged, &MarluneModel::deviceChanged, &MarluneModel::themesChanged,
-        &MarluneModel::themePreviewsChanged, &MarluneModel::deviceSettingsChanged,
-        &MarluneModel::selectionChanged, &MarluneModel::tracksChanged, &MarluneModel::progressChanged,
-        &MarluneModel::workingChanged);
+        &MarluneModel::themePreviewsChanged, &MarluneModel::deviceSettingsChanged, &MarluneModel::selectionChanged,
+        &MarluneModel::tracksChanged, &MarluneModel::progressChanged, &MarluneModel::workingChanged);
     connect(&m_model, &MarluneModel::sectionChanged, this, &ShellPresenter::sectionChanged);
     connect(&m_model, &MarluneModel::busyChanged, this, &ShellPresenter::onBusyChanged);
     connect(&m_model, &MarluneModel::workingChanged, this, &ShellPresenter::closeWhenDone, Qt::QueuedConnection);
