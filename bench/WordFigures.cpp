@@ -46,7 +46,7 @@ std::vector<ComposedText> composedTexts(const TranslationTable &table)
         const TemplateText text = TemplateText::of(key);
         texts.push_back({text.filled({{0, QStringLiteral("81")}, {1, QStringLiteral("12,3 MB")},
                              {2, QStringLiteral("7")}, {3, QStringLiteral("40")}, {4, QStringLiteral("5")}}),
-            text.places.empty() ? std::nullopt : std::optional(expressionOf(text))});
+            expressionOf(text)});
     }
     const std::size_t known = texts.size();
     while (texts.size() < std::size_t(textCount - unknownCount)) {

@@ -6,6 +6,7 @@
 #include "model/DuplicateCheck.h"
 #include "model/IPodProfile.h"
 #include "model/RunningWork.h"
+#include "model/StorageUse.h"
 #include "model/TransferPlan.h"
 
 #include <gtest/gtest.h>
@@ -176,4 +177,30 @@ TEST(IPodProfile, theFirstModelWithTheTargetIsTaken)
     }
     EXPECT_EQ(ids.size(), 32U);
     EXPECT_FALSE(ids.contains(IPodProfile::fallback().id));
+}
+
+TEST(StorageUse, sharesTheDiskOutAndNeverMoreThanItHas)
+{
+    struct Row {
+        std::int64_t total;
+        std::int64_t available;
+        std::int64_t flac;
+        std::int64_t mp3;
+        std::int64_t aac;
+        StorageUse use;
+    };
+    const Row rows[] = {{100, 40, 20, 10, 5, {20, 10, 5, 25, 40}}, {100, 40, 0, 0, 0, {0, 0, 0, 60, 40}},
+        {100, 90, 20, 30, 5, {10, 0, 0, 0, 90}}, {0, 0, 20, 10, 5, {}}, {100, 200, 1, 1, 1, {0, 0, 0, 0, 100}}};
+    for (const Row &row : rows) {
+        std::vector<Track> music;
+        for (const auto &[codec, bytes] :
+            {std::pair("FLAC", row.flac), std::pair("MP3", row.mp3), std::pair("AAC", row.aac)}) {
+            music.emplace_back().info.codec = QString::fromLatin1(codec);
+            music.back().bytes = bytes;
+        }
+        Device device;
+        device.available = row.available;
+        device.total = row.total;
+        EXPECT_EQ(StorageUse::of(device, music), row.use) << row.total << ' ' << row.available;
+    }
 }

@@ -152,6 +152,12 @@ private Q_SLOTS:
         QCOMPARE(shown.pixelColor(39, 30), QColor(Qt::red));
         QCOMPARE(shown.pixelColor(40, 30), QColor(Qt::blue));
         QCOMPARE(shown.pixelColor(40, 5).alpha(), 0); // twice as wide as high: room above
+        fs::remove(good); // replaced under its name, by nothing
+        QUrl again = picture.url();
+        again.setFragment(u"1"_s);
+        picture.setUrl(again);
+        QCOMPARE(picture.state(), ThemePicture::Ready);
+        QTRY_COMPARE(picture.state(), ThemePicture::Unavailable);
     }
 };
 

@@ -70,7 +70,8 @@ bool isForNobody(const QString &text)
 {
     static const QSet<QString> names {u"Inter"_s, u"Basic"_s, u"Polski"_s, u"English"_s, u"Metadata"_s, u"Volume"_s,
         u"Target"_s, u"Drive"_s, u"Unmount"_s, u"Eject"_s, u"disk full"_s, u"{0} B"_s, u"CD {0}"_s, u"Bez nazwy"_s,
-        u"nr {0}"_s, u"ß"_s, u"yyyy-MM-dd HH:mm:ss"_s, u"Tags not found: "_s,
+        u"nr {0}"_s, u"{0} MB"_s, u"Memory"_s, u"Manufacturer"_s, u"ß"_s, u"yyyy-MM-dd HH:mm:ss"_s,
+        u"Tags not found: "_s,
         u"Kopia ustawień i motywów Rockbox — Marlune\n{0} +0000\nUrządzenie: {1}\nNie zawiera muzyki ani firmware.\n"_s};
     return names.contains(text) || text.startsWith(u'<') || text.startsWith(u"*.");
 }

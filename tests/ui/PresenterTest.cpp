@@ -2,6 +2,7 @@
 #include "platform/MarluneError.h"
 #include "support/ModelDesk.h"
 #include "ui/backups/BackupsPresenter.h"
+#include "ui/device/DevicePresenter.h"
 #include "ui/guide/HandbookDocument.h"
 #include "ui/guide/HandbookText.h"
 #include "ui/library/AlbumSheetPresenter.h"
@@ -94,6 +95,37 @@ private Q_SLOTS:
         const HeldJobs held;
         pages.model->makePlaylist();
         QTRY_VERIFY(changes.count() > 0 && !pages.shell.canEject());
+    }
+
+    void theDevicesPageHasAWordForWhatIsNotKnown()
+    {
+        Pages pages;
+        DevicePresenter page(*pages.model);
+        pages.model->setSection(Section::Device);
+        const Device bare = pages.desk.makeDevice("BARE", false);
+        pages.desk.folder.write("BARE/.rockbox/rockbox-info.txt", "");
+        pages.model->select(bare);
+        QTRY_COMPARE(page.facts().join(u'|'),
+            u"BARE|Nieznany|Nieznana|Nieznane|Nieznany|%1|Odczyt i zapis|Domyślny|Domyślny"_s.arg(
+                page.facts().value(5)));
+        QCOMPARE(page.connection() + page.musicCount(), u"FOLDER TESTOWYDo odczytania"_s);
+
+        const Device device = pages.desk.makeDevice("IPOD", true);
+        pages.desk.folder.write("IPOD/.rockbox/rockbox-info.txt", "Target: ipodvideo\nMemory: 64\nCPU: <b>arm</b>\n");
+        pages.desk.folder.write("IPOD/.rockbox/config.cfg", "font: /.rockbox/fonts/12-Nimbus.fnt\n");
+        pages.model->select(device);
+        QTRY_COMPARE(page.facts().mid(1, 4), QStringList({u"ipodvideo"_s, u"Nieznana"_s, u"<b>arm</b>"_s, u"64 MB"_s}));
+        QCOMPARE(page.facts().value(7), u"12-Nimbus.fnt"_s);
+        QCOMPARE(page.modelName() + page.chosenModel(), u"iPod Video · 5. generacjiAutomatycznie z Rockbox"_s);
+        page.chooseModel(u"iPod mini · 2. generacji"_s);
+        QCOMPARE(page.chosenFinish(), u"Niebieski"_s); // the model's own
+        page.chooseFinish(u"Czarny z czerwonym kołem"_s);
+        page.setDescription(u"iFlash"_s);
+        QCOMPARE(page.modelName() + page.chosenModel(), u"iPod mini · 2. generacjiiPod mini · 2. generacji"_s);
+        QCOMPARE(pages.model->deviceFinish() + page.description(), u"u2iFlash"_s);
+        page.chooseModel(page.models().front());
+        page.setDescription({});
+        QCOMPARE(page.modelName() + page.description(), u"iPod Video · 5. generacji"_s);
     }
 
     void theWindowWaitsForWorkAndForItsLastWord()

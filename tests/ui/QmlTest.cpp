@@ -2,6 +2,7 @@
 #include "support/ModelDesk.h"
 #include "ui/MarluneApp.h"
 #include "ui/backups/BackupsPresenter.h"
+#include "ui/device/DevicePresenter.h"
 #include "ui/library/AlbumSheetPresenter.h"
 #include "ui/library/LibraryPresenter.h"
 #include "ui/playback/PlaybackPresenter.h"
@@ -26,6 +27,7 @@ class Bench : public QObject {
     Q_OBJECT
     Q_PROPERTY(MarluneModel *model READ model CONSTANT)
     Q_PROPERTY(ShellPresenter *shell READ shell CONSTANT)
+    Q_PROPERTY(DevicePresenter *device READ device CONSTANT)
     Q_PROPERTY(LibraryPresenter *library READ library CONSTANT)
     Q_PROPERTY(PlaylistsPresenter *playlists READ playlists CONSTANT)
     Q_PROPERTY(BackupsPresenter *backups READ backups CONSTANT)
@@ -38,6 +40,7 @@ class Bench : public QObject {
 public:
     [[nodiscard]] MarluneModel *model() { return m_model.get(); }
     [[nodiscard]] ShellPresenter *shell() { return &m_shell; }
+    [[nodiscard]] DevicePresenter *device() { return &m_device; }
     [[nodiscard]] LibraryPresenter *library() { return &m_library; }
     [[nodiscard]] PlaylistsPresenter *playlists() { return &m_playlists; }
     [[nodiscard]] BackupsPresenter *backups() { return &m_backups; }
@@ -134,6 +137,7 @@ private:
     ModelDesk m_desk;
     std::unique_ptr<MarluneModel> m_model = m_desk.start();
     ShellPresenter m_shell {*m_model};
+    DevicePresenter m_device {*m_model};
     LibraryPresenter m_library {*m_model, covers};
     PlaylistsPresenter m_playlists {*m_model};
     BackupsPresenter m_backups {*m_model};

@@ -48,6 +48,7 @@ Item {
 
                 DeviceTile {
                     Layout.fillWidth: true
+                    Layout.fillHeight: true
                     Layout.preferredWidth: 1 // all alike
                     symbol: "internaldrive"
                     value: root.device.freeSpace
@@ -55,6 +56,7 @@ Item {
                 }
                 DeviceTile {
                     Layout.fillWidth: true
+                    Layout.fillHeight: true
                     Layout.preferredWidth: 1 // all alike
                     symbol: "music.note"
                     value: root.device.musicCount
@@ -62,6 +64,7 @@ Item {
                 }
                 DeviceTile {
                     Layout.fillWidth: true
+                    Layout.fillHeight: true
                     Layout.preferredWidth: 1 // all alike
                     symbol: "paintbrush.pointed"
                     value: root.device.themeCount

@@ -39,11 +39,10 @@ Rectangle {
             minimumPixelSize: Tokens.type.subheadline.pixelSize
             Accessible.ignored: true
         }
-        TextLine {
+        TextBlock {
             Layout.fillWidth: true
             text: root.label
             font: Tokens.type.caption
-            color: Tokens.color.textMuted
             Accessible.ignored: true
         }
     }

@@ -48,15 +48,6 @@ void HandbookDocument::setTarget(QQuickTextDocument *target)
     }
 }
 
-void HandbookDocument::setFolder(const QUrl &folder)
-{
-    if (m_folder != folder) {
-        m_folder = folder;
-        Q_EMIT folderChanged();
-        loadChosen();
-    }
-}
-
 void HandbookDocument::setStyleSheet(const QString &styleSheet)
 {
     if (m_styleSheet != styleSheet) {
@@ -118,7 +109,7 @@ QString HandbookDocument::hitText() const
         return {};
     }
     return AppLocalizer::text(m_hits.isEmpty() ? QStringLiteral("Brak wyników")
-                                               : QStringLiteral("%1 z %2").arg(m_hit + 1).arg(m_hits.size()));
+                                               : QStringLiteral("Wynik %1 z %2").arg(m_hit + 1).arg(m_hits.size()));
 }
 
 QVariantList HandbookDocument::sections() const
@@ -236,7 +227,7 @@ void HandbookDocument::load(const QUrl &document, const Place &place)
 /// The document of the chosen language, at the section that was read in the other one.
 void HandbookDocument::loadChosen()
 {
-    const QUrl chosen = m_folder.resolved(QUrl(m_english ? QStringLiteral("en.html") : QStringLiteral("index.html")));
+    const QUrl chosen(m_english ? QStringLiteral("qrc:/guide/en.html") : QStringLiteral("qrc:/guide/index.html"));
     if (text() && m_loaded != chosen) {
         load(chosen, m_place);
     }

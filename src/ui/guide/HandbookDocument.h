@@ -20,8 +20,6 @@ class HandbookDocument : public QObject {
     QML_ELEMENT
     /// The text view's document.
     Q_PROPERTY(QQuickTextDocument *target READ target WRITE setTarget NOTIFY targetChanged)
-    /// Where the documents lie.
-    Q_PROPERTY(QUrl folder READ folder WRITE setFolder NOTIFY folderChanged)
     Q_PROPERTY(QString styleSheet READ styleSheet WRITE setStyleSheet NOTIFY styleSheetChanged)
     /// Of the two documents the English one; at first by the program's language.
     Q_PROPERTY(bool english READ english WRITE setEnglish NOTIFY englishChanged)
@@ -43,7 +41,7 @@ class HandbookDocument : public QObject {
     Q_PROPERTY(int hitCount READ hitCount NOTIFY hitsChanged)
     /// The place of the hit that the reader is at among all; -1 without any.
     Q_PROPERTY(int hit READ hit NOTIFY hitsChanged)
-    /// "3 z 17"; empty while nothing is wanted.
+    /// "Wynik 3 z 17"; empty while nothing is wanted.
     Q_PROPERTY(QString hitText READ hitText NOTIFY hitsChanged)
     /// Areas of the hits in and near what is shown, and of the one that the reader is at.
     Q_PROPERTY(QVariantList marks READ marks NOTIFY marksChanged)
@@ -54,8 +52,6 @@ public:
 
     [[nodiscard]] QQuickTextDocument *target() const { return m_target; }
     void setTarget(QQuickTextDocument *target);
-    [[nodiscard]] QUrl folder() const { return m_folder; }
-    void setFolder(const QUrl &folder);
     [[nodiscard]] QString styleSheet() const { return m_styleSheet; }
     void setStyleSheet(const QString &styleSheet);
     [[nodiscard]] bool english() const { return m_english; }
@@ -87,7 +83,6 @@ public:
 
 Q_SIGNALS:
     void targetChanged();
-    void folderChanged();
     void styleSheetChanged();
     void englishChanged();
     void shownPartChanged();
@@ -126,7 +121,6 @@ private:
     void showHit();
 
     QPointer<QQuickTextDocument> m_target;
-    QUrl m_folder {QStringLiteral("qrc:/guide/")};
     QUrl m_loaded; ///< the document that is shown
     QString m_styleSheet;
     bool m_english;

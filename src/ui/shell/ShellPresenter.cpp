@@ -17,6 +17,7 @@ ShellPresenter::ShellPresenter(MarluneModel &model, QObject *parent)
     m_change.follow(m_model, &MarluneModel::devicesChanged, &MarluneModel::deviceChanged, &MarluneModel::themesChanged,
         &MarluneModel::themePreviewsChanged, &MarluneModel::deviceSettingsChanged, &MarluneModel::selectionChanged,
         &MarluneModel::tracksChanged, &MarluneModel::progressChanged, &MarluneModel::workingChanged);
+    connect(&m_model, &MarluneModel::themePreviewsChanged, this, [this] { ++m_pictureRevision; });
     connect(&m_model, &MarluneModel::sectionChanged, this, &ShellPresenter::sectionChanged);
     connect(&m_model, &MarluneModel::busyChanged, this, &ShellPresenter::onBusyChanged);
     connect(&m_model, &MarluneModel::workingChanged, this, &ShellPresenter::closeWhenDone, Qt::QueuedConnection);
@@ -118,7 +119,7 @@ QString ShellPresenter::themeCount() const
 
 QUrl ShellPresenter::themePicture() const
 {
-    return ThemePictures::ofConfiguredTheme(m_model);
+    return ThemePictures::ofConfiguredTheme(m_model, m_pictureRevision);
 }
 
 QStringList ShellPresenter::offeredDevices() const

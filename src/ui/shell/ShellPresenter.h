@@ -117,6 +117,7 @@ private:
     BurstTimer m_change {[this] { refresh(); }};
     std::size_t m_queuedTracks = 0;
     std::int64_t m_queuedBytes = 0;
+    int m_pictureRevision = 0;
     QTimer m_clock; ///< runs while there is work
     std::optional<std::chrono::seconds> m_timeLeft;
     bool m_closing = false;

@@ -49,17 +49,21 @@ void ThemePicture::setUrl(const QUrl &url)
     if (m_url == url) {
         return;
     }
+    // The same file read again stays on show until that is done.
+    const bool isShown = m_state == Ready && url.isLocalFile() && url.matches(m_url, QUrl::RemoveFragment);
     m_url = url;
     m_loading.reset();
-    m_image = QImage();
-    update();
+    if (!isShown) {
+        m_image = QImage();
+        update();
+    }
     if (url.isEmpty()) {
         setState(Absent);
     } else if (const QImage *fetched = fetchedPictures().object(url)) {
         show(*fetched);
     } else if (url.isLocalFile()) {
         const std::optional<std::filesystem::path> file = localPath(url);
-        setState(file ? Reading : Unavailable);
+        setState(!file ? Unavailable : (isShown ? Ready : Reading));
         if (file) {
             m_loading = std::make_shared<Loading>();
             read(*file);

@@ -41,6 +41,7 @@ public:
     explicit ThemePicture(QQuickItem *parent = nullptr);
     ~ThemePicture() override;
 
+    /// A file is read anew when its address gets another fragment.
     [[nodiscard]] QUrl url() const { return m_url; }
     void setUrl(const QUrl &url);
     /// Below the picture, where that leaves room.

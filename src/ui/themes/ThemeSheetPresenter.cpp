@@ -9,7 +9,10 @@ ThemeSheetPresenter::ThemeSheetPresenter(MarluneModel &model, QObject *parent)
     , m_model(model)
 {
     connect(&m_model, &MarluneModel::openThemeChanged, this, &ThemeSheetPresenter::refresh);
-    connect(&m_model, &MarluneModel::themePreviewsChanged, this, &ThemeSheetPresenter::refresh);
+    connect(&m_model, &MarluneModel::themePreviewsChanged, this, [this] {
+        ++m_pictureRevision;
+        refresh();
+    });
 }
 
 void ThemeSheetPresenter::refresh()
@@ -30,12 +33,12 @@ QString ThemeSheetPresenter::name() const
 
 QUrl ThemeSheetPresenter::playingPicture() const
 {
-    return ThemePictures::address(preview().playing);
+    return ThemePictures::address(preview().playing, m_pictureRevision);
 }
 
 QUrl ThemeSheetPresenter::menuPicture() const
 {
-    return ThemePictures::address(preview().menu);
+    return ThemePictures::address(preview().menu, m_pictureRevision);
 }
 
 QString ThemeSheetPresenter::author() const

@@ -37,6 +37,13 @@ PageTest {
         PanelHost {}
     }
     Component {
+        id: deviceComponent
+        DevicePage {
+            width: 845
+            height: root.height
+        }
+    }
+    Component {
         id: playlistsComponent
         PlaylistsPage {
             width: root.width
@@ -241,10 +248,12 @@ PageTest {
     }
 
     function test_largeTextIsNotCut() {
+        root.bench.model.section = "Twój iPod";
         root.bench.connectDevice("IPOD", false);
         const both = { model: root.bench.model, shell: root.bench.shell };
         const parts = [make(sidebarComponent, { sections: root.bench.shell.sections }),
             make(barComponent, Object.assign({ width: 516 }, both)), make(inspectorComponent, both),
+            make(deviceComponent, { model: root.bench.model, device: root.bench.device }),
             make(playlistsComponent, { width: 516, model: root.bench.model, playlists: root.bench.playlists }),
             make(backupsComponent, { width: 516, model: root.bench.model, backups: root.bench.backups })];
         for (const scale of [1, 1.5]) {
