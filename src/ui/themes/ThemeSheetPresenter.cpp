@@ -9,10 +9,7 @@ ThemeSheetPresenter::ThemeSheetPresenter(MarluneModel &model, QObject *parent)
     , m_model(model)
 {
     connect(&m_model, &MarluneModel::openThemeChanged, this, &ThemeSheetPresenter::refresh);
-    connect(&m_model, &MarluneModel::themePreviewsChanged, this, [this] {
-        ++m_pictureRevision;
-        refresh();
-    });
+    connect(&m_model, &MarluneModel::themePreviewsChanged, this, &ThemeSheetPresenter::refresh);
 }
 
 void ThemeSheetPresenter::refresh()

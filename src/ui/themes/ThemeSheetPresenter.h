@@ -40,5 +40,4 @@ private:
 
     MarluneModel &m_model;
     Theme m_theme; ///< stays while a closed sheet fades
-    int m_pictureRevision = 0; ///< counts the changes of the themes' pictures
 };
