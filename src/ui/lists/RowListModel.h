@@ -5,12 +5,29 @@
 #include "ui/lists/RowChanges.h"
 
 #include <QAbstractListModel>
+#include <QtQml/qqmlregistration.h>
 
 #include <algorithm>
 
 class RowListModel : public QAbstractListModel {
+    Q_OBJECT
+    QML_ANONYMOUS
+    Q_PROPERTY(int count READ count NOTIFY countChanged) ///< a view's own follows a frame later
+
+public:
+    [[nodiscard]] int count() const { return rowCount(); }
+
+Q_SIGNALS:
+    void countChanged();
+
 protected:
-    using QAbstractListModel::QAbstractListModel;
+    explicit RowListModel(QObject *parent = nullptr)
+        : QAbstractListModel(parent)
+    {
+        connect(this, &QAbstractItemModel::rowsInserted, this, &RowListModel::countChanged);
+        connect(this, &QAbstractItemModel::rowsRemoved, this, &RowListModel::countChanged);
+        connect(this, &QAbstractItemModel::modelReset, this, &RowListModel::countChanged);
+    }
 
     /// Makes the identities of `rows` those of `wanted`. True if that was done in steps: rows that stayed are still the
     /// old ones, and it is the caller who exchanges them and tells what changed in them. False: all rows are new.

@@ -26,7 +26,10 @@ public:
     /// Shared, because filtering is no reason to copy tracks.
     using Issues = std::vector<std::shared_ptr<const QualityIssue>>;
 
-    using RowListModel::RowListModel;
+    explicit IssueListModel(QObject *parent = nullptr)
+        : RowListModel(parent)
+    {
+    }
 
     [[nodiscard]] int rowCount(const QModelIndex &parent = {}) const override;
     [[nodiscard]] QVariant data(const QModelIndex &index, int role) const override;

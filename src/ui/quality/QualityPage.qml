@@ -98,7 +98,7 @@ Item {
         width: view.width
         height: Math.max(words.implicitHeight + Tokens.space.group, view.height - view.topMargin - root.around)
         // Not while the first music is being read: what is missing is on its way.
-        visible: view.count === 0 && !(root.quality.withoutMusic && root.model.busy)
+        visible: root.quality.issues.count === 0 && !(root.quality.withoutMusic && root.model.busy)
 
         ColumnLayout {
             id: words
