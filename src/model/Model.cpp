@@ -35,6 +35,8 @@ MarluneModel::MarluneModel(ModelEnvironment environment, QObject *parent)
     , m_duplicates({.issuesChanged = [this] { Q_EMIT duplicateIssuesChanged(); },
           .statusChanged = [this] { Q_EMIT duplicateStatusChanged(); }})
 {
+    connect(
+        this, &MarluneModel::themePreviewsChanged, this, [this] { ++m_previewRevision; }); // before others hear of it
     connect(this, &MarluneModel::deviceChanged, this, &MarluneModel::appearanceChanged);
     connect(this, &MarluneModel::deviceSettingsChanged, this, &MarluneModel::appearanceChanged);
     Settings &settings = m_environment.settings;
@@ -52,7 +54,6 @@ MarluneModel::MarluneModel(ModelEnvironment environment, QObject *parent)
         });
     });
 
-    connect(this, &MarluneModel::themePreviewsChanged, this, [this] { ++m_themePreviewRevision; });
 
     if (!settings.notice().isEmpty()) {
         m_work.setAlert(settings.notice());

@@ -104,4 +104,5 @@ private:
     MarluneModel &m_model;
     BurstTimer m_change {[this] { refresh(); }};
     StorageUse m_use;
+    int m_pictureRevision = 0; ///< counts the changes of the themes' pictures
 };

@@ -48,12 +48,12 @@ Rectangle {
             id: bar
 
             readonly property int gap: 2
-            readonly property var shown: root.device.shares.filter(share => share > 0)
+            readonly property var shown: Array.from(root.device.shares).filter(share => share > 0)
 
             Layout.fillWidth: true
             implicitHeight: 14
             Accessible.role: Accessible.Graphic
-            Accessible.name: root.device.legends.join(", ")
+            Accessible.name: Array.from(root.device.legends).join(", ")
 
             RowLayout {
                 anchors.fill: parent

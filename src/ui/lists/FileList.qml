@@ -28,13 +28,13 @@ Item {
         view.currentItem?.forceActiveFocus(Qt.TabFocusReason);
     }
 
-    implicitHeight: Math.max(root.lowest, view.count > 0 ? 0 : nothing.implicitHeight)
+    implicitHeight: Math.max(root.lowest, root.files.count > 0 ? 0 : nothing.implicitHeight)
 
     EmptyState {
         id: nothing
         objectName: "emptyState"
         anchors.fill: parent
-        visible: view.count === 0
+        visible: root.files.count === 0
         symbol: root.emptySymbol
         title: root.emptyTitle
         detail: root.emptyDetail
@@ -42,7 +42,7 @@ Item {
     ListView {
         id: view
         objectName: "fileList"
-        visible: count > 0
+        visible: root.files.count > 0
         anchors.fill: parent
         anchors.leftMargin: -root.ringRoom
         anchors.rightMargin: -root.ringRoom

@@ -44,7 +44,11 @@ void FileListModel::show(const std::vector<std::filesystem::path> &files)
     std::vector<Row> rows(files.size());
     std::transform(files.begin(), files.end(), rows.begin(),
         [](const std::filesystem::path &file) { return Row {.id = Files::text(file), .file = file}; });
+    const int before = count();
     (void)changeRows(m_rows, rows, [](const Row &row) { return row.id; }); // a row is its file, and no more
+    if (before != count()) {
+        Q_EMIT countChanged();
+    }
 }
 
 void FileListModel::refreshDetails()

@@ -14,6 +14,7 @@ class FileListModel : public RowListModel {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("The page's presenter has one.")
+    Q_PROPERTY(int count READ count NOTIFY countChanged) ///< a view's own follows a frame later
 
 public:
     enum Role : std::uint16_t {
@@ -25,6 +26,7 @@ public:
 
     FileListModel(Text name, Text detail, QObject *parent = nullptr);
 
+    [[nodiscard]] int count() const { return int(m_rows.size()); }
     [[nodiscard]] int rowCount(const QModelIndex &parent = {}) const override;
     [[nodiscard]] QVariant data(const QModelIndex &index, int role) const override;
     [[nodiscard]] QHash<int, QByteArray> roleNames() const override;
@@ -34,6 +36,9 @@ public:
     void refreshDetails();
     /// Absent where there is no such row.
     [[nodiscard]] std::optional<std::filesystem::path> file(int row) const;
+
+Q_SIGNALS:
+    void countChanged();
 
 private:
     struct Row {

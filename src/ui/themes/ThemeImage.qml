@@ -59,9 +59,9 @@ Item {
             color: root.ink
         }
         TextBlock {
-            width: Math.min(implicitWidth, root.width - parent.spacing - 2 * Tokens.space.hair - 1.3 * root.lettering.pixelSize)
+            width: Math.min(Math.ceil(words.advanceWidth) + 1, root.width - parent.spacing - 2 * Tokens.space.hair - 1.3 * root.lettering.pixelSize)
             wrapMode: Text.WordWrap
-            text: L10n.text("Podgląd niedostępny")
+            text: words.text
             font: root.lettering
             color: root.ink
             Accessible.ignored: root.silent
@@ -73,6 +73,11 @@ Item {
         visible: picture.state === ThemePicture.Fetching
         indeterminate: true
         Accessible.ignored: root.silent
+    }
+    TextMetrics { // the wrapped text's own width would depend on the one that it is given
+        id: words
+        font: root.lettering
+        text: L10n.text("Podgląd niedostępny")
     }
     // A picture that is there at once is not announced by words that flash up before it.
     Timer {

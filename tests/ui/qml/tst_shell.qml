@@ -190,7 +190,8 @@ PageTest {
         verify(findChild(page, "emptyState").visible && !findChild(page, "savePlaylistButton").enabled);
         root.bench.connectDevice("IPOD", false);
         tryCompare(list, "count", 50);
-        tryVerify(() => !findChild(page, "emptyState").visible);
+        verify(!findChild(page, "emptyState").visible);
+        tryVerify(() => list.currentItem);
         const name = findChild(page, "playlistName");
         name.forceActiveFocus(Qt.TabFocusReason);
         keyClick(Qt.Key_Tab);
