@@ -63,7 +63,6 @@ DevicePresenter::DevicePresenter(MarluneModel &model, QObject *parent)
     : QObject(parent)
     , m_model(model)
 {
-    connect(&m_model, &MarluneModel::themePreviewsChanged, this, [this] { ++m_pictureRevision; });
     m_change.follow(m_model, &MarluneModel::deviceChanged, &MarluneModel::devicesChanged,
         &MarluneModel::appearanceChanged, &MarluneModel::deviceSettingsChanged, &MarluneModel::themesChanged,
         &MarluneModel::themePreviewsChanged, &MarluneModel::tracksChanged, &MarluneModel::backupsChanged,
@@ -243,7 +242,7 @@ QString DevicePresenter::themeName() const
 
 QUrl DevicePresenter::themePicture() const
 {
-    return ThemePictures::ofConfiguredTheme(m_model, m_pictureRevision);
+    return ThemePictures::ofConfiguredTheme(m_model);
 }
 
 QString DevicePresenter::backupCount() const

@@ -104,5 +104,4 @@ private:
     MarluneModel &m_model;
     BurstTimer m_change {[this] { refresh(); }};
     StorageUse m_use;
-    int m_pictureRevision = 0; ///< counts the changes of the themes' pictures
 };
