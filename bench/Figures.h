@@ -80,6 +80,8 @@ void tiles(const std::filesystem::path &library);
 void drawings(const std::filesystem::path &library);
 /// The text operation on texts of the program's own table.
 void translate(const std::filesystem::path &library);
+/// From the start of a process of its own to the first frame of a window whose library comes back.
+[[nodiscard]] double secondsToFirstFrame(const std::filesystem::path &library);
 /// A change of the language, with the library in the window.
 void language(const std::filesystem::path &library);
 

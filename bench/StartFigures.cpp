@@ -60,6 +60,12 @@ int firstFrame(int argc, char **argv, const std::filesystem::path &folder)
     return QGuiApplication::exec();
 }
 
+double secondsToFirstFrame(const std::filesystem::path &library)
+{
+    const WorkFolder folder;
+    return startWith(folder.path(), {text(library)}) / 1000;
+}
+
 void start(const std::filesystem::path &library)
 {
     const WorkFolder folder;
