@@ -39,6 +39,7 @@ Item {
         id: head
         x: root.around
         y: root.view.originY - root.view.contentY - root.view.topMargin + root.around
+        z: 1 // what is scrolled below it takes the whole page
         width: root.width - 2 * root.around
         page: root.page
         scrolledBy: root.view

@@ -36,6 +36,11 @@ PageTest {
         const view = part("handbook");
         const text = part("handbookText");
         const polish = text.length;
+        const pages = below(part("guidePages")).filter(item => item instanceof Segment);
+        for (const [segment, shown] of [[pages[1], false], [pages[0], true]]) {
+            mouseClick(segment);
+            compare(view.visible, shown);
+        }
         verify(polish > 10000 && view.contentY === -view.topMargin);
         mouseClick(part("handbookLanguage")); // at the top the page stays as it is
         verify(text.length !== polish && view.contentY === -view.topMargin);
