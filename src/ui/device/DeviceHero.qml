@@ -40,16 +40,13 @@ RowLayout {
                 color: root.device.testFolder ? Tokens.color.warning : Tokens.color.good
             }
         }
-        TextBlock {
+        TextLine {
             objectName: "deviceModel"
             Layout.fillWidth: true
             text: root.device.modelName
             font: Tokens.type.of(38, Font.Bold)
             fontSizeMode: Text.HorizontalFit
-            minimumPixelSize: Tokens.type.title.pixelSize
-            maximumLineCount: 2
-            elide: Text.ElideRight
-            color: Tokens.color.text
+            minimumPixelSize: Tokens.type.title2.pixelSize
             Accessible.role: Accessible.Heading
         }
         TextLine {
