@@ -253,6 +253,7 @@ private Q_SLOTS:
         row.prepare(done);
         row.begin(done);
         done.waitForJobs(*done.model);
+        done.settings.flush(); // no thread writes while the calls are exchanged
         const FileMap after = done.onDevice();
         int stopped = 0;
         bool isReached = true;
