@@ -142,6 +142,7 @@ void MarluneModel::clearDeviceMusic()
         forgetDuplicates();
     }
     m_browsing.clearDevice();
+    m_deviceReading = DeviceReading::None;
     onTracksChanged();
     Q_EMIT selectionChanged();
 }

@@ -92,7 +92,7 @@ QCoro::Task<> MarluneModel::runImport(ImportSource source, ImportKind kind)
     constexpr int progressInterval = 20; // files
     const QPointer<MarluneModel> self(this);
     const int visit = m_visit;
-    const bool fromDevice = kind == ImportKind::Device;
+    const bool fromDevice = isFromDevice(kind);
     std::optional<TracksRead> read;
     std::exception_ptr failure;
     try {
@@ -144,7 +144,7 @@ QCoro::Task<> MarluneModel::runImport(ImportSource source, ImportKind kind)
 
 void MarluneModel::applyImport(TracksRead read, ImportKind kind)
 {
-    const bool fromDevice = kind == ImportKind::Device;
+    const bool fromDevice = isFromDevice(kind);
     const std::size_t count = read.tracks.size();
     if (kind == ImportKind::Enqueued) {
         m_browsing.enqueue(read.tracks);
@@ -153,12 +153,18 @@ void MarluneModel::applyImport(TracksRead read, ImportKind kind)
     if (kind == ImportKind::Restored && !read.isStopped) {
         m_unrestored.clear();
     }
+    const DeviceReading before = m_deviceReading;
+    if (kind == ImportKind::WholeDevice && !read.isStopped) {
+        m_deviceReading = DeviceReading::Complete;
+    } else if (fromDevice && before == DeviceReading::None) {
+        m_deviceReading = DeviceReading::Partial;
+    }
     if (!fromDevice) {
         storeLibraryPaths();
         setLibraryOnDevice(false);
     }
     forgetDuplicates();
-    if (count > 0) {
+    if (count > 0 || m_deviceReading != before) {
         onTracksChanged();
         Q_EMIT selectionChanged();
     }
@@ -182,12 +188,13 @@ void MarluneModel::scanDeviceMusic()
         return;
     }
     m_browsing.clearDevice();
+    m_deviceReading = DeviceReading::Partial;
     setLibraryOnDevice(true);
     forgetDuplicates();
     onTracksChanged();
     Q_EMIT selectionChanged();
     beginImport(
-        [root = m_device->root](const std::stop_token &) { return deviceMusicFolders(root); }, ImportKind::Device);
+        [root = m_device->root](const std::stop_token &) { return deviceMusicFolders(root); }, ImportKind::WholeDevice);
 }
 
 void MarluneModel::storeLibraryPaths()

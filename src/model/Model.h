@@ -33,6 +33,10 @@ namespace Storage {
 class DeviceAnchor;
 }
 
+/// What is known of the selected device's music: nothing before the first reading of it; a part until one has come to
+/// its end, and after one that has not; all of it, be it none.
+enum class DeviceReading : std::uint8_t { None, Partial, Complete };
+
 class MarluneModel : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString section READ sectionText WRITE setSectionText NOTIFY sectionChanged)
@@ -128,6 +132,8 @@ public:
     // Library.
     [[nodiscard]] const std::vector<Track> &tracks() const { return m_browsing.tracks(Side::Computer); }
     [[nodiscard]] const std::vector<Track> &deviceTracks() const { return m_browsing.tracks(Side::Device); }
+    /// What deviceTracks() are; tracksChanged() tells of its change.
+    [[nodiscard]] DeviceReading deviceReading() const { return m_deviceReading; }
     [[nodiscard]] bool libraryOnDevice() const { return m_browsing.side() == Side::Device; }
     void setLibraryOnDevice(bool onDevice);
     /// Asks for files and folders and adds their music to the library and the queue.
@@ -276,7 +282,7 @@ Q_SIGNALS:
     /// What the device says of itself, of its volume or of its themes changed.
     void deviceSettingsChanged();
     void playlistsChanged();
-    /// The library of the computer or of the device holds other tracks.
+    /// The library of the computer or of the device holds other tracks, or deviceReading() is another.
     void tracksChanged();
     /// Tracks there have another cover; browsingChanged() follows where they are shown.
     void artworkChanged();
@@ -368,8 +374,13 @@ private:
     /// What an import starts from; asked in the background, since the answer can lie on a slow disk. Absent: there is
     /// nothing to import, and all stays as it is.
     using ImportSource = std::function<std::optional<std::vector<std::filesystem::path>>(const std::stop_token &stop)>;
-    /// Where the tracks go: to the library, also to the queue, back to the library of the last run, to the device's.
-    enum class ImportKind : std::uint8_t { Added, Enqueued, Restored, Device };
+    /// Where the tracks go: to the library, also to the queue, back to the library of the last run, to the device's;
+    /// the last are all that the device has.
+    enum class ImportKind : std::uint8_t { Added, Enqueued, Restored, Device, WholeDevice };
+    [[nodiscard]] static bool isFromDevice(ImportKind kind)
+    {
+        return kind == ImportKind::Device || kind == ImportKind::WholeDevice;
+    }
     void beginImport(ImportSource source, ImportKind kind);
     QCoro::Task<> runImport(ImportSource source, ImportKind kind);
     QCoro::Task<> runCleanup(Device device);
@@ -415,6 +426,7 @@ private:
     std::optional<Device> m_device;
     Browsing m_browsing;
     QSet<QString> m_unrestored; ///< stored paths of tracks that did not come back because the reading was ended
+    DeviceReading m_deviceReading = DeviceReading::None;
     std::vector<std::filesystem::path> m_backups;
     bool m_readingBackups = false;
     bool m_backupsOutdated = false; ///< they may have changed since the last reading began

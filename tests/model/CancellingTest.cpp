@@ -90,9 +90,9 @@ struct World : ModelDesk {
     /// What is there once the job is done.
     [[nodiscard]] auto summary() const
     {
-        return std::tuple(onDevice(), model->tracks().size(), model->deviceTracks().size(), model->queued().size(),
-            model->transferred().size(), model->duplicatesChecked(), model->duplicateIssues().size(),
-            model->backups().empty(), settings.texts(u"libraryPaths"_s).size());
+        return std::tuple(onDevice(), model->tracks().size(), model->deviceTracks().size(), model->deviceReading(),
+            model->queued().size(), model->transferred().size(), model->duplicatesChecked(),
+            model->duplicateIssues().size(), model->backups().empty(), settings.texts(u"libraryPaths"_s).size());
     }
 };
 
@@ -169,7 +169,10 @@ const std::vector<Row> &rows()
             }},
         {"scan", Step::Progress, [](World &world) { world.writeMany("IPOD/Music/Many"); },
             [](World &world) { world.model->scanDeviceMusic(); },
-            [](const World &world) { return int(world.model->deviceTracks().size()); }},
+            [](const World &world) {
+                const bool isPartial = world.model->deviceReading() == DeviceReading::Partial;
+                return isPartial ? int(world.model->deviceTracks().size()) : -2;
+            }},
         {"duplicates", Step::Progress,
             [](World &world) {
                 world.writeMany("Many");

@@ -74,6 +74,11 @@ private Q_SLOTS:
         QCOMPARE(model->status(), u"iPod został odłączony"_s);
 
         model->select(desk.makeDevice("folder", false));
+        DeviceReading told = model->deviceReading(); // as tracksChanged() tells it, though there is no music
+        QCOMPARE(told, DeviceReading::None);
+        connect(model.get(), &MarluneModel::tracksChanged, this, [&] { told = model->deviceReading(); });
+        desk.run(*model, &MarluneModel::scanDeviceMusic);
+        QCOMPARE(told, DeviceReading::Complete);
         desk.run(*model, &MarluneModel::refresh);
         QVERIFY(model->device() && model->device()->name == u"folder"_s);
     }
@@ -226,7 +231,7 @@ private Q_SLOTS:
             QTRY_VERIFY(model->device());
         }
         desk.waitForJobs(*model);
-        QVERIFY(model->deviceTracks().empty() && model->device());
+        QVERIFY(model->deviceTracks().empty() && model->device() && model->deviceReading() == DeviceReading::None);
         QCOMPARE(model->status(), u"iPod został zmieniony podczas odczytu. Odczytaj muzykę jeszcze raz."_s);
     }
 };
