@@ -56,6 +56,19 @@ struct NewUser {
     {
         return findItem(below ? below : program.window()->contentItem(), QString::fromLatin1(name));
     }
+    /// The first visible one with this text property.
+    [[nodiscard]] QQuickItem *itemWith(const char *property, const QString &value, QQuickItem *below = nullptr) const
+    {
+        QQuickItem *root = below ? below : program.window()->contentItem();
+        if (root->isVisible() && root->property(property).toString() == value) {
+            return root;
+        }
+        QQuickItem *found = nullptr;
+        for (QQuickItem *child : root->isVisible() ? root->childItems() : QList<QQuickItem *>()) {
+            found = found ? found : itemWith(property, value, child);
+        }
+        return found;
+    }
     [[nodiscard]] int count() const { return item("albumGrid") ? item("albumGrid")->property("count").toInt() : 0; }
     [[nodiscard]] QQuickItem *tile(const char *title) const
     {

@@ -1,5 +1,5 @@
 // A new user's road through the real window, by mouse and keyboard only: choose the device, add music, search, queue,
-// transfer, transfer again, listen.
+// transfer, transfer again, listen, and on through the pages; in both languages.
 #include "NewUser.h"
 
 #include "ui/words/Language.h"
@@ -23,9 +23,17 @@ private Q_SLOTS:
         QVERIFY_EXCEPTION_THROWN(MarluneApp::Program(user.setup()), MarluneError);
     }
 
+    void takesMusicFromAFolderToADevice_data()
+    {
+        QTest::addColumn<QString>("language");
+        QTest::newRow("Polish") << u"pl"_s;
+        QTest::newRow("English") << u"en"_s;
+    }
+
     void takesMusicFromAFolderToADevice()
     {
-        NewUser user;
+        QFETCH(QString, language);
+        NewUser user({language});
         MarluneModel &model = user.program.model();
         user.begin(sample / "Music");
         QVERIFY(model.tracks().size() > 40);
@@ -52,6 +60,7 @@ private Q_SLOTS:
             QTRY_VERIFY(!user.item("alertOk") && !model.alert());
         }
         listenToTheOnlyAlbum(user);
+        walkThroughThePages(user, language == u"en");
     }
 
     void speaksTheUsersLanguage()
@@ -114,6 +123,47 @@ private:
             found += child->isVisible() ? leftInPolish(*child) : QStringList();
         }
         return found;
+    }
+
+    static void open(NewUser &user, Section section)
+    {
+        user.click(user.itemWith("title", sectionTitle(section)));
+        QTRY_COMPARE(user.program.model().section(), section);
+        QTest::qWait(100); // the page is made, and its rows come in
+        if (AppLocalizer::language() == u"en") {
+            QCOMPARE(leftInPolish(*user.program.window()->contentItem()).join(u"; "_s), QString());
+        }
+    }
+
+    static void walkThroughThePages(NewUser &user, bool inEnglish)
+    {
+        MarluneModel &model = user.program.model();
+        open(user, Section::Device);
+        QCOMPARE(user.shownText("deviceConnection"), std::string(inEnglish ? "TEST FOLDER" : "FOLDER TESTOWY"));
+        const std::size_t before = model.backups().size();
+        user.item("deviceBackUpButton")->forceActiveFocus(Qt::TabFocusReason); // which brings it into sight
+        QTest::qWait(100);
+        user.clickNamed("deviceBackUpButton");
+        QTRY_VERIFY(!model.busy() && model.backups().size() == before + 1);
+        if (model.alert()) {
+            user.clickNamed("alertOk");
+        }
+        open(user, Section::Playlists);
+        user.clickNamed("savePlaylistButton");
+        const fs::path playlist = user.device / "Playlists" / (inEnglish ? "My playlist.m3u8" : "Moja playlista.m3u8");
+        QTRY_VERIFY(fs::exists(playlist));
+        QTRY_COMPARE(user.item("fileList")->property("count").toInt(), 2); // one was there
+        open(user, Section::Backups);
+        QTRY_COMPARE(user.item("fileList")->property("count").toInt(), int(before) + 1);
+        open(user, Section::Quality);
+        open(user, Section::Themes);
+        open(user, Section::Guide);
+        QTest::keyClick(user.program.window(), Qt::Key_F, Qt::ControlModifier);
+        for (const char letter : {'f', 'a', 't'}) {
+            QTest::sendKeyEvent(
+                QTest::Click, user.program.window(), Qt::Key(letter - 'a' + Qt::Key_A), QChar::fromLatin1(letter), {});
+        }
+        QTRY_VERIFY(user.shownText("findCount").starts_with(inEnglish ? "Match 1 of" : "Wynik 1 z"));
     }
 
     static void listenToTheOnlyAlbum(NewUser &user)

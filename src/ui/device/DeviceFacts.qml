@@ -9,10 +9,14 @@ Grid {
 
     required property var labels ///< texts, translated here
     required property var values ///< texts, one for each label
+    required property real room ///< the width that it will have: its own follows its layout, which asks for its height
 
-    readonly property real cellWidth: (root.width - 2 * root.padding - (root.columns - 1) * root.columnSpacing) / root.columns
+    readonly property int lineHeight: Math.ceil(1.25 * Tokens.type.subheadlineStrong.pixelSize)
+    readonly property real wholeHeight: Math.ceil(root.labels.length / root.columns) * (root.lineHeight + root.rowSpacing)
+        - root.rowSpacing + 2 * root.padding
+    readonly property real cellWidth: (root.room - 2 * root.padding - (root.columns - 1) * root.columnSpacing) / root.columns
 
-    columns: root.width >= 430 * Tokens.type.scale ? 2 : 1
+    columns: root.room >= 430 * Tokens.type.scale ? 2 : 1
     flow: Grid.LeftToRight
     padding: 7
     rowSpacing: 14
@@ -28,7 +32,7 @@ Grid {
             required property int index
 
             width: root.cellWidth
-            height: Math.max(label.implicitHeight, value.implicitHeight)
+            height: root.lineHeight
             Accessible.role: Accessible.StaticText
             Accessible.name: label.text + ": " + value.text
 

@@ -14,6 +14,7 @@ RowLayout {
     spacing: Tokens.space.section
 
     IPodView {
+        id: drawing
         Layout.alignment: Qt.AlignTop
         Layout.preferredWidth: 220
         model: root.model
@@ -58,6 +59,10 @@ RowLayout {
         }
         DeviceFacts {
             Layout.fillWidth: true
+            Layout.leftMargin: -padding // its texts are in line with those above and below
+            Layout.rightMargin: -padding
+            Layout.preferredHeight: wholeHeight
+            room: root.width - drawing.Layout.preferredWidth - root.spacing + 2 * padding
             labels: root.device.factLabels
             values: root.device.facts
         }

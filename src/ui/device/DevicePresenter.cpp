@@ -9,7 +9,7 @@
 
 #include <algorithm>
 #include <array>
-#include <iterator>
+#include <utility>
 
 namespace {
 
@@ -196,10 +196,16 @@ QString DevicePresenter::freeSpace() const
                        : QString();
 }
 
+bool DevicePresenter::musicRead() const
+{
+    return m_model.deviceReading() == DeviceReading::Complete;
+}
+
 QString DevicePresenter::musicCount() const
 {
-    return AppLocalizer::text(musicRead() ? QString::number(m_model.deviceTracks().size()) + QStringLiteral(" utworów")
-                                          : QStringLiteral("Do odczytania"));
+    const std::size_t count = m_model.deviceTracks().size();
+    return AppLocalizer::text(musicRead() || count > 0 ? QString::number(count) + QStringLiteral(" utworów")
+                                                       : QStringLiteral("Do odczytania"));
 }
 
 QString DevicePresenter::themeCount() const
@@ -212,26 +218,70 @@ QString DevicePresenter::totalSpace() const
     return AppLocalizer::text(byteCount(total()) + QStringLiteral(" łącznie"));
 }
 
+std::int64_t DevicePresenter::bytesOf(Part part) const
+{
+    switch (part) {
+    case Flac:
+        return m_use.flac;
+    case Mp3:
+        return m_use.mp3;
+    case OtherMusic:
+        return m_use.otherMusic;
+    case OtherData:
+        return m_use.otherData;
+    case Free:
+        return m_use.free;
+    }
+    Q_UNREACHABLE();
+}
+
+QString DevicePresenter::nameOf(Part part) const
+{
+    switch (part) {
+    case Flac:
+        return QStringLiteral("FLAC");
+    case Mp3:
+        return QStringLiteral("MP3");
+    case OtherMusic:
+        return AppLocalizer::text(QStringLiteral("Pozostała muzyka"));
+    case OtherData:
+        return AppLocalizer::text(
+            musicRead() ? QStringLiteral("Inne dane") : QStringLiteral("Zajęte — odczytaj bibliotekę"));
+    case Free:
+        return AppLocalizer::text(QStringLiteral("Wolne"));
+    }
+    Q_UNREACHABLE();
+}
+
+QList<int> DevicePresenter::parts() const
+{
+    QList<int> parts;
+    for (const Part part : {Flac, Mp3, OtherMusic, OtherData}) {
+        if (bytesOf(part) > 0) {
+            parts.append(part);
+        }
+    }
+    return parts;
+}
+
 QList<double> DevicePresenter::shares() const
 {
-    const double whole = double(std::max<std::int64_t>(total(), 1));
     QList<double> shares;
-    for (const std::int64_t part : {m_use.flac, m_use.mp3, m_use.otherMusic, m_use.otherData}) {
-        shares.append(double(part) / whole);
+    for (const int part : parts()) {
+        shares.append(double(bytesOf(Part(part))) / double(std::max<std::int64_t>(total(), 1)));
     }
     return shares;
 }
 
 QStringList DevicePresenter::legends() const
 {
-    const auto legend = [](const QString &name, std::int64_t bytes) {
-        return AppLocalizer::text(name) + QStringLiteral(" · ") + byteCount(bytes);
-    };
-    return {legend(QStringLiteral("FLAC"), m_use.flac), legend(QStringLiteral("MP3"), m_use.mp3),
-        legend(QStringLiteral("Pozostała muzyka"), m_use.otherMusic),
-        legend(musicRead() ? QStringLiteral("Inne dane") : QStringLiteral("Zajęte — odczytaj bibliotekę"),
-            m_use.otherData),
-        legend(QStringLiteral("Wolne"), m_use.free)};
+    QList<int> all = parts();
+    all.append(Free);
+    QStringList legends;
+    for (const int part : std::as_const(all)) {
+        legends.append(nameOf(Part(part)) + QStringLiteral(" · ") + byteCount(bytesOf(Part(part))));
+    }
+    return legends;
 }
 
 QString DevicePresenter::themeName() const

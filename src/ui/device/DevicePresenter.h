@@ -42,13 +42,18 @@ class DevicePresenter : public QObject {
     Q_PROPERTY(QString musicCount READ musicCount NOTIFY changed)
     Q_PROPERTY(QString themeCount READ themeCount NOTIFY changed)
     Q_PROPERTY(QString totalSpace READ totalSpace NOTIFY changed)
-    /// Whether the parts of the music are known.
+    /// All of the music that is on the device is known.
     Q_PROPERTY(bool musicRead READ musicRead NOTIFY changed)
-    /// Of the disk, 0 to 1, in the order of the bar.
+    /// The parts of the disk that are in use, in the order of the bar: which, and how much of the disk, 0 to 1.
+    Q_PROPERTY(QList<int> parts READ parts NOTIFY changed)
     Q_PROPERTY(QList<double> shares READ shares NOTIFY changed)
-    /// For each of them, its name and size.
+    /// Name and size of each, and of what is free.
     Q_PROPERTY(QStringList legends READ legends NOTIFY changed)
+    /// All of them in one line.
+    Q_PROPERTY(QString storageWords READ storageWords NOTIFY changed)
 
+    /// A theme is set on the device.
+    Q_PROPERTY(bool themed READ themed NOTIFY changed)
     Q_PROPERTY(QString themeName READ themeName NOTIFY changed)
     Q_PROPERTY(QUrl themePicture READ themePicture NOTIFY changed)
     Q_PROPERTY(QString backupCount READ backupCount NOTIFY changed)
@@ -56,6 +61,9 @@ class DevicePresenter : public QObject {
     Q_PROPERTY(bool canWork READ canWork NOTIFY changed)
 
 public:
+    enum Part : std::uint8_t { Flac, Mp3, OtherMusic, OtherData, Free };
+    Q_ENUM(Part)
+
     explicit DevicePresenter(MarluneModel &model, QObject *parent = nullptr);
 
     [[nodiscard]] bool connected() const { return m_model.device().has_value(); }
@@ -85,10 +93,13 @@ public:
     [[nodiscard]] QString musicCount() const;
     [[nodiscard]] QString themeCount() const;
     [[nodiscard]] QString totalSpace() const;
-    [[nodiscard]] bool musicRead() const { return !m_model.deviceTracks().empty(); }
+    [[nodiscard]] bool musicRead() const;
+    [[nodiscard]] QList<int> parts() const;
     [[nodiscard]] QList<double> shares() const;
     [[nodiscard]] QStringList legends() const;
+    [[nodiscard]] QString storageWords() const { return legends().join(QStringLiteral(", ")); }
 
+    [[nodiscard]] bool themed() const { return m_model.configuredTheme().has_value(); }
     [[nodiscard]] QString themeName() const;
     [[nodiscard]] QUrl themePicture() const;
     [[nodiscard]] QString backupCount() const;
@@ -98,6 +109,8 @@ Q_SIGNALS:
     void changed();
 
 private:
+    [[nodiscard]] std::int64_t bytesOf(Part part) const;
+    [[nodiscard]] QString nameOf(Part part) const;
     [[nodiscard]] std::int64_t total() const { return connected() ? m_model.device()->total : 0; }
     void refresh();
 

@@ -11,8 +11,8 @@ Rectangle {
     required property DevicePresenter device
     required property bool busy
 
-    readonly property var colors: [Tokens.color.partFlac, Tokens.color.partMp3, Tokens.color.partMusic, Tokens.color.partData,
-        Tokens.color.partFree]
+    readonly property var colors: [Tokens.color.partFlac, Tokens.color.partMp3, Tokens.color.partMusic,
+        Tokens.color.partData, Tokens.color.partFree]
 
     signal read
 
@@ -48,18 +48,18 @@ Rectangle {
             id: bar
 
             readonly property int gap: 2
-            readonly property var shown: Array.from(root.device.shares).filter(share => share > 0)
 
             Layout.fillWidth: true
             implicitHeight: 14
             Accessible.role: Accessible.Graphic
-            Accessible.name: Array.from(root.device.legends).join(", ")
+            Accessible.name: root.device.storageWords
 
             RowLayout {
                 anchors.fill: parent
                 spacing: bar.gap
 
                 Repeater {
+                    id: parts
                     model: root.device.shares
 
                     Rectangle {
@@ -68,10 +68,9 @@ Rectangle {
 
                         Layout.fillHeight: true
                         // A part that is there can be seen, however small.
-                        Layout.preferredWidth: Math.max(4, modelData * (bar.width - bar.shown.length * bar.gap))
-                        visible: modelData > 0
+                        Layout.preferredWidth: Math.max(4, modelData * (bar.width - parts.count * bar.gap))
                         radius: 4
-                        color: root.colors[index]
+                        color: root.colors[root.device.parts[index]] ?? Tokens.color.partData
                     }
                 }
                 Rectangle {
@@ -93,8 +92,7 @@ Rectangle {
                     required property string modelData
                     required property int index
 
-                    visible: index > 2 || root.device.musicRead && root.device.shares[index] > 0
-                    color: root.colors[index]
+                    color: root.colors[root.device.parts[index] ?? DevicePresenter.Free]
                     text: modelData
                 }
             }

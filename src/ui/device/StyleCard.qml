@@ -37,12 +37,15 @@ DeviceCard {
             }
             TextBlock {
                 Layout.fillWidth: true
+                visible: root.device.themed
                 text: L10n.text("Motyw zapisany w konfiguracji Rockbox")
                 font: Tokens.type.caption
             }
             TextBlock {
                 Layout.fillWidth: true
-                text: L10n.text(root.pictured ? "Podgląd motywu, bez odczytu ekranu na żywo" : "Brak podglądu — dodaj zrzut w Motywach")
+                visible: root.device.themed
+                text: L10n.text(root.pictured ? "Podgląd motywu, bez odczytu ekranu na żywo"
+                                              : "Brak podglądu — dodaj zrzut w Motywach")
                 font: Tokens.type.caption
             }
         }
