@@ -13,6 +13,7 @@
 #include "library/AlbumGrouping.h"
 
 #include "storage/DeviceAnchor.h"
+#include "storage/FileChanges.h"
 
 #include "platform/MarluneError.h"
 #include "platform/files/Files.h"
@@ -260,6 +261,7 @@ QCoro::Task<> MarluneModel::runRepair(CoverPlace place)
     m_work.beginNextStage(QStringLiteral("Naprawiam dostępne okładki…"));
     int repaired = 0;
     int failed = 0;
+    QStringList losses;
     for (const Album &album : albums) {
         if (stop.stop_requested()) {
             break;
@@ -268,6 +270,9 @@ QCoro::Task<> MarluneModel::runRepair(CoverPlace place)
             auto applying = applyArtwork(album, album.artworkBytes().value(), place);
             co_await applying;
             ++repaired;
+        } catch (const Storage::UndoFailure &undo) {
+            ++failed;
+            losses.append(undo.message());
         } catch (const std::exception &) {
             ++failed; // the next album may fare better
         }
@@ -276,17 +281,34 @@ QCoro::Task<> MarluneModel::runRepair(CoverPlace place)
         }
         m_work.report(double(repaired + failed) / double(albums.size()));
     }
-    const QString counts = QStringLiteral(". Nie udało się naprawić: ") + QString::number(failed) + u'.';
-    if (repaired + failed < int(albums.size())) {
-        m_work.setStatus(QStringLiteral("Przerwano. Naprawione albumy: ") + QString::number(repaired)
-            + QStringLiteral(" z ") + QString::number(albums.size()) + counts);
-    } else {
-        m_work.setStatus(QStringLiteral("Naprawione albumy: ") + QString::number(repaired) + counts);
-        m_work.setAlert(m_work.status() + u'\n'
-            + (place.onDevice ? QStringLiteral("Poprzednie obrazy z iPoda mają kopię na Macu.")
-                              : QStringLiteral("Okładki są gotowe do wgrania razem z albumami."))
-            + QStringLiteral("\nBrakujące lub nieczytelne obrazy wymagają wyboru nowej okładki."));
-    }
+    reportRepair(repaired, failed, int(albums.size()), place.onDevice, losses);
     m_work.end();
     refresh();
+}
+
+/// `losses`: what the user has to know beside the counts.
+void MarluneModel::reportRepair(int repaired, int failed, int total, bool onDevice, const QStringList &losses)
+{
+    const QString counts = QStringLiteral(". Nie udało się naprawić: ") + QString::number(failed) + u'.';
+    if (repaired + failed < total) {
+        m_work.setStatus(QStringLiteral("Przerwano. Naprawione albumy: ") + QString::number(repaired)
+            + QStringLiteral(" z ") + QString::number(total) + counts);
+        setAlert({}, losses);
+    } else {
+        m_work.setStatus(QStringLiteral("Naprawione albumy: ") + QString::number(repaired) + counts);
+        setAlert(m_work.status() + u'\n'
+                + (onDevice ? QStringLiteral("Poprzednie obrazy z iPoda mają kopię na Macu.")
+                            : QStringLiteral("Okładki są gotowe do wgrania razem z albumami."))
+                + QStringLiteral("\nBrakujące lub nieczytelne obrazy wymagają wyboru nowej okładki."),
+            losses);
+    }
+}
+
+/// Shows `text`, if there is one, and each of the `losses` after it.
+void MarluneModel::setAlert(const QString &text, const QStringList &losses)
+{
+    const QStringList parts = text.isEmpty() ? losses : QStringList(text) + losses;
+    if (!parts.isEmpty()) {
+        m_work.setAlert(parts.join(QStringLiteral("\n\n")));
+    }
 }

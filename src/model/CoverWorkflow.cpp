@@ -1,11 +1,11 @@
 // Covers from the network: the one that the user picks, or all that are missing.
 #include "model/Model.h"
 
+#include "storage/FileChanges.h"
+
 #include "platform/MarluneError.h"
 
 #include <QPointer>
-
-#include <map>
 
 namespace {
 
@@ -24,6 +24,18 @@ std::optional<CoverCandidate> onlyMatch(const std::vector<CoverCandidate> &candi
         }
     }
     return match;
+}
+
+/// Whether it is the user's stop that a job failed at, and nothing else.
+bool isCancellation(const std::exception_ptr &failure)
+{
+    try {
+        std::rethrow_exception(failure);
+    } catch (const std::system_error &error) {
+        return error.code() == std::errc::operation_canceled;
+    } catch (...) {
+        return false;
+    }
 }
 
 } // namespace
@@ -72,8 +84,8 @@ QCoro::Task<> MarluneModel::fetchCover(CoverCandidate candidate, Album album, Co
 QCoro::Task<> MarluneModel::runCoverDownload(CoverCandidate candidate, Album album, CoverPlace place)
 {
     const QPointer<MarluneModel> self(this);
-    const std::stop_token stop = m_work.stopToken();
     std::exception_ptr failure;
+    std::optional<QString> loss;
     try {
         auto holding = heldPlace(place);
         place = co_await holding;
@@ -82,13 +94,19 @@ QCoro::Task<> MarluneModel::runCoverDownload(CoverCandidate candidate, Album alb
         }
         auto fetching = fetchCover(candidate, album, place);
         co_await fetching;
+    } catch (const Storage::UndoFailure &undo) {
+        failure = std::current_exception();
+        loss = undo.message();
     } catch (const std::exception &) {
         failure = std::current_exception();
     }
     if (!self) {
         co_return;
     }
-    if (failure && stop.stop_requested()) {
+    if (loss) {
+        m_work.setAlert(loss);
+    }
+    if (failure && isCancellation(failure)) {
         m_work.setStatus(QStringLiteral("Przerwano pobieranie okładki."));
     } else if (failure) {
         m_work.setStatus(QStringLiteral("Nie udało się pobrać okładki: ") + describeFailure(failure));
@@ -120,6 +138,7 @@ void MarluneModel::findMissingCovers()
     runCoverSearch(std::move(albums), coverPlace());
 }
 
+/// Fails at an UndoFailure alone; the album is unavailable then as well.
 QCoro::Task<MarluneModel::CoverFinding> MarluneModel::findCover(Album album, CoverPlace place)
 {
     const QPointer<MarluneModel> self(this);
@@ -135,6 +154,8 @@ QCoro::Task<MarluneModel::CoverFinding> MarluneModel::findCover(Album album, Cov
             co_await fetching;
             finding = CoverFinding::Added;
         }
+    } catch (const Storage::UndoFailure &) {
+        throw;
     } catch (const std::exception &) {
         finding = CoverFinding::Unavailable; // the next album may fare better
     }
@@ -146,6 +167,7 @@ QCoro::Task<> MarluneModel::runCoverSearch(std::vector<Album> albums, CoverPlace
     const QPointer<MarluneModel> self(this);
     const std::stop_token stop = m_work.stopToken();
     std::map<CoverFinding, int> counts;
+    QStringList losses;
     int done = 0;
     try {
         auto holding = heldPlace(place);
@@ -161,8 +183,12 @@ QCoro::Task<> MarluneModel::runCoverSearch(std::vector<Album> albums, CoverPlace
         }
         CoverFinding finding = CoverFinding::Unavailable;
         if (isReachable(place)) { // otherwise the network need not be asked
-            auto searching = findCover(album, place);
-            finding = co_await searching;
+            try {
+                auto searching = findCover(album, place);
+                finding = co_await searching;
+            } catch (const Storage::UndoFailure &failure) {
+                losses.append(failure.message());
+            }
             if (!self) {
                 co_return;
             }
@@ -180,15 +206,22 @@ QCoro::Task<> MarluneModel::runCoverSearch(std::vector<Album> albums, CoverPlace
     m_coverRequest.reset();
     refresh();
     m_work.end();
+    reportCoverSearch(counts, done, int(albums.size()), losses);
+}
+
+/// `done`: albums that were looked for, of `total`; `losses`: what the user has to know beside the counts.
+void MarluneModel::reportCoverSearch(std::map<CoverFinding, int> counts, int done, int total, const QStringList &losses)
+{
     const QString result = QStringLiteral("Dodano okładki: ") + QString::number(counts[CoverFinding::Added])
         + QStringLiteral(". Do wyboru ręcznie: ") + QString::number(counts[CoverFinding::Manual])
         + QStringLiteral(". Niedostępne: ") + QString::number(counts[CoverFinding::Unavailable]) + u'.';
-    if (done < int(albums.size())) {
+    if (done < total) {
         m_work.setStatus(QStringLiteral("Przerwano. Sprawdzono albumy: ") + QString::number(done)
-            + QStringLiteral(" z ") + QString::number(albums.size()) + QStringLiteral(". ") + result);
-        co_return;
+            + QStringLiteral(" z ") + QString::number(total) + QStringLiteral(". ") + result);
+        setAlert({}, losses);
+        return;
     }
     m_work.setStatus(result);
-    m_work.setAlert(m_work.status()
-        + QStringLiteral("\nPrzy pozostałych albumach użyj „Znajdź w sieci…” lub wybierz własny obraz."));
+    setAlert(result + QStringLiteral("\nPrzy pozostałych albumach użyj „Znajdź w sieci…” lub wybierz własny obraz."),
+        losses);
 }

@@ -25,6 +25,7 @@
 
 #include <deque>
 #include <functional>
+#include <map>
 #include <stop_token>
 
 struct TrackImport;
@@ -401,7 +402,10 @@ private:
     QCoro::Task<> runCoverDownload(CoverCandidate candidate, Album album, CoverPlace place);
     QCoro::Task<CoverFinding> findCover(Album album, CoverPlace place);
     QCoro::Task<> runCoverSearch(std::vector<Album> albums, CoverPlace place);
+    void reportCoverSearch(std::map<CoverFinding, int> counts, int done, int total, const QStringList &losses);
     QCoro::Task<> runRepair(CoverPlace place);
+    void reportRepair(int repaired, int failed, int total, bool onDevice, const QStringList &losses);
+    void setAlert(const QString &text, const QStringList &losses);
     void applyTransfer(const PlannedTransfer &transfer, EndedTransfer ended, bool isReplaced);
     /// The order of paths as plain text; their own goes by components.
     [[nodiscard]] static bool isBeforeAsText(const std::filesystem::path &a, const std::filesystem::path &b)

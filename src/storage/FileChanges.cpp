@@ -41,7 +41,7 @@ void FileChanges::undoAndRethrow(const std::filesystem::path &copies)
     if (undo()) {
         std::rethrow_exception(failure);
     }
-    throw MarluneError(describeFailure(failure) + QStringLiteral("\n\nKopia: ") + Files::text(copies));
+    throw UndoFailure(describeFailure(failure) + QStringLiteral("\n\nKopia: ") + Files::text(copies));
 }
 
 /// False if that failed for a file, or if the medium may not have all of it.

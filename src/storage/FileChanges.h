@@ -9,6 +9,7 @@
 
 #include "storage/DeviceAnchor.h"
 
+#include "platform/MarluneError.h"
 #include "platform/files/FileWriting.h"
 #include "platform/files/Files.h"
 #include "platform/files/Sha256.h"
@@ -21,6 +22,13 @@
 #include <vector>
 
 namespace Storage {
+
+/// A failure after which not all could be put back. Whatever else is going on, the user has to see its text: it alone
+/// says where the old files are.
+class UndoFailure : public MarluneError {
+public:
+    using MarluneError::MarluneError;
+};
 
 class FileChanges {
 public:
@@ -44,7 +52,7 @@ public:
     void remove(const std::filesystem::path &file);
 
     /// For a failure that is being handled: undoes now what was not kept, and throws the failure on. Where not all
-    /// could be undone it is a MarluneError whose text goes on with the folder `copies`, in which the old files are.
+    /// could be undone it is an UndoFailure whose text goes on with the folder `copies`, in which the old files are.
     [[noreturn]] void undoAndRethrow(const std::filesystem::path &copies);
 
     /// From here on the changes stay. Returns when all of them are on the medium; throws the system's failure where

@@ -188,8 +188,10 @@ const std::vector<Row> &rows()
     return all;
 }
 
-/// Runs the row's job and cancels it at its `at`-th step, at 0 before it does anything. False if it has fewer.
-bool runAndCancel(World &world, const Row &row, int at)
+/// Runs the row's job and cancels it at its `at`-th step, at 0 before it does anything. False if it has fewer. With
+/// another fault than an event the disk has that fault there as well.
+bool runAndCancel(
+    World &world, const Row &row, int at, FailingDisk::Fault fault = FailingDisk::Fault::Event, bool cancels = true)
 {
     MarluneModel &model = *world.model;
     int steps = 0;
@@ -219,7 +221,8 @@ bool runAndCancel(World &world, const Row &row, int at)
         }
     };
     world.settings.flush();
-    const FailingDisk disk(row.step == Step::DiskCall ? at : 0, 0, FailingDisk::Fault::Event, cancelThere);
+    const FailingDisk disk(
+        row.step == Step::DiskCall ? at : 0, EIO, fault, cancels ? cancelThere : std::function<void()>());
     {
         const HeldJobs held({JobPriority::UserInitiated});
         row.begin(world);
@@ -303,6 +306,40 @@ private Q_SLOTS:
         // Behind the begin of its last piece a job ends as ever; so do those that read, which a stop reaches some files
         // later.
         QVERIFY(row.step == Step::Progress ? stopped > 0 : stopped > at / 3);
+    }
+
+    void saysWhereTheOldCoverIsEvenIfTheDiskDiesWithTheStop()
+    {
+        const auto prepare = [](World &world) {
+            browseDevice(world);
+            for (const char *album : {"C/Three", "D/Five", "D/Four"}) {
+                world.folder.write(fs::path("IPOD/Music") / album / "cover.jpeg", "the user's own");
+            }
+        };
+        const auto download = [](World &world) {
+            CoverCandidate candidate;
+            candidate.id = u"0cd1dd5b-3c5e-4d3a-9f0e-000000000000"_s;
+            world.model->downloadCover(candidate, *world.model->albums()->back());
+        };
+        for (const Row &row : {Row {"repair", Step::DiskCall, prepare, rows()[3].begin, {}},
+                 {"search", Step::DiskCall, prepare, rows()[4].begin, {}},
+                 {"download", Step::DiskCall, prepare, download, {}}}) {
+            bool isNamed = false;
+            bool isReached = true;
+            for (int at = 1; isReached && !isNamed; ++at) {
+                for (const bool cancels : {false, true}) {
+                    World world;
+                    row.prepare(world);
+                    isReached = runAndCancel(world, row, at, FailingDisk::Fault::Dead, cancels);
+                    const QString alert = world.model->alert().value_or(QString());
+                    const bool isNamedNow = alert.contains(u"\n\nKopia: "_s);
+                    QVERIFY2(!cancels || isNamedNow == isNamed, row.name);
+                    QVERIFY(!isNamedNow || world.model->status().contains(u"Nie udało się"_s) || row.name[0] == 's');
+                    isNamed = isNamedNow;
+                }
+            }
+            QVERIFY2(isNamed, row.name);
+        }
     }
 
     void forgetsNothingOfALibraryThatWasNotReadBackToItsEnd()

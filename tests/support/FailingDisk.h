@@ -11,8 +11,8 @@
 class FailingDisk {
 public:
     /// Refused: the call does nothing and fails. Late: it does its work and fails all the same (openat() does nothing).
-    /// Dead: it and all after it do nothing and fail. Event, EventAfter: something happens before or after it, and it
-    /// works.
+    /// Dead: it and all after it do nothing and fail, and something may happen before it. Event, EventAfter: something
+    /// happens before or after it, and it works.
     enum class Fault { Refused, Late, Dead, Event, EventAfter };
 
     /// `failAt` counts from 1; 0 fails none. The call fails with `error`.
@@ -59,10 +59,10 @@ private:
     static bool fails()
     {
         const int number = ++s_count;
+        if (number == s_failAt && s_fault != Fault::EventAfter && s_event) {
+            s_event();
+        }
         if (s_fault == Fault::Event || s_fault == Fault::EventAfter) {
-            if (s_fault == Fault::Event && number == s_failAt) {
-                s_event();
-            }
             return false;
         }
         return s_failAt > 0 && (number == s_failAt || (number > s_failAt && s_fault == Fault::Dead));
