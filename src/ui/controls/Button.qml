@@ -34,12 +34,15 @@ T.Button {
     onHoveredChanged: root.hovered ? Hints.show(root, root.toolTip || (label.truncated ? root.text : "")) : Hints.hide(root)
 
     contentItem: Item {
-        implicitWidth: (picture.visible ? picture.width : 0) + (label.visible ? label.implicitWidth : 0)
-            + (picture.visible && label.visible ? row.spacing : 0)
+        // Asks what is in it rather than what is visible: while the page is hidden, nothing is.
+        implicitWidth: row.pictureRoom + (root.text !== "" ? label.implicitWidth : 0)
         implicitHeight: row.implicitHeight
 
         Row {
             id: row
+
+            readonly property real pictureRoom: root.symbol === "" ? 0 : picture.width + (root.text === "" ? 0 : spacing)
+
             anchors.centerIn: parent
             spacing: Tokens.space.hair + 2
 
@@ -54,7 +57,7 @@ T.Button {
             Text {
                 id: label
                 visible: root.text !== ""
-                width: Math.min(implicitWidth, root.availableWidth - (picture.visible ? picture.width + row.spacing : 0))
+                width: Math.min(implicitWidth, root.availableWidth - row.pictureRoom)
                 text: root.text
                 textFormat: Text.PlainText
                 font: root.font

@@ -50,7 +50,7 @@ Item {
         width: root.width - 2 * root.around
         height: root.height
         topMargin: root.around + head.height + spacing
-        bottomMargin: root.around + (nothing.visible ? nothing.height : 0)
+        bottomMargin: root.around + (nothing.wanted ? nothing.height : 0)
         spacing: 14
         cacheBuffer: 400
         boundsBehavior: Flickable.StopAtBounds
@@ -93,12 +93,15 @@ Item {
     }
     Item {
         id: nothing
+
+        // Not while the first music is being read: what is missing is on its way.
+        readonly property bool wanted: root.quality.issues.count === 0 && !(root.quality.withoutMusic && root.model.busy)
+
         x: view.x
         y: view.originY - view.contentY
         width: view.width
         height: Math.max(words.implicitHeight + Tokens.space.group, view.height - view.topMargin - root.around)
-        // Not while the first music is being read: what is missing is on its way.
-        visible: root.quality.issues.count === 0 && !(root.quality.withoutMusic && root.model.busy)
+        visible: nothing.wanted
 
         ColumnLayout {
             id: words

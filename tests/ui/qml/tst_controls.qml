@@ -51,6 +51,14 @@ PageTest {
             toolTip: "Rozmiar"
         }
     }
+    Item {
+        visible: false
+
+        Button {
+            id: hiddenButton
+            text: button.text
+        }
+    }
     AlertDialog {
         id: alert
     }
@@ -132,6 +140,10 @@ PageTest {
             compare(ringIn(segments), change === Qt.TabFocusReason);
             check[key] = true;
         }
+    }
+
+    function test_whatIsHiddenHasItsSize() {
+        compare(hiddenButton.implicitWidth, button.implicitWidth);
     }
 
     function test_whatIsCutIsToldByAHint() {
