@@ -13,10 +13,11 @@ T.Button {
     property int measure: Button.Regular
     property string symbol
     property string toolTip
-    property color tint: root.kind === Button.Prominent ? Tokens.color.textOnAccent
+    property color tint: root.filled ? Tokens.color.textOnAccent
         : root.kind === Button.Borderless ? Tokens.color.accent : Tokens.color.text
 
-    readonly property bool filled: root.kind === Button.Prominent
+    /// Disabled, it would be pale on pale: it is then drawn as a bordered one.
+    readonly property bool filled: root.kind === Button.Prominent && root.enabled
 
     implicitWidth: implicitContentWidth + leftPadding + rightPadding
     implicitHeight: root.measure === Button.Large ? Tokens.height.large
@@ -69,8 +70,8 @@ T.Button {
     }
     background: Rectangle {
         radius: Tokens.radius.control
-        color: root.filled ? Tokens.color.accent : root.kind === Button.Bordered ? Tokens.color.card : "transparent"
-        border.width: root.kind === Button.Bordered ? 1 : 0
+        color: root.filled ? Tokens.color.accent : root.kind === Button.Borderless ? "transparent" : Tokens.color.card
+        border.width: root.filled || root.kind === Button.Borderless ? 0 : 1
         border.color: Tokens.color.line
 
         Rectangle {
