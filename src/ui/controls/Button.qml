@@ -13,10 +13,11 @@ T.Button {
     property int measure: Button.Regular
     property string symbol
     property string toolTip
-    property color tint: root.kind === Button.Prominent ? Tokens.color.textOnAccent
+    property color tint: root.filled ? Tokens.color.textOnAccent
         : root.kind === Button.Borderless ? Tokens.color.accent : Tokens.color.text
 
-    readonly property bool filled: root.kind === Button.Prominent
+    /// Disabled, it would be pale on pale: it is then drawn as a bordered one.
+    readonly property bool filled: root.kind === Button.Prominent && root.enabled
 
     implicitWidth: implicitContentWidth + leftPadding + rightPadding
     implicitHeight: root.measure === Button.Large ? Tokens.height.large
@@ -34,12 +35,15 @@ T.Button {
     onHoveredChanged: root.hovered ? Hints.show(root, root.toolTip || (label.truncated ? root.text : "")) : Hints.hide(root)
 
     contentItem: Item {
-        implicitWidth: (picture.visible ? picture.width : 0) + (label.visible ? label.implicitWidth : 0)
-            + (picture.visible && label.visible ? row.spacing : 0)
+        // Asks what is in it rather than what is visible: while the page is hidden, nothing is.
+        implicitWidth: row.pictureRoom + (root.text !== "" ? label.implicitWidth : 0)
         implicitHeight: row.implicitHeight
 
         Row {
             id: row
+
+            readonly property real pictureRoom: root.symbol === "" ? 0 : picture.width + (root.text === "" ? 0 : spacing)
+
             anchors.centerIn: parent
             spacing: Tokens.space.hair + 2
 
@@ -54,7 +58,7 @@ T.Button {
             Text {
                 id: label
                 visible: root.text !== ""
-                width: Math.min(implicitWidth, root.availableWidth - (picture.visible ? picture.width + row.spacing : 0))
+                width: Math.min(implicitWidth, root.availableWidth - row.pictureRoom)
                 text: root.text
                 textFormat: Text.PlainText
                 font: root.font
@@ -66,8 +70,8 @@ T.Button {
     }
     background: Rectangle {
         radius: Tokens.radius.control
-        color: root.filled ? Tokens.color.accent : root.kind === Button.Bordered ? Tokens.color.card : "transparent"
-        border.width: root.kind === Button.Bordered ? 1 : 0
+        color: root.filled ? Tokens.color.accent : root.kind === Button.Borderless ? "transparent" : Tokens.color.card
+        border.width: root.filled || root.kind === Button.Borderless ? 0 : 1
         border.color: Tokens.color.line
 
         Rectangle {

@@ -110,6 +110,7 @@ bool FocusGuide::eventFilter(QObject *watched, QEvent *event)
     case QEvent::ShortcutOverride: // a key that is a shortcut is not reported in any other way
     case QEvent::KeyPress: {
         const bool alt = static_cast<QKeyEvent *>(event)->key() == Qt::Key_Alt && !isModalOpen();
+        onUserActed();
         m_byKey = true;
         m_altAlone = alt;
         showLetters(alt || (m_lettersShown && static_cast<QKeyEvent *>(event)->modifiers().testFlag(Qt::AltModifier)));
@@ -124,6 +125,7 @@ bool FocusGuide::eventFilter(QObject *watched, QEvent *event)
         }
         break;
     case QEvent::MouseButtonPress:
+        onUserActed();
         m_byKey = false;
         [[fallthrough]];
     case QEvent::Wheel:
@@ -188,6 +190,7 @@ void FocusGuide::settle()
     if (isLost(*window)) {
         handOn();
     }
+    giveBack(*window);
     QQuickItem *item = window->activeFocusItem();
     if (!item || !usable(*item)) {
         return;
@@ -246,7 +249,43 @@ void FocusGuide::handOn()
         from = around == m_around.cend() ? nullptr : around->data();
     }
     QQuickItem *next = from ? from->nextItemInFocusChain(true) : nullptr;
-    if (next && usable(*next)) {
-        next->forceActiveFocus(reason);
+    if (!next || !usable(*next)) {
+        return;
+    }
+    if (!m_disabled && shown(m_last) && !m_last->isEnabled()) {
+        m_disabled = m_last;
+        disconnect(m_enabling);
+        m_enabling = connect(m_last, &QQuickItem::enabledChanged, this, [this] {
+            if (m_disabled) {
+                m_settling.start();
+            }
+        });
+    }
+    next->forceActiveFocus(reason);
+    m_heir = m_window ? m_window->activeFocusItem() : nullptr;
+}
+
+/// To what had to hand the focus on because it was disabled. Something else that has taken it keeps it, but a menu or
+/// sheet only until it is closed.
+void FocusGuide::giveBack(const QQuickWindow &window)
+{
+    QQuickItem *now = window.activeFocusItem();
+    if (!m_disabled || !now || !usable(*now) || popupOf(now)) {
+        return;
+    }
+    if (now != m_heir) {
+        m_disabled.clear();
+    } else if (usable(*m_disabled)) {
+        std::exchange(m_disabled, nullptr)
+            ->forceActiveFocus(m_ringed || m_byKey ? Qt::TabFocusReason : Qt::OtherFocusReason);
+    }
+}
+
+/// Whoever has gone on from where the focus is stays there. What is done in a menu or sheet is about that alone.
+void FocusGuide::onUserActed()
+{
+    const auto *window = qobject_cast<QQuickWindow *>(QGuiApplication::focusWindow());
+    if (!window || !popupOf(window->activeFocusItem())) {
+        m_disabled.clear();
     }
 }

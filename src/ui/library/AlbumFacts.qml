@@ -41,8 +41,8 @@ Row {
     }
     TextLine {
         id: facts
-        width: Math.min(implicitWidth, root.width - (badge.visible ? badge.width + root.spacing : 0)
-            - (hiRes.visible ? hiRes.width + root.spacing : 0))
+        width: Math.min(implicitWidth, root.width - (root.format !== "" ? badge.width + root.spacing : 0)
+            - (root.highResolution ? hiRes.width + root.spacing : 0))
         anchors.verticalCenter: parent.verticalCenter
         text: root.countAndSize
         font: Tokens.type.caption2

@@ -13,7 +13,9 @@ Item {
     required property QualityPresenter quality
 
     readonly property int around: 24
-    readonly property int rowsOfAPage: Math.max(1, Math.floor(view.height / ((view.currentItem?.height ?? 0) + view.spacing)) - 1)
+    readonly property int rowsOfAPage: Math.max(1,
+        Math.floor(view.height / ((view.currentItem?.height ?? 0) + view.spacing)) - 1)
+    property real headHeight: 0 ///< the room that the list leaves for it
 
     /// Makes another row the one that the keyboard is at.
     function walk(row: int) {
@@ -35,13 +37,13 @@ Item {
         quality: root.quality
         scrolledBy: view
         onHeightChanged: {
-            if (heightBefore > 0 && view.contentY < view.originY) { // what is above a note that grows keeps its place
-                view.contentY = Math.max(view.contentY - height + heightBefore, view.originY - view.spacing - height - root.around);
+            // What is above a note that grows keeps its place, also where the list takes itself to be scrolled too far.
+            const above = view.contentY < view.originY ? view.contentY + view.topMargin - view.originY : -1;
+            root.headHeight = height;
+            if (above >= 0) {
+                view.contentY = view.originY - view.topMargin + above;
             }
-            heightBefore = height;
         }
-
-        property real heightBefore: 0
     }
     ListView {
         id: view
@@ -49,8 +51,8 @@ Item {
         x: root.around
         width: root.width - 2 * root.around
         height: root.height
-        topMargin: root.around + head.height + spacing
-        bottomMargin: root.around + (nothing.visible ? nothing.height : 0)
+        topMargin: root.around + root.headHeight + spacing
+        bottomMargin: root.around + (nothing.wanted ? nothing.height : 0)
         spacing: 14
         cacheBuffer: 400
         boundsBehavior: Flickable.StopAtBounds
@@ -93,12 +95,15 @@ Item {
     }
     Item {
         id: nothing
+
+        // Not while the first music is being read: what is missing is on its way.
+        readonly property bool wanted: root.quality.issues.count === 0 && !(root.quality.withoutMusic && root.model.busy)
+
         x: view.x
         y: view.originY - view.contentY
         width: view.width
         height: Math.max(words.implicitHeight + Tokens.space.group, view.height - view.topMargin - root.around)
-        // Not while the first music is being read: what is missing is on its way.
-        visible: root.quality.issues.count === 0 && !(root.quality.withoutMusic && root.model.busy)
+        visible: nothing.wanted
 
         ColumnLayout {
             id: words

@@ -10,6 +10,7 @@ Rectangle {
     required property MarluneModel model
     required property ShellPresenter shell
 
+    readonly property bool anyOffered: root.shell.offeredDevices.length > 0
     readonly property int lowestDrawing: 135 ///< a lower window is scrolled
     readonly property int ringRoom: 4 ///< for the focus ring at the edges of what is scrolled
 
@@ -34,7 +35,7 @@ Rectangle {
             id: stack
 
             readonly property real othersHeight: heading.implicitHeight + state.implicitHeight + 16 + 3 * spacing
-                + (summary.visible ? summary.implicitHeight : (offered.visible ? offered.implicitHeight : hint.implicitHeight))
+                + (root.shell.connected ? summary.implicitHeight : root.anyOffered ? offered.implicitHeight : hint.implicitHeight)
 
             x: root.ringRoom
             y: root.ringRoom
@@ -85,7 +86,7 @@ Rectangle {
             OfferedDevices {
                 id: offered
                 Layout.fillWidth: true
-                visible: root.shell.offeredDevices.length > 0
+                visible: root.anyOffered
                 names: root.shell.offeredDevices
                 onChosen: place => root.shell.selectOffered(place)
             }
@@ -93,7 +94,7 @@ Rectangle {
                 id: hint
                 objectName: "connectHint"
                 Layout.fillWidth: true
-                visible: !root.shell.connected && !offered.visible
+                visible: !root.shell.connected && !root.anyOffered
                 text: L10n.text("Podłącz iPoda przez USB. Rockbox powinien być widoczny jako dysk na Macu.")
                 lineHeight: 1.2
             }

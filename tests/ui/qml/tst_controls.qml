@@ -51,6 +51,14 @@ PageTest {
             toolTip: "Rozmiar"
         }
     }
+    Item {
+        visible: false
+
+        Button {
+            id: hiddenButton
+            text: button.text
+        }
+    }
     AlertDialog {
         id: alert
     }
@@ -124,14 +132,26 @@ PageTest {
     }
 
     function test_theFocusIsHandedOnByWhatIsDisabledOrHidden() {
-        for (const [key, change] of [["enabled", Qt.TabFocusReason], ["visible", Qt.TabFocusReason], ["enabled", Qt.MouseFocusReason]]) {
-            check.forceActiveFocus(change);
+        for (const [key, change, back] of [["enabled", Qt.TabFocusReason, true], ["enabled", Qt.MouseFocusReason, true],
+            ["visible", Qt.TabFocusReason, false], ["enabled", Qt.TabFocusReason, false]]) {
+            button.forceActiveFocus();
+            change === Qt.MouseFocusReason ? mouseClick(check) : check.forceActiveFocus(change);
             wait(0);
             check[key] = false;
             tryVerify(() => below(segments).some(item => item.activeFocus));
             compare(ringIn(segments), change === Qt.TabFocusReason);
+            if (!back) {
+                keyClick(Qt.Key_Shift); // whoever has gone on stays there
+            }
             check[key] = true;
+            wait(50);
+            compare(check.activeFocus, back);
+            compare(ringIn(check), back && change === Qt.TabFocusReason);
         }
+    }
+
+    function test_whatIsHiddenHasItsSize() {
+        compare(hiddenButton.implicitWidth, button.implicitWidth);
     }
 
     function test_whatIsCutIsToldByAHint() {
@@ -193,6 +213,10 @@ PageTest {
             const heir = button.enabled ? button : iconButton;
             tryVerify(() => heir.activeFocus && ringIn(heir));
         }
+        alert.message = "Nie udało się."; // while it is open, the one before can have the focus again
+        tryCompare(alert, "opened", true);
         button.enabled = true;
+        keyClick(Qt.Key_Escape);
+        tryVerify(() => button.activeFocus && ringIn(button));
     }
 }

@@ -86,6 +86,11 @@ PageTest {
         keyClick(Qt.Key_Right); // the head keeps the keyboard while the rows change
         keyClick(Qt.Key_Right);
         tryCompare(list, "count", 4);
+        const page = root.page;
+        open(); // made anew, as when the language changes
+        tryVerify(() => part("issueList").contentY === part("issueList").originY - part("issueList").topMargin);
+        root.made.pop().destroy();
+        root.page = page;
         tryVerify(() => list.currentItem?.index === 0); // the rows of the filter before are gone
         const stops = [];
         for (let i = 0; i < 2; ++i) {

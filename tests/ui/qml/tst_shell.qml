@@ -241,6 +241,17 @@ PageTest {
             }
             open();
             tryVerify(() => sheet.opened);
+            const body = findChild(sheet.contentItem, "sheetBody");
+            root.Window.window.height = 150;
+            tryVerify(() => body.height < body.contentHeight);
+            for (const [forth, back] of [[Qt.Key_Down, Qt.Key_Up], [Qt.Key_PageDown, Qt.Key_PageUp]]) {
+                tryCompare(body, "contentY", 0);
+                keyClick(forth);
+                verify(body.contentY > 0 && body.contentY + body.height <= body.contentHeight);
+                keyClick(back);
+            }
+            compare(body.contentY, 0);
+            root.Window.window.height = root.height;
             leave();
             tryVerify(() => key === "album" ? findChild(sheet.contentItem, "albumGone").visible : !sheet.visible);
             presenter.dismiss();

@@ -15,6 +15,12 @@ TestCase {
         dark: true
     }
 
+    Button {
+        id: prominent
+        kind: Button.Prominent
+        enabled: false
+    }
+
     function channel(value) {
         return value <= 0.04045 ? value / 12.92 : Math.pow((value + 0.055) / 1.055, 2.4);
     }
@@ -49,8 +55,15 @@ TestCase {
             ["content", "window", "card"].forEach(ground => hold("accent", ground));
             ["", "hover", "pressed"].forEach(cover => hold("textOnAccent", "accent", cover));
             ["content", "window"].forEach(ground => hold("warning", ground));
+            DesktopScheme.dark = look === "dark";
+            ["window", "content"].forEach(ground => {
+                const below = laid(prominent.background.color, roles[ground], prominent.opacity);
+                const found = contrast(laid(prominent.tint, below, prominent.opacity), below);
+                verify(found >= 2.3, [look, "disabled on", ground, found.toFixed(2)].join(" "));
+            });
             hold("good", "window", "", shape);
             hold("accent", "content", "", shape, 0.7); // the empty state's symbol
         }
+        DesktopScheme.dark = false;
     }
 }
