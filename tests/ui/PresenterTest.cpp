@@ -11,6 +11,7 @@
 #include "ui/quality/QualityPresenter.h"
 #include "ui/shell/DesktopPanels.h"
 #include "ui/shell/ShellPresenter.h"
+#include "ui/words/Localization.h"
 
 #include <QAbstractItemModelTester>
 #include <QDesktopServices>
@@ -247,8 +248,9 @@ private Q_SLOTS:
     {
         Pages pages;
         pages.model->setSection(Section::Backups);
+        const fs::path backups = "data/Marlune/Backups";
         for (const char *name : {"2026-11-23_14-05-09_3F2A9C", "2026-13-01_00-00-00_X", "Covers-1"}) {
-            pages.desk.folder.write(fs::path("data/Marlune/Backups") / name / "x", std::string(1500, 'x'));
+            pages.desk.folder.write(backups / name / "a/x", std::string(1500, 'x'));
         }
         pages.model->refresh();
         const auto made = [](const QString &text) {
@@ -263,18 +265,28 @@ private Q_SLOTS:
                      u"2026-11-23_14-05-09_3F2A9C | Ustawienia i motywy · poniedziałek, 23 listopada 2026, 14:05 · "_s),
             qPrintable(shown[2]));
     }
+        pages.model->setSection(Section::Music);
+        pages.desk.folder.write(
+            backups / "Covers-1/a/x", std::string(9'000'000, 'x')); // the folder itself stays as it is
+        pages.model->setSection(Section::Backups);
+        QTRY_VERIFY(shownIn(*pages.backups.backups())[0].endsWith(u"MB"_s));
 
     void aSheetsAlbumIsTheOneThatTheLibraryHasNow()
     {
         Pages pages;
         const auto covers = std::make_shared<CoverStore>();
         AlbumSheetPresenter sheet(*pages.model, covers, AlbumSheetPresenter::Field::OpenAlbum);
-        const auto file = pages.desk.folder.write("music/1.flac", flacWith({"TITLE=t", "ARTIST=a", "ALBUM=b"}));
+        const auto file
+            = pages.desk.folder.write("music/1.flac", flacWith({"TITLE=t", "ARTIST=Różni wykonawcy", "ALBUM=b"}));
         pages.desk.import(*pages.model, pages.desk.folder / "music");
         pages.model->setOpenAlbum(*pages.model->albums()->front());
         QVERIFY(sheet.wanted() && sheet.available() && sheet.albumTitle() == u"b"_s && sheet.cover().isEmpty());
         QVERIFY2(sheet.facts().startsWith(u"Utwory: 1 · 0:01 · "_s), qPrintable(sheet.facts()));
         QCOMPARE(sheet.format(), u"FLAC · 16-bit / 44.1 kHz"_s);
+        AppLocalizer::setLanguage(u"en"_s);
+        const QString artist = sheet.artist();
+        AppLocalizer::setLanguage(u"pl"_s);
+        QCOMPARE(artist, u"Various artists"_s);
         pages.model->chooseArtwork(*pages.model->openAlbum(), false);
         pages.desk.answer(*pages.model, dataFile("images/plain.png"));
         QTRY_VERIFY(!sheet.cover().isEmpty());
@@ -286,6 +298,8 @@ private Q_SLOTS:
 
     void aPanelIsAnsweredOnceWithFilesOfThisComputer()
     {
+        AppLocalizer::setLanguage(u"pl"_s);
+        QCOMPARE(QCoreApplication::translate("QPlatformTheme", "Cancel"), u"Anuluj"_s); // in a panel of Qt's own
         DesktopPanels panels;
         QSignalSpy asked(&panels, &DesktopPanels::asked);
         std::vector<std::vector<fs::path>> answers;

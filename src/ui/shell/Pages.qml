@@ -94,7 +94,7 @@ Item {
             anchors.fill: parent
             symbol: root.shell.sectionSymbol
             title: L10n.text(root.model.section)
-            detail: L10n.text(root.shell.sectionPurpose)
+            detail: L10n.text("Tu będzie można oglądać motywy Rockbox i instalować je na iPodzie.")
         }
     }
 }

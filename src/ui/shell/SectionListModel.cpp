@@ -71,24 +71,3 @@ QString SectionListModel::symbol(Section section)
     }
     return {};
 }
-
-QString SectionListModel::purpose(Section section)
-{
-    switch (section) {
-    case Section::Device:
-        return QStringLiteral("Tu będzie można obejrzeć iPoda z bliska: jego model, miejsce na dysku i Rockbox.");
-    case Section::Music:
-        return QStringLiteral("Tu jest Twoja muzyka z komputera i z iPoda.");
-    case Section::Playlists:
-        return QStringLiteral("Tu będą powstawać zestawy na drogę, spacer i długie wieczory.");
-    case Section::Themes:
-        return QStringLiteral("Tu będzie można oglądać motywy Rockbox i instalować je na iPodzie.");
-    case Section::Backups:
-        return QStringLiteral("Tu będą kopie ustawień i motywów Twojego iPoda.");
-    case Section::Quality:
-        return QStringLiteral("Tu będzie można znaleźć brakujące okładki, luki w opisach i duplikaty.");
-    case Section::Guide:
-        return QStringLiteral("Tu będzie poradnik o Rockbox i o modelach iPoda.");
-    }
-    return {};
-}

@@ -1,4 +1,4 @@
-// The sidebar's sections as rows, and what an unfinished one has to say. UI thread.
+// The sidebar's sections as rows. UI thread.
 #pragma once
 
 #include "model/Model.h"
@@ -30,8 +30,6 @@ public:
     Q_INVOKABLE void open(int row);
 
     [[nodiscard]] static QString symbol(Section section);
-    /// What the section is for, in a sentence; shown until it has its page.
-    [[nodiscard]] static QString purpose(Section section);
 
 Q_SIGNALS:
     void currentRowChanged();

@@ -27,7 +27,6 @@ class ShellPresenter : public QObject {
     Q_PROPERTY(bool unfinishedShown READ unfinishedShown NOTIFY sectionChanged)
     Q_PROPERTY(bool inspectorShown READ inspectorShown NOTIFY sectionChanged)
     Q_PROPERTY(QString sectionSymbol READ sectionSymbol NOTIFY sectionChanged)
-    Q_PROPERTY(QString sectionPurpose READ sectionPurpose NOTIFY sectionChanged)
 
     Q_PROPERTY(QString headline READ headline NOTIFY changed)
     Q_PROPERTY(QString queueLine READ queueLine NOTIFY changed)
@@ -64,7 +63,6 @@ public:
     /// The device page shows all of the inspector itself.
     [[nodiscard]] bool inspectorShown() const { return !deviceShown(); }
     [[nodiscard]] QString sectionSymbol() const { return SectionListModel::symbol(m_model.section()); }
-    [[nodiscard]] QString sectionPurpose() const { return SectionListModel::purpose(m_model.section()); }
 
     [[nodiscard]] QString headline() const;
     [[nodiscard]] QString queueLine() const;
