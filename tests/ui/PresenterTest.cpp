@@ -264,12 +264,12 @@ private Q_SLOTS:
         QVERIFY2(shown[2].startsWith(
                      u"2026-11-23_14-05-09_3F2A9C | Ustawienia i motywy · poniedziałek, 23 listopada 2026, 14:05 · "_s),
             qPrintable(shown[2]));
-    }
         pages.model->setSection(Section::Music);
         pages.desk.folder.write(
             backups / "Covers-1/a/x", std::string(9'000'000, 'x')); // the folder itself stays as it is
         pages.model->setSection(Section::Backups);
         QTRY_VERIFY(shownIn(*pages.backups.backups())[0].endsWith(u"MB"_s));
+    }
 
     void aSheetsAlbumIsTheOneThatTheLibraryHasNow()
     {
