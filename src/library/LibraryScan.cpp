@@ -46,6 +46,9 @@ std::vector<std::filesystem::path> scanAudio(
 {
     std::vector<std::filesystem::path> files;
     for (const std::filesystem::path &given : urls) {
+        if (stop.stop_requested()) {
+            break;
+        }
         const std::filesystem::path url = given.has_filename() ? given : given.parent_path();
         if (isSymbolicLink(url) || isHidden(url.filename().native())) {
             continue;

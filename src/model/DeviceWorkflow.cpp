@@ -117,13 +117,20 @@ QCoro::Task<> MarluneModel::runBackupsReading()
 
 void MarluneModel::setDevice(const std::optional<Device> &device)
 {
-    if (m_device != device) {
-        if (!m_device || !device || m_device->root != device->root) {
-            ++m_visit;
-            setOpenTheme(std::nullopt);
-        }
-        m_device = device;
-        Q_EMIT deviceChanged();
+    if (m_device == device) {
+        return;
+    }
+    bool wasKnown = false; // the volume before
+    if (!m_device || !device || m_device->root != device->root) {
+        ++m_visit;
+        setOpenTheme(std::nullopt);
+        wasKnown = std::exchange(m_content.volume, std::nullopt).has_value();
+        wasKnown = std::exchange(m_content.hasMusicFolder, false) || wasKnown;
+    }
+    m_device = device;
+    Q_EMIT deviceChanged();
+    if (wasKnown) {
+        Q_EMIT deviceSettingsChanged();
     }
 }
 

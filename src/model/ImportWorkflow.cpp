@@ -58,7 +58,7 @@ void MarluneModel::restoreLibrary()
     if (stored.isEmpty()) {
         return;
     }
-    m_unrestored = QSet<QString>(stored.begin(), stored.end());
+    m_unrestored = stored;
     const auto remaining = [stored](const std::stop_token &stop) -> std::optional<std::vector<std::filesystem::path>> {
         std::vector<std::filesystem::path> files;
         for (const QString &path : stored) {
@@ -203,9 +203,12 @@ void MarluneModel::storeLibraryPaths()
     paths.reserve(qsizetype(tracks().size()) + m_unrestored.size());
     for (const Track &track : tracks()) {
         paths.append(Files::text(track.url));
-        m_unrestored.remove(paths.back());
     }
-    paths.append(m_unrestored.values());
+    if (!m_unrestored.isEmpty()) {
+        const QSet<QString> held(paths.begin(), paths.end());
+        m_unrestored.removeIf([&](const QString &path) { return held.contains(path); });
+        paths.append(m_unrestored);
+    }
     m_environment.settings.setTexts(QStringLiteral("libraryPaths"), paths);
 }
 
@@ -215,10 +218,18 @@ void MarluneModel::forget(const Album &album)
         return;
     }
     QSet<QUuid> ids;
+    QSet<QString> folders;
     for (const Track &track : album.tracks) {
         ids.insert(track.id);
+        folders.insert(Files::text(track.url.parent_path()));
     }
     m_browsing.remove(ids);
+    if (!m_unrestored.isEmpty()) { // what a stopped reading has left of the album would come at the next start
+        for (const Track &track : tracks()) {
+            folders.remove(Files::text(track.url.parent_path())); // other albums' too
+        }
+        m_unrestored.removeIf([&](const QString &path) { return folders.contains(path.left(path.lastIndexOf(u'/'))); });
+    }
     forgetDuplicates();
     storeLibraryPaths();
     onTracksChanged();

@@ -205,7 +205,8 @@ public:
     void toggle(const Album &album);
     void toggleTrack(const Track &track);
     Q_INVOKABLE void clearQueue();
-    /// Drops the album from the library; its files stay.
+    /// Drops the album from the library; its files stay. What lies in folders of its own and was not brought back
+    /// because the reading was ended goes with it.
     void forget(const Album &album);
 
     // Transfer.
@@ -431,7 +432,8 @@ private:
     DeviceFinder m_finder;
     std::optional<Device> m_device;
     Browsing m_browsing;
-    QSet<QString> m_unrestored; ///< stored paths of tracks that did not come back because the reading was ended
+    QStringList
+        m_unrestored; ///< stored paths, in their order, of tracks that did not come back because the reading was ended
     DeviceReading m_deviceReading = DeviceReading::None;
     std::vector<std::filesystem::path> m_backups;
     bool m_readingBackups = false;

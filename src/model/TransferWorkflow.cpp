@@ -16,6 +16,7 @@
 #include <QPointer>
 
 #include <algorithm>
+#include <chrono>
 
 /// A plan, and the device that it is for.
 struct MarluneModel::PlannedTransfer {
@@ -36,6 +37,10 @@ struct MarluneModel::EndedTransfer {
 
 namespace {
 
+/// For so long covers are still begun behind a stop, wherever that came. An album is done with its cover only, and the
+/// next run compares all files of one that is not; a cover takes a moment.
+constexpr std::chrono::seconds coversAfterStop {10};
+
 /// A failure names the album whose picture is unfit for a cover.
 QByteArray preparedCover(const PlannedCover &cover)
 {
@@ -47,13 +52,22 @@ QByteArray preparedCover(const PlannedCover &cover)
 }
 
 /// Blocking; fails at the first album whose cover cannot be prepared or written. Returns how many are, after a stop
-/// fewer than all.
+/// perhaps fewer than all. `clock` says what time it is.
 std::size_t installCovers(const std::vector<PlannedCover> &covers, const Storage::DeviceAnchor &device,
     const std::vector<std::filesystem::path> &destinations, const std::filesystem::path &backupRoot,
-    const std::function<void(int done, int total)> &progress, const std::stop_token &stop)
+    const std::function<void(int done, int total)> &progress, const std::stop_token &stop,
+    const std::function<TimeLeft::Moment()> &clock)
 {
+    std::optional<TimeLeft::Moment> end;
     std::size_t done = 0;
-    while (done < covers.size() && !stop.stop_requested()) {
+    while (done < covers.size()) {
+        if (stop.stop_requested()) {
+            const TimeLeft::Moment now = clock();
+            end = end.value_or(now + coversAfterStop);
+            if (now >= *end) {
+                break;
+            }
+        }
         const PlannedCover &cover = covers[done];
         Artwork::install(preparedCover(cover), tracksOf(cover, destinations), device, backupRoot);
         progress(int(++done), int(covers.size()));
@@ -97,22 +111,19 @@ QCoro::Task<> MarluneModel::runTransfer(std::shared_ptr<const PlannedTransfer> t
             co_return;
         }
         const std::vector<std::filesystem::path> &tracks = ended.copying.destinations;
-        ended.isStopped = tracks.size() < transfer->plan.files.size();
         const std::vector<PlannedCover> covers = wholeCovers(transfer->plan, tracks.size());
         ended.wholeCovers = covers.size();
         if (!covers.empty()) {
             m_work.beginNextStage(QStringLiteral("Zapisuję okładki…"));
-            // Albums that have come before a stop are complete with their covers only, which take a moment each.
-            auto cover
-                = [transfer, covers, progress, device, tracks, end = ended.isStopped ? std::stop_token() : stop] {
-                      return installCovers(covers, *device, tracks, transfer->backupRoot, progress, end);
-                  };
+            auto cover = [transfer, covers, progress, device, tracks, stop, clock = m_environment.clock] {
+                return installCovers(covers, *device, tracks, transfer->backupRoot, progress, stop, clock);
+            };
             ended.covers = co_await background(cover);
             if (!self) {
                 co_return;
             }
-            ended.isStopped = ended.isStopped || ended.covers < covers.size();
         }
+        ended.isStopped = stop.stop_requested();
         if (!ended.isStopped) {
             m_work.beginNextStage(QStringLiteral("Porządkuję pliki pomocnicze macOS…"));
             auto clean = [transfer, device, stop] {

@@ -73,10 +73,11 @@ private Q_SLOTS:
         });
         model->select(many);
         desk.waitForJobs(*model);
-        QVERIFY(whole);
+        QVERIFY(whole && model->deviceVolume());
         QCOMPARE(landed, QStringList({u"1"_s, u"2000"_s}));
         desk.hold(*model, [&] {
             model->select(few);
+            QVERIFY(!model->deviceVolume()); // of the other one
             fs::remove_all(few.root);
         });
         QVERIFY(model->themes().empty() && !model->alert());
