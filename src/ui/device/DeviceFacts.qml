@@ -10,7 +10,8 @@ Grid {
     required property var labels ///< texts, translated here
     required property var values ///< texts, one for each label
 
-    readonly property real cellWidth: (root.width - 2 * root.padding - (root.columns - 1) * root.columnSpacing) / root.columns
+    readonly property real cellWidth: (root.width - 2 * root.padding - (root.columns - 1) * root.columnSpacing)
+        / root.columns
 
     columns: root.width >= 430 * Tokens.type.scale ? 2 : 1
     flow: Grid.LeftToRight

@@ -11,8 +11,8 @@ Rectangle {
     required property DevicePresenter device
     required property bool busy
 
-    readonly property var colors: [Tokens.color.partFlac, Tokens.color.partMp3, Tokens.color.partMusic, Tokens.color.partData,
-        Tokens.color.partFree]
+    readonly property var colors: [Tokens.color.partFlac, Tokens.color.partMp3, Tokens.color.partMusic,
+        Tokens.color.partData, Tokens.color.partFree]
 
     signal read
 

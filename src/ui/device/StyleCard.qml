@@ -42,7 +42,8 @@ DeviceCard {
             }
             TextBlock {
                 Layout.fillWidth: true
-                text: L10n.text(root.pictured ? "Podgląd motywu, bez odczytu ekranu na żywo" : "Brak podglądu — dodaj zrzut w Motywach")
+                text: L10n.text(root.pictured ? "Podgląd motywu, bez odczytu ekranu na żywo"
+                    : "Brak podglądu — dodaj zrzut w Motywach")
                 font: Tokens.type.caption
             }
         }
