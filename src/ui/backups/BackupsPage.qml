@@ -32,7 +32,9 @@ PageColumn {
     }
     TextBlock {
         Layout.fillWidth: true
-        text: L10n.text("Kopie zawierają konfigurację, motywy, fonty i ich zasoby. Muzyka oraz firmware nie są częścią kopii. Przywracanie jest na razie ręczne przez Finder.")
+        text: L10n.text("Kopie zawierają konfigurację, motywy, fonty i ich zasoby. "
+            + "Muzyka oraz firmware nie są częścią kopii. "
+            + "Przywracanie jest na razie ręczne przez Finder.")
         lineHeight: 1.2
     }
     FileList {

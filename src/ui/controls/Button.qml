@@ -32,7 +32,8 @@ T.Button {
     Accessible.description: root.text !== "" ? root.toolTip : ""
     Keys.onReturnPressed: root.clicked()
     Keys.onEnterPressed: root.clicked()
-    onHoveredChanged: root.hovered ? Hints.show(root, root.toolTip || (label.truncated ? root.text : "")) : Hints.hide(root)
+    onHoveredChanged: root.hovered ? Hints.show(root, root.toolTip || (label.truncated ? root.text : ""))
+        : Hints.hide(root)
 
     contentItem: Item {
         // Asks what is in it rather than what is visible: while the page is hidden, nothing is.
@@ -42,7 +43,8 @@ T.Button {
         Row {
             id: row
 
-            readonly property real pictureRoom: root.symbol === "" ? 0 : picture.width + (root.text === "" ? 0 : spacing)
+            readonly property real pictureRoom: root.symbol === "" ? 0
+                : picture.width + (root.text === "" ? 0 : spacing)
 
             anchors.centerIn: parent
             spacing: Tokens.space.hair + 2

@@ -14,7 +14,8 @@ T.MenuItem {
     Accessible.name: label.text
 
     contentItem: Item {
-        implicitWidth: label.x + label.implicitWidth + (keys.text === "" ? 0 : keys.implicitWidth + Tokens.space.section)
+        implicitWidth: label.x + label.implicitWidth
+            + (keys.text === "" ? 0 : keys.implicitWidth + Tokens.space.section)
 
         Icon {
             anchors.verticalCenter: parent.verticalCenter

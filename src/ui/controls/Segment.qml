@@ -8,7 +8,8 @@ T.RadioButton {
 
     readonly property real textWidth: label.implicitWidth
 
-    focusPolicy: root.checked || root.activeFocus ? Qt.StrongFocus : Qt.ClickFocus // what has the focus has to stay a stop
+    // What has the focus has to stay a stop.
+    focusPolicy: root.checked || root.activeFocus ? Qt.StrongFocus : Qt.ClickFocus
     font: root.checked ? Tokens.type.subheadlineStrong : Tokens.type.subheadline
     Accessible.name: root.text
     onHoveredChanged: root.hovered ? Hints.show(root, label.truncated ? root.text : "") : Hints.hide(root)

@@ -1,7 +1,7 @@
 // One of a few values side by side. One stop for the Tab key; the arrows choose.
 //
-// The values are texts that stand for themselves and are shown through the text operation. Shrinks the segments' margins,
-// not their texts, where the place is narrow.
+// The values are texts that stand for themselves and are shown through the text operation. Shrinks the segments'
+// margins, not their texts, where the place is narrow.
 pragma ComponentBehavior: Bound
 
 import QtQuick

@@ -30,11 +30,29 @@ T.Dialog {
         }
     }
     enter: Transition {
-        NumberAnimation { property: "opacity"; from: 0; to: 1; duration: Tokens.motion.appear; easing.type: Easing.OutCubic }
-        NumberAnimation { property: "scale"; from: 0.97; to: 1; duration: Tokens.motion.appear; easing.type: Easing.OutCubic }
+        NumberAnimation {
+            property: "opacity"
+            from: 0
+            to: 1
+            duration: Tokens.motion.appear
+            easing.type: Easing.OutCubic
+        }
+        NumberAnimation {
+            property: "scale"
+            from: 0.97
+            to: 1
+            duration: Tokens.motion.appear
+            easing.type: Easing.OutCubic
+        }
     }
     exit: Transition {
-        NumberAnimation { property: "opacity"; from: 1; to: 0; duration: Tokens.motion.state; easing.type: Easing.OutCubic }
+        NumberAnimation {
+            property: "opacity"
+            from: 1
+            to: 0
+            duration: Tokens.motion.state
+            easing.type: Easing.OutCubic
+        }
     }
     T.Overlay.modal: Rectangle {
         color: Tokens.color.scrim

@@ -29,7 +29,8 @@ FocusScope {
         TextBlock {
             Layout.fillWidth: true
             Layout.topMargin: 2
-            text: L10n.text("Rockbox od pierwszego uruchomienia po rozwiązywanie kłopotów, i wszystkie iPody, jakie powstały.")
+            text: L10n.text(
+                "Rockbox od pierwszego uruchomienia po rozwiązywanie kłopotów, i wszystkie iPody, jakie powstały.")
         }
         SegmentedPicker {
             objectName: "guidePages"

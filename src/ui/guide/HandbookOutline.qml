@@ -1,4 +1,5 @@
-// The handbook's sections beside its text, with the one that is being read. One stop for the Tab key; the arrows choose.
+// The handbook's sections beside its text, with the one that is being read. One stop for the Tab key; the arrows
+// choose.
 pragma ComponentBehavior: Bound
 
 import QtQuick
@@ -40,7 +41,8 @@ Column {
             horizontalPadding: Tokens.space.tight
             verticalPadding: 5
             text: modelData.text
-            focusPolicy: row.current || row.activeFocus || (root.current === "" && row.index === 0) ? Qt.StrongFocus : Qt.ClickFocus
+            focusPolicy: row.current || row.activeFocus || (root.current === "" && row.index === 0)
+                ? Qt.StrongFocus : Qt.ClickFocus
             font: row.current ? Tokens.type.subheadlineStrong : Tokens.type.subheadline
             Accessible.name: row.text
             onClicked: root.picked(modelData.anchor)

@@ -1,5 +1,6 @@
-// A heading or a link of the handbook for those who use no mouse or do not see it. A link is a stop of the Tab key, with
-// a ring around its words; a heading takes the focus when a link has led there, so that the next stop is the one after it.
+// A heading or a link of the handbook for those who use no mouse or do not see it. A link is a stop of the Tab key,
+// with a ring around its words; a heading takes the focus when a link has led there, so that the next stop is the one
+// after it.
 pragma ComponentBehavior: Bound
 
 import QtQuick

@@ -6,7 +6,8 @@ QtObject {
     id: root
 
     readonly property font body: Tokens.type.of(15, Font.Normal)
-    readonly property real line: Math.round(70 * 0.53 * root.body.pixelSize) ///< some 70 letters, each about half as wide as high
+    /// Some 70 letters, each about half as wide as high.
+    readonly property real line: Math.round(70 * 0.53 * root.body.pixelSize)
 
     // What is drawn beside the words
     readonly property int groundMargin: 12 ///< between the words of a remark and its ground's edge

@@ -14,10 +14,12 @@ Item {
     readonly property alias view: flick
     readonly property real covered: bar.height + Tokens.space.wide ///< by the bar, and some room below it
     readonly property real outlineWidth: Math.round(230 * Math.max(1, Tokens.type.scale))
-    readonly property bool outlined: root.width >= style.line + root.outlineWidth + 2 * root.around + Tokens.space.section
+    readonly property bool outlined: root.width
+        >= style.line + root.outlineWidth + 2 * root.around + Tokens.space.section
 
     function scrollTo(y: real) {
-        flick.contentY = Math.max(-flick.topMargin, Math.min(y, flick.contentHeight + flick.bottomMargin - flick.height));
+        flick.contentY = Math.max(-flick.topMargin,
+            Math.min(y, flick.contentHeight + flick.bottomMargin - flick.height));
     }
 
     Component.onCompleted: handbook.target = words.textDocument // what it is given before, it empties
@@ -60,7 +62,9 @@ Item {
 
         Item {
             // A wide page has the sections at the left and the text in the middle.
-            x: root.outlined ? Math.max(root.around + root.outlineWidth + Tokens.space.section, (flick.width - width) / 2) : root.around
+            x: root.outlined
+                ? Math.max(root.around + root.outlineWidth + Tokens.space.section, (flick.width - width) / 2)
+                : root.around
             width: Math.min(style.line, flick.width - 2 * root.around)
             height: words.height
 

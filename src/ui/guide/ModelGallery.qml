@@ -17,7 +17,8 @@ Item {
     readonly property int rowSpacing: 26
     readonly property real narrowest: 150 * Math.max(1, Tokens.type.scale) ///< of a column
     readonly property real inner: root.width - 2 * root.around
-    readonly property int columns: Math.max(1, Math.floor((root.inner + root.columnSpacing) / (root.narrowest + root.columnSpacing)))
+    readonly property int columns: Math.max(1,
+        Math.floor((root.inner + root.columnSpacing) / (root.narrowest + root.columnSpacing)))
 
     ColumnLayout {
         id: head
@@ -29,7 +30,8 @@ Item {
 
         TextBlock {
             Layout.fillWidth: true
-            text: L10n.text("Wbudowane ilustracje wszystkich generacji. Grafika nie oznacza zgodności: Marlune zarządza dyskami z Rockbox, a touch, shuffle i nowsze nano go nie obsługują.")
+            text: L10n.text("Wbudowane ilustracje wszystkich generacji. Grafika nie oznacza zgodności: "
+                + "Marlune zarządza dyskami z Rockbox, a touch, shuffle i nowsze nano go nie obsługują.")
             font: Tokens.type.caption
         }
         TextLine {
@@ -57,7 +59,8 @@ Item {
         onTopMarginChanged: if (contentY <= originY) contentY = originY - topMargin
         bottomMargin: Tokens.space.wide
         cellWidth: Math.floor((root.inner + root.columnSpacing) / root.columns)
-        cellHeight: 195 + Tokens.space.tight + 2 + Math.ceil(2 * names.lineSpacing + 3 * remarks.lineSpacing) + root.rowSpacing
+        cellHeight: 195 + Tokens.space.tight + 2 + Math.ceil(2 * names.lineSpacing + 3 * remarks.lineSpacing)
+            + root.rowSpacing
         boundsBehavior: Flickable.StopAtBounds
         keyNavigationEnabled: false
         activeFocusOnTab: true

@@ -1,5 +1,5 @@
-// The albums as tiles in as many columns as fit. One stop for the Tab key: the arrows and Page Up and Down move, Space and
-// Return queue the album, P plays or pauses it, the menu key or Shift+F10 opens its menu.
+// The albums as tiles in as many columns as fit. One stop for the Tab key: the arrows and Page Up and Down move, Space
+// and Return queue the album, P plays or pauses it, the menu key or Shift+F10 opens its menu.
 pragma ComponentBehavior: Bound
 
 import QtQuick
@@ -18,12 +18,14 @@ FocusScope {
     readonly property int rowSpacing: 23
     readonly property int around: 10
     readonly property int room: Math.floor(root.width) - 2 * root.around
-    readonly property int columns: Math.max(1, Math.floor((root.room + root.columnSpacing) / (root.tileSize + root.columnSpacing)))
+    readonly property int columns: Math.max(1,
+        Math.floor((root.room + root.columnSpacing) / (root.tileSize + root.columnSpacing)))
     readonly property int cardWidth: Math.floor((root.room - (root.columns - 1) * root.columnSpacing) / root.columns)
     readonly property int rowsOfAPage: Math.max(1, Math.floor(view.height / view.cellHeight))
     property int decodeSide: 0 ///< the width of a card once it rests
 
-    /// Makes another album the current one, which takes the focus with it: whole rows away, as far as there are, and steps.
+    /// Makes another album the current one, which takes the focus with it: whole rows away, as far as there are, and
+    /// steps.
     function walk(rows: int, steps: int) {
         const from = Math.max(0, view.currentIndex); // none is current after a change of all rows
         const above = Math.floor(from / root.columns);

@@ -13,7 +13,8 @@ Item {
 
     readonly property string address: root.cover === "" ? ""
         : "image://cover/" + root.cover + "/" + Math.round(1000 * Tokens.radius.cover / Math.max(1, root.decodeSide))
-    readonly property bool pictured: fresh.status === Image.Ready ? fresh.implicitWidth > 1 : kept.status === Image.Ready
+    readonly property bool pictured: fresh.status === Image.Ready ? fresh.implicitWidth > 1
+        : kept.status === Image.Ready
 
     onCoverChanged: kept.source = ""
 

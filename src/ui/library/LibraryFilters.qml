@@ -40,7 +40,8 @@ ColumnLayout {
         SegmentedPicker {
             objectName: "formatPicker"
             // One row where all of it fits in some way, otherwise a row of its own.
-            width: Math.min(implicitWidth, filters.roomForFormats < minimumWidth ? filters.width : filters.roomForFormats)
+            width: Math.min(implicitWidth,
+                filters.roomForFormats < minimumWidth ? filters.width : filters.roomForFormats)
             title: L10n.text("Format")
             values: root.library.formats
             value: root.model.formatFilter
@@ -50,7 +51,8 @@ ColumnLayout {
             id: hiRes
             objectName: "hiResCheck"
             text: L10n.text("Hi-Res")
-            toolTip: L10n.text("Pliki powyżej 16-bit lub 48 kHz. Parametry pliku, niezależnie od możliwości wyjścia iPoda.")
+            toolTip: L10n.text(
+                "Pliki powyżej 16-bit lub 48 kHz. Parametry pliku, niezależnie od możliwości wyjścia iPoda.")
             checked: root.model.hiResOnly
             onToggled: root.model.hiResOnly = checked
         }

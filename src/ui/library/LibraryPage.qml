@@ -90,7 +90,8 @@ Item {
             objectName: "hiResNote"
             Layout.fillWidth: true
             visible: root.library.highResolutionListed
-            text: L10n.text("Hi-Res opisuje plik źródłowy. Odtwarzanie i wyjście audio zależą od sprzętu i Rockbox.")
+            text: L10n.text(
+                "Hi-Res opisuje plik źródłowy. Odtwarzanie i wyjście audio zależą od sprzętu i Rockbox.")
             font: Tokens.type.caption2
         }
     }

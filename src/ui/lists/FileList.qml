@@ -1,5 +1,5 @@
-// Files below each other, or what the place is for where there are none. One stop for the Tab key, and the current row's button another: the arrows, Page Up and Down,
-// Home and End move; Return and Space act.
+// Files below each other, or what the place is for where there are none. One stop for the Tab key, and the current
+// row's button another: the arrows, Page Up and Down, Home and End move; Return and Space act.
 pragma ComponentBehavior: Bound
 
 import QtQuick
@@ -19,7 +19,8 @@ Item {
 
     readonly property int lowest: Math.round(150 * Tokens.type.scale)
     readonly property int ringRoom: 4
-    readonly property int rowsOfAPage: Math.max(1, Math.floor(view.height / (view.currentItem?.height ?? view.height)) - 1)
+    readonly property int rowsOfAPage: Math.max(1,
+        Math.floor(view.height / (view.currentItem?.height ?? view.height)) - 1)
 
     signal chosen(int row)
 

@@ -20,7 +20,8 @@ T.ItemDelegate {
     implicitHeight: implicitContentHeight + topPadding + bottomPadding
     horizontalPadding: Tokens.space.regular
     verticalPadding: Tokens.space.tight
-    focusPolicy: root.current || root.activeFocus ? Qt.StrongFocus : Qt.ClickFocus // what has the focus has to stay a stop
+    // What has the focus has to stay a stop.
+    focusPolicy: root.current || root.activeFocus ? Qt.StrongFocus : Qt.ClickFocus
     Accessible.name: root.name
     Accessible.description: root.detail
     Accessible.onPressAction: root.chosen()

@@ -27,7 +27,8 @@ T.ItemDelegate {
     implicitHeight: implicitContentHeight + topPadding + bottomPadding
     horizontalPadding: Tokens.space.wide
     verticalPadding: Tokens.space.regular
-    focusPolicy: root.current || root.activeFocus ? Qt.StrongFocus : Qt.ClickFocus // what has the focus has to stay a stop
+    // What has the focus has to stay a stop.
+    focusPolicy: root.current || root.activeFocus ? Qt.StrongFocus : Qt.ClickFocus
     Accessible.name: root.title + ". " + root.detail
     Accessible.description: root.places
 

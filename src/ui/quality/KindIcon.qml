@@ -5,7 +5,12 @@ import Marlune
 Icon {
     required property string kind
 
-    readonly property var symbolOf: ({ "Okładki": "photo", "Tagi": "tag", "Pliki": "doc.badge.ellipsis", "Duplikaty": "doc.on.doc" })
+    readonly property var symbolOf: ({
+        "Okładki": "photo",
+        "Tagi": "tag",
+        "Pliki": "doc.badge.ellipsis",
+        "Duplikaty": "doc.on.doc"
+    })
 
     symbol: symbolOf[kind] ?? ""
     color: Tokens.color.textMuted

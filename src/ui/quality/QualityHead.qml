@@ -28,7 +28,8 @@ FocusScope {
         TextBlock {
             Layout.fillWidth: true
             Layout.topMargin: 2
-            text: L10n.text("Sprawdź kolekcję i napraw okładki dla Rockbox. Poprzednie obrazy z iPoda są zachowywane w kopii na Macu.")
+            text: L10n.text("Sprawdź kolekcję i napraw okładki dla Rockbox. "
+                + "Poprzednie obrazy z iPoda są zachowywane w kopii na Macu.")
         }
         QualityControls {
             Layout.fillWidth: true

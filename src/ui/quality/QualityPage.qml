@@ -25,8 +25,8 @@ Item {
 
     clip: true
 
-    // Head and empty state move with the rows, but are none of the view's: a header would lose the keyboard to the current
-    // row whenever the rows change, and Qt 6.4 makes none of a component that is bound to its surroundings.
+    // Head and empty state move with the rows, but are none of the view's: a header would lose the keyboard to the
+    // current row whenever the rows change, and Qt 6.4 makes none of a component that is bound to its surroundings.
     QualityHead {
         id: head
         x: view.x
@@ -97,7 +97,8 @@ Item {
         id: nothing
 
         // Not while the first music is being read: what is missing is on its way.
-        readonly property bool wanted: root.quality.issues.count === 0 && !(root.quality.withoutMusic && root.model.busy)
+        readonly property bool wanted: root.quality.issues.count === 0
+            && !(root.quality.withoutMusic && root.model.busy)
 
         x: view.x
         y: view.originY - view.contentY
@@ -114,7 +115,8 @@ Item {
             EmptyState {
                 objectName: "noIssues"
                 Layout.fillWidth: true
-                symbol: root.quality.withoutMusic ? "sparkles" : root.quality.clean ? "checkmark.circle" : "magnifyingglass"
+                symbol: root.quality.withoutMusic ? "sparkles"
+                    : root.quality.clean ? "checkmark.circle" : "magnifyingglass"
                 symbolSide: 42
                 title: root.quality.emptyTitle
                 titleFont: Tokens.type.headline

@@ -24,7 +24,8 @@ Rectangle {
             id: words
             objectName: "closingNotice"
             Layout.fillWidth: true
-            text: L10n.text("Okno zamknie się samo, gdy tylko praca dobiegnie końca. Żaden zapis nie zostanie przerwany.")
+            text: L10n.text(
+                "Okno zamknie się samo, gdy tylko praca dobiegnie końca. Żaden zapis nie zostanie przerwany.")
             color: Tokens.color.text
             Accessible.ignored: true // said by the notice
         }

@@ -35,7 +35,8 @@ Rectangle {
             id: stack
 
             readonly property real othersHeight: heading.implicitHeight + state.implicitHeight + 16 + 3 * spacing
-                + (root.shell.connected ? summary.implicitHeight : root.anyOffered ? offered.implicitHeight : hint.implicitHeight)
+                + (root.shell.connected ? summary.implicitHeight
+                    : root.anyOffered ? offered.implicitHeight : hint.implicitHeight)
 
             x: root.ringRoom
             y: root.ringRoom
@@ -74,8 +75,10 @@ Rectangle {
                 Layout.preferredWidth: 200
                 model: root.model
                 preview: root.shell.themePicture
-                maxHeight: Math.max(root.lowestDrawing, Math.min(370, flick.height - 2 * root.ringRoom - stack.othersHeight))
-                hint: L10n.text("Podgląd zapisanego motywu, bez odczytu ekranu na żywo. Rok 2007… niektóre wspomnienia budzą się za trzecim razem.")
+                maxHeight: Math.max(root.lowestDrawing,
+                    Math.min(370, flick.height - 2 * root.ringRoom - stack.othersHeight))
+                hint: L10n.text("Podgląd zapisanego motywu, bez odczytu ekranu na żywo. "
+                    + "Rok 2007… niektóre wspomnienia budzą się za trzecim razem.")
             }
             DeviceSummary {
                 id: summary

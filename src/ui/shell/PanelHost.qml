@@ -1,4 +1,5 @@
-// Shows the questions for files and folders: the desktop's dialogs, and before them, where both will do, which it is to be.
+// Shows the questions for files and folders: the desktop's dialogs, and before them, where both will do, which it is to
+// be.
 import QtQuick
 import QtQuick.Dialogs
 import QtQuick.Layouts

@@ -29,8 +29,9 @@ Rectangle {
         }
     }
 
-    implicitWidth: Math.min(root.widest, Math.max(root.usualWidth, Math.ceil(list.implicitWidth) + 2 * Tokens.space.regular,
-        Math.ceil(brand.implicitWidth) + 2 * 19, languages.minimumWidth + 2 * 18))
+    implicitWidth: Math.min(root.widest, Math.max(root.usualWidth,
+        Math.ceil(list.implicitWidth) + 2 * Tokens.space.regular, Math.ceil(brand.implicitWidth) + 2 * 19,
+        languages.minimumWidth + 2 * 18))
     color: Tokens.color.sidebar
 
     ColumnLayout {
@@ -91,7 +92,8 @@ Rectangle {
             Layout.fillHeight: false
             Layout.margins: 20
             // Large text in a low window: the sections come first.
-            visible: root.height > brand.implicitHeight + list.implicitHeight + languages.implicitHeight + footer.implicitHeight + 22 + 40 + 3 * 30
+            visible: root.height > brand.implicitHeight + list.implicitHeight + languages.implicitHeight
+                + footer.implicitHeight + 22 + 40 + 3 * 30
             spacing: 5
 
             TextBlock {

@@ -18,7 +18,8 @@ T.TabButton {
     verticalPadding: 11
     checkable: false // the model says which one is open
     text: L10n.text(root.title)
-    focusPolicy: root.current || root.activeFocus ? Qt.StrongFocus : Qt.ClickFocus // what has the focus has to stay a stop
+    // What has the focus has to stay a stop.
+    focusPolicy: root.current || root.activeFocus ? Qt.StrongFocus : Qt.ClickFocus
     font: root.current ? Tokens.type.headline : Tokens.type.body
     Accessible.name: root.text
     Accessible.selected: root.current

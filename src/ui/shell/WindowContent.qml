@@ -1,5 +1,5 @@
-// All that the window shows: menus above, sections at the left, the chosen page with the transfer bar, the device at the
-// right; and the sheets over it. Made anew for another language.
+// All that the window shows: menus above, sections at the left, the chosen page with the transfer bar, the device at
+// the right; and the sheets over it. Made anew for another language.
 import QtQuick
 import QtQuick.Layouts
 import Marlune

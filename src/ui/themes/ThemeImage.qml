@@ -59,7 +59,8 @@ Item {
             color: root.ink
         }
         TextBlock {
-            width: Math.min(Math.ceil(words.advanceWidth) + 1, root.width - parent.spacing - 2 * Tokens.space.hair - 1.3 * root.lettering.pixelSize)
+            width: Math.min(Math.ceil(words.advanceWidth) + 1,
+                root.width - parent.spacing - 2 * Tokens.space.hair - 1.3 * root.lettering.pixelSize)
             wrapMode: Text.WordWrap
             text: words.text
             font: root.lettering
