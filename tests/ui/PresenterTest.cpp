@@ -246,9 +246,10 @@ private Q_SLOTS:
     void copiesTellWhatTheyAreOfWhenTheyWereMadeAndTheirSize()
     {
         Pages pages;
+        const fs::path backups = "data/Marlune/Backups";
         pages.model->setSection(Section::Backups);
         for (const char *name : {"2026-11-23_14-05-09_3F2A9C", "2026-13-01_00-00-00_X", "Covers-1"}) {
-            pages.desk.folder.write(fs::path("data/Marlune/Backups") / name / "x", std::string(1500, 'x'));
+            pages.desk.folder.write(backups / name / "a/x", std::string(1500, 'x'));
         }
         pages.model->refresh();
         const auto made = [](const QString &text) {
@@ -262,6 +263,11 @@ private Q_SLOTS:
         QVERIFY2(shown[2].startsWith(
                      u"2026-11-23_14-05-09_3F2A9C | Ustawienia i motywy · poniedziałek, 23 listopada 2026, 14:05 · "_s),
             qPrintable(shown[2]));
+        pages.model->setSection(Section::Music);
+        pages.desk.folder.write(
+            backups / "Covers-1/a/x", std::string(9'000'000, 'x')); // the folder itself stays as it is
+        pages.model->setSection(Section::Backups);
+        QTRY_VERIFY(shownIn(*pages.backups.backups())[0].endsWith(u"MB"_s));
     }
 
     void aSheetsAlbumIsTheOneThatTheLibraryHasNow()

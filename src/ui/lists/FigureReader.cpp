@@ -20,7 +20,8 @@ std::optional<FigureReader::Figure> withoutValue(const std::filesystem::path &fi
     }
     return FigureReader::Figure {.value = std::nullopt,
         .size = status.st_size,
-        .changedNanoseconds = std::int64_t(status.st_mtim.tv_sec) * 1'000'000'000 + status.st_mtim.tv_nsec};
+        .changedNanoseconds = std::int64_t(status.st_mtim.tv_sec) * 1'000'000'000 + status.st_mtim.tv_nsec,
+        .isFile = S_ISREG(status.st_mode)};
 }
 
 } // namespace
@@ -112,7 +113,7 @@ FigureReader::Figures FigureReader::readAll(const Paths &files, const Figures &k
     for (const std::filesystem::path &file : files) {
         std::optional<Figure> figure = withoutValue(file);
         const auto before = known.find(file);
-        const bool isKnown = figure && before != known.end() && before->second.value
+        const bool isKnown = figure && figure->isFile && before != known.end() && before->second.value
             && before->second.size == figure->size && before->second.changedNanoseconds == figure->changedNanoseconds;
         if (!isKnown) {
             figure = figure.value_or(Figure {});

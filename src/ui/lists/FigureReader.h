@@ -1,7 +1,8 @@
 // One number about each file of a list, such as its size, read in the background.
 //
 // The disk may be slow or hang, and the list be long: one job at a time goes through it and reports a few times a
-// second. What has not changed since is not read again. What was begun for another list is dropped. UI thread.
+// second. A file that has not changed since is not read again; a folder is, for it
+// does not tell of changes further down. What was begun for another list is dropped. UI thread.
 #pragma once
 
 #include "platform/tasks/Background.h"
@@ -27,12 +28,13 @@ public:
         std::optional<std::int64_t> value;
         std::int64_t size = 0; ///< of the file itself, in bytes
         std::int64_t changedNanoseconds = 0; ///< since 1970, UTC
+        bool isFile = false; ///< no folder or link: size and time tell of each change
     };
 
     explicit FigureReader(Read readOne, QObject *parent = nullptr);
     ~FigureReader() override;
 
-    /// Reads what is new or has changed of these files; others are forgotten.
+    /// Reads what is new or may have changed of these files; others are forgotten.
     void read(Paths files);
     /// Ends the reading under way soon; what has landed stays.
     void stop();
