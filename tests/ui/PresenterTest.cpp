@@ -11,6 +11,7 @@
 #include "ui/quality/QualityPresenter.h"
 #include "ui/shell/DesktopPanels.h"
 #include "ui/shell/ShellPresenter.h"
+#include "ui/words/Localization.h"
 
 #include <QAbstractItemModelTester>
 #include <QDesktopServices>
@@ -275,12 +276,17 @@ private Q_SLOTS:
         Pages pages;
         const auto covers = std::make_shared<CoverStore>();
         AlbumSheetPresenter sheet(*pages.model, covers, AlbumSheetPresenter::Field::OpenAlbum);
-        const auto file = pages.desk.folder.write("music/1.flac", flacWith({"TITLE=t", "ARTIST=a", "ALBUM=b"}));
+        const auto file
+            = pages.desk.folder.write("music/1.flac", flacWith({"TITLE=t", "ARTIST=Różni wykonawcy", "ALBUM=b"}));
         pages.desk.import(*pages.model, pages.desk.folder / "music");
         pages.model->setOpenAlbum(*pages.model->albums()->front());
         QVERIFY(sheet.wanted() && sheet.available() && sheet.albumTitle() == u"b"_s && sheet.cover().isEmpty());
         QVERIFY2(sheet.facts().startsWith(u"Utwory: 1 · 0:01 · "_s), qPrintable(sheet.facts()));
         QCOMPARE(sheet.format(), u"FLAC · 16-bit / 44.1 kHz"_s);
+        AppLocalizer::setLanguage(u"en"_s);
+        const QString artist = sheet.artist();
+        AppLocalizer::setLanguage(u"pl"_s);
+        QCOMPARE(artist, u"Various artists"_s);
         pages.model->chooseArtwork(*pages.model->openAlbum(), false);
         pages.desk.answer(*pages.model, dataFile("images/plain.png"));
         QTRY_VERIFY(!sheet.cover().isEmpty());

@@ -5,6 +5,7 @@
 #include "model/Model.h"
 
 #include "ui/pictures/CoverStore.h"
+#include "ui/words/Wording.h"
 
 #include "platform/tasks/BurstTimer.h"
 
@@ -38,7 +39,7 @@ public:
     [[nodiscard]] bool wanted() const { return field().has_value(); }
     [[nodiscard]] bool available() const { return m_available; }
     [[nodiscard]] QString albumTitle() const { return m_album.title; }
-    [[nodiscard]] QString artist() const { return m_album.artist; }
+    [[nodiscard]] QString artist() const { return Wording::artistText(m_album.artist); }
     [[nodiscard]] QString facts() const;
     [[nodiscard]] QString format() const;
     [[nodiscard]] QString cover() const;

@@ -76,7 +76,7 @@ Item {
                 Layout.fillWidth: true
                 value: root.model.progress
                 indeterminate: root.model.progress <= 0
-                Accessible.name: root.model.status
+                Accessible.name: L10n.text(root.model.status)
             }
             Button {
                 objectName: "cancelButton"
