@@ -298,6 +298,8 @@ private Q_SLOTS:
 
     void aPanelIsAnsweredOnceWithFilesOfThisComputer()
     {
+        AppLocalizer::setLanguage(u"pl"_s);
+        QCOMPARE(QCoreApplication::translate("QPlatformTheme", "Cancel"), u"Anuluj"_s); // in a panel of Qt's own
         DesktopPanels panels;
         QSignalSpy asked(&panels, &DesktopPanels::asked);
         std::vector<std::vector<fs::path>> answers;
