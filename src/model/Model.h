@@ -226,6 +226,8 @@ public:
     // Playlists and backups.
     [[nodiscard]] QString playlistName() const { return m_playlistName; }
     void setPlaylistName(const QString &name);
+    /// The same words in another language: they replace the name that the box has at the start, and no other.
+    void renewDefaultPlaylistName(const QString &name);
     /// What a new playlist is to hold: the files transferred and those selected on the device, each once, by path.
     [[nodiscard]] std::vector<std::filesystem::path> playlistTracks() const;
     /// Writes them to the device as a playlist. A call while one is being written is dropped.
@@ -428,6 +430,7 @@ private:
     QUuid m_contentGeneration; ///< of the reading that may land
     std::stop_source m_contentReading; ///< ends that reading early
     QString m_playlistName = m_environment.playlistName;
+    bool m_playlistNameIsOwn = false; ///< the user has written it
     bool m_writingPlaylist = false;
     std::optional<Album> m_openAlbum;
     std::optional<Album> m_coverLookup;

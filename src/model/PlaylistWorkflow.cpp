@@ -12,7 +12,16 @@
 
 void MarluneModel::setPlaylistName(const QString &name)
 {
+    m_playlistNameIsOwn = true;
     if (m_playlistName != name) {
+        m_playlistName = name;
+        Q_EMIT playlistNameChanged();
+    }
+}
+
+void MarluneModel::renewDefaultPlaylistName(const QString &name)
+{
+    if (!m_playlistNameIsOwn && m_playlistName != name) {
         m_playlistName = name;
         Q_EMIT playlistNameChanged();
     }

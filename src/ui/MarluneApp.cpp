@@ -71,6 +71,11 @@ QFont applicationFont()
     return font;
 }
 
+QString defaultPlaylistName()
+{
+    return AppLocalizer::text(QStringLiteral("Moja playlista"));
+}
+
 /// A screen reader is not told of each control that goes: Qt would ask the menus for parents that have gone already.
 void withoutReader(const std::function<void()> &deleteControls)
 {
@@ -136,7 +141,7 @@ Program::Parts::Parts(const Setup &setup)
           .themeSite = setup.themeSite,
           .covers = setup.covers ? *setup.covers : CoverSearch::shared(),
           .audioOutput = setup.audioOutput,
-          .playlistName = AppLocalizer::text(QStringLiteral("Moja playlista"))})
+          .playlistName = defaultPlaylistName()})
     , shell(model)
     , device(model)
     , library(model, covers)
@@ -153,6 +158,8 @@ Program::Parts::Parts(const Setup &setup)
     QObject::connect(&watcher, &Volumes::Watcher::unmounted, &model, &MarluneModel::volumeUnmounted);
 
     QObject::connect(&language, &Language::codeChanged, &model, &MarluneModel::reorder);
+    QObject::connect(
+        &language, &Language::codeChanged, &model, [this] { model.renewDefaultPlaylistName(defaultPlaylistName()); });
     // Queued: the menu or picker that the choice was made with goes with the rest.
     QObject::connect(&language, &Language::codeChanged, &engine, [this] { rebuildContent(); }, Qt::QueuedConnection);
 
