@@ -247,6 +247,7 @@ private Q_SLOTS:
     void copiesTellWhatTheyAreOfWhenTheyWereMadeAndTheirSize()
     {
         Pages pages;
+        const fs::path backups = "data/Marlune/Backups";
         pages.model->setSection(Section::Backups);
         const fs::path backups = "data/Marlune/Backups";
         for (const char *name : {"2026-11-23_14-05-09_3F2A9C", "2026-13-01_00-00-00_X", "Covers-1"}) {

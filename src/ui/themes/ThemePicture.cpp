@@ -12,7 +12,9 @@
 #include <QPainter>
 #include <QPointer>
 
+#include <algorithm>
 #include <utility>
+#include <vector>
 
 namespace {
 
@@ -25,6 +27,16 @@ QCache<QUrl, QImage> &fetchedPictures()
     constexpr qsizetype cacheBytes = 32'000'000;
     static QCache<QUrl, QImage> cache(cacheBytes);
     return cache;
+}
+
+constexpr int maxReadings = 2; ///< of the four threads of the pool
+int readings = 0; ///< under way; UI thread
+
+/// The items whose file is to be read, in the order of asking. UI thread.
+std::vector<ThemePicture *> &waiting()
+{
+    static std::vector<ThemePicture *> items;
+    return items;
 }
 
 } // namespace
@@ -42,7 +54,10 @@ ThemePicture::ThemePicture(QQuickItem *parent)
     setAntialiasing(true);
 }
 
-ThemePicture::~ThemePicture() = default;
+ThemePicture::~ThemePicture()
+{
+    std::erase(waiting(), this);
+}
 
 void ThemePicture::setUrl(const QUrl &url)
 {
@@ -53,6 +68,7 @@ void ThemePicture::setUrl(const QUrl &url)
     const bool isShown = m_state == Ready && url.isLocalFile() && url.matches(m_url, QUrl::RemoveFragment);
     m_url = url;
     m_loading.reset();
+    std::erase(waiting(), this);
     if (!isShown) {
         m_image = QImage();
         update();
@@ -66,7 +82,7 @@ void ThemePicture::setUrl(const QUrl &url)
         setState(!file ? Unavailable : (isShown ? Ready : Reading));
         if (file) {
             m_loading = std::make_shared<Loading>();
-            read(*file);
+            readInTurn();
         }
     } else {
         m_loading = std::make_shared<Loading>();
@@ -76,18 +92,47 @@ void ThemePicture::setUrl(const QUrl &url)
     Q_EMIT urlChanged();
 }
 
-QCoro::Task<> ThemePicture::read(std::filesystem::path file)
+void ThemePicture::readInTurn()
 {
+    waiting().push_back(this);
+    readNext();
+}
+
+void ThemePicture::readNext()
+{
+    std::vector<ThemePicture *> &items = waiting();
+    while (readings < maxReadings) {
+        const auto next
+            = std::find_if(items.begin(), items.end(), [](const ThemePicture *item) { return !item->m_isReading; });
+        if (next == items.end()) {
+            return;
+        }
+        ThemePicture *const item = *next;
+        items.erase(next);
+        item->read();
+    }
+}
+
+QCoro::Task<> ThemePicture::read()
+{
+    ++readings;
+    m_isReading = true;
     const QPointer<ThemePicture> self(this);
+    const std::filesystem::path file = localPath(m_url).value_or(std::filesystem::path());
     const std::shared_ptr<std::atomic<bool>> cancelled = m_loading->cancelled;
     auto work = [file, cancelled]() -> QImage {
         const std::optional<QByteArray> bytes = *cancelled ? std::nullopt : Files::readBelow(file, maxBytes + 1);
         return bytes && !*cancelled ? decodeImage(*bytes, maxSide) : QImage();
     };
     const auto picture = co_await attempt(work, JobPriority::Utility);
+    --readings;
+    if (self) {
+        m_isReading = false;
+    }
     if (self && !*cancelled) {
         show(picture.value.value_or(QImage()));
     }
+    readNext();
 }
 
 QCoro::Task<> ThemePicture::fetch(QUrl address)

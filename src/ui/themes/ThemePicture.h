@@ -2,7 +2,8 @@
 //
 // Whole, in the middle, and in hard pixels however large it is shown: it is of a screen of a few hundred pixels.
 // Reading and decoding run in the background, with limits; what has been overtaken by another address, or by the end of
-// the item, lands nowhere. UI thread.
+// the item, lands nowhere. A disk can hang: an item reads one file at a time, and all items together a few, so that
+// other jobs go on. UI thread.
 #pragma once
 
 #include <QColor>
@@ -63,7 +64,10 @@ Q_SIGNALS:
 private:
     /// Of one address: its end cancels all that is under way for it.
     struct Loading;
-    QCoro::Task<> read(std::filesystem::path file);
+    /// Reads the file of the present address as soon as its turn comes.
+    void readInTurn();
+    static void readNext();
+    QCoro::Task<> read();
     QCoro::Task<> fetch(QUrl address);
     void show(const QImage &image);
     void setState(State state);
@@ -74,4 +78,5 @@ private:
     State m_state = Absent;
     QImage m_image;
     std::shared_ptr<Loading> m_loading;
+    bool m_isReading = false; ///< a file, perhaps of an earlier address
 };
