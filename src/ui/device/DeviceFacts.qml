@@ -12,9 +12,11 @@ Grid {
     required property real room ///< the width that it will have: its own follows its layout, which asks for its height
 
     readonly property int lineHeight: Math.ceil(1.25 * Tokens.type.subheadlineStrong.pixelSize)
-    readonly property real wholeHeight: Math.ceil(root.labels.length / root.columns) * (root.lineHeight + root.rowSpacing)
-        - root.rowSpacing + 2 * root.padding
-    readonly property real cellWidth: (root.room - 2 * root.padding - (root.columns - 1) * root.columnSpacing) / root.columns
+    readonly property int lines: Math.ceil(root.labels.length / root.columns)
+    readonly property real wholeHeight: root.lines * (root.lineHeight + root.rowSpacing) - root.rowSpacing
+        + 2 * root.padding
+    readonly property real cellWidth: (root.room - 2 * root.padding - (root.columns - 1) * root.columnSpacing)
+        / root.columns
 
     columns: root.room >= 430 * Tokens.type.scale ? 2 : 1
     flow: Grid.LeftToRight
