@@ -249,7 +249,6 @@ private Q_SLOTS:
         Pages pages;
         const fs::path backups = "data/Marlune/Backups";
         pages.model->setSection(Section::Backups);
-        const fs::path backups = "data/Marlune/Backups";
         for (const char *name : {"2026-11-23_14-05-09_3F2A9C", "2026-13-01_00-00-00_X", "Covers-1"}) {
             pages.desk.folder.write(backups / name / "a/x", std::string(1500, 'x'));
         }
