@@ -4,6 +4,7 @@
 
 #include "platform/files/Files.h"
 #include "platform/files/FolderItems.h"
+#include "platform/text/TextOrder.h"
 
 #include <QPointer>
 
@@ -31,6 +32,11 @@ std::vector<std::filesystem::path> playlistsBelow(const std::filesystem::path &r
 }
 
 } // namespace
+
+void sortThemes(std::vector<Theme> &themes)
+{
+    TextOrder::stableSort(themes, [](const Theme &theme) { return theme.name(); });
+}
 
 DeviceContent readDeviceContent(
     const std::filesystem::path &root, const ThemePreview::ChosenPictures &chosenPictures, const std::stop_token &stop)
@@ -114,6 +120,7 @@ void MarluneModel::applyContent(DeviceContent read)
     ThemePreviews previews = m_content.themePreviews;
     previews.insert(read.themePreviews);
     read.themePreviews = std::move(previews);
+    sortThemes(read.themes); // the rules of order may have changed since the reading began
     setDeviceContent(std::move(read));
     if (m_themePreviewStatus.isEmpty()) {
         fetchThemePreviews();

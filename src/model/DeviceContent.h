@@ -18,6 +18,9 @@ struct DeviceContent {
     bool hasMusicFolder = false;
 };
 
+/// Puts them in the order shown.
+void sortThemes(std::vector<Theme> &themes);
+
 /// Reads the device at `root`; what cannot be read is missing. Blocking, any thread but the UI's. Once `stop` is
 /// requested it ends soon, with a part of the content.
 [[nodiscard]] DeviceContent readDeviceContent(

@@ -1,8 +1,6 @@
 // What the pages do with what is browsed: choices that are kept, and who hears of a change.
 #include "model/Model.h"
 
-#include "platform/text/TextOrder.h"
-
 void MarluneModel::onTracksChanged()
 {
     Q_EMIT tracksChanged();
@@ -12,7 +10,7 @@ void MarluneModel::onTracksChanged()
 void MarluneModel::reorder()
 {
     Q_EMIT browsingChanged(); // which sorts by the new ones
-    TextOrder::stableSort(m_content.themes, [](const Theme &theme) { return theme.name(); });
+    sortThemes(m_content.themes);
     Q_EMIT themesChanged();
 }
 

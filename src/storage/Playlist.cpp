@@ -9,6 +9,8 @@
 #include "platform/files/FolderItems.h"
 #include "platform/volumes/Volumes.h"
 
+#include <sys/stat.h>
+
 #include <cerrno>
 #include <string>
 #include <string_view>
@@ -105,7 +107,9 @@ std::filesystem::path playlist(
 
 std::optional<std::int64_t> playlistLength(const std::filesystem::path &file, const std::stop_token &stop)
 {
-    constexpr std::int64_t maxBytes = 1'000'000'000;
+    // 32,000 entries, the most that the firmware can be set to list, of 1,000 bytes each: a longer file would only keep
+    // a slow disk busy.
+    constexpr std::int64_t maxBytes = 32'000'000;
     constexpr std::string_view mark = "\xEF\xBB\xBF"; // of UTF-8; no part of the first line
     std::vector<char> buffer(65536);
     EntryCount count;
@@ -113,7 +117,12 @@ std::optional<std::int64_t> playlistLength(const std::filesystem::path &file, co
         const Files::Folder folder = Files::openFolder(file.parent_path());
         const Files::Descriptor opened
             = Files::openForReading(file.filename(), Files::Links::Refuse, folder.descriptor.get());
-        for (std::int64_t read = 0; read < maxBytes && !stop.stop_requested();) {
+        struct stat status {};
+        if (::fstat(opened.get(), &status) != 0 || status.st_size > maxBytes) {
+            return std::nullopt;
+        }
+        // It may grow meanwhile.
+        for (std::int64_t read = 0; read <= maxBytes && !stop.stop_requested();) {
             std::string_view piece(buffer.data(), Files::readFully(opened.get(), buffer));
             const bool last = piece.size() < buffer.size();
             piece.remove_prefix(read == 0 && piece.starts_with(mark) ? mark.size() : 0);

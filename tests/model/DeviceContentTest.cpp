@@ -2,6 +2,8 @@
 #include "support/FailingDisk.h"
 #include "support/ModelDesk.h"
 
+#include "platform/text/TextOrder.h"
+
 #include <QImage>
 #include <QSignalSpy>
 
@@ -48,6 +50,17 @@ private Q_SLOTS:
         model->volumeUnmounted(device.root);
         QVERIFY(model->themes().empty() && model->playlists().empty() && model->deviceInfo().isEmpty());
         QVERIFY(!model->alert());
+
+        desk.folder.write("IPOD/.rockbox/themes/\u0141.cfg", "x");
+        desk.folder.write("IPOD/.rockbox/themes/lz.cfg", "x");
+        desk.waitForJobs(*model); // it is there again
+        model->loadDeviceContent();
+        QVERIFY(BackgroundJobs::drain(std::chrono::seconds(10))); // read in the order of one language
+        TextOrder::setLanguage(TextOrder::Language::English);
+        model->reorder(); // and landed in that of another
+        desk.waitForJobs(*model);
+        TextOrder::setLanguage(TextOrder::Language::Polish);
+        QCOMPARE(namesOf(*model), QStringList({u"B"_s, u"\u0141"_s, u"lz"_s}));
     }
 
     void onlyTheLastSelectionLands()

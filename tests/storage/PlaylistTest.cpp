@@ -51,7 +51,10 @@ TEST(Playlist, isCountedAsTheFirmwareDoes)
     fs::create_symlink("a.m3u", folder / "link.m3u");
     fs::create_directory_symlink(".", folder / "folder");
     fs::create_directory(folder / "b.m3u");
-    for (const char *none : {"link.m3u", "folder/a.m3u", "b.m3u", "c.m3u"}) {
+    fs::resize_file(folder.write("large.m3u", ""), 32'000'000);
+    EXPECT_EQ(Storage::playlistLength(folder / "large.m3u", {}), 1);
+    fs::resize_file(folder / "large.m3u", 32'000'001);
+    for (const char *none : {"large.m3u", "link.m3u", "folder/a.m3u", "b.m3u", "c.m3u"}) {
         EXPECT_EQ(Storage::playlistLength(folder / none, {}), std::nullopt) << none;
     }
     std::stop_source stopped;
