@@ -26,6 +26,10 @@ T.ComboBox {
     opacity: root.enabled ? 1 : Tokens.color.disabled
     Accessible.name: root.title
     Accessible.description: root.displayText
+    Keys.onPressed: event => {
+        pointer.followed = false;
+        event.accepted = false;
+    }
     // On release, where the template takes Return for "close".
     Keys.onReleased: event => {
         if ((event.key === Qt.Key_Return || event.key === Qt.Key_Enter) && !root.popup.visible) {
@@ -85,6 +89,7 @@ T.ComboBox {
 
         width: ListView.view?.width ?? implicitWidth
         text: L10n.text(modelData)
+        hoverEnabled: pointer.followed
         marked: root.currentIndex === index
         highlighted: root.highlightedIndex === index
     }
@@ -94,7 +99,11 @@ T.ComboBox {
         implicitHeight: contentItem.implicitHeight + 2 * padding
         padding: Tokens.space.hair
         margins: Tokens.space.tight
-        onAboutToShow: contentItem.parent.Accessible.name = root.title
+        onAboutToShow: {
+            contentItem.parent.Accessible.name = root.title;
+            pointer.followed = false;
+            pointer.place = null;
+        }
 
         contentItem: ListView {
             clip: true
@@ -104,6 +113,23 @@ T.ComboBox {
             highlightMoveDuration: 0
             Accessible.role: Accessible.List
             Accessible.name: root.title
+
+            // A row that comes below a mouse at rest, as the keyboard scrolls the list, is not chosen by that.
+            HoverHandler {
+                id: pointer
+
+                property bool followed: false ///< the mouse has moved since the list was opened or a key pressed
+                property var place: null ///< in the window, once it is known
+
+                function follow(now: point) {
+                    if (pointer.place && (now.x !== pointer.place.x || now.y !== pointer.place.y)) {
+                        pointer.followed = true;
+                    }
+                    pointer.place = now;
+                }
+
+                onPointChanged: if (pointer.hovered) pointer.follow(pointer.point.scenePosition)
+            }
         }
         background: MenuGround {}
         enter: Transition {

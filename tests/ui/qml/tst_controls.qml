@@ -194,6 +194,30 @@ PageTest {
         }
     }
 
+    function test_aMouseAtRestLeavesTheKeyboardsChoice() {
+        combo.values = Array.from({ length: 40 }, (_, i) => "Wartość " + i);
+        combo.value = "Wartość 0";
+        combo.forceActiveFocus(Qt.TabFocusReason);
+        keyClick(Qt.Key_Return);
+        tryCompare(combo.popup, "opened", true);
+        const list = combo.popup.contentItem;
+        for (const y of [99, 100, 101]) {
+            mouseMove(list, 50, y);
+        }
+        tryCompare(combo, "highlightedIndex", 3);
+        for (const [key, index] of [[Qt.Key_End, 39], [Qt.Key_Up, 38], [Qt.Key_Home, 0], [Qt.Key_End, 39]]) {
+            keyClick(key);
+            wait(50); // the rows move below the mouse
+            compare(combo.highlightedIndex, index);
+        }
+        mouseMove(list, 50, 25);
+        mouseMove(list, 50, 60);
+        tryVerify(() => combo.highlightedIndex < 39);
+        keyClick(Qt.Key_Escape);
+        tryCompare(combo.popup, "visible", false);
+        combo.values = ["Album", "Rok", "Rozmiar", "Tytuł"];
+    }
+
     function test_alertIsLeftByEachKeyAndGivesTheFocusBack() {
         listen(alert, "dismissed");
         button.forceActiveFocus(Qt.TabFocusReason);
