@@ -1,6 +1,5 @@
 // Which iPod is drawn and in what colour, and the ways to its files.
 import QtQuick
-import QtQuick.Layouts
 import Marlune
 
 Flow {
