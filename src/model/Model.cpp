@@ -54,7 +54,6 @@ MarluneModel::MarluneModel(ModelEnvironment environment, QObject *parent)
         });
     });
 
-
     if (!settings.notice().isEmpty()) {
         m_work.setAlert(settings.notice());
     }

@@ -85,8 +85,8 @@ public:
     [[nodiscard]] bool canEject() const { return m_device && m_device->isVolume && !busy() && !m_writingPlaylist; }
     Q_INVOKABLE void eject();
     /// The illustration and finish chosen for the selected device; "auto" forgets the choice.
-    Q_INVOKABLE void setAppearance(const QString &id);
-    Q_INVOKABLE void setFinish(const QString &id);
+    void setAppearance(const QString &id);
+    void setFinish(const QString &id);
     /// Absent where the illustration follows from what the firmware says.
     [[nodiscard]] std::optional<QString> chosenAppearance() const;
     /// The model that the selected device is drawn as: the chosen one, else what the firmware's target tells.
@@ -257,7 +257,8 @@ public:
     /// Whether it has been asked to, and is about to.
     [[nodiscard]] bool cancelling() const { return m_work.cancelling(); }
     /// Has the running job end between two files, and what waits for the network at once. What is complete stays, the
-    /// status says how far it came, and the same job begun again does the rest. Nothing where the job cannot.
+    /// status says how far it came, and the same job begun again does the rest; but the companion files of macOS that a
+    /// transfer was about to remove wait for the next transfer or cleanupMacFiles(). Nothing where the job cannot.
     Q_INVOKABLE void cancelWork();
     /// The same for a job that waits for the network, and for no other: for a window that closes.
     void endCoverRequests();

@@ -16,7 +16,8 @@ namespace Storage {
 /// `.rockbox` of the device, those of them that are there, and a README.txt. The parent of `destination` must exist.
 /// False where `stop` was requested before all was copied. Throws MarluneError or std::system_error. In both cases
 /// nothing exists at `destination` that was not there before.
-bool backup(const DeviceAnchor &device, const std::filesystem::path &destination, const std::stop_token &stop = {});
+[[nodiscard]] bool backup(
+    const DeviceAnchor &device, const std::filesystem::path &destination, const std::stop_token &stop = {});
 
 /// Bytes of all files in a backup's folder; links are neither followed nor counted. Absent where any of it cannot be
 /// read, there is more than any backup holds, or `stop` is requested meanwhile. Never throws.

@@ -25,8 +25,6 @@ namespace Storage {
 struct MacCleanup {
     int removed = 0; ///< files
     bool isStopped = false; ///< before it was through
-
-    bool operator==(const MacCleanup &) const = default;
 };
 
 /// Copies the companions to a new folder "MacMetadata-UUID" with a manifest under `backupRoot`, then removes them from

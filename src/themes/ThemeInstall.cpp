@@ -180,7 +180,7 @@ int installTheme(
     const Volumes::NameRules rules = Volumes::nameRules(root);
     const std::vector<PackageFile> files = planFiles(unpacked, rules);
     requireNoFolders(files, root / ".rockbox");
-    backup(device, backupFolder);
+    (void)backup(device, backupFolder);
 
     const std::filesystem::path settings = device.root() / ".rockbox";
     const SavedSettings saved(backupFolder, settings, rules);

@@ -139,7 +139,7 @@ std::vector<Job> jobs()
             "#EXTM3U\n/Music/Artist/Album/1.mp3\n"},
         {"cleanup", [](const World &world) { (void)Storage::cleanupMacMetadata(world.anchor(), world.backups); },
             companion, companion, false, true},
-        {"backup", [](const World &world) { Storage::backup(world.anchor(), world.backups / "new"); },
+        {"backup", [](const World &world) { (void)Storage::backup(world.anchor(), world.backups / "new"); },
             "device .rockbox/config.cfg", {}, false, true}};
 }
 

@@ -24,7 +24,7 @@ struct BackupDesk {
     }
     std::string failure(const fs::path &destination) const
     {
-        return failureOf([&] { Storage::backup(Storage::DeviceAnchor(folder / "IPOD"), folder / destination); });
+        return failureOf([&] { (void)Storage::backup(Storage::DeviceAnchor(folder / "IPOD"), folder / destination); });
     }
     bool isComplete(const fs::path &destination) const
     {
