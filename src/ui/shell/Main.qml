@@ -66,6 +66,7 @@ T.ApplicationWindow {
         onDismissed: root.model.dismissAlert()
     }
     PanelHost {
+        anchors.fill: parent
         panels: root.panels
     }
     Tooltip {}

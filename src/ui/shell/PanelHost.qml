@@ -1,13 +1,15 @@
 // Shows the questions for files and folders: the desktop's dialogs, and before them, where both will do, which it is to be.
 import QtQuick
 import QtQuick.Dialogs
-import QtQuick.Layouts
 import Marlune
 
 Item {
     id: root
 
     required property DesktopPanels panels
+
+    readonly property string prompt: root.shown(root.panels.prompt)
+    readonly property string question: root.panels.message === "" ? root.prompt : root.shown(root.panels.message)
 
     function show(kind: int) {
         if (kind === DesktopPanels.ChooseFiles) {
@@ -40,8 +42,6 @@ Item {
 
         required property DesktopPanels panels
 
-        title: L10n.text(dialog.panels.message === "" ? dialog.panels.prompt : dialog.panels.message)
-        acceptLabel: L10n.text(dialog.panels.prompt)
         fileMode: dialog.panels.multiple ? FileDialog.OpenFiles : FileDialog.OpenFile
         onAccepted: dialog.panels.answer(dialog.selectedFiles)
         onRejected: dialog.panels.cancel()
@@ -50,86 +50,57 @@ Item {
     FilePanel {
         id: files
         panels: root.panels
+        title: root.question
+        acceptLabel: root.prompt
         currentFolder: root.panels.startFolder
     }
     FilePanel {
         id: pictures
         panels: root.panels
+        title: root.question
+        acceptLabel: root.prompt
         currentFolder: root.panels.picturesFolder
         nameFilters: [root.shown("Obrazy") + " (" + root.panels.picturePatterns + ")"]
     }
     FilePanel {
         id: archives
         panels: root.panels
+        title: root.question
+        acceptLabel: root.prompt
         currentFolder: root.panels.downloadsFolder
         nameFilters: [root.shown("Paczki motywów") + " (" + root.panels.archivePatterns + ")"]
     }
     FolderDialog {
         id: folder
-        title: L10n.text(root.panels.message === "" ? root.panels.prompt : root.panels.message)
-        acceptLabel: L10n.text(root.panels.prompt)
+        title: root.question
+        acceptLabel: root.prompt
         currentFolder: root.panels.startFolder
         onAccepted: root.panels.answer([folder.selectedFolder])
         onRejected: root.panels.cancel()
     }
 
-    Sheet {
+    PlaceChoice {
         id: choice
+        title: root.prompt
+        onPicked: kind => root.show(kind)
+        onCancelled: root.panels.cancel()
+    }
+    // Where the dialog is drawn in the window, a click beside it closes it and does nothing else.
+    MouseArea {
+        id: cover
 
-        readonly property int none: -1
-        property int chosen: none
+        readonly property bool isAsked: files.visible || pictures.visible || archives.visible || folder.visible
 
-        function go(kind: int) {
-            choice.chosen = kind;
-            choice.close();
-        }
+        anchors.fill: parent
+        visible: false
+        hoverEnabled: true
+        acceptedButtons: Qt.AllButtons
+        onWheel: wheel => wheel.accepted = true
 
-        title: root.shown(root.panels.prompt)
-        onAboutToShow: choice.chosen = choice.none
-        onOpened: folderButton.forceActiveFocus(Qt.PopupFocusReason)
-        // The dialog comes once the sheet has given the focus back: it would otherwise lose its own to the window.
-        onClosed: choice.chosen === choice.none ? root.panels.cancel() : root.show(choice.chosen)
-
-        contentItem: ColumnLayout {
-            spacing: Tokens.space.regular
-
-            TextBlock {
-                Layout.preferredWidth: 320
-                text: choice.title
-                font: Tokens.type.title2
-                color: Tokens.color.text
-                Accessible.role: Accessible.Heading
-            }
-            TextBlock {
-                Layout.preferredWidth: 320
-                text: root.shown("Co chcesz wskazać?")
-                font: Tokens.type.body
-            }
-            Button {
-                id: folderButton
-                objectName: "chooseFolderButton"
-                Layout.fillWidth: true
-                Layout.topMargin: Tokens.space.hair
-                measure: Button.Large
-                kind: Button.Prominent
-                symbol: "folder"
-                text: root.shown("Folder z muzyką…")
-                onClicked: choice.go(DesktopPanels.ChooseFolder)
-            }
-            Button {
-                objectName: "chooseFilesButton"
-                Layout.fillWidth: true
-                measure: Button.Large
-                symbol: "music.note"
-                text: root.shown("Pliki audio…")
-                onClicked: choice.go(DesktopPanels.ChooseFiles)
-            }
-            Button {
-                Layout.fillWidth: true
-                kind: Button.Borderless
-                text: root.shown("Anuluj")
-                onClicked: choice.close()
-            }
+        Timer {
+            interval: 0 // later: the press that has closed the dialog is still on its way
+            running: cover.visible !== cover.isAsked
+            onTriggered: cover.visible = cover.isAsked
         }
     }
 }
