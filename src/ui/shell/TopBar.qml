@@ -56,33 +56,7 @@ Rectangle {
                 onTriggered: root.quit()
             }
         }
-        Menu {
-            title: L10n.text("&Język")
-            T.ActionGroup {
-                id: languages
-            }
-            T.Action {
-                T.ActionGroup.group: languages
-                text: "Polski"
-                checkable: true
-                checked: Language.choice === "pl"
-                onTriggered: Language.choice = "pl"
-            }
-            T.Action {
-                T.ActionGroup.group: languages
-                text: "English"
-                checkable: true
-                checked: Language.choice === "en"
-                onTriggered: Language.choice = "en"
-            }
-            T.Action {
-                T.ActionGroup.group: languages
-                text: L10n.text("Zgodnie z systemem")
-                checkable: true
-                checked: Language.choice === "system"
-                onTriggered: Language.choice = "system"
-            }
-        }
+        LanguageMenu {}
         Menu {
             title: L10n.text("&iPod")
             T.Action {
