@@ -68,58 +68,10 @@ Item {
             width: Math.min(style.line, flick.width - 2 * root.around)
             height: words.height
 
-            Repeater {
-                model: handbook.grounds
-
-                Rectangle {
-                    required property var modelData
-
-                    y: modelData.area.y - style.groundMargin
-                    width: words.width
-                    height: modelData.area.height + 2 * style.groundMargin
-                    radius: Tokens.radius.cover
-                    color: modelData.color
-                }
-            }
-            Repeater {
-                model: handbook.rules
-
-                Rectangle {
-                    required property rect modelData
-
-                    y: Math.round(modelData.y)
-                    width: words.width
-                    height: 1
-                    color: Tokens.color.line
-                }
-            }
-            Repeater {
-                model: handbook.marks
-
-                Rectangle {
-                    required property rect modelData
-
-                    x: modelData.x
-                    y: modelData.y
-                    width: modelData.width
-                    height: modelData.height
-                    radius: 2
-                    color: Tokens.color.found
-                }
-            }
-            Repeater {
-                model: handbook.currentMarks
-
-                Rectangle {
-                    required property rect modelData
-
-                    x: modelData.x - 1
-                    y: modelData.y - 1
-                    width: modelData.width + 2
-                    height: modelData.height + 2
-                    radius: 3
-                    color: Tokens.color.foundNow
-                }
+            HandbookMarks {
+                width: words.width
+                book: handbook
+                looks: style
             }
             TextEdit {
                 id: words

@@ -88,14 +88,20 @@ Item {
     }
     // Where the dialog is drawn in the window, a click beside it closes it and does nothing else.
     MouseArea {
-        readonly property bool isAsked: [files, pictures, archives, folder].some(dialog => dialog.visible)
+        id: cover
+
+        readonly property bool isAsked: files.visible || pictures.visible || archives.visible || folder.visible
 
         anchors.fill: parent
         visible: false
         hoverEnabled: true
         acceptedButtons: Qt.AllButtons
         onWheel: wheel => wheel.accepted = true
-        // Later: the press that has closed the dialog is still on its way.
-        onIsAskedChanged: Qt.callLater(() => visible = isAsked)
+
+        Timer {
+            interval: 0 // later: the press that has closed the dialog is still on its way
+            running: cover.visible !== cover.isAsked
+            onTriggered: cover.visible = cover.isAsked
+        }
     }
 }
