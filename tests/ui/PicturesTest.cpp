@@ -76,7 +76,7 @@ TEST(Symbols, everyNameInUseHasADrawing)
 {
     // Names are in QML as `symbol: … "name" …`, in the sections' table, and where iPods are drawn.
     const QRegularExpression mention(
-        uR"re(symbol\w*:[^\n]*|case Section::\w+:\s+return QStringLiteral\("[a-z.]+"\)|drawSymbol\([^;]*;)re"_s);
+        uR"re(symbol\w*:[^\n]*(?:\n\s+[:"][^\n]*)*|case Section::\w+:\s+return QStringLiteral\("[a-z.]+"\)|drawSymbol\([^;]*;)re"_s);
     const QRegularExpression name(uR"re("([a-z0-9.]+)")re"_s);
     std::set<QString> used;
     const fs::path sources = fs::path(MARLUNE_SOURCE_DIR) / "src/ui";
