@@ -31,8 +31,8 @@ public:
     [[nodiscard]] bool cancelling() const { return m_stop.stop_requested(); }
     /// Of the running job's present stage, 0 to 1; 0 where it cannot be said.
     [[nodiscard]] double progress() const { return m_progress; }
-    /// What may be shown of the time that the job still takes, nothing once it is to end early; to be asked about once a
-    /// second.
+    /// What may be shown of the time that the job still takes, nothing once it is to end early; to be asked about once
+    /// a second.
     [[nodiscard]] std::optional<std::chrono::seconds> timeLeft();
     [[nodiscard]] const QString &status() const { return m_status; }
     [[nodiscard]] const std::optional<QString> &alert() const { return m_alert; }
