@@ -53,22 +53,23 @@ void sortAlbums(AlbumList &albums, SortMode order)
     }
 }
 
-void sortTracks(std::vector<Track> &tracks, SortMode order)
+void sortTracks(TrackPlaces &places, const std::vector<Track> &tracks, SortMode order)
 {
+    const auto at = [&tracks](std::uint32_t place) -> const Track & { return tracks[place]; };
     switch (order) {
     case SortMode::Album:
-        TextOrder::stableSort(tracks, [](const Track &track) { return QString(track.album + track.title); });
+        TextOrder::stableSort(places, [&](std::uint32_t place) { return QString(at(place).album + at(place).title); });
         break;
     case SortMode::Year: // newest first, then by title
         sortByValue(
-            tracks, [](const Track &track) { return std::pair(track.info.year, track.title); },
+            places, [&](std::uint32_t place) { return std::pair(at(place).info.year, at(place).title); },
             [](const auto &a, const auto &b) { return a.first != b.first ? b.first < a.first : a.second < b.second; });
         break;
     case SortMode::Size: // largest first
-        sortByValue(tracks, [](const Track &track) { return track.bytes; }, std::greater<>());
+        sortByValue(places, [&](std::uint32_t place) { return at(place).bytes; }, std::greater<>());
         break;
     case SortMode::Artist:
-        TextOrder::stableSort(tracks, [](const Track &track) { return QString(track.artist + track.title); });
+        TextOrder::stableSort(places, [&](std::uint32_t place) { return QString(at(place).artist + at(place).title); });
         break;
     }
 }
@@ -147,11 +148,6 @@ void Browsing::setArtwork(Side side, const QSet<QUuid> &ids, const QByteArray &i
         AlbumList listed = *m_derived.albums;
         renewAlbums(listed, changed);
         m_derived.albums = std::make_shared<const AlbumList>(std::move(listed));
-    }
-    if (m_derived.filteredTracks) {
-        std::vector<Track> listed = *m_derived.filteredTracks;
-        giveArtwork(listed, ids, image);
-        m_derived.filteredTracks = std::make_shared<const std::vector<Track>>(std::move(listed));
     }
 }
 
@@ -258,15 +254,19 @@ std::shared_ptr<const AlbumList> Browsing::albums() const
     return kept.albums;
 }
 
-std::shared_ptr<const std::vector<Track>> Browsing::filteredTracks() const
+std::shared_ptr<const TrackPlaces> Browsing::filteredTracks() const
 {
     Derived &kept = derived();
     if (!kept.filteredTracks) {
-        std::vector<Track> shown;
-        std::copy_if(activeTracks().begin(), activeTracks().end(), std::back_inserter(shown),
-            [this](const Track &track) { return matches(track); });
-        sortTracks(shown, sortModeFromText(m_sortMode));
-        kept.filteredTracks = std::make_shared<const std::vector<Track>>(std::move(shown));
+        const std::vector<Track> &all = activeTracks();
+        TrackPlaces shown;
+        for (std::uint32_t place = 0; place < all.size(); ++place) {
+            if (matches(all[place])) {
+                shown.push_back(place);
+            }
+        }
+        sortTracks(shown, all, sortModeFromText(m_sortMode));
+        kept.filteredTracks = std::make_shared<const TrackPlaces>(std::move(shown));
     }
     return kept.filteredTracks;
 }

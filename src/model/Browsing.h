@@ -19,6 +19,10 @@
 /// Albums that one list shares with another: filtering and sorting copy no track.
 using AlbumList = std::vector<std::shared_ptr<const Album>>;
 
+/// Tracks as their places among the active ones: no track is copied. Good until those change, and their order or number
+/// with them.
+using TrackPlaces = std::vector<std::uint32_t>;
+
 /// More than 16 bits a sample or more than 48 kHz.
 [[nodiscard]] bool isHighResolution(const AudioInfo &info);
 
@@ -61,7 +65,7 @@ public:
     [[nodiscard]] std::shared_ptr<const Album> albumWith(const QUuid &trackId) const;
     /// The one of this identity, filtered out or not.
     [[nodiscard]] std::shared_ptr<const Album> albumOf(const QString &albumId) const;
-    [[nodiscard]] std::shared_ptr<const std::vector<Track>> filteredTracks() const;
+    [[nodiscard]] std::shared_ptr<const TrackPlaces> filteredTracks() const;
     /// The number of filteredTracks(), without making the list.
     [[nodiscard]] std::size_t filteredTrackCount() const;
 
@@ -82,7 +86,7 @@ private:
     struct Derived {
         std::optional<AlbumList> grouped; ///< depends on the active tracks alone
         std::shared_ptr<const AlbumList> albums;
-        std::shared_ptr<const std::vector<Track>> filteredTracks;
+        std::shared_ptr<const TrackPlaces> filteredTracks;
         int language = -1;
     };
 

@@ -165,10 +165,7 @@ public:
     {
         return m_browsing.albumOf(albumId);
     }
-    [[nodiscard]] std::shared_ptr<const std::vector<Track>> filteredTracks() const
-    {
-        return m_browsing.filteredTracks();
-    }
+    [[nodiscard]] std::shared_ptr<const TrackPlaces> filteredTracks() const { return m_browsing.filteredTracks(); }
     [[nodiscard]] std::size_t filteredTrackCount() const { return m_browsing.filteredTrackCount(); }
     [[nodiscard]] QString search() const { return m_browsing.search(); }
     void setSearch(const QString &text);
