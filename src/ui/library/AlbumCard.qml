@@ -40,7 +40,7 @@ T.ItemDelegate {
         onTapped: root.menuWanted()
     }
 
-    Cover {
+    CoverView {
         id: picture
         width: root.width
         height: root.width

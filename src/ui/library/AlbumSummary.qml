@@ -12,7 +12,7 @@ RowLayout {
 
     spacing: 22
 
-    Cover {
+    CoverView {
         Layout.alignment: Qt.AlignTop
         Layout.preferredWidth: root.coverSide
         Layout.preferredHeight: root.coverSide

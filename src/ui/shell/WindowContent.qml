@@ -94,12 +94,12 @@ ColumnLayout {
         }
     }
 
-    AlbumSheet {
+    AlbumDetailView {
         objectName: "albumSheet"
         album: root.albumSheet
     }
-    CoverLookupSheet {
-        objectName: "coverLookupSheet"
+    CoverSearchView {
+        objectName: "coverSearchSheet"
         album: root.coverSheet
     }
     ThemeSheet {

@@ -58,7 +58,7 @@ PageTest {
     }
     Component {
         id: albumSheetComponent
-        AlbumSheet {}
+        AlbumDetailView {}
     }
     Component {
         id: themeSheetComponent
