@@ -110,41 +110,38 @@ void Browsing::append(Side side, std::vector<Track> tracks)
 {
     std::vector<Track> &target = m_tracks[place(side)];
     target.insert(target.end(), std::move_iterator(tracks.begin()), std::move_iterator(tracks.end()));
-    m_derived = {};
+    forgetGroups(side);
 }
 
 void Browsing::remove(const QSet<QUuid> &ids)
 {
     std::erase_if(m_tracks[place(Side::Computer)], [&](const Track &track) { return ids.contains(track.id); });
     dequeue(ids);
-    m_derived = {};
+    forgetGroups(Side::Computer);
 }
 
 void Browsing::clearDevice()
 {
     m_tracks[place(Side::Device)].clear();
     m_chosen[place(Side::Device)].clear();
-    m_derived = {};
+    forgetGroups(Side::Device);
 }
 
 void Browsing::setArtwork(Side side, const QSet<QUuid> &ids, const QByteArray &image)
 {
     giveArtwork(m_tracks[place(side)], ids, image);
-    if (side != m_side) {
-        return;
-    }
     QHash<const Album *, std::shared_ptr<const Album>> changed;
-    if (m_derived.grouped) {
-        for (const std::shared_ptr<const Album> &album : *m_derived.grouped) {
+    if (std::optional<AlbumList> &grouped = m_derived.grouped[place(side)]) {
+        for (const std::shared_ptr<const Album> &album : *grouped) {
             if (holdsAny(*album, ids)) {
                 Album copy = *album;
                 giveArtwork(copy.tracks, ids, image);
                 changed.insert(album.get(), std::make_shared<const Album>(std::move(copy)));
             }
         }
-        renewAlbums(*m_derived.grouped, changed);
+        renewAlbums(*grouped, changed);
     }
-    if (m_derived.albums) {
+    if (side == m_side && m_derived.albums) {
         AlbumList listed = *m_derived.albums;
         renewAlbums(listed, changed);
         m_derived.albums = std::make_shared<const AlbumList>(std::move(listed));
@@ -157,7 +154,7 @@ bool Browsing::setSide(Side side)
         return false;
     }
     m_side = side;
-    m_derived = {};
+    forgetLists();
     return true;
 }
 
@@ -167,8 +164,7 @@ template <typename Field> bool Browsing::set(Field &field, const Field &value)
         return false;
     }
     field = value;
-    m_derived.albums.reset();
-    m_derived.filteredTracks.reset();
+    forgetLists();
     return true;
 }
 
@@ -208,16 +204,30 @@ Browsing::Derived &Browsing::derived() const
     return m_derived;
 }
 
-const AlbumList &Browsing::everyAlbum() const
+void Browsing::forgetLists()
 {
-    Derived &kept = derived();
-    if (!kept.grouped) {
-        kept.grouped.emplace();
-        for (Album &album : AlbumGrouping::albums(activeTracks())) {
-            kept.grouped->push_back(std::make_shared<const Album>(std::move(album)));
+    m_derived.albums.reset();
+    m_derived.filteredTracks.reset();
+}
+
+void Browsing::forgetGroups(Side side)
+{
+    m_derived.grouped[place(side)].reset();
+    if (side == m_side) {
+        forgetLists();
+    }
+}
+
+const AlbumList &Browsing::everyAlbum(Side side) const
+{
+    std::optional<AlbumList> &grouped = derived().grouped[place(side)];
+    if (!grouped) {
+        grouped.emplace();
+        for (Album &album : AlbumGrouping::albums(tracks(side))) {
+            grouped->push_back(std::make_shared<const Album>(std::move(album)));
         }
     }
-    return *kept.grouped;
+    return *grouped;
 }
 
 std::shared_ptr<const Album> Browsing::albumWith(const QUuid &trackId) const
@@ -231,9 +241,9 @@ std::shared_ptr<const Album> Browsing::albumWith(const QUuid &trackId) const
     return nullptr;
 }
 
-std::shared_ptr<const Album> Browsing::albumOf(const QString &albumId) const
+std::shared_ptr<const Album> Browsing::albumOf(Side side, const QString &albumId) const
 {
-    const AlbumList &all = everyAlbum();
+    const AlbumList &all = everyAlbum(side);
     const auto found = std::find_if(all.begin(), all.end(), [&](const auto &album) { return album->id() == albumId; });
     return found == all.end() ? nullptr : *found;
 }
@@ -309,9 +319,9 @@ void Browsing::enqueue(const std::vector<Track> &tracks)
     }
 }
 
-void Browsing::toggle(const Album &album)
+void Browsing::toggle(Side side, const Album &album)
 {
-    QSet<QUuid> &target = m_chosen[place(m_side)];
+    QSet<QUuid> &target = m_chosen[place(side)];
     const bool all = std::all_of(
         album.tracks.begin(), album.tracks.end(), [&](const Track &track) { return target.contains(track.id); });
     for (const Track &track : album.tracks) {
@@ -323,9 +333,9 @@ void Browsing::toggle(const Album &album)
     }
 }
 
-void Browsing::toggleTrack(const Track &track)
+void Browsing::toggleTrack(Side side, const Track &track)
 {
-    QSet<QUuid> &target = m_chosen[place(m_side)];
+    QSet<QUuid> &target = m_chosen[place(side)];
     if (!target.remove(track.id)) {
         target.insert(track.id);
     }

@@ -56,15 +56,17 @@ public:
     bool setSortMode(const QString &mode);
     [[nodiscard]] bool matches(const Track &track) const;
 
+    /// All albums of a side, filtered out or not, as they were grouped.
+    [[nodiscard]] const AlbumList &everyAlbum(Side side) const;
+    /// The one of this identity.
+    [[nodiscard]] std::shared_ptr<const Album> albumOf(Side side, const QString &albumId) const;
+
     // Lists of the side that is shown.
-    /// All of its albums, filtered out or not, as they were grouped.
-    [[nodiscard]] const AlbumList &everyAlbum() const;
+    [[nodiscard]] const AlbumList &everyAlbum() const { return everyAlbum(m_side); }
     /// Those with a track that matches, whole, in order.
     [[nodiscard]] std::shared_ptr<const AlbumList> albums() const;
     /// The album, filtered out or not, that holds a track of this id.
     [[nodiscard]] std::shared_ptr<const Album> albumWith(const QUuid &trackId) const;
-    /// The one of this identity, filtered out or not.
-    [[nodiscard]] std::shared_ptr<const Album> albumOf(const QString &albumId) const;
     [[nodiscard]] std::shared_ptr<const TrackPlaces> filteredTracks() const;
     /// The number of filteredTracks(), without making the list.
     [[nodiscard]] std::size_t filteredTrackCount() const;
@@ -77,14 +79,14 @@ public:
     void enqueue(const std::vector<Track> &tracks);
     void dequeue(const QSet<QUuid> &ids) { m_chosen[place(Side::Computer)].subtract(ids); }
     void clearQueue() { m_chosen[place(Side::Computer)].clear(); }
-    /// Adds the album to the set of the side that is shown, or takes it out if all of it is there.
-    void toggle(const Album &album);
-    void toggleTrack(const Track &track);
+    /// Adds the album to the side's set, or takes it out if all of it is there.
+    void toggle(Side side, const Album &album);
+    void toggleTrack(Side side, const Track &track);
 
 private:
     /// Derived lists and the language that they were sorted in; absent when something that they depend on has changed.
     struct Derived {
-        std::optional<AlbumList> grouped; ///< depends on the active tracks alone
+        std::array<std::optional<AlbumList>, 2> grouped; ///< by side; depends on its tracks alone
         std::shared_ptr<const AlbumList> albums;
         std::shared_ptr<const TrackPlaces> filteredTracks;
         int language = -1;
@@ -94,6 +96,9 @@ private:
     /// A setter's work: what is listed follows from the field.
     template <typename Field> bool set(Field &field, const Field &value);
     [[nodiscard]] Derived &derived() const;
+    /// What is listed depends on something else than before; a side's groups stay.
+    void forgetLists();
+    void forgetGroups(Side side);
 
     std::array<std::vector<Track>, 2> m_tracks;
     std::array<QSet<QUuid>, 2> m_chosen;

@@ -91,15 +91,15 @@ void MarluneModel::setOpenAlbum(const std::optional<Album> &album)
     }
 }
 
-void MarluneModel::toggle(const Album &album)
+void MarluneModel::toggle(const Album &album, std::optional<bool> onDeviceOverride)
 {
-    m_browsing.toggle(album);
+    m_browsing.toggle(side(onDeviceOverride), album);
     Q_EMIT selectionChanged();
 }
 
-void MarluneModel::toggleTrack(const Track &track)
+void MarluneModel::toggleTrack(const Track &track, std::optional<bool> onDeviceOverride)
 {
-    m_browsing.toggleTrack(track);
+    m_browsing.toggleTrack(side(onDeviceOverride), track);
     Q_EMIT selectionChanged();
 }
 

@@ -1,0 +1,59 @@
+// A sheet that is open while it is wanted: a heading, what is shown below it, and a button that closes it.
+import QtQuick
+import QtQuick.Layouts
+import Marlune
+
+Sheet {
+    id: root
+
+    required property bool wanted
+    property int broad: 480
+    property string closeText: L10n.text("Zamknij")
+    property Item firstFocus: closeButton ///< what has the focus when it opens
+    default property alias shown: body.data
+    property alias tools: slot.data ///< between the heading and the button
+
+    readonly property size room: Qt.size((root.parent?.width ?? 0) - 4 * Tokens.space.group,
+        (root.parent?.height ?? 0) - 4 * Tokens.space.group)
+    readonly property real bodyRoom: root.room.height - head.implicitHeight - Tokens.space.wide ///< for what is shown
+
+    /// Closed by the user, in whatever way.
+    signal dismissed
+
+    implicitWidth: Math.min(root.broad, root.room.width) + leftPadding + rightPadding
+    onWantedChanged: root.wanted ? root.open() : root.close()
+    Component.onCompleted: if (root.wanted) root.open()
+    onOpened: root.firstFocus.forceActiveFocus(Qt.PopupFocusReason)
+    onClosed: if (root.wanted) root.dismissed()
+
+    contentItem: ColumnLayout {
+        spacing: Tokens.space.wide
+
+        RowLayout {
+            id: head
+            spacing: Tokens.space.wide
+
+            TextLine {
+                text: root.title
+                font: Tokens.type.title2
+                Layout.fillWidth: true
+                Layout.minimumWidth: Math.min(implicitWidth, root.room.width / 2)
+                Accessible.role: Accessible.Heading
+            }
+            RowLayout {
+                id: slot
+                spacing: Tokens.space.tight
+            }
+            Button {
+                id: closeButton
+                objectName: "closeSheetButton"
+                text: root.closeText
+                onClicked: root.close()
+            }
+        }
+        ColumnLayout {
+            id: body
+            spacing: Tokens.space.regular
+        }
+    }
+}
