@@ -12,7 +12,7 @@ PanelSheet {
 
     title: L10n.text("Szczegóły albumu")
     closeText: L10n.text("Gotowe")
-    broad: Math.round(812 * Tokens.type.scale)
+    broad: Math.round(838 * Tokens.type.scale)
     wanted: root.album.wanted
     onDismissed: root.album.dismiss()
 
@@ -51,7 +51,9 @@ PanelSheet {
         AlbumCoverColumn {
             id: coverColumn
             Layout.fillHeight: true
-            Layout.preferredWidth: Math.round(250 * Math.min(1.3, Tokens.type.scale))
+            Layout.leftMargin: -around // the cover is in line with the heading
+            Layout.rightMargin: -around
+            Layout.preferredWidth: Math.round(240 * Math.min(1.3, Tokens.type.scale)) + 2 * around
             album: root.album
             onLargeWanted: viewer.open()
             onSearchWanted: root.album.findCover()

@@ -54,7 +54,6 @@ ColumnLayout {
         }
         Button {
             objectName: "queueAlbumButton"
-            symbol: root.album.queued ? "checkmark.circle.fill" : "plus.circle"
             text: L10n.text(root.album.queued
                 ? root.album.deviceSide ? "Usuń album z playlisty" : "Usuń album z kolejki"
                 : root.album.deviceSide ? "Dodaj album do playlisty" : "Dodaj album do kolejki")
@@ -62,7 +61,6 @@ ColumnLayout {
         }
         Button {
             objectName: "revealAlbumButton"
-            symbol: "folder"
             text: L10n.text("Pokaż w Finderze")
             onClicked: root.album.reveal()
         }

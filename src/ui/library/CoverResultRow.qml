@@ -64,7 +64,7 @@ T.ItemDelegate {
 
             RowButton {
                 objectName: "downloadButton"
-                Layout.fillWidth: true
+                Layout.minimumWidth: implicitWidth
                 text: L10n.text("Pobierz i dodaj")
                 enabled: root.canDownload
                 onClicked: root.chosen()
@@ -94,6 +94,7 @@ T.ItemDelegate {
 
     component Line: TextBlock {
         Layout.fillWidth: true
+        Layout.preferredWidth: 1 // the buttons keep theirs
         horizontalAlignment: Text.AlignLeft
         maximumLineCount: 2
         elide: Text.ElideRight
