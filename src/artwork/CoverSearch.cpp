@@ -301,8 +301,7 @@ QCoro::Task<std::vector<CoverCandidate>> CoverSearch::search(
     co_return found;
 }
 
-QCoro::Task<QByteArray> CoverSearch::image(
-    const CoverCandidate &candidate, QObject &owner, std::int64_t maxBytes)
+QCoro::Task<QByteArray> CoverSearch::image(const CoverCandidate &candidate, QObject &owner, std::int64_t maxBytes)
 {
     if (!isUuid(candidate.id)) {
         throw MarluneError(QStringLiteral("Nieprawidłowy identyfikator albumu."));

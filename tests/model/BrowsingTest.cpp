@@ -101,9 +101,9 @@ TEST(Browsing, listsAlwaysWhatAFreshComputationWouldGive)
             }
         },
         [&] {
-            if (!browsing.everyAlbum().empty()) {
-                const QSet<QUuid> ids = idsOf(*browsing.everyAlbum().back());
-                browsing.setArtwork(browsing.side(), ids, QByteArray::number(random.bounded(1000)));
+            if (const Side of = side(); !browsing.everyAlbum(of).empty()) {
+                const QSet<QUuid> ids = idsOf(*browsing.everyAlbum(of).back());
+                browsing.setArtwork(of, ids, QByteArray::number(random.bounded(1000)));
             }
         },
     };
@@ -111,13 +111,18 @@ TEST(Browsing, listsAlwaysWhatAFreshComputationWouldGive)
     for (int step = 0; step < 600; ++step) {
         changes[std::size_t(random.bounded(int(changes.size())))]();
         Browsing fresh; // derives everything from the tracks alone
-        fresh.append(Side::Computer, browsing.activeTracks());
+        for (const Side of : {Side::Computer, Side::Device}) {
+            fresh.append(of, browsing.tracks(of));
+        }
+        fresh.setSide(browsing.side());
         fresh.setSearch(browsing.search());
         fresh.setFormatFilter(browsing.formatFilter());
         fresh.setHiResOnly(browsing.hiResOnly());
         fresh.setSortMode(browsing.sortMode());
         const auto isSame = [](const auto &a, const auto &b) { return *a == *b; };
-        ASSERT_TRUE(std::ranges::equal(browsing.everyAlbum(), fresh.everyAlbum(), isSame)) << step;
+        for (const Side of : {Side::Computer, Side::Device}) {
+            ASSERT_TRUE(std::ranges::equal(browsing.everyAlbum(of), fresh.everyAlbum(of), isSame)) << step;
+        }
         ASSERT_TRUE(std::ranges::equal(*browsing.albums(), *fresh.albums(), isSame)) << step;
         ASSERT_EQ(*browsing.filteredTracks(), *fresh.filteredTracks()) << step;
         ASSERT_EQ(browsing.filteredTrackCount(), fresh.filteredTrackCount()) << step;

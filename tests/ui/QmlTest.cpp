@@ -64,6 +64,22 @@ public:
         }
         ModelDesk::import(*m_model, m_desk.folder / folder);
     }
+    /// An album of several discs, with a cover.
+    Q_INVOKABLE void addDiscs(const QString &album, int discs, int tracks)
+    {
+        const std::string folder = "music/" + std::to_string(++m_albums) + "/";
+        for (int disc = 1; disc <= discs; ++disc) {
+            for (int track = 1; track <= tracks; ++track) {
+                const std::string place = std::to_string(disc) + '-' + std::to_string(track);
+                m_desk.folder.write(folder + place + ".flac",
+                    flacWith({"ARTIST=A", "ALBUM=" + album.toStdString(), "TITLE=Track " + place,
+                                 "DISCNUMBER=" + std::to_string(disc), "TRACKNUMBER=" + std::to_string(track)},
+                        place));
+            }
+        }
+        m_desk.folder.write(folder + "cover.png", fileBytes(dataFile("images/plain.png")));
+        ModelDesk::import(*m_model, m_desk.folder / folder);
+    }
     /// The same, with tracks that can be heard, for nearly four seconds each.
     Q_INVOKABLE void addSounds(const QString &album)
     {

@@ -247,9 +247,8 @@ std::optional<ImageFacts> imageFacts(const QByteArray &bytes)
     }
     if (isJpeg(format)) {
         const std::optional<JpegHeader> header = readJpegHeader(bytes);
-        return header ? std::optional(ImageFacts {
-                            ImageFacts::Type::Jpeg, header->width, header->height, header->progressive && header->jfif,
-                            QString::fromLatin1(format).toUpper()})
+        return header ? std::optional(ImageFacts {ImageFacts::Type::Jpeg, header->width, header->height,
+                            header->progressive && header->jfif, QString::fromLatin1(format).toUpper()})
                       : std::nullopt;
     }
     const QSize size = Reader(bytes, format).size();

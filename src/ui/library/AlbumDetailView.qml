@@ -9,6 +9,8 @@ PanelSheet {
     required property AlbumSheetPresenter album
 
     readonly property int columnSpacing: 22
+    property alias viewer: viewer
+    property alias searchSheet: searchSheet
 
     title: L10n.text("Szczegóły albumu")
     closeText: L10n.text("Gotowe")
@@ -50,10 +52,11 @@ PanelSheet {
 
         AlbumCoverColumn {
             id: coverColumn
+            objectName: "coverColumn"
             Layout.fillHeight: true
             Layout.leftMargin: -around // the cover is in line with the heading
             Layout.rightMargin: -around
-            Layout.preferredWidth: Math.round(240 * Math.min(1.3, Tokens.type.scale)) + 2 * around
+            Layout.preferredWidth: Math.round(240 * Math.min(1.5, Tokens.type.scale)) + 2 * around
             album: root.album
             onLargeWanted: viewer.open()
             onSearchWanted: root.album.findCover()
@@ -82,7 +85,6 @@ PanelSheet {
 
     CoverViewer {
         id: viewer
-        objectName: "coverViewer"
         cover: root.album.cover
         ownSide: root.album.coverSide
         caption: root.album.coverFacts
@@ -90,7 +92,7 @@ PanelSheet {
         wanted: root.opened && root.album.available
     }
     CoverSearchView {
-        objectName: "coverSearch"
+        id: searchSheet
         z: 1 // also where both are opened at once
         search: root.album.coverSearch
         wanted: root.opened && root.album.coverSearch.wanted

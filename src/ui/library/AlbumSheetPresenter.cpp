@@ -10,8 +10,8 @@
 #include <algorithm>
 #include <numeric>
 
-AlbumSheetPresenter::AlbumSheetPresenter(MarluneModel &model, std::shared_ptr<CoverStore> covers,
-    std::optional<bool> onDeviceOverride, QObject *parent)
+AlbumSheetPresenter::AlbumSheetPresenter(
+    MarluneModel &model, std::shared_ptr<CoverStore> covers, std::optional<bool> onDeviceOverride, QObject *parent)
     : QObject(parent)
     , m_model(model)
     , m_covers(std::move(covers))
@@ -128,16 +128,16 @@ QString AlbumSheetPresenter::coverFacts() const
 bool AlbumSheetPresenter::queued() const
 {
     const QSet<QUuid> &chosen = m_model.chosen(m_onDeviceOverride);
-    return std::all_of(m_album->tracks.begin(), m_album->tracks.end(),
-        [&](const Track &track) { return chosen.contains(track.id); });
+    return std::all_of(
+        m_album->tracks.begin(), m_album->tracks.end(), [&](const Track &track) { return chosen.contains(track.id); });
 }
 
 bool AlbumSheetPresenter::holdsCurrent() const
 {
     const std::optional<Track> &current = m_model.playback().current();
-    return current
-        && std::any_of(m_album->tracks.begin(), m_album->tracks.end(),
-            [&](const Track &track) { return track.id == current->id; });
+    return current && std::any_of(m_album->tracks.begin(), m_album->tracks.end(), [&](const Track &track) {
+        return track.id == current->id;
+    });
 }
 
 bool AlbumSheetPresenter::playing() const

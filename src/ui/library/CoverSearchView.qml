@@ -12,6 +12,7 @@ PanelSheet {
     required property CoverSearchPresenter search
 
     readonly property int ringRoom: 4
+    readonly property bool untried: root.search.message.length === 0
 
     title: L10n.text("Znajdź okładkę")
     broad: Math.round(640 * Tokens.type.scale)
@@ -77,11 +78,10 @@ PanelSheet {
             objectName: "searchState"
             anchors.fill: parent
             visible: root.search.results.count === 0 && !root.search.searching
-            symbol: root.search.message === "" ? "photo" : "photo.badge.exclamationmark"
+            symbol: root.untried ? "photo" : "photo.badge.exclamationmark"
             titleFont: Tokens.type.headline
-            title: root.search.message === "" ? L10n.text("Tu pojawią się znalezione wydania") : root.search.message
-            detail: root.search.message === ""
-                ? L10n.text("Popraw nazwy, jeśli trzeba, i naciśnij „Szukaj”.") : ""
+            title: root.untried ? L10n.text("Tu pojawią się znalezione wydania") : root.search.message
+            detail: root.untried ? L10n.text("Popraw nazwy, jeśli trzeba, i naciśnij „Szukaj”.") : ""
         }
         Column {
             anchors.centerIn: parent

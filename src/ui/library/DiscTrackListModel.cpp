@@ -45,13 +45,18 @@ QVariant DiscTrackListModel::data(const QModelIndex &index, int role) const
         return {};
     }
     const Row &row = m_rows[std::size_t(index.row())];
+    if (!row.track && role == HeadingRole) {
+        return AppLocalizer::text(QString::number(row.disc->number) + QStringLiteral(" · Utwory: ")
+            + QString::number(row.disc->tracks.size()));
+    }
     if (!row.track) {
-        return role == HeadingRole ? AppLocalizer::text(QString::number(row.disc->number) + QStringLiteral(" · Utwory: ")
-                                         + QString::number(row.disc->tracks.size()))
-            : role == QueuedRole || role == PlayingRole ? QVariant(false)
-                                                        : QVariant(QString());
+        return role > HeadingRole && role < QueuedRole ? QVariant(QString())
+            : role >= QueuedRole                       ? QVariant(false)
+                                                       : QVariant();
     }
     switch (role) {
+    case HeadingRole:
+        return QString();
     case Qt::DisplayRole:
     case TitleRole:
         return Wording::fileName(row.track->title);
@@ -66,7 +71,7 @@ QVariant DiscTrackListModel::data(const QModelIndex &index, int role) const
     case PlayingRole:
         return row.playing;
     default:
-        return QString();
+        return {};
     }
 }
 
