@@ -12,7 +12,9 @@ Sheet {
     property Item firstFocus: closeButton ///< what has the focus when it opens
     default property alias shown: body.data
     property alias tools: slot.data ///< between the heading and the button
+    property Flickable scrolled: null ///< what the arrow keys, Page Up and Down, Home and End move
 
+    readonly property int step: 60 ///< that an arrow key scrolls by
     readonly property size room: Qt.size((root.parent?.width ?? 0) - 4 * Tokens.space.group,
         (root.parent?.height ?? 0) - 4 * Tokens.space.group)
     readonly property real bodyRoom: root.room.height - head.implicitHeight - Tokens.space.wide ///< for what is shown
@@ -28,6 +30,23 @@ Sheet {
 
     contentItem: ColumnLayout {
         spacing: Tokens.space.wide
+        Keys.enabled: root.scrolled !== null
+        Keys.onPressed: event => {
+            const view = root.scrolled;
+            const page = Math.max(root.step, view.height - root.step);
+            const by = {
+                [Qt.Key_Up]: -root.step,
+                [Qt.Key_Down]: root.step,
+                [Qt.Key_PageUp]: -page,
+                [Qt.Key_PageDown]: page,
+                [Qt.Key_Home]: -Infinity,
+                [Qt.Key_End]: Infinity
+            }[event.key];
+            if (by !== undefined) {
+                view.contentY = Math.max(0, Math.min(view.contentY + by, view.contentHeight - view.height));
+                event.accepted = true;
+            }
+        }
 
         RowLayout {
             id: head

@@ -93,7 +93,6 @@ PanelSheet {
     }
     CoverSearchView {
         id: searchSheet
-        z: 1 // also where both are opened at once
         search: root.album.coverSearch
         wanted: root.opened && root.album.coverSearch.wanted
     }

@@ -21,7 +21,6 @@ T.Popup {
     parent: T.Overlay.overlay
     width: parent?.width ?? 0
     height: parent?.height ?? 0
-    z: 2
     modal: true
     dim: false
     focus: true
