@@ -1,4 +1,5 @@
 // Runs the tests in qml/ against the pages' own module. `Bench` gives them a real model with albums of real files.
+#include "support/CannedServer.h"
 #include "support/ModelDesk.h"
 #include "ui/MarluneApp.h"
 #include "ui/backups/BackupsPresenter.h"
@@ -154,7 +155,27 @@ public:
 private:
     static QPointF middle(const QQuickItem *item) { return item->mapToScene({item->width() / 2, item->height() / 2}); }
 
+    /// A catalogue and an archive of covers with two albums in them, and one picture for both.
+    [[nodiscard]] static CannedServer::Answer coverAnswer(const CannedServer::Asked &asked)
+    {
+        QByteArrayList albums;
+        for (const char *id : {"0cd1dd5b-3c5e-4d3a-9f0e-000000000001", "0cd1dd5b-3c5e-4d3a-9f0e-000000000002"}) {
+            albums.append("{\"id\":\"" + QByteArray(id) + "\",\"title\":\"T\",\"artist-credit\":[{\"name\":\"A\"}]}");
+        }
+        return CannedServer::answer("200 OK",
+            asked.target.startsWith("/ws/") ? "{\"release-groups\":[" + albums.join(',') + "]}"
+                                            : QByteArray::fromStdString(fileBytes(dataFile("images/plain.png"))));
+    }
+
+    CannedServer m_server {{}};
     ModelDesk m_desk;
+    std::unique_ptr<CoverSearch> &m_covers = m_desk.covers = [this] {
+        m_server.answering = coverAnswer;
+        return std::make_unique<CoverSearch>(CoverServices {.catalogue = m_server.root(),
+            .site = m_server.root(),
+            .archive = m_server.root(),
+            .spacing = std::chrono::milliseconds(1)});
+    }();
     std::unique_ptr<MarluneModel> m_model = m_desk.start();
     ShellPresenter m_shell {*m_model};
     DevicePresenter m_device {*m_model};

@@ -12,6 +12,8 @@ PanelSheet {
     required property CoverSearchPresenter search
 
     readonly property int ringRoom: 4
+    readonly property real listRoom: root.bodyRoom - note.implicitHeight - form.implicitHeight
+        - outcome.implicitHeight - 3 * Tokens.space.regular
     readonly property bool untried: root.search.message.length === 0
 
     title: L10n.text("Znajdź okładkę")
@@ -21,11 +23,13 @@ PanelSheet {
     onDismissed: root.search.dismiss()
 
     TextBlock {
+        id: note
         Layout.fillWidth: true
         text: L10n.text("MusicBrainz / Cover Art Archive · wysyłamy wyłącznie wykonawcę i tytuł. Wybierz grafikę pasującą do Twojego wydania.")
         font: Tokens.type.caption
     }
     RowLayout {
+        id: form
         spacing: Tokens.space.regular
 
         NamedField {
@@ -53,7 +57,6 @@ PanelSheet {
         }
     }
     RowLayout {
-        visible: root.search.results.count > 0
         spacing: Tokens.space.tight
 
         ProgressBar {
@@ -66,13 +69,14 @@ PanelSheet {
             id: outcome
             objectName: "searchMessage"
             Layout.fillWidth: true
-            text: root.search.downloading ? L10n.text("Pobieram okładkę…") : root.search.message
+            text: root.search.downloading ? L10n.text("Pobieram okładkę…")
+                : root.search.results.count > 0 ? root.search.message : ""
             font: Tokens.type.caption
         }
     }
     Item {
         Layout.fillWidth: true
-        Layout.preferredHeight: Math.max(120, Math.min(root.bodyRoom - y, Math.round(430 * Tokens.type.scale)))
+        Layout.preferredHeight: Math.max(120, Math.min(root.listRoom, Math.round(430 * Tokens.type.scale)))
 
         EmptyState {
             objectName: "searchState"
@@ -116,6 +120,7 @@ PanelSheet {
             keyNavigationEnabled: false
             highlightFollowsCurrentItem: false
             model: root.search.results
+            onCountChanged: currentIndex = Math.max(0, currentIndex) // none is current after a change of all rows
             Accessible.role: Accessible.List
             Accessible.name: root.title
             T.ScrollBar.vertical: ScrollBar {

@@ -96,8 +96,32 @@ PageTest {
         keyClick(Qt.Key_Space);
         keyClick(Qt.Key_Return); // which asks, and learns that there is nothing to ask for
         tryCompare(findChild(search.contentItem, "searchState"), "title", "Podaj wykonawcę i tytuł albumu.");
+        field.text = "T";
+        field.textEdited();
+        keyClick(Qt.Key_Return);
+        const list = findChild(search.contentItem, "resultList");
+        tryCompare(list, "count", 2);
+        tryVerify(() => list.currentItem !== null);
         keyClick(Qt.Key_Escape);
         tryVerify(() => !search.visible && root.sheet.opened && find.activeFocus);
+        compare(list.count, 0);
+
+        keyClick(Qt.Key_Space);
+        tryVerify(() => search.opened);
+        keyClick(Qt.Key_Space);
+        tryVerify(() => list.count === 2 && list.currentItem !== null);
+        findChild(search.contentItem, "searchButton").forceActiveFocus(Qt.TabFocusReason);
+        keyClick(Qt.Key_Tab);
+        tryVerify(() => list.currentItem.visualFocus);
+        keyClick(Qt.Key_Down);
+        verify(list.currentIndex === 1 && list.currentItem.visualFocus);
+        tryVerify(() => list.currentItem.picture !== "");
+        const before = root.bench.albumSheet.cover;
+        keyClick(Qt.Key_Tab);
+        verify(findChild(list.currentItem, "downloadButton").activeFocus);
+        keyClick(Qt.Key_Return);
+        tryVerify(() => !search.visible && find.activeFocus);
+        tryVerify(() => root.bench.albumSheet.cover !== before && part("coverSourceButton").visible);
     }
 
     function test_largeTextIsNotCut() {
