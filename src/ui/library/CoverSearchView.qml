@@ -72,6 +72,7 @@ PanelSheet {
             text: root.search.downloading ? L10n.text("Pobieram okładkę…")
                 : root.search.results.count > 0 ? root.search.message : ""
             font: Tokens.type.caption
+            Accessible.ignored: text === ""
         }
     }
     Item {

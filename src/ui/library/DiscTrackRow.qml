@@ -101,6 +101,7 @@ T.ItemDelegate {
                 focusPolicy: Qt.NoFocus
                 symbol: root.queued ? "checkmark.circle.fill" : "plus.circle"
                 toolTip: root.queueText
+                Accessible.name: root.queueText + ": " + root.trackTitle
                 onClicked: root.toggled()
             }
         }
