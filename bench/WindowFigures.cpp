@@ -1,5 +1,6 @@
 // The real window while a library comes in and is scrolled through: does the UI thread keep its beat, how much memory
 // does it take, which frames come late.
+#include "BenchWindow.h"
 #include "Figures.h"
 
 #include "ui/MarluneApp.h"
@@ -28,48 +29,6 @@ double residentBytes()
     double resident = 0;
     statm >> pages >> resident;
     return resident * double(::sysconf(_SC_PAGESIZE));
-}
-
-void runFor(int milliseconds)
-{
-    QEventLoop loop;
-    QTimer::singleShot(milliseconds, &loop, &QEventLoop::quit);
-    loop.exec();
-}
-
-/// The setup of a user who has nothing yet.
-MarluneApp::Setup emptySetup(const Bench::WorkFolder &folder)
-{
-    static const bool prepared = (MarluneApp::prepareApplication(), true);
-    (void)prepared;
-    return {.settingsFile = folder.path() / "settings.json",
-        .supportFolder = folder.path(),
-        .deviceDiscovery = [] { return std::vector<Device> {}; },
-        .ejectVolume = {},
-        .panels = nullptr};
-}
-
-QQuickItem *findGrid(QQuickItem *root)
-{
-    if (root->objectName() == QLatin1String("albumGrid")) {
-        return root;
-    }
-    for (QQuickItem *child : root->childItems()) {
-        if (QQuickItem *found = findGrid(child)) {
-            return found;
-        }
-    }
-    return nullptr;
-}
-
-/// One frame begins when the one before is done, so that the gaps are what the frames take. Before the first window.
-void renderWithoutPause()
-{
-    qputenv("QSG_RENDER_LOOP", "basic");
-    qputenv("QT_QPA_UPDATE_IDLE_TIME", "0");
-    QSurfaceFormat format = QSurfaceFormat::defaultFormat();
-    format.setSwapInterval(0);
-    QSurfaceFormat::setDefaultFormat(format);
 }
 
 /// Prints what the frames take while `view` is scrolled from its beginning to its end.
@@ -196,7 +155,7 @@ void tiles(const std::filesystem::path &library)
     }
     runFor(3000);
 
-    QQuickItem *grid = findGrid(program.window()->contentItem());
+    QQuickItem *grid = findItem(program.window()->contentItem(), "albumGrid");
     if (!grid) {
         std::printf("tiles: the window shows no grid\n");
         return;
@@ -221,7 +180,7 @@ void drawings(const std::filesystem::path &)
     engine.loadData(gallery);
     auto *window
         = engine.rootObjects().isEmpty() ? nullptr : qobject_cast<QQuickWindow *>(engine.rootObjects().front());
-    QQuickItem *grid = window ? findGrid(window->contentItem()) : nullptr;
+    QQuickItem *grid = window ? findItem(window->contentItem(), "albumGrid") : nullptr;
     require(grid, "the gallery");
     runFor(1000);
     for (const char *pass : {"drawings", "drawings-again"}) { // drawn on the way, and then at hand

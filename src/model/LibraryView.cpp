@@ -1,6 +1,8 @@
 // What the pages do with what is browsed: choices that are kept, and who hears of a change.
 #include "model/Model.h"
 
+#include <QPointer>
+
 void MarluneModel::onTracksChanged()
 {
     Q_EMIT tracksChanged();
@@ -9,9 +11,30 @@ void MarluneModel::onTracksChanged()
 
 void MarluneModel::reorder()
 {
-    Q_EMIT browsingChanged(); // which sorts by the new ones
     sortThemes(m_content.themes);
     Q_EMIT themesChanged();
+    runReorder();
+}
+
+QCoro::Task<> MarluneModel::runReorder()
+{
+    const QPointer<MarluneModel> self(this);
+    const int order = ++m_textOrder;
+    const Side shown = m_browsing.side();
+    for (const Side side : {shown, shown == Side::Device ? Side::Computer : Side::Device}) {
+        while (!m_browsing.isReady(side)) {
+            const LibraryContents base = m_browsing.contents(side);
+            auto work = [base] { return base.prepared(); };
+            const LibraryContents made = co_await background(work);
+            if (!self || order != m_textOrder) {
+                co_return;
+            }
+            (void)m_browsing.land(side, base, made); // otherwise once more
+        }
+        if (side == shown) {
+            Q_EMIT browsingChanged();
+        }
+    }
 }
 
 void MarluneModel::setArtwork(const QSet<QUuid> &ids, const QByteArray &image, bool onDevice)
@@ -93,13 +116,13 @@ void MarluneModel::setOpenAlbum(const std::optional<Album> &album)
 
 void MarluneModel::toggle(const Album &album)
 {
-    m_browsing.toggle(album);
+    m_browsing.toggle(m_browsing.side(), album);
     Q_EMIT selectionChanged();
 }
 
 void MarluneModel::toggleTrack(const Track &track)
 {
-    m_browsing.toggleTrack(track);
+    m_browsing.toggleTrack(m_browsing.side(), track);
     Q_EMIT selectionChanged();
 }
 

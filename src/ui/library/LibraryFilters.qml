@@ -70,8 +70,7 @@ ColumnLayout {
             Layout.fillWidth: true
             placeholderText: L10n.text("Szukaj albumu, wykonawcy lub utworu")
             text: root.model.search
-            onTextEdited: root.library.searchSoon(text)
-            onTextChanged: if (text === "") root.library.searchSoon(text)
+            onTextChanged: root.model.search = text
 
             Shortcut {
                 sequence: "Ctrl+F"

@@ -5,8 +5,6 @@
 
 namespace {
 
-constexpr int searchPauseMilliseconds = 150;
-
 QStringList textsOf(const auto &values, const auto &textOf)
 {
     QStringList texts;
@@ -21,9 +19,6 @@ LibraryPresenter::LibraryPresenter(MarluneModel &model, std::shared_ptr<CoverSto
     , m_model(model)
     , m_albums(model, std::move(covers))
 {
-    m_searchPause.setSingleShot(true);
-    m_searchPause.setInterval(searchPauseMilliseconds);
-    connect(&m_searchPause, &QTimer::timeout, this, [this] { m_model.setSearch(m_searchText); });
     connect(&m_albums, &AlbumListModel::refreshed, this, &LibraryPresenter::refreshContent);
     connect(&m_model, &MarluneModel::deviceChanged, this, &LibraryPresenter::canReadDeviceChanged);
     connect(&m_model, &MarluneModel::busyChanged, this, &LibraryPresenter::canReadDeviceChanged);
@@ -53,27 +48,14 @@ bool LibraryPresenter::canReadDevice() const
 
 void LibraryPresenter::refreshContent()
 {
-    Content content {.albums = m_model.albums()->size(), .withoutMusic = m_model.activeTracks().empty()};
-    for (const Track &track : m_model.activeTracks()) { // counted in place: the filtered list would be sorted copies
-        if (m_model.matches(track)) {
-            ++content.tracks;
-            content.highResolution = content.highResolution || isHighResolution(track.info);
-        }
-    }
+    const std::shared_ptr<const TrackMatches> matches = m_model.trackMatches();
+    const Content content {.albums = m_model.albums()->size(),
+        .tracks = matches->count,
+        .withoutMusic = m_model.activeTracks().empty(),
+        .highResolution = matches->highResolution};
     if (m_content != content) {
         m_content = content;
         Q_EMIT contentChanged();
-    }
-}
-
-void LibraryPresenter::searchSoon(const QString &text)
-{
-    m_searchText = text;
-    if (text.isEmpty()) {
-        m_searchPause.stop();
-        m_model.setSearch(text);
-    } else {
-        m_searchPause.start();
     }
 }
 

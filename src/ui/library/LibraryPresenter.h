@@ -6,7 +6,6 @@
 #include "ui/library/AlbumListModel.h"
 
 #include <QObject>
-#include <QTimer>
 #include <QUrl>
 
 class LibraryPresenter : public QObject {
@@ -37,8 +36,6 @@ public:
     [[nodiscard]] bool highResolutionListed() const { return m_content.highResolution; }
     [[nodiscard]] bool canReadDevice() const;
 
-    /// Searches for the text once typing pauses; at once for an empty one.
-    Q_INVOKABLE void searchSoon(const QString &text);
     /// Adds dropped files and folders to the library and the queue; other addresses are left out.
     Q_INVOKABLE void importDropped(const QList<QUrl> &urls);
 
@@ -60,6 +57,4 @@ private:
     MarluneModel &m_model;
     AlbumListModel m_albums;
     Content m_content;
-    QTimer m_searchPause;
-    QString m_searchText;
 };

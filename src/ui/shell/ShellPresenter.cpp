@@ -55,11 +55,7 @@ QString ShellPresenter::remaining() const
 
 void ShellPresenter::refresh()
 {
-    const QSet<QUuid> &queued = m_model.queued();
-    m_queuedTracks = 0; // counted in place: the queue itself would be a copy of its tracks
-    for (const Track &track : m_model.tracks()) {
-        m_queuedTracks += queued.contains(track.id) ? 1 : 0;
-    }
+    m_queuedTracks = m_model.queueCount();
     m_queuedBytes = m_model.queueBytes();
     Q_EMIT changed();
 }
