@@ -10,7 +10,7 @@ QtObject {
 
     readonly property real scale: Math.max(1, Tokens.type.scale)
     readonly property int gap: root.width < 500 * root.scale ? Tokens.space.tight : Tokens.space.regular
-    readonly property int leastTitle: Math.round(230 * root.scale)
+    readonly property int leastTitle: Math.round(215 * root.scale)
     readonly property int leastParameters: Math.round(45 * root.scale)
 
     readonly property int rowHeight: Tokens.height.small + Tokens.space.tight
