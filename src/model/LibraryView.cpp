@@ -103,6 +103,18 @@ void MarluneModel::toggleTrack(const Track &track, std::optional<bool> onDeviceO
     Q_EMIT selectionChanged();
 }
 
+void MarluneModel::toggleTracks(const QSet<QUuid> &ids)
+{
+    m_browsing.toggle(m_browsing.side(), ids);
+    Q_EMIT selectionChanged();
+}
+
+void MarluneModel::enqueue(const QSet<QUuid> &ids)
+{
+    m_browsing.enqueue(ids);
+    Q_EMIT selectionChanged();
+}
+
 void MarluneModel::clearQueue()
 {
     if (!m_work.busy() && !queued().isEmpty()) {

@@ -204,6 +204,10 @@ public:
     /// it is there.
     void toggle(const Album &album, std::optional<bool> onDeviceOverride = std::nullopt);
     void toggleTrack(const Track &track, std::optional<bool> onDeviceOverride = std::nullopt);
+    /// Tracks of the side that is shown, by their ids, in the way of an album.
+    void toggleTracks(const QSet<QUuid> &ids);
+    /// Adds those that are tracks of the computer.
+    void enqueue(const QSet<QUuid> &ids);
     [[nodiscard]] const QSet<QUuid> &chosen(std::optional<bool> onDeviceOverride) const
     {
         return m_browsing.chosen(side(onDeviceOverride));
