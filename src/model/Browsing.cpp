@@ -309,17 +309,31 @@ void Browsing::enqueue(const std::vector<Track> &tracks)
     }
 }
 
+void Browsing::enqueue(const QSet<QUuid> &ids)
+{
+    for (const Track &track : tracks(Side::Computer)) {
+        if (ids.contains(track.id)) {
+            m_chosen[place(Side::Computer)].insert(track.id);
+        }
+    }
+}
+
 void Browsing::toggle(const Album &album)
 {
-    QSet<QUuid> &target = m_chosen[place(m_side)];
-    const bool all = std::all_of(
-        album.tracks.begin(), album.tracks.end(), [&](const Track &track) { return target.contains(track.id); });
+    QSet<QUuid> ids;
     for (const Track &track : album.tracks) {
-        if (all) {
-            target.remove(track.id);
-        } else {
-            target.insert(track.id);
-        }
+        ids.insert(track.id);
+    }
+    toggle(ids);
+}
+
+void Browsing::toggle(const QSet<QUuid> &tracks)
+{
+    QSet<QUuid> &target = m_chosen[place(m_side)];
+    if (target.contains(tracks)) {
+        target.subtract(tracks);
+    } else {
+        target.unite(tracks);
     }
 }
 

@@ -75,10 +75,14 @@ public:
     [[nodiscard]] std::vector<Track> queue() const;
     [[nodiscard]] std::int64_t queueBytes() const;
     void enqueue(const std::vector<Track> &tracks);
+    /// Those of the ids that are the computer's tracks.
+    void enqueue(const QSet<QUuid> &ids);
     void dequeue(const QSet<QUuid> &ids) { m_chosen[place(Side::Computer)].subtract(ids); }
     void clearQueue() { m_chosen[place(Side::Computer)].clear(); }
     /// Adds the album to the set of the side that is shown, or takes it out if all of it is there.
     void toggle(const Album &album);
+    /// The same with tracks of that side.
+    void toggle(const QSet<QUuid> &tracks);
     void toggleTrack(const Track &track);
 
 private:

@@ -103,6 +103,18 @@ void MarluneModel::toggleTrack(const Track &track)
     Q_EMIT selectionChanged();
 }
 
+void MarluneModel::toggleTracks(const QSet<QUuid> &ids)
+{
+    m_browsing.toggle(ids);
+    Q_EMIT selectionChanged();
+}
+
+void MarluneModel::enqueue(const QSet<QUuid> &ids)
+{
+    m_browsing.enqueue(ids);
+    Q_EMIT selectionChanged();
+}
+
 void MarluneModel::clearQueue()
 {
     if (!m_work.busy() && !queued().isEmpty()) {

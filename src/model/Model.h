@@ -201,6 +201,10 @@ public:
     /// Adds the album to the set of the side that is shown, or takes it out if all of it is there.
     void toggle(const Album &album);
     void toggleTrack(const Track &track);
+    /// Tracks of the side that is shown, by their ids, in the way of an album.
+    void toggleTracks(const QSet<QUuid> &ids);
+    /// Adds those that are tracks of the computer.
+    void enqueue(const QSet<QUuid> &ids);
     Q_INVOKABLE void clearQueue();
     /// Drops the album from the library; its files stay. What lies in folders of its own and was not brought back
     /// because the reading was ended goes with it.

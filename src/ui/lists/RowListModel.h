@@ -36,7 +36,7 @@ protected:
     {
         constexpr std::size_t maxSteps = 48; // past that a view is done sooner with all rows anew
         const auto ids = [&](const std::vector<Row> &of) {
-            std::vector<QString> result(of.size());
+            std::vector<std::decay_t<decltype(idOf(of.front()))>> result(of.size());
             std::transform(of.begin(), of.end(), result.begin(), idOf);
             return result;
         };
