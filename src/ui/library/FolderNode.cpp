@@ -196,8 +196,7 @@ std::string_view PathList::operator[](std::size_t place) const
     return std::string_view(m_bytes).substr(begin, m_ends[place] - begin);
 }
 
-FolderTree::FolderTree(
-    const PathList &files, const std::optional<std::filesystem::path> &root, const QString &rootName)
+FolderTree::FolderTree(const PathList &files, const std::optional<std::filesystem::path> &root, const QString &rootName)
 {
     Drafts found(prefixOf(root));
     for (std::size_t i = 0; i < files.size(); ++i) {
@@ -266,7 +265,7 @@ std::vector<std::uint32_t> FolderTree::placesIn(const FolderTree &other) const
         const std::uint32_t theirEnd = other[places[folder]].end;
         std::uint32_t ours = folder + 1;
         for (; ours < m_nodes[folder].end && theirs < theirEnd && key(m_nodes[ours]) == key(other[theirs]);
-             ours = m_nodes[ours].end, theirs = other[theirs].end) {
+            ours = m_nodes[ours].end, theirs = other[theirs].end) {
             places[ours] = theirs; // as long as both hold the same
         }
         QHash<std::pair<QString, int>, std::uint32_t> rest;

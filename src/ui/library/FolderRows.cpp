@@ -30,8 +30,8 @@ std::vector<std::uint32_t> FolderRows::sums(const std::vector<bool> &tracks, con
     std::vector<std::uint32_t> result(m_tree->size() + 1, 0);
     for (Node node = 0; node < m_tree->size(); ++node) {
         const std::uint32_t track = (*m_tree)[node].track;
-        const bool counts = track < tracks.size() && tracks[track]
-            && (!andThese || (track < andThese->size() && (*andThese)[track]));
+        const bool counts
+            = track < tracks.size() && tracks[track] && (!andThese || (track < andThese->size() && (*andThese)[track]));
         result[node + 1] = result[node] + (counts ? 1 : 0);
     }
     return result;

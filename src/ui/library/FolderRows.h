@@ -19,7 +19,8 @@ public:
     void setTree(std::shared_ptr<const FolderTree> tree, const std::vector<Node> &before);
     [[nodiscard]] const std::shared_ptr<const FolderTree> &tree() const { return m_tree; }
 
-    /// A bit for each track that the tree was built of, and whether they were searched for. Before it nothing is listed.
+    /// A bit for each track that the tree was built of, and whether they were searched for. Before it nothing is
+    /// listed.
     void setListed(const std::vector<bool> &tracks, bool isSearch);
     void setChosen(const std::vector<bool> &tracks);
 
@@ -49,7 +50,8 @@ private:
         ClosedInSearch = 8,
     };
 
-    [[nodiscard]] std::vector<std::uint32_t> sums(const std::vector<bool> &tracks, const std::vector<bool> *andThese) const;
+    [[nodiscard]] std::vector<std::uint32_t> sums(
+        const std::vector<bool> &tracks, const std::vector<bool> *andThese) const;
     void openFound();
     void appendVisible(Node first, Node end, std::vector<Node> &rows) const;
 

@@ -162,15 +162,14 @@ const Track *FolderTreeModel::track(Node file) const
 {
     const std::vector<Track> &tracks = m_model.activeTracks();
     const std::uint32_t place = tree()[file].track;
-    const bool isThere = m_isOnDevice == m_model.libraryOnDevice() && place < tracks.size()
-        && tracks[place].id == m_shown.ids[place];
+    const bool isThere
+        = m_isOnDevice == m_model.libraryOnDevice() && place < tracks.size() && tracks[place].id == m_shown.ids[place];
     return isThere ? &tracks[place] : nullptr;
 }
 
 std::vector<FolderTreeModel::Node> FolderTreeModel::about(int row) const
 {
-    const std::vector<int> rows
-        = m_shown.selection.contains(row) ? m_shown.selection.rows() : std::vector<int> {row};
+    const std::vector<int> rows = m_shown.selection.contains(row) ? m_shown.selection.rows() : std::vector<int> {row};
     std::vector<Node> result;
     Node past = 0; // the folder taken last
     for (const int each : rows) {
@@ -301,8 +300,7 @@ void FolderTreeModel::play(int row)
     if (isLoaded) {
         playback.toggle();
     } else if (const Track *first = files.empty() ? nullptr : track(files.front())) {
-        playback.play(
-            *first, queueAround(files.front(), isFolder ? files : tree().children(tree()[*shown].parent)));
+        playback.play(*first, queueAround(files.front(), isFolder ? files : tree().children(tree()[*shown].parent)));
     }
 }
 

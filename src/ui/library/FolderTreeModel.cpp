@@ -4,7 +4,6 @@
 #include "ui/words/Wording.h"
 
 #include "platform/files/PathText.h"
-#include "platform/text/TextOrder.h"
 
 #include <QPointer>
 
@@ -155,15 +154,14 @@ std::vector<bool> FolderTreeModel::listedTracks() const
 {
     const std::vector<Track> &tracks = m_model.activeTracks();
     std::vector<bool> result(tracks.size());
-    std::transform(tracks.begin(), tracks.end(), result.begin(),
-        [this](const Track &track) { return m_model.matches(track); });
+    std::transform(
+        tracks.begin(), tracks.end(), result.begin(), [this](const Track &track) { return m_model.matches(track); });
     return result;
 }
 
 void FolderTreeModel::refreshIfShown()
 {
-    const bool isShown
-        = m_model.section() == Section::Music && m_model.viewMode() == viewModeText(ViewMode::Folders);
+    const bool isShown = m_model.section() == Section::Music && m_model.viewMode() == viewModeText(ViewMode::Folders);
     if (m_isOutdated && isShown) {
         refresh();
     }
@@ -328,8 +326,7 @@ void FolderTreeModel::follow(const Places &before)
 {
     RowSelection &selection = m_shown.selection;
     std::vector<int> newRows(before.rows.size());
-    std::transform(
-        before.rows.begin(), before.rows.end(), newRows.begin(), [this](Node node) { return rowOf(node); });
+    std::transform(before.rows.begin(), before.rows.end(), newRows.begin(), [this](Node node) { return rowOf(node); });
     selection = before.selection;
     selection.remap(newRows, rowCount());
     const auto current = std::size_t(before.selection.current());

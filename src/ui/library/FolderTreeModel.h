@@ -14,6 +14,7 @@
 #include "ui/lists/TypeAhead.h"
 
 #include "platform/tasks/BurstTimer.h"
+#include "platform/text/TextOrder.h"
 
 #include <QtQml/qqmlregistration.h>
 
