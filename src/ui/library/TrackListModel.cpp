@@ -387,7 +387,7 @@ void TrackListModel::revealSelected(int row) const
     }
 }
 
-void TrackListModel::drag(int row, QObject *source)
+void TrackListModel::drag(int row)
 {
     FileDrag::Load load {.paths = {}, .tracks = {}, .onDevice = m_model.libraryOnDevice(), .title = {}};
     for (const int each : about(row)) {
@@ -397,9 +397,7 @@ void TrackListModel::drag(int row, QObject *source)
             load.title = known->title;
         }
     }
-    if (source) {
-        FileDrag::run(*source, std::move(load));
-    }
+    FileDrag::run(*this, std::move(load)); // the row's item may be another row's by the end of it
 }
 
 void TrackListModel::play(int row)

@@ -74,8 +74,8 @@ public:
     /// Whether all that toggleSelected() is about are queued or selected.
     [[nodiscard]] Q_INVOKABLE bool selectedAreChosen(int row) const;
     Q_INVOKABLE void revealSelected(int row) const;
-    /// Drags the files out; returns when they have been let go. `source` is the row's item.
-    Q_INVOKABLE void drag(int row, QObject *source);
+    /// Drags the files out; returns when they have been let go.
+    Q_INVOKABLE void drag(int row);
 
     // What is about one track alone.
     /// Plays it with the whole list as its queue; pauses or resumes where it is loaded.
