@@ -76,6 +76,10 @@ void start(const std::filesystem::path &library);
 [[nodiscard]] int firstFrame(int argc, char **argv, const std::filesystem::path &folder);
 /// Scrolls through the album grid.
 void tiles(const std::filesystem::path &library);
+/// Scrolls through each view of the library, from end to end.
+void scroll(const std::filesystem::path &library);
+/// What scrolling through all covers leaves in memory.
+void coversMemory(const std::filesystem::path &library);
 /// Scrolls through all drawn iPods; needs no library.
 void drawings(const std::filesystem::path &library);
 /// The text operation on texts of the program's own table.

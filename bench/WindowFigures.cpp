@@ -49,17 +49,36 @@ MarluneApp::Setup emptySetup(const Bench::WorkFolder &folder)
         .panels = nullptr};
 }
 
-QQuickItem *findGrid(QQuickItem *root)
+/// The visible item of this name.
+QQuickItem *findView(QQuickItem *root, const char *name)
 {
-    if (root->objectName() == QLatin1String("albumGrid")) {
-        return root;
+    if (!root->isVisible() || root->objectName() == QLatin1String(name)) {
+        return root->isVisible() ? root : nullptr;
     }
     for (QQuickItem *child : root->childItems()) {
-        if (QQuickItem *found = findGrid(child)) {
+        if (QQuickItem *found = findView(child, name)) {
             return found;
         }
     }
     return nullptr;
+}
+
+QQuickItem &view(const MarluneApp::Program &program, const char *name)
+{
+    QQuickItem *found = findView(program.window()->contentItem(), name);
+    Bench::require(found, name);
+    return *found;
+}
+
+/// Imports the library into a window of usual size, and lets it come to rest.
+void showLibrary(MarluneApp::Program &program, const std::filesystem::path &library)
+{
+    program.window()->setGeometry(0, 0, 1260, 820); // a screen without hardware can be smaller
+    program.model().importURLs({library}, false, false);
+    while (program.model().busy()) {
+        runFor(20);
+    }
+    runFor(3000);
 }
 
 /// One frame begins when the one before is done, so that the gaps are what the frames take. Before the first window.
@@ -189,19 +208,42 @@ void tiles(const std::filesystem::path &library)
 
     const WorkFolder folder;
     MarluneApp::Program program(emptySetup(folder));
-    program.window()->setGeometry(0, 0, 1260, 820); // a screen without hardware can be smaller
-    program.model().importURLs({library}, false, false);
-    while (program.model().busy()) {
-        runFor(20);
-    }
-    runFor(3000);
+    showLibrary(program, library);
+    scrollThrough("tiles", *program.window(), view(program, "albumGrid"), pixelsPerFrame);
+}
 
-    QQuickItem *grid = findGrid(program.window()->contentItem());
-    if (!grid) {
-        std::printf("tiles: the window shows no grid\n");
-        return;
+void scroll(const std::filesystem::path &library)
+{
+    renderWithoutPause();
+    constexpr double frames = 1500; // at most, from end to end
+
+    const WorkFolder folder;
+    MarluneApp::Program program(emptySetup(folder));
+    showLibrary(program, library);
+    for (const auto &[mode, name, figure] : {std::tuple(ViewMode::Albums, "albumGrid", "scroll-albums"),
+             std::tuple(ViewMode::Tracks, "trackList", "scroll-tracks"),
+             std::tuple(ViewMode::Folders, "folderTree", "scroll-folders")}) {
+        program.model().setViewMode(viewModeText(mode));
+        runFor(2000);
+        QQuickItem &list = view(program, name);
+        const double end = list.property("contentHeight").toDouble() - list.height();
+        scrollThrough(figure, *program.window(), list, std::max(40.0, end / frames));
     }
-    scrollThrough("tiles", *program.window(), *grid, pixelsPerFrame);
+}
+
+void coversMemory(const std::filesystem::path &library)
+{
+    renderWithoutPause();
+    constexpr double pixelsPerFrame = 120;
+
+    const WorkFolder folder;
+    MarluneApp::Program program(emptySetup(folder));
+    showLibrary(program, library);
+    const double before = residentBytes();
+    scrollThrough("covers-memory", *program.window(), view(program, "albumGrid"), pixelsPerFrame);
+    runFor(1000); // what was decoded last comes in
+    std::printf("covers-memory %.1f MB above %.1f MB, %zu albums\n", (residentBytes() - before) / 1e6, before / 1e6,
+        program.model().albums()->size());
 }
 
 void drawings(const std::filesystem::path &)
@@ -221,7 +263,7 @@ void drawings(const std::filesystem::path &)
     engine.loadData(gallery);
     auto *window
         = engine.rootObjects().isEmpty() ? nullptr : qobject_cast<QQuickWindow *>(engine.rootObjects().front());
-    QQuickItem *grid = window ? findGrid(window->contentItem()) : nullptr;
+    QQuickItem *grid = window ? findView(window->contentItem(), "albumGrid") : nullptr;
     require(grid, "the gallery");
     runFor(1000);
     for (const char *pass : {"drawings", "drawings-again"}) { // drawn on the way, and then at hand

@@ -1,5 +1,5 @@
 // The albums as tiles in as many columns as fit. One stop for the Tab key: the arrows and Page Up and Down move, Space
-// and Return queue the album, P plays or pauses it, the menu key or Shift+F10 opens its menu.
+// queues the album, Return opens it, P plays or pauses it, the menu key or Shift+F10 opens its menu.
 pragma ComponentBehavior: Bound
 
 import QtQuick
@@ -115,6 +115,7 @@ FocusScope {
                 coverDecodeSide: root.decodeSide
                 focusPolicy: GridView.isCurrentItem || activeFocus ? Qt.StrongFocus : Qt.ClickFocus
                 onActiveFocusChanged: if (activeFocus && index >= 0) view.currentIndex = index
+                onOpened: root.albums.open(index)
                 onToggled: root.albums.toggle(index)
                 onPlayNeared: root.albums.preparePlay()
                 onPlayed: root.albums.play(index)
