@@ -258,7 +258,13 @@ void FolderTreeModel::revealSelected(int row) const
     }
 }
 
-void FolderTreeModel::drag(int row, QObject *source)
+bool FolderTreeModel::canReveal(int row) const
+{
+    const std::vector<Node> nodes = about(row);
+    return std::any_of(nodes.begin(), nodes.end(), [this](Node each) { return pathOf(each).has_value(); });
+}
+
+void FolderTreeModel::drag(int row)
 {
     FileDrag::Load load {.paths = {}, .tracks = {}, .onDevice = m_model.libraryOnDevice(), .title = {}};
     for (const Track *each : tracksIn(about(row))) {
@@ -266,9 +272,7 @@ void FolderTreeModel::drag(int row, QObject *source)
         load.tracks.push_back(each->id);
         load.title = each->title;
     }
-    if (source) {
-        FileDrag::run(*source, std::move(load));
-    }
+    FileDrag::run(*this, std::move(load)); // the row's item may be another row's by the end of it
 }
 
 std::vector<Track> FolderTreeModel::queueAround(Node file, const std::vector<Node> &files) const
@@ -301,6 +305,16 @@ void FolderTreeModel::play(int row)
         playback.toggle();
     } else if (const Track *first = files.empty() ? nullptr : track(files.front())) {
         playback.play(*first, queueAround(files.front(), isFolder ? files : tree().children(tree()[*shown].parent)));
+    }
+}
+
+void FolderTreeModel::listen(int row)
+{
+    const std::optional<Node> shown = node(row);
+    if (shown && tree()[*shown].isFolder()) {
+        toggleOpen(row);
+    } else if (shown && *shown != m_playing) {
+        play(row);
     }
 }
 

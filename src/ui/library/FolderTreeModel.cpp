@@ -161,7 +161,8 @@ std::vector<bool> FolderTreeModel::listedTracks() const
 
 void FolderTreeModel::refreshIfShown()
 {
-    const bool isShown = m_model.section() == Section::Music && m_model.viewMode() == viewModeText(ViewMode::Folders);
+    const bool isShown
+        = m_model.section() == Section::Music && viewModeFromText(m_model.viewMode()) == ViewMode::Folders;
     if (m_isOutdated && isShown) {
         refresh();
     }

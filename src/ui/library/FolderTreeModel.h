@@ -89,13 +89,17 @@ public:
     /// Whether all that toggleSelected() is about are queued or selected.
     [[nodiscard]] Q_INVOKABLE bool selectedAreChosen(int row) const;
     Q_INVOKABLE void revealSelected(int row) const;
-    /// Drags the files out; returns when they have been let go. `source` is the row's item.
-    Q_INVOKABLE void drag(int row, QObject *source);
+    /// The computer's root is no folder.
+    [[nodiscard]] Q_INVOKABLE bool canReveal(int row) const;
+    /// Drags the files out; returns when they have been let go.
+    Q_INVOKABLE void drag(int row);
 
     // What is about one row alone.
     /// Plays a file with what its folder lists as the queue, and a folder from its first file; pauses or resumes what
     /// is loaded.
     Q_INVOKABLE void play(int row);
+    /// A file is played, but what is heard goes on; a folder is opened or closed.
+    Q_INVOKABLE void listen(int row);
     Q_INVOKABLE void preparePlay() { m_model.playback().prepare(); }
     /// Of a file.
     Q_INVOKABLE void openAlbum(int row);

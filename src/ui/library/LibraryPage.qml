@@ -13,7 +13,7 @@ Item {
 
     /// Gives the keyboard to what is listed.
     function focusContent() {
-        const shown = [albums, tracks].find(place => place.visible);
+        const shown = [albums, tracks, folders].find(place => place.visible);
         shown?.made?.takeFocus();
     }
 
@@ -95,6 +95,16 @@ Item {
                     TrackListView {
                         anchors.fill: parent
                         tracks: root.library.tracks
+                        deviceSide: root.model.libraryOnDevice
+                    }
+                }
+                LazyPlace {
+                    id: folders
+                    shown: root.library.foldersShown
+
+                    FolderTreeView {
+                        anchors.fill: parent
+                        folders: root.library.folders
                         deviceSide: root.model.libraryOnDevice
                     }
                 }
