@@ -5,14 +5,14 @@ import Marlune
 TextField {
     id: root
 
-    signal left
+    signal leaveWanted
 
     implicitHeight: Math.max(Tokens.height.regular, contentHeight + 18)
     leftPadding: 9 + Tokens.height.symbol + Tokens.space.tight
     rightPadding: clear.width + Tokens.space.hair
     Keys.onEscapePressed: event => {
         event.accepted = root.text !== "";
-        root.text === "" ? root.left() : root.clear();
+        root.text === "" ? root.leaveWanted() : root.clear();
     }
 
     Icon {

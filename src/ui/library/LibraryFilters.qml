@@ -75,7 +75,7 @@ ColumnLayout {
             onTextEdited: root.library.searchSoon(text)
             onTextChanged: if (text === "") root.library.searchSoon(text)
             Keys.onDownPressed: root.contentWanted()
-            onLeft: root.contentWanted()
+            onLeaveWanted: root.contentWanted()
 
             Shortcut {
                 sequence: "Ctrl+F"
@@ -106,6 +106,7 @@ ColumnLayout {
             }
             Item {
                 Layout.fillWidth: true
+                visible: root.library.albumsShown
             }
             Icon {
                 visible: root.library.albumsShown

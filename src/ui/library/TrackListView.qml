@@ -15,7 +15,7 @@ FocusScope {
     required property TrackListModel tracks
     required property bool deviceSide
 
-    readonly property int rowsOfAPage: Math.max(1, Math.floor(view.height / columns.rowHeight) - 1)
+    readonly property int rowsOfAPage: Math.max(1, Math.floor(view.height / sizes.rowHeight) - 1)
 
     function takeFocus() {
         view.currentItem?.forceActiveFocus(Qt.TabFocusReason);
@@ -24,11 +24,11 @@ FocusScope {
         menu.openFor(view.currentIndex, (view.currentItem as TrackRow)?.playing ?? false, view.currentItem);
     }
     function noteView() {
-        root.tracks.setView((view.contentY - view.originY) / columns.rowHeight, view.height / columns.rowHeight);
+        root.tracks.setView((view.contentY - view.originY) / sizes.rowHeight, view.height / sizes.rowHeight);
     }
     function showFrom(row: real) {
         view.positionViewAtIndex(Math.floor(row), ListView.Beginning);
-        view.contentY = Math.min(view.contentY + (row - Math.floor(row)) * columns.rowHeight,
+        view.contentY = Math.min(view.contentY + (row - Math.floor(row)) * sizes.rowHeight,
             Math.max(view.originY, view.originY + view.contentHeight - view.height));
     }
     /// Whether the key led anywhere.
@@ -58,7 +58,7 @@ FocusScope {
     }
 
     TrackColumns {
-        id: columns
+        id: sizes
         width: root.width
     }
     TrackMenu {
@@ -75,7 +75,7 @@ FocusScope {
     TrackHeader {
         id: header
         width: parent.width
-        columns: columns
+        columns: sizes
     }
     ListView {
         id: view
@@ -104,7 +104,7 @@ FocusScope {
             id: row
 
             width: view.width
-            columns: columns
+            columns: sizes
             deviceSide: root.deviceSide
             current: ListView.isCurrentItem
             onActiveFocusChanged: if (activeFocus && index >= 0) root.tracks.makeCurrent(index)

@@ -4,6 +4,9 @@ import QtQuick
 MouseArea {
     id: root
 
+    property point start ///< where the button went down
+    property bool dragging: false ///< since then
+
     signal held(int modifiers)
     signal picked(int modifiers)
     signal doubled
@@ -11,20 +14,28 @@ MouseArea {
     signal dragged
 
     acceptedButtons: Qt.LeftButton | Qt.RightButton
-    drag.target: root.preventStealing ? handle : null
-    drag.onActiveChanged: if (drag.active) root.dragged()
     onPressed: mouse => {
         root.preventStealing = mouse.source === Qt.MouseEventNotSynthesized && mouse.button === Qt.LeftButton;
+        root.start = Qt.point(mouse.x, mouse.y);
+        root.dragging = false;
         root.held(mouse.modifiers);
     }
-    onClicked: mouse => mouse.button === Qt.RightButton ? root.menuWanted() : root.picked(mouse.modifiers)
+    // Its own drag would not begin: that is for what may be stolen.
+    onPositionChanged: mouse => {
+        const far = Math.hypot(mouse.x - root.start.x, mouse.y - root.start.y) >= Qt.styleHints.startDragDistance;
+        if (far && root.preventStealing && !root.dragging) {
+            root.dragging = true;
+            root.dragged();
+        }
+    }
+    onClicked: mouse => {
+        if (!root.dragging) {
+            mouse.button === Qt.RightButton ? root.menuWanted() : root.picked(mouse.modifiers);
+        }
+    }
     onDoubleClicked: mouse => {
         if (mouse.button === Qt.LeftButton) {
             root.doubled();
         }
-    }
-
-    Item {
-        id: handle // what is dragged is shown by the desktop
     }
 }

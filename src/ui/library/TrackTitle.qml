@@ -17,6 +17,11 @@ Item {
     readonly property real room: Math.max(0, root.width - words.x)
     readonly property real artistRoom: Math.min(by.implicitWidth, Math.round(root.room * 0.4))
 
+    TextMetrics {
+        id: usual // so that titles begin below each other
+        font: Tokens.type.caption
+        text: "00 "
+    }
     TrackPlayButton {
         id: play
         objectName: "playButton"
@@ -34,7 +39,7 @@ Item {
 
         TextLine {
             id: place
-            width: Math.min(implicitWidth, root.room * 0.3)
+            width: text === "" ? 0 : Math.min(Math.max(implicitWidth, usual.advanceWidth), root.room * 0.3)
             anchors.baseline: name.baseline
             text: root.number
             font: Tokens.type.caption
