@@ -263,16 +263,19 @@ void FolderTreeModel::land(Built built)
             now[built.before[node]] = node;
         }
     }
+    const auto move = [&now](std::vector<Node> &rows) {
+        for (Node &row : rows) {
+            row = row < now.size() ? now[row] : FolderNode::none;
+        }
+    };
     Places before {.rows = old.rows, .selection = old.selection, .topRow = old.topRow};
-    for (Node &row : before.rows) {
-        row = now[row];
-    }
-    if (old.topBeforeSearch) {
-        old.topBeforeSearch = now[*old.topBeforeSearch];
+    move(before.rows);
+    if (old.beforeSearch) {
+        move(old.beforeSearch->rows);
     }
     m_shown.folders = std::move(old.folders);
     m_shown.folders.setTree(std::move(built.tree), built.before);
-    m_shown.topBeforeSearch = old.topBeforeSearch;
+    m_shown.beforeSearch = std::move(old.beforeSearch);
     m_shown.ids = std::move(built.shown.ids);
     m_shown.root = built.shown.root;
     m_shown.language = built.shown.language;
@@ -288,24 +291,22 @@ FolderTreeModel::Places FolderTreeModel::places() const
     return {.rows = m_shown.rows, .selection = m_shown.selection, .topRow = m_shown.topRow};
 }
 
-/// Lists what the filters and the search leave.
+/// Lists what the filters and the search leave. After a search all is as it was before it, but for what the user has
+/// selected meanwhile.
 void FolderTreeModel::list(Places before)
 {
     const QString search = std::exchange(m_search, m_model.search());
-    const bool isOtherSearch = search != m_search;
-    if (search.isEmpty() && !m_search.isEmpty() && !before.rows.empty()) {
-        const auto top = std::min(std::size_t(std::max(0.0, before.topRow)), before.rows.size() - 1);
-        m_shown.topBeforeSearch = before.rows[top];
+    if (search.isEmpty() && !m_search.isEmpty()) {
+        m_shown.beforeSearch = before;
     }
     m_shown.folders.setListed(listedTracks(), !m_search.isEmpty());
     m_shown.folders.setChosen(chosenTracks());
-    changeRowsTo(m_shown.folders.visible(), std::move(before));
-    if (isOtherSearch) {
-        const Node top = m_search.isEmpty() ? m_shown.topBeforeSearch.value_or(0) : 0;
-        Q_EMIT placed(top < tree().size() ? std::max(0, rowNear(top)) : 0);
-    }
-    if (m_search.isEmpty()) {
-        m_shown.topBeforeSearch.reset();
+    const std::optional<Places> kept
+        = m_search.isEmpty() ? std::exchange(m_shown.beforeSearch, std::nullopt) : std::nullopt;
+    const bool selects = before.selection.count() > 0;
+    changeRowsTo(m_shown.folders.visible(), kept && !selects ? *kept : std::move(before));
+    if (kept || search != m_search) {
+        Q_EMIT placed(kept ? topAfter(*kept) : 0);
     }
 }
 

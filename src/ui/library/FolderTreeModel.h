@@ -115,22 +115,22 @@ Q_SIGNALS:
 private:
     using Node = FolderRows::Node;
 
+    /// Where rows were.
+    struct Places {
+        std::vector<Node> rows; ///< by the nodes of the tree that is shown; none: gone
+        RowSelection selection;
+        double topRow = 0;
+    };
     /// A tree and what the user made of it.
     struct Shown {
         FolderRows folders;
         std::vector<Node> rows;
         RowSelection selection;
         double topRow = 0;
-        std::optional<Node> topBeforeSearch; ///< while a search is shown
+        std::optional<Places> beforeSearch; ///< while one is shown
         std::vector<QUuid> ids; ///< of the tracks that the tree was built of
         std::optional<std::filesystem::path> root;
         TextOrder::Language language = TextOrder::Language::Polish;
-    };
-    /// Where rows were.
-    struct Places {
-        std::vector<Node> rows; ///< by the nodes of the tree that is shown; none: gone
-        RowSelection selection;
-        double topRow = 0;
     };
     struct Built;
 
