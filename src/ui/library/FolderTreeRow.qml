@@ -33,9 +33,11 @@ T.ItemDelegate {
 
     readonly property bool allChosen: root.chosen === FolderTreeModel.AllChosen
     readonly property int step: Tokens.height.symbol + 2
-    readonly property int fullSteps: 12 ///< levels further down are set in less, and all within half of the row
+    readonly property int smallStep: 6
+    /// Levels further down are set in less, and all within half of the row.
+    readonly property int fullSteps: Math.max(3, Math.floor(root.width * 0.3 / root.step))
     readonly property real indent: Math.min(root.width / 2,
-        Math.min(root.depth, root.fullSteps) * root.step + Math.max(0, root.depth - root.fullSteps) * 4)
+        Math.min(root.depth, root.fullSteps) * root.step + Math.max(0, root.depth - root.fullSteps) * root.smallStep)
 
     // What has the focus has to stay a stop.
     focusPolicy: root.current || root.activeFocus ? Qt.StrongFocus : Qt.ClickFocus
