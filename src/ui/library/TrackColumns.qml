@@ -9,9 +9,9 @@ QtObject {
     required property real width ///< of all of them
 
     readonly property real scale: Math.max(1, Tokens.type.scale)
-    readonly property int gap: Tokens.space.regular
-    readonly property int leastTitle: Math.round(170 * root.scale)
-    readonly property int leastParameters: Math.round(60 * root.scale)
+    readonly property int gap: root.width < 500 * root.scale ? Tokens.space.tight : Tokens.space.regular
+    readonly property int leastTitle: Math.round(215 * root.scale)
+    readonly property int leastParameters: Math.round(45 * root.scale)
 
     readonly property int rowHeight: Tokens.height.small + Tokens.space.tight
     readonly property int chosen: Math.round(42 * root.scale)

@@ -154,14 +154,20 @@ TrackListModel::Order TrackListModel::order() const
         .language = int(TextOrder::language())};
 }
 
-std::vector<TrackListModel::Row> TrackListModel::freshRows() const
+std::vector<TrackListModel::Row> TrackListModel::freshRows()
 {
     const std::shared_ptr<const TrackPlaces> places = m_model.filteredTracks();
     const std::vector<Track> &tracks = m_model.activeTracks();
+    m_files.resize(tracks.size());
+    for (std::size_t place = 0; place < tracks.size(); ++place) {
+        if (m_files[place].first != tracks[place].id) {
+            m_files[place] = {tracks[place].id, hashOf(tracks[place].url)};
+        }
+    }
     std::vector<Row> rows;
     rows.reserve(places->size());
     for (const std::uint32_t place : *places) {
-        rows.push_back({.id = tracks[place].id, .file = hashOf(tracks[place].url), .place = place});
+        rows.push_back({.id = m_files[place].first, .file = m_files[place].second, .place = place});
     }
     return rows;
 }
@@ -171,12 +177,17 @@ void TrackListModel::refresh()
     m_isOutdated = false;
     std::vector<Row> rows = freshRows();
     const Order now = order();
+    const bool isSortedAnew
+        = now.sortMode != m_order.sortMode || now.language != m_order.language || now.onDevice != m_order.onDevice;
     const bool isOtherOrder = std::exchange(m_order, now) != now;
     if (rows.empty() && !m_rows.empty() && m_model.activeTracks().empty()) {
         m_gone = {.rows = m_rows, .selection = m_selection, .topRow = m_topRow, .onDevice = now.onDevice};
     }
     m_before = {.rows = m_rows, .selection = m_selection, .topRow = m_topRow, .onDevice = now.onDevice};
-    const bool inSteps = changeRows(m_rows, rows, [](const Row &row) { return row.file; });
+    const bool inSteps = !isSortedAnew && changeRows(m_rows, rows, [](const Row &row) { return row.file; });
+    if (isSortedAnew) { // no steps need be looked for, which would take longer than all else here
+        resetRows(m_rows, std::move(rows));
+    }
     if (inSteps) {
         const std::vector<Row> stale = std::exchange(m_rows, std::move(rows));
         const auto isSame = [](const Row &a, const Row &b) { return a.id == b.id && a.place == b.place; };

@@ -119,7 +119,7 @@ private:
 
     void refreshIfShown();
     void refresh();
-    [[nodiscard]] std::vector<Row> freshRows() const;
+    [[nodiscard]] std::vector<Row> freshRows();
     [[nodiscard]] Order order() const;
     /// Selects what was selected before.
     void follow(const Listed &before);
@@ -142,6 +142,8 @@ private:
     RowSelection m_selection;
     TypeAhead m_typeAhead;
     Order m_order; ///< of m_rows
+    /// By place, so that a new order need not look into each track: that is what would take long.
+    std::vector<std::pair<QUuid, std::size_t>> m_files;
     double m_topRow = 0;
     double m_rowsInView = 0;
     Listed m_before; ///< while the rows are replaced

@@ -15,7 +15,7 @@ Item {
     signal playWanted
 
     readonly property real room: Math.max(0, root.width - words.x)
-    readonly property real artistRoom: Math.min(by.implicitWidth, Math.round(root.room * 0.4))
+    readonly property real artistRoom: Math.min(by.implicitWidth, Math.round(root.room * 0.35))
 
     TextMetrics {
         id: usual // so that titles begin below each other

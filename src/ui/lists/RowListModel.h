@@ -29,6 +29,14 @@ protected:
         connect(this, &QAbstractItemModel::modelReset, this, &RowListModel::countChanged);
     }
 
+    /// Makes all rows new.
+    template <typename Row> void resetRows(std::vector<Row> &rows, std::vector<Row> wanted)
+    {
+        beginResetModel();
+        rows = std::move(wanted);
+        endResetModel();
+    }
+
     /// Makes the identities of `rows` those of `wanted`. True if that was done in steps: rows that stayed are still the
     /// old ones, and it is the caller who exchanges them and tells what changed in them. False: all rows are new.
     template <typename Row, typename IdOf>
@@ -42,9 +50,7 @@ protected:
         };
         const auto steps = RowChanges::plan(ids(rows), ids(wanted), maxSteps);
         if (!steps) {
-            beginResetModel();
-            rows = wanted;
-            endResetModel();
+            resetRows(rows, wanted);
             return false;
         }
         for (const auto &[kind, first, count] : *steps) {
