@@ -5,6 +5,7 @@
 
 #include "platform/text/TextOrder.h"
 
+#include <QAbstractItemModel>
 #include <QElapsedTimer>
 #include <QQuickItem>
 #include <QQuickWindow>

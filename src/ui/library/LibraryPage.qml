@@ -1,4 +1,6 @@
 // The collection of the computer or of the device, with its filters. Files and folders can be dropped anywhere on it.
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Layouts
 import Marlune
