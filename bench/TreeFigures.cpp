@@ -100,8 +100,6 @@ double secondsUntilShown(MarluneApp::Program &program, const std::function<void(
         if (tree && tree->property("count").toInt() > 0) {
             seconds = double(timer.nsecsElapsed()) / 1e9;
             loop.quit();
-        } else {
-            program.window()->update();
         }
     });
     program.window()->update();

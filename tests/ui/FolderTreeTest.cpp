@@ -114,6 +114,10 @@ private Q_SLOTS:
         const QString none;
         QTest::newRow("numbers by value, folders among files, case ignored") << QStringList {u"/m/10/x"_s, u"/m/2/x"_s,
             u"/m/B"_s, u"/m/a/x"_s, u"/m/3"_s} << none << u"Pliki/ .m/ ..2/ ...x ..3 ..10/ ...x ..a/ ...x ..B"_s;
+        QTest::newRow("names that begin with numbers, the same one too, or one that goes on in another script")
+            << QStringList {u"/m/10 a"_s, u"/m/9 b"_s, u"/n/01 b"_s, u"/n/1 a"_s, u"/n/0 c"_s, u"/o/1\u0662"_s,
+                   u"/o/3"_s}
+            << none << u"Pliki/ .m/ ..9 b ..10 a .n/ ..0 c ..1 a ..01 b .o/ ..3 ..1\u0662"_s;
         QTest::newRow("below the root and outside of it") << QStringList {u"/d/iPod/Music/x"_s, u"/d/iPod2/y"_s,
             u"/z"_s} << u"/d/iPod"_s << u"iPod/ .d/ ..iPod2/ ...y .Music/ ..x .z"_s;
         QTest::newRow("a separator behind the root") << QStringList {u"/d/iPod/x"_s} << u"/d/iPod/"_s << u"iPod/ .x"_s;

@@ -93,6 +93,21 @@ private:
 
 using Draft = Drafts::Draft;
 
+/// The number that a name begins with, unless it is a long one or goes on in another script.
+std::optional<std::uint32_t> leadingNumber(std::string_view name)
+{
+    constexpr std::size_t mostDigits = 9;
+    std::uint32_t number = 0;
+    for (std::size_t i = 0; i <= std::min(mostDigits, name.size()); ++i) {
+        const char byte = i < name.size() ? name[i] : ' ';
+        if (byte < '0' || byte > '9') {
+            return i > 0 && static_cast<unsigned char>(byte) < 0x80 ? std::optional(number) : std::nullopt;
+        }
+        number = number * 10 + std::uint32_t(byte - '0');
+    }
+    return std::nullopt;
+}
+
 /// The drafts of each folder as one span, sorted.
 class Levels {
 public:
@@ -136,6 +151,9 @@ private:
         if (end - begin < 2) {
             return;
         }
+        if (sortByNumber(begin, end)) {
+            return;
+        }
         m_keyed.clear();
         std::transform(begin, end, std::back_inserter(m_keyed), [this](std::uint32_t draft) {
             return Keyed {.key = TextOrder::key(Files::text(m_drafts[draft].name)), .draft = draft};
@@ -153,6 +171,27 @@ private:
             }
             i = past;
         }
+    }
+
+    /// Where each name begins with another number those decide, and no name needs a key: the tracks of most albums.
+    bool sortByNumber(std::vector<std::uint32_t>::iterator begin, std::vector<std::uint32_t>::iterator end)
+    {
+        m_numbered.clear();
+        for (auto each = begin; each != end; ++each) {
+            const std::optional<std::uint32_t> number = leadingNumber(m_drafts[*each].name);
+            if (!number) {
+                return false;
+            }
+            m_numbered.emplace_back(*number, *each);
+        }
+        std::sort(m_numbered.begin(), m_numbered.end());
+        const auto isSame = [](const auto &a, const auto &b) { return a.first == b.first; };
+        if (std::adjacent_find(m_numbered.begin(), m_numbered.end(), isSame) != m_numbered.end()) {
+            return false;
+        }
+        std::transform(
+            m_numbered.begin(), m_numbered.end(), begin, [](const auto &numbered) { return numbered.second; });
+        return true;
     }
 
     /// Of names that are the same byte for byte, a folder's id is the bare path.
@@ -174,6 +213,7 @@ private:
     std::vector<std::uint32_t> m_children;
     std::vector<std::uint32_t> m_twins;
     std::vector<Keyed> m_keyed; ///< of one folder; kept for its memory
+    std::vector<std::pair<std::uint32_t, std::uint32_t>> m_numbered; ///< the same
 };
 
 std::string prefixOf(const std::optional<std::filesystem::path> &root)
