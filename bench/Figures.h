@@ -74,6 +74,9 @@ void heartbeatAndMemory(const std::filesystem::path &library);
 void start(const std::filesystem::path &library);
 /// One such start, in a process of its own: writes a line with the first frame, and ends. `folder` holds the settings.
 [[nodiscard]] int firstFrame(int argc, char **argv, const std::filesystem::path &folder);
+/// The outline of folders with many files of its own: until it stands, against sorting names by keys that are ready; and
+/// the longest time that the UI thread is held.
+void tree(const std::filesystem::path &library);
 /// Scrolls through the album grid.
 void tiles(const std::filesystem::path &library);
 /// Scrolls through each view of the library, from end to end.

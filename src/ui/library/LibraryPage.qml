@@ -1,4 +1,6 @@
 // The collection of the computer or of the device, with its filters. Files and folders can be dropped anywhere on it.
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Layouts
 import Marlune
@@ -13,7 +15,7 @@ Item {
 
     /// Gives the keyboard to what is listed.
     function focusContent() {
-        const shown = [albums, tracks].find(place => place.visible);
+        const shown = [albums, tracks, folders].find(place => place.visible);
         shown?.made?.takeFocus();
     }
 
@@ -95,6 +97,16 @@ Item {
                     TrackListView {
                         anchors.fill: parent
                         tracks: root.library.tracks
+                        deviceSide: root.model.libraryOnDevice
+                    }
+                }
+                LazyPlace {
+                    id: folders
+                    shown: root.library.foldersShown
+
+                    FolderTreeView {
+                        anchors.fill: parent
+                        folders: root.library.folders
                         deviceSide: root.model.libraryOnDevice
                     }
                 }

@@ -22,6 +22,7 @@ LibraryPresenter::LibraryPresenter(MarluneModel &model, std::shared_ptr<CoverSto
     , m_model(model)
     , m_albums(model, std::move(covers))
     , m_tracks(model)
+    , m_folders(model)
 {
     m_searchPause.setSingleShot(true);
     m_searchPause.setInterval(searchPauseMilliseconds);

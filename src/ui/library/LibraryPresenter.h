@@ -4,6 +4,7 @@
 #pragma once
 
 #include "ui/library/AlbumListModel.h"
+#include "ui/library/FolderTreeModel.h"
 #include "ui/library/TrackListModel.h"
 
 #include <QObject>
@@ -16,6 +17,7 @@ class LibraryPresenter : public QObject {
     QML_UNCREATABLE("The program makes it for the model.")
     Q_PROPERTY(AlbumListModel *albums READ albums CONSTANT)
     Q_PROPERTY(TrackListModel *tracks READ tracks CONSTANT)
+    Q_PROPERTY(FolderTreeModel *folders READ folders CONSTANT)
     Q_PROPERTY(QStringList viewModes READ viewModes CONSTANT)
     Q_PROPERTY(QString viewMode READ viewMode NOTIFY viewChanged) ///< the model's, or the first of them for any other
     Q_PROPERTY(bool albumsShown READ albumsShown NOTIFY viewChanged)
@@ -37,6 +39,7 @@ public:
 
     [[nodiscard]] AlbumListModel *albums() { return &m_albums; }
     [[nodiscard]] TrackListModel *tracks() { return &m_tracks; }
+    [[nodiscard]] FolderTreeModel *folders() { return &m_folders; }
     [[nodiscard]] QStringList viewModes() const;
     [[nodiscard]] QString viewMode() const { return viewModeText(view()); }
     [[nodiscard]] bool albumsShown() const { return view() == ViewMode::Albums; }
@@ -77,6 +80,7 @@ private:
     MarluneModel &m_model;
     AlbumListModel m_albums;
     TrackListModel m_tracks;
+    FolderTreeModel m_folders;
     Content m_content;
     QTimer m_searchPause;
     QString m_searchText;
