@@ -80,8 +80,15 @@ void lists(const std::filesystem::path &library);
 void table(const std::filesystem::path &library);
 /// From a letter in the search to the frame that shows it, with many tracks, in each view.
 void typing(const std::filesystem::path &library);
+/// The outline of folders with many files of its own: until it stands, against sorting names by keys that are ready; and
+/// the longest time that the UI thread is held.
+void tree(const std::filesystem::path &library);
 /// Scrolls through the album grid.
 void tiles(const std::filesystem::path &library);
+/// Scrolls through each view of the library, from end to end.
+void scroll(const std::filesystem::path &library);
+/// What scrolling through all covers leaves in memory.
+void coversMemory(const std::filesystem::path &library);
 /// Scrolls through all drawn iPods; needs no library.
 void drawings(const std::filesystem::path &library);
 /// The text operation on texts of the program's own table.

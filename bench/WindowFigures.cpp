@@ -31,6 +31,24 @@ double residentBytes()
     return resident * double(::sysconf(_SC_PAGESIZE));
 }
 
+QQuickItem &view(const MarluneApp::Program &program, const char *name)
+{
+    QQuickItem *found = Bench::findItem(program.window()->contentItem(), name);
+    Bench::require(found, name);
+    return *found;
+}
+
+/// Imports the library into a window of usual size, and lets it come to rest.
+void showLibrary(MarluneApp::Program &program, const std::filesystem::path &library)
+{
+    program.window()->setGeometry(0, 0, 1260, 820); // a screen without hardware can be smaller
+    program.model().importURLs({library}, false, false);
+    while (program.model().busy()) {
+        Bench::runFor(20);
+    }
+    Bench::runFor(3000);
+}
+
 /// Prints what the frames take while `view` is scrolled from its beginning to its end.
 void scrollThrough(const char *name, QQuickWindow &window, QQuickItem &view, double pixelsPerFrame)
 {
@@ -148,19 +166,42 @@ void tiles(const std::filesystem::path &library)
 
     const WorkFolder folder;
     MarluneApp::Program program(emptySetup(folder));
-    program.window()->setGeometry(0, 0, 1260, 820); // a screen without hardware can be smaller
-    program.model().importURLs({library}, false, false);
-    while (program.model().busy()) {
-        runFor(20);
-    }
-    runFor(3000);
+    showLibrary(program, library);
+    scrollThrough("tiles", *program.window(), view(program, "albumGrid"), pixelsPerFrame);
+}
 
-    QQuickItem *grid = findItem(program.window()->contentItem(), "albumGrid");
-    if (!grid) {
-        std::printf("tiles: the window shows no grid\n");
-        return;
+void scroll(const std::filesystem::path &library)
+{
+    renderWithoutPause();
+    constexpr double frames = 1500; // at most, from end to end
+
+    const WorkFolder folder;
+    MarluneApp::Program program(emptySetup(folder));
+    showLibrary(program, library);
+    for (const auto &[mode, name, figure] : {std::tuple(ViewMode::Albums, "albumGrid", "scroll-albums"),
+             std::tuple(ViewMode::Tracks, "trackList", "scroll-tracks"),
+             std::tuple(ViewMode::Folders, "folderTree", "scroll-folders")}) {
+        program.model().setViewMode(viewModeText(mode));
+        runFor(2000);
+        QQuickItem &list = view(program, name);
+        const double end = list.property("contentHeight").toDouble() - list.height();
+        scrollThrough(figure, *program.window(), list, std::max(40.0, end / frames));
     }
-    scrollThrough("tiles", *program.window(), *grid, pixelsPerFrame);
+}
+
+void coversMemory(const std::filesystem::path &library)
+{
+    renderWithoutPause();
+    constexpr double pixelsPerFrame = 120;
+
+    const WorkFolder folder;
+    MarluneApp::Program program(emptySetup(folder));
+    showLibrary(program, library);
+    const double before = residentBytes();
+    scrollThrough("covers-memory", *program.window(), view(program, "albumGrid"), pixelsPerFrame);
+    runFor(1000); // what was decoded last comes in
+    std::printf("covers-memory %.1f MB above %.1f MB, %zu albums\n", (residentBytes() - before) / 1e6, before / 1e6,
+        program.model().albums()->size());
 }
 
 void drawings(const std::filesystem::path &)

@@ -302,17 +302,32 @@ void Browsing::clearQueue()
     m_queueSum.reset();
 }
 
+void Browsing::enqueue(const QSet<QUuid> &ids)
+{
+    for (const Track &track : tracks(Side::Computer)) {
+        if (ids.contains(track.id)) {
+            m_chosen[place(Side::Computer)].insert(track.id);
+        }
+    }
+    m_queueSum.reset();
+}
+
 void Browsing::toggle(Side side, const Album &album)
 {
-    QSet<QUuid> &target = m_chosen[place(side)];
-    const bool all = std::all_of(
-        album.tracks.begin(), album.tracks.end(), [&](const Track &track) { return target.contains(track.id); });
+    QSet<QUuid> ids;
     for (const Track &track : album.tracks) {
-        if (all) {
-            target.remove(track.id);
-        } else {
-            target.insert(track.id);
-        }
+        ids.insert(track.id);
+    }
+    toggle(side, ids);
+}
+
+void Browsing::toggle(Side side, const QSet<QUuid> &tracks)
+{
+    QSet<QUuid> &target = m_chosen[place(side)];
+    if (target.contains(tracks)) {
+        target.subtract(tracks);
+    } else {
+        target.unite(tracks);
     }
     m_queueSum.reset();
 }

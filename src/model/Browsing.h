@@ -92,10 +92,14 @@ public:
     [[nodiscard]] std::size_t queueCount() const { return queueSum().count; }
     [[nodiscard]] std::int64_t queueBytes() const { return queueSum().bytes; }
     void enqueue(const std::vector<Track> &tracks);
+    /// Those of the ids that are the computer's tracks.
+    void enqueue(const QSet<QUuid> &ids);
     void dequeue(const QSet<QUuid> &ids);
     void clearQueue();
     /// Adds the album to the side's set, or takes it out if all of it is there.
     void toggle(Side side, const Album &album);
+    /// The same with tracks of that side.
+    void toggle(Side side, const QSet<QUuid> &tracks);
     void toggleTrack(Side side, const Track &track);
 
 private:

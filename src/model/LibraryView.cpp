@@ -114,15 +114,27 @@ void MarluneModel::setOpenAlbum(const std::optional<Album> &album)
     }
 }
 
-void MarluneModel::toggle(const Album &album)
+void MarluneModel::toggle(const Album &album, std::optional<bool> onDeviceOverride)
 {
-    m_browsing.toggle(m_browsing.side(), album);
+    m_browsing.toggle(side(onDeviceOverride), album);
     Q_EMIT selectionChanged();
 }
 
-void MarluneModel::toggleTrack(const Track &track)
+void MarluneModel::toggleTrack(const Track &track, std::optional<bool> onDeviceOverride)
 {
-    m_browsing.toggleTrack(m_browsing.side(), track);
+    m_browsing.toggleTrack(side(onDeviceOverride), track);
+    Q_EMIT selectionChanged();
+}
+
+void MarluneModel::toggleTracks(const QSet<QUuid> &ids)
+{
+    m_browsing.toggle(m_browsing.side(), ids);
+    Q_EMIT selectionChanged();
+}
+
+void MarluneModel::enqueue(const QSet<QUuid> &ids)
+{
+    m_browsing.enqueue(ids);
     Q_EMIT selectionChanged();
 }
 

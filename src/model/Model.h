@@ -161,9 +161,11 @@ public:
     {
         return m_browsing.albumWith(trackId);
     }
-    [[nodiscard]] std::shared_ptr<const Album> albumOf(const QString &albumId) const
+    /// The album of this identity on the side that is shown, or on the one that `onDeviceOverride` names; null if none.
+    [[nodiscard]] std::shared_ptr<const Album> albumOf(
+        const QString &albumId, std::optional<bool> onDeviceOverride = std::nullopt) const
     {
-        return m_browsing.albumOf(m_browsing.side(), albumId);
+        return m_browsing.albumOf(side(onDeviceOverride), albumId);
     }
     [[nodiscard]] std::shared_ptr<const TrackPlaces> filteredTracks() const { return m_browsing.filteredTracks(); }
     [[nodiscard]] std::size_t filteredTrackCount() const { return m_browsing.filteredTrackCount(); }
@@ -205,9 +207,18 @@ public:
     [[nodiscard]] std::vector<Track> queue() const { return m_browsing.queue(); }
     [[nodiscard]] std::size_t queueCount() const { return m_browsing.queueCount(); }
     [[nodiscard]] std::int64_t queueBytes() const { return m_browsing.queueBytes(); }
-    /// Adds the album to the set of the side that is shown, or takes it out if all of it is there.
-    void toggle(const Album &album);
-    void toggleTrack(const Track &track);
+    /// Adds the album to the set of the side that is shown, or that `onDeviceOverride` names; or takes it out if all of
+    /// it is there.
+    void toggle(const Album &album, std::optional<bool> onDeviceOverride = std::nullopt);
+    void toggleTrack(const Track &track, std::optional<bool> onDeviceOverride = std::nullopt);
+    /// Tracks of the side that is shown, by their ids, in the way of an album.
+    void toggleTracks(const QSet<QUuid> &ids);
+    /// Adds those that are tracks of the computer.
+    void enqueue(const QSet<QUuid> &ids);
+    [[nodiscard]] const QSet<QUuid> &chosen(std::optional<bool> onDeviceOverride) const
+    {
+        return m_browsing.chosen(side(onDeviceOverride));
+    }
     Q_INVOKABLE void clearQueue();
     /// Drops the album from the library; its files stay. What lies in folders of its own and was not brought back
     /// because the reading was ended goes with it.
@@ -227,6 +238,10 @@ public:
     void setCoverLookup(const std::optional<Album> &album);
     /// Makes a cover of the album's own picture (`current`), or of a file that the user is asked for.
     void chooseArtwork(const Album &album, bool current, std::optional<bool> onDeviceOverride = std::nullopt);
+    /// Finds covers on the network; shared by all that search, so that they keep to one rhythm.
+    [[nodiscard]] CoverSearch &coverSearch() const { return m_environment.covers; }
+    /// The page about the picture that was last downloaded for an album; invalid where none was.
+    [[nodiscard]] QUrl coverSource(const QString &albumId) const;
     /// Fetches the picture of a search's result.
     void downloadCover(
         const CoverCandidate &candidate, const Album &album, std::optional<bool> onDeviceOverride = std::nullopt);
@@ -307,6 +322,8 @@ Q_SIGNALS:
     void playlistNameChanged();
     void openAlbumChanged();
     void coverLookupChanged();
+    /// A downloaded cover is in place, and coverSource() tells where it came from.
+    void coverDownloaded(const QString &albumId);
     void openThemeChanged();
     /// The queue or the selection on the device changed.
     void selectionChanged();
@@ -345,6 +362,10 @@ private:
 
     [[nodiscard]] QString sectionText() const { return sectionTitle(m_section); }
     void setSectionText(const QString &title);
+    [[nodiscard]] Side side(std::optional<bool> onDeviceOverride) const
+    {
+        return onDeviceOverride.value_or(libraryOnDevice()) ? Side::Device : Side::Computer;
+    }
     [[nodiscard]] QString alertText() const { return alert().value_or(QString()); }
     [[nodiscard]] QString deviceProfileId() const { return deviceProfile().id; }
     /// What was chosen for the selected device and is stored under this prefix.

@@ -151,9 +151,9 @@ TEST(Browsing, listsAlwaysWhatAFreshComputationWouldGive)
         },
         [&] { browsing.remove({browsing.activeTracks().empty() ? QUuid() : browsing.activeTracks().front().id}); },
         [&] {
-            if (!browsing.everyAlbum().empty()) {
-                const QSet<QUuid> ids = idsOf(*browsing.everyAlbum().back());
-                browsing.setArtwork(browsing.side(), ids, QByteArray::number(random.bounded(1000)));
+            if (const Side of = side(); !browsing.everyAlbum(of).empty()) {
+                const QSet<QUuid> ids = idsOf(*browsing.everyAlbum(of).back());
+                browsing.setArtwork(of, ids, QByteArray::number(random.bounded(1000)));
             }
         },
     };
@@ -172,7 +172,8 @@ TEST(Browsing, listsAlwaysWhatAFreshComputationWouldGive)
             const Track &track = browsing.activeTracks()[place];
             const std::shared_ptr<const Album> album = browsing.albumWith(track.id);
             ASSERT_EQ(matches.places[place], browsing.matches(track)) << step;
-            ASSERT_TRUE(std::ranges::count(album->tracks, track) == 1 && browsing.albumOf(browsing.side(), album->id()) == album)
+            ASSERT_TRUE(std::ranges::count(album->tracks, track) == 1
+                && browsing.albumOf(browsing.side(), album->id()) == album)
                 << step;
             highResolution = highResolution || (matches.places[place] && isHighResolution(track.info));
         }

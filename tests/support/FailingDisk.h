@@ -32,6 +32,9 @@ public:
     FailingDisk(const FailingDisk &) = delete;
     FailingDisk &operator=(const FailingDisk &) = delete;
 
+    /// The call after `calls` more of them fails too.
+    static void failAfter(int calls) { s_failAt = s_count + calls + 1; }
+
     /// Whether the call that was to fail has been made.
     [[nodiscard]] static bool reached() { return s_count >= s_failAt; }
 
@@ -74,7 +77,7 @@ private:
     }
 
     static inline std::atomic<int> s_count = 0;
-    static inline int s_failAt = 0;
+    static inline std::atomic<int> s_failAt = 0;
     static inline int s_error = 0;
     static inline Fault s_fault = Fault::Refused;
     static inline std::function<void()> s_event;

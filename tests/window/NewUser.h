@@ -29,10 +29,15 @@ struct NewUser {
     CoverSearch covers {CoverServices {}};
     fs::path device = folder / "IPOD";
     QStringList languages;
+    std::function<std::vector<Device>()> discovery;
+    std::function<void(const fs::path &)> ejector = [](const fs::path &) { };
     MarluneApp::Program program;
 
-    explicit NewUser(QStringList preferred = {u"pl"_s})
+    explicit NewUser(
+        QStringList preferred = {u"pl"_s},
+        std::function<std::vector<Device>()> discover = [] { return std::vector<Device> {}; })
         : languages(std::move(preferred))
+        , discovery(std::move(discover))
         , program(setup())
     {
         fs::copy(sample / "iPod", device, fs::copy_options::recursive);
@@ -43,8 +48,8 @@ struct NewUser {
     {
         return {.settingsFile = folder / "config/settings.json",
             .supportFolder = folder / "data",
-            .deviceDiscovery = [] { return std::vector<Device> {}; },
-            .ejectVolume = [](const fs::path &) {},
+            .deviceDiscovery = [this] { return discovery(); },
+            .ejectVolume = [this](const fs::path &root) { ejector(root); },
             .themeSite = {},
             .covers = &covers,
             .audioOutput = "null",

@@ -54,7 +54,8 @@ Rectangle {
             Accessible.role: Accessible.Graphic
             Accessible.name: root.device.storageWords
 
-            RowLayout {
+            // No layout: in Qt 6.4 one keeps items that a Repeater has deleted while the page was hidden.
+            Row {
                 anchors.fill: parent
                 spacing: bar.gap
 
@@ -66,16 +67,16 @@ Rectangle {
                         required property real modelData
                         required property int index
 
-                        Layout.fillHeight: true
+                        height: bar.height
                         // A part that is there can be seen, however small.
-                        Layout.preferredWidth: Math.max(4, modelData * (bar.width - parts.count * bar.gap))
+                        width: Math.max(4, modelData * (bar.width - parts.count * bar.gap))
                         radius: 4
                         color: root.colors[root.device.parts[index]] ?? Tokens.color.partData
                     }
                 }
                 Rectangle {
-                    Layout.fillWidth: true
-                    Layout.fillHeight: true
+                    width: Math.max(0, bar.width - x)
+                    height: bar.height
                     radius: 4
                     color: Tokens.color.partFree
                 }

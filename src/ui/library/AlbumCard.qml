@@ -18,6 +18,7 @@ T.ItemDelegate {
     required property bool deviceSide
     property int coverDecodeSide: Math.round(root.width)
 
+    signal opened
     signal toggled
     signal played
     signal playNeared
@@ -27,20 +28,22 @@ T.ItemDelegate {
     Accessible.name: root.albumTitle + ", " + root.artist
     Accessible.description: root.format + ", " + root.countAndSize + (root.discs === "" ? "" : ", " + root.discs)
     Accessible.selected: root.selected
-    Accessible.onPressAction: root.toggled()
+    Accessible.onPressAction: root.opened()
     Keys.onSpacePressed: root.toggled()
-    Keys.onReturnPressed: root.toggled()
-    Keys.onEnterPressed: root.toggled()
+    Keys.onReturnPressed: root.opened()
+    Keys.onEnterPressed: root.opened()
+    onClicked: root.opened()
 
     HoverHandler {
         id: hover
+        onHoveredChanged: hovered ? Hints.show(picture, L10n.text("Otwórz album i listę utworów")) : Hints.hide(picture)
     }
     TapHandler {
         acceptedButtons: Qt.RightButton
         onTapped: root.menuWanted()
     }
 
-    Cover {
+    CoverView {
         id: picture
         width: root.width
         height: root.width

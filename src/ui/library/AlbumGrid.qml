@@ -1,5 +1,5 @@
 // The albums as tiles in as many columns as fit. One stop for the Tab key: the arrows and Page Up and Down move, Space
-// and Return queue the album, P plays or pauses it, the menu key or Shift+F10 opens its menu.
+// queues the album, Return opens it, P plays or pauses it, the menu key or Shift+F10 opens its menu.
 pragma ComponentBehavior: Bound
 
 import QtQuick
@@ -32,6 +32,10 @@ FocusScope {
         const below = Math.floor((view.count - 1 - from) / root.columns);
         const row = from + Math.max(-above, Math.min(rows, below)) * root.columns + steps;
         view.currentIndex = Math.max(0, Math.min(row, view.count - 1));
+    }
+    function takeFocus() {
+        view.currentIndex = Math.max(0, view.currentIndex);
+        view.currentItem?.forceActiveFocus(Qt.TabFocusReason);
     }
     function openMenuOfCurrent() {
         menu.openFor(view.currentIndex, (view.currentItem as AlbumCard)?.playing ?? false, view.currentItem);
@@ -111,6 +115,7 @@ FocusScope {
                 coverDecodeSide: root.decodeSide
                 focusPolicy: GridView.isCurrentItem || activeFocus ? Qt.StrongFocus : Qt.ClickFocus
                 onActiveFocusChanged: if (activeFocus && index >= 0) view.currentIndex = index
+                onOpened: root.albums.open(index)
                 onToggled: root.albums.toggle(index)
                 onPlayNeared: root.albums.preparePlay()
                 onPlayed: root.albums.play(index)

@@ -233,6 +233,27 @@ void AlbumListModel::play(int index)
     }
 }
 
+void AlbumListModel::open(int index)
+{
+    if (const Row *chosen = row(index)) {
+        m_model.setOpenAlbum(*chosen->album);
+    }
+}
+
+void AlbumListModel::chooseCover(int index)
+{
+    if (const Row *chosen = row(index)) {
+        m_model.chooseArtwork(*chosen->album, false);
+    }
+}
+
+void AlbumListModel::lookUpCover(int index)
+{
+    if (const Row *chosen = row(index)) {
+        m_model.setCoverLookup(*chosen->album);
+    }
+}
+
 void AlbumListModel::toggle(int index)
 {
     if (const Row *chosen = row(index)) {

@@ -43,6 +43,12 @@ public:
     [[nodiscard]] QVariant data(const QModelIndex &index, int role) const override;
     [[nodiscard]] QHash<int, QByteArray> roleNames() const override;
 
+    /// Opens the album of a row in its sheet.
+    Q_INVOKABLE void open(int index);
+    /// Asks for a picture to be its cover.
+    Q_INVOKABLE void chooseCover(int index);
+    /// Opens the search for its cover on the network.
+    Q_INVOKABLE void lookUpCover(int index);
     /// Queues or selects the album of a row, or takes it out again.
     Q_INVOKABLE void toggle(int index);
     /// Plays the album from its first track; pauses or resumes where a track of it is loaded.

@@ -24,8 +24,21 @@ Menu {
     }
 
     T.Action {
+        text: L10n.text("Otwórz album")
+        onTriggered: root.albums.open(root.row)
+    }
+    T.Action {
         text: L10n.text(root.playing ? "Pauza" : "Odtwórz")
         onTriggered: root.albums.play(root.row)
+    }
+    MenuItem {
+        enabled: !root.busy
+        text: L10n.text("Dodaj / zmień okładkę…")
+        onTriggered: root.albums.chooseCover(root.row)
+    }
+    T.Action {
+        text: L10n.text("Znajdź w sieci…")
+        onTriggered: root.albums.lookUpCover(root.row)
     }
     T.Action {
         text: L10n.text("Pokaż pliki w Finderze")

@@ -1,6 +1,7 @@
 #include "ui/library/LibraryPresenter.h"
 
 #include "ui/LocalPath.h"
+#include "ui/lists/FileDrag.h"
 #include "ui/words/Localization.h"
 
 namespace {
@@ -18,11 +19,19 @@ LibraryPresenter::LibraryPresenter(MarluneModel &model, std::shared_ptr<CoverSto
     : QObject(parent)
     , m_model(model)
     , m_albums(model, std::move(covers))
+    , m_tracks(model)
+    , m_folders(model)
 {
     connect(&m_albums, &AlbumListModel::refreshed, this, &LibraryPresenter::refreshContent);
+    connect(&m_model, &MarluneModel::viewModeChanged, this, &LibraryPresenter::viewChanged);
     connect(&m_model, &MarluneModel::deviceChanged, this, &LibraryPresenter::canReadDeviceChanged);
     connect(&m_model, &MarluneModel::busyChanged, this, &LibraryPresenter::canReadDeviceChanged);
     refreshContent();
+}
+
+QStringList LibraryPresenter::viewModes() const
+{
+    return textsOf(allViewModes, viewModeText);
 }
 
 QStringList LibraryPresenter::formats() const
@@ -59,15 +68,14 @@ void LibraryPresenter::refreshContent()
     }
 }
 
+bool LibraryPresenter::takesDrop(const QStringList &formats) const
+{
+    return !m_model.busy() && !FileDrag::isOwn(formats);
+}
+
 void LibraryPresenter::importDropped(const QList<QUrl> &urls)
 {
-    std::vector<std::filesystem::path> paths;
-    for (const QUrl &url : urls) {
-        if (const std::optional<std::filesystem::path> path = localPath(url)) {
-            paths.push_back(*path);
-        }
-    }
-    if (!paths.empty()) {
+    if (const std::vector<std::filesystem::path> paths = localPaths(urls); !paths.empty()) {
         m_model.importURLs(paths, false, true);
     }
 }

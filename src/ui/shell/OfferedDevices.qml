@@ -21,18 +21,24 @@ ColumnLayout {
         color: Tokens.color.text
         Accessible.role: Accessible.Heading
     }
-    Repeater {
-        model: root.names
+    // In Qt 6.4 a layout keeps items that a Repeater has deleted while they were hidden.
+    Column {
+        Layout.fillWidth: true
+        spacing: root.spacing
 
-        Button {
-            required property int index
-            required property string modelData
+        Repeater {
+            model: root.names
 
-            objectName: "offeredDevice"
-            Layout.fillWidth: true
-            symbol: "ipod"
-            text: modelData
-            onClicked: root.chosen(index)
+            Button {
+                required property int index
+                required property string modelData
+
+                objectName: "offeredDevice"
+                width: parent.width
+                symbol: "ipod"
+                text: modelData
+                onClicked: root.chosen(index)
+            }
         }
     }
 }

@@ -1,5 +1,7 @@
 #include "ui/shell/ShellPresenter.h"
 
+#include "ui/LocalPath.h"
+#include "ui/lists/FileDrag.h"
 #include "ui/themes/ThemePictures.h"
 #include "ui/words/Localization.h"
 #include "ui/words/Wording.h"
@@ -140,6 +142,26 @@ void ShellPresenter::openDeviceFolder() const
 {
     if (const std::optional<Device> &device = m_model.device()) {
         Desktop::open(device->root);
+    }
+}
+
+QString ShellPresenter::trackFormat() const
+{
+    return FileDrag::trackFormat();
+}
+
+bool ShellPresenter::takesDrop(const QStringList &formats) const
+{
+    const bool isOfUse = FileDrag::isOwn(formats) || formats.contains(QStringLiteral("text/uri-list"));
+    return isOfUse && !FileDrag::isFromDevice(formats) && !m_model.busy();
+}
+
+void ShellPresenter::queueDropped(const QByteArray &tracks, const QList<QUrl> &files)
+{
+    if (const QSet<QUuid> ids = FileDrag::tracks(tracks); !ids.isEmpty()) {
+        m_model.enqueue(ids);
+    } else if (const std::vector<std::filesystem::path> paths = localPaths(files); !paths.empty()) {
+        m_model.importURLs(paths, false, true);
     }
 }
 

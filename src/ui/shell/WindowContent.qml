@@ -15,7 +15,7 @@ ColumnLayout {
     required property BackupsPresenter backups
     required property QualityPresenter quality
     required property AlbumSheetPresenter albumSheet
-    required property AlbumSheetPresenter coverSheet
+    required property CoverSearchPresenter coverSearch
     required property ThemeSheetPresenter themeSheet
     required property PlaybackPresenter playback
 
@@ -94,13 +94,13 @@ ColumnLayout {
         }
     }
 
-    AlbumSheet {
+    AlbumDetailView {
         objectName: "albumSheet"
         album: root.albumSheet
     }
-    CoverLookupSheet {
-        objectName: "coverLookupSheet"
-        album: root.coverSheet
+    CoverSearchView {
+        objectName: "coverSearchSheet"
+        search: root.coverSearch
     }
     ThemeSheet {
         objectName: "themeSheet"
