@@ -169,6 +169,12 @@ public:
     }
     [[nodiscard]] std::shared_ptr<const TrackPlaces> filteredTracks() const { return m_browsing.filteredTracks(); }
     [[nodiscard]] std::size_t filteredTrackCount() const { return m_browsing.filteredTrackCount(); }
+    [[nodiscard]] std::shared_ptr<const TrackMatches> trackMatches() const { return m_browsing.trackMatches(); }
+    /// The active tracks as they are now, for a job: it sees none of what happens to them later.
+    [[nodiscard]] std::shared_ptr<const std::vector<Track>> sharedTracks() const
+    {
+        return m_browsing.contents(m_browsing.side()).tracks;
+    }
     [[nodiscard]] QString search() const { return m_browsing.search(); }
     void setSearch(const QString &text);
     [[nodiscard]] QString formatFilter() const { return m_browsing.formatFilter(); }
@@ -184,7 +190,7 @@ public:
     [[nodiscard]] const std::optional<Album> &openAlbum() const { return m_openAlbum; }
     void setOpenAlbum(const std::optional<Album> &album);
 
-    /// The rules of text order have changed.
+    /// The rules of text order have changed. Long lists follow a moment later.
     void reorder();
 
     // The carousel of the device's albums, in a window of its own.
@@ -199,11 +205,16 @@ public:
     [[nodiscard]] const QSet<QUuid> &selectedOnDevice() const { return m_browsing.chosen(Side::Device); }
     /// The queued tracks in the library's order.
     [[nodiscard]] std::vector<Track> queue() const { return m_browsing.queue(); }
+    [[nodiscard]] std::size_t queueCount() const { return m_browsing.queueCount(); }
     [[nodiscard]] std::int64_t queueBytes() const { return m_browsing.queueBytes(); }
     /// Adds the album to the set of the side that is shown, or that `onDeviceOverride` names; or takes it out if all of
     /// it is there.
     void toggle(const Album &album, std::optional<bool> onDeviceOverride = std::nullopt);
     void toggleTrack(const Track &track, std::optional<bool> onDeviceOverride = std::nullopt);
+    /// Tracks of the side that is shown, by their ids, in the way of an album.
+    void toggleTracks(const QSet<QUuid> &ids);
+    /// Adds those that are tracks of the computer.
+    void enqueue(const QSet<QUuid> &ids);
     [[nodiscard]] const QSet<QUuid> &chosen(std::optional<bool> onDeviceOverride) const
     {
         return m_browsing.chosen(side(onDeviceOverride));
@@ -334,6 +345,7 @@ private:
     struct PlannedTransfer;
     struct EndedTransfer;
     struct PreparedCover;
+    struct ImportReading;
     /// Where an album is, as it was when the user asked: what it gets goes there, or nowhere.
     struct CoverPlace {
         bool onDevice = false;
@@ -401,9 +413,11 @@ private:
         return kind == ImportKind::Device || kind == ImportKind::WholeDevice;
     }
     void beginImport(ImportSource source, ImportKind kind);
+    /// Shows how far the reading has come, as postedProgress() does.
+    [[nodiscard]] JobProgress importProgress();
     QCoro::Task<> runImport(ImportSource source, ImportKind kind);
     QCoro::Task<> runCleanup(Device device);
-    QCoro::Task<> runDuplicateCheck(std::vector<Track> tracks);
+    QCoro::Task<> runDuplicateCheck(std::shared_ptr<const std::vector<Track>> tracks);
     QCoro::Task<> runTransfer(std::shared_ptr<const PlannedTransfer> transfer);
     QCoro::Task<> runPlaylist(std::filesystem::path root);
     QCoro::Task<> runBackup(std::filesystem::path root, std::filesystem::path destination);
@@ -435,9 +449,9 @@ private:
     void applyContent(DeviceContent read);
     void applyPreviews(const ThemePreviews &found);
     void rediscover();
-    [[nodiscard]] TrackImport prepareImport(bool fromDevice) const;
+    QCoro::Task<> runReorder();
     void restoreLibrary();
-    void applyImport(TracksRead read, ImportKind kind);
+    void applyImport(const TracksRead &read, ImportKind kind);
 
     ModelEnvironment m_environment;
     RunningWork m_work;
@@ -447,6 +461,7 @@ private:
     DeviceFinder m_finder;
     std::optional<Device> m_device;
     Browsing m_browsing;
+    int m_textOrder = 0; ///< counts the orders of texts: lists that were begun in another one do not land
     QStringList
         m_unrestored; ///< stored paths, in their order, of tracks that did not come back because the reading was ended
     DeviceReading m_deviceReading = DeviceReading::None;

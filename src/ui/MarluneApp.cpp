@@ -139,6 +139,7 @@ Program::Parts::Parts(const Setup &setup)
           .ejectVolume = setup.ejectVolume,
           .supportFolder = setup.supportFolder,
           .themeSite = setup.themeSite,
+          .readTracks = setup.readTracks,
           .covers = setup.covers ? *setup.covers : CoverSearch::shared(),
           .audioOutput = setup.audioOutput,
           .playlistName = defaultPlaylistName()})

@@ -53,21 +53,6 @@ private:
     QList<QUrl> m_opened; ///< by the desktop, as far as the program can tell
 
 private Q_SLOTS:
-    void searchWaitsForAPauseInTyping()
-    {
-        Pages pages;
-        const QSignalSpy searches(pages.model.get(), &MarluneModel::searchChanged);
-        pages.library.searchSoon(u"a"_s);
-        pages.library.searchSoon(u"alb"_s);
-        QTRY_COMPARE(pages.model->search(), u"alb"_s);
-        QCOMPARE(searches.count(), 1);
-        pages.library.searchSoon(u"albu"_s);
-        pages.library.searchSoon(QString());
-        QCOMPARE(pages.model->search(), QString());
-        QTest::qWait(300);
-        QCOMPARE(pages.model->search(), QString());
-    }
-
     void theFrameTellsOfQueueAndDevice()
     {
         Pages pages;

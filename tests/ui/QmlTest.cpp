@@ -6,6 +6,7 @@
 #include "ui/device/DevicePresenter.h"
 #include "ui/library/AlbumSheetPresenter.h"
 #include "ui/library/LibraryPresenter.h"
+#include "ui/lists/FileDrag.h"
 #include "ui/playback/PlaybackPresenter.h"
 #include "ui/playlists/PlaylistsPresenter.h"
 #include "ui/quality/QualityPresenter.h"
@@ -117,10 +118,17 @@ public:
     Q_INVOKABLE bool dragFileOver(QQuickItem *item)
     {
         const fs::path file = m_desk.folder.write("dropped/a.flac", flacWith({"ALBUM=Dropped"}));
-        m_dragged.setUrls({QUrl::fromLocalFile(QString::fromStdString(file.string()))});
-        QDragEnterEvent enter(middle(item).toPoint(), Qt::CopyAction, &m_dragged, Qt::LeftButton, Qt::NoModifier);
-        QCoreApplication::sendEvent(item->window(), &enter);
-        return enter.isAccepted();
+        m_dragged = std::make_unique<QMimeData>();
+        m_dragged->setUrls({QUrl::fromLocalFile(QString::fromStdString(file.string()))});
+        return dragOver(item);
+    }
+    /// The same with the library's first track, as from a list; of the device where told so.
+    Q_INVOKABLE bool dragTrackOver(QQuickItem *item, bool onDevice)
+    {
+        const Track &track = m_model->tracks().front();
+        m_dragged = FileDrag::mimeData(
+            {.paths = {track.url}, .tracks = {track.id}, .onDevice = onDevice, .title = track.title});
+        return dragOver(item);
     }
     Q_INVOKABLE void dragAway(QQuickItem *item)
     {
@@ -129,7 +137,7 @@ public:
     }
     Q_INVOKABLE void letGoOver(QQuickItem *item)
     {
-        QDropEvent drop(middle(item), Qt::CopyAction, &m_dragged, Qt::LeftButton, Qt::NoModifier);
+        QDropEvent drop(middle(item), Qt::CopyAction, m_dragged.get(), Qt::LeftButton, Qt::NoModifier);
         QCoreApplication::sendEvent(item->window(), &drop);
     }
     /// Texts below `root` that are not shown whole: with an ellipsis, wider than their item, or taller.
@@ -149,6 +157,12 @@ public:
     }
 
 private:
+    bool dragOver(QQuickItem *item)
+    {
+        QDragEnterEvent enter(middle(item).toPoint(), Qt::CopyAction, m_dragged.get(), Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(item->window(), &enter);
+        return enter.isAccepted();
+    }
     static QPointF middle(const QQuickItem *item) { return item->mapToScene({item->width() / 2, item->height() / 2}); }
 
     /// A catalogue and an archive of covers with two albums in them, and one picture for both.
@@ -185,7 +199,7 @@ private:
     PlaybackPresenter m_playback {m_model->playback()};
     DesktopPanels m_panels;
     int m_answers = 0;
-    QMimeData m_dragged;
+    std::unique_ptr<QMimeData> m_dragged;
     int m_albums = 0;
 };
 
