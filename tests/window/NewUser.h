@@ -91,7 +91,13 @@ struct NewUser {
     void click(QQuickItem *target) const
     {
         QVERIFY(target);
-        const QPointF centre = target->mapToScene({target->width() / 2, target->height() / 2});
+        const auto middle = [target] { return target->mapToScene({target->width() / 2, target->height() / 2}); };
+        QPointF centre;
+        for (QPointF before(-1, -1); centre != before;
+            QTest::qWait(20)) { // what has just come is still put in its place
+            before = centre;
+            centre = middle();
+        }
         QVERIFY(program.window()->contentItem()->contains(centre));
         QTest::mouseClick(program.window(), Qt::LeftButton, Qt::NoModifier, centre.toPoint());
     }

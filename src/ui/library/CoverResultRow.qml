@@ -63,7 +63,8 @@ T.ItemDelegate {
             spacing: Tokens.space.hair
 
             RowButton {
-                row: root
+                stop: root.current
+                about: root.albumTitle
                 objectName: "downloadButton"
                 Layout.minimumWidth: implicitWidth
                 text: L10n.text("Pobierz i dodaj")
@@ -71,7 +72,8 @@ T.ItemDelegate {
                 onClicked: root.chosen()
             }
             RowButton {
-                row: root
+                stop: root.current
+                about: root.albumTitle
                 objectName: "sourceButton"
                 Layout.alignment: Qt.AlignHCenter
                 kind: Button.Borderless
@@ -103,10 +105,11 @@ T.ItemDelegate {
         Accessible.ignored: true
     }
     component RowButton: Button {
-        required property CoverResultRow row
+        required property bool stop ///< of the Tab key
+        required property string about
 
         measure: Button.Small
-        focusPolicy: row.current || activeFocus ? Qt.StrongFocus : Qt.ClickFocus
-        Accessible.name: text + ": " + row.albumTitle
+        focusPolicy: stop || activeFocus ? Qt.StrongFocus : Qt.ClickFocus
+        Accessible.name: text + ": " + about
     }
 }
