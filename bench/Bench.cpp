@@ -18,7 +18,8 @@ constexpr Figure figures[] = {{"import", Bench::import}, {"flac", Bench::flac}, 
     {"group", Bench::group}, {"browse", Bench::browse}, {"jpeg", Bench::jpeg},
     {"jpeg-progressive", Bench::jpegProgressive}, {"check", Bench::check}, {"catalogue", Bench::catalogue},
     {"covers", Bench::covers}, {"inspect", Bench::inspect}, {"duplicates", Bench::duplicates}, {"play", Bench::play},
-    {"heartbeat", Bench::heartbeatAndMemory}, {"memory", Bench::heartbeatAndMemory}, {"tiles", Bench::tiles},
+    {"heartbeat", Bench::heartbeatAndMemory}, {"memory", Bench::heartbeatAndMemory}, {"lists", Bench::lists},
+    {"table", Bench::table}, {"typing", Bench::typing}, {"tree", Bench::tree}, {"tiles", Bench::tiles},
     {"scroll", Bench::scroll}, {"covers-memory", Bench::coversMemory}, {"drawings", Bench::drawings},
     {"translate", Bench::translate}, {"language", Bench::language}, {"start", Bench::start}};
 

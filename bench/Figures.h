@@ -74,6 +74,15 @@ void heartbeatAndMemory(const std::filesystem::path &library);
 void start(const std::filesystem::path &library);
 /// One such start, in a process of its own: writes a line with the first frame, and ends. `folder` holds the settings.
 [[nodiscard]] int firstFrame(int argc, char **argv, const std::filesystem::path &folder);
+/// What the model's lists of many tracks take: milliseconds on the UI thread, but for the first.
+void lists(const std::filesystem::path &library);
+/// From the choice of the table to its first frame with many tracks, against sorting their names.
+void table(const std::filesystem::path &library);
+/// From a letter in the search to the frame that shows it, with many tracks, in each view.
+void typing(const std::filesystem::path &library);
+/// The outline of folders with many files of its own: until it stands, against sorting names by keys that are ready; and
+/// the longest time that the UI thread is held.
+void tree(const std::filesystem::path &library);
 /// Scrolls through the album grid.
 void tiles(const std::filesystem::path &library);
 /// Scrolls through each view of the library, from end to end.

@@ -1,5 +1,6 @@
 // Reading, grouping and browsing a library.
 #include "Figures.h"
+#include "MadeLibrary.h"
 #include "Peers.h"
 
 #include "library/AlbumGrouping.h"
@@ -11,53 +12,14 @@
 #include <QCoreApplication>
 
 #include <algorithm>
-#include <fstream>
 #include <numeric>
-#include <random>
 
 namespace {
-
-constexpr int manyTracks = 100'000;
 
 class NoPanels final : public Panels {
 public:
     void open(const Request &, Answer) override { }
 };
-
-/// As many tracks as asked for, twelve an album, with Polish and English names and some discs.
-std::vector<Track> makeTracks(int count)
-{
-    static const std::vector<QString> words {QStringLiteral("Noc"), QStringLiteral("światło"), QStringLiteral("Żar"),
-        QStringLiteral("river"), QStringLiteral("Glass"), QStringLiteral("łąka"), QStringLiteral("dawn"),
-        QStringLiteral("Cień")};
-    std::mt19937 random(7);
-    const auto word = [&] { return words[random() % words.size()]; };
-    std::vector<Track> tracks;
-    tracks.reserve(std::size_t(count));
-    QString artist;
-    QString album;
-    for (int i = 0; i < count; ++i) {
-        if (i % 12 == 0) {
-            artist = word() + u' ' + word() + u' ' + QString::number(random() % 700);
-            album = word() + u' ' + word() + (i % 120 == 0 ? QStringLiteral(" (CD 1)") : QString());
-        }
-        Track track;
-        track.id = QUuid::createUuid();
-        track.title = word() + u' ' + QString::number(random() % 100);
-        track.artist = artist;
-        track.album = album;
-        track.bytes = std::int64_t(random() % 40'000'000);
-        track.info.trackNumber = i % 12 + 1;
-        track.info.discNumber = i % 24 < 12 ? 0 : 1;
-        track.info.year = QString::number(1960 + random() % 60);
-        track.info.codec = QStringLiteral("FLAC");
-        track.url = (QStringLiteral("/music/") + artist + u'/' + QString::number(i / 12) + QStringLiteral(" - ") + album
-            + QStringLiteral("/%1 - ").arg(i % 12 + 1, 2, 10, QLatin1Char('0')) + track.title + QStringLiteral(".flac"))
-                        .toStdString();
-        tracks.push_back(std::move(track));
-    }
-    return tracks;
-}
 
 std::vector<std::filesystem::path> flacFiles(const std::filesystem::path &library)
 {
@@ -140,14 +102,9 @@ void browse(const std::filesystem::path &)
         .deviceDiscovery = [] { return std::vector<Device> {}; },
         .ejectVolume = {},
         .supportFolder = folder.path(),
+        .readTracks = readManyTracks,
         .restoreLibrary = false});
-    // Empty files: a track's names then come from its path, as they do for untagged music.
-    for (const Track &track : makeTracks(manyTracks)) {
-        const std::filesystem::path file = folder.path() / track.url.relative_path().replace_extension(".mp3");
-        std::filesystem::create_directories(file.parent_path());
-        std::ofstream stream(file);
-    }
-    model.importURLs({folder.path() / "music"}, false, false);
+    model.importURLs({folder.path()}, false, false);
     while (model.busy()) {
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     }

@@ -1,5 +1,6 @@
 // The real window while a library comes in and is scrolled through: does the UI thread keep its beat, how much memory
 // does it take, which frames come late.
+#include "BenchWindow.h"
 #include "Figures.h"
 
 #include "ui/MarluneApp.h"
@@ -30,42 +31,9 @@ double residentBytes()
     return resident * double(::sysconf(_SC_PAGESIZE));
 }
 
-void runFor(int milliseconds)
-{
-    QEventLoop loop;
-    QTimer::singleShot(milliseconds, &loop, &QEventLoop::quit);
-    loop.exec();
-}
-
-/// The setup of a user who has nothing yet.
-MarluneApp::Setup emptySetup(const Bench::WorkFolder &folder)
-{
-    static const bool prepared = (MarluneApp::prepareApplication(), true);
-    (void)prepared;
-    return {.settingsFile = folder.path() / "settings.json",
-        .supportFolder = folder.path(),
-        .deviceDiscovery = [] { return std::vector<Device> {}; },
-        .ejectVolume = {},
-        .panels = nullptr};
-}
-
-/// The visible item of this name.
-QQuickItem *findView(QQuickItem *root, const char *name)
-{
-    if (!root->isVisible() || root->objectName() == QLatin1String(name)) {
-        return root->isVisible() ? root : nullptr;
-    }
-    for (QQuickItem *child : root->childItems()) {
-        if (QQuickItem *found = findView(child, name)) {
-            return found;
-        }
-    }
-    return nullptr;
-}
-
 QQuickItem &view(const MarluneApp::Program &program, const char *name)
 {
-    QQuickItem *found = findView(program.window()->contentItem(), name);
+    QQuickItem *found = Bench::findItem(program.window()->contentItem(), name);
     Bench::require(found, name);
     return *found;
 }
@@ -76,19 +44,9 @@ void showLibrary(MarluneApp::Program &program, const std::filesystem::path &libr
     program.window()->setGeometry(0, 0, 1260, 820); // a screen without hardware can be smaller
     program.model().importURLs({library}, false, false);
     while (program.model().busy()) {
-        runFor(20);
+        Bench::runFor(20);
     }
-    runFor(3000);
-}
-
-/// One frame begins when the one before is done, so that the gaps are what the frames take. Before the first window.
-void renderWithoutPause()
-{
-    qputenv("QSG_RENDER_LOOP", "basic");
-    qputenv("QT_QPA_UPDATE_IDLE_TIME", "0");
-    QSurfaceFormat format = QSurfaceFormat::defaultFormat();
-    format.setSwapInterval(0);
-    QSurfaceFormat::setDefaultFormat(format);
+    Bench::runFor(3000);
 }
 
 /// Prints what the frames take while `view` is scrolled from its beginning to its end.
@@ -263,7 +221,7 @@ void drawings(const std::filesystem::path &)
     engine.loadData(gallery);
     auto *window
         = engine.rootObjects().isEmpty() ? nullptr : qobject_cast<QQuickWindow *>(engine.rootObjects().front());
-    QQuickItem *grid = window ? findView(window->contentItem(), "albumGrid") : nullptr;
+    QQuickItem *grid = window ? findItem(window->contentItem(), "albumGrid") : nullptr;
     require(grid, "the gallery");
     runFor(1000);
     for (const char *pass : {"drawings", "drawings-again"}) { // drawn on the way, and then at hand

@@ -20,7 +20,6 @@ namespace {
 
 /// Bytes; what is larger is refused.
 constexpr std::int64_t maxAnswer = 999'999;
-constexpr std::int64_t maxImage = 7'999'999;
 
 constexpr std::int64_t leastScore = 95; ///< of a match
 
@@ -302,13 +301,13 @@ QCoro::Task<std::vector<CoverCandidate>> CoverSearch::search(
     co_return found;
 }
 
-QCoro::Task<QByteArray> CoverSearch::image(const CoverCandidate &candidate, QObject &owner)
+QCoro::Task<QByteArray> CoverSearch::image(const CoverCandidate &candidate, QObject &owner, std::int64_t maxBytes)
 {
     if (!isUuid(candidate.id)) {
         throw MarluneError(QStringLiteral("Nieprawidłowy identyfikator albumu."));
     }
     Http::Request request {.url = candidate.artworkURL(m_services),
-        .maxBodyBytes = maxImage,
+        .maxBodyBytes = maxBytes,
         .silence = m_services.archiveSilence,
         .redirects = Http::Redirects::AnyHost}; // the images lie with another host
     const Http::Response response = co_await ask(request, Pace::Free, owner);

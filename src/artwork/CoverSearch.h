@@ -84,8 +84,10 @@ public:
     /// a failure is not remembered.
     [[nodiscard]] QCoro::Task<std::vector<CoverCandidate>> search(
         const QString &artist, const QString &title, QObject &owner);
-    /// The front cover as the archive has it: never empty, less than 8,000,000 bytes, of any content.
-    [[nodiscard]] QCoro::Task<QByteArray> image(const CoverCandidate &candidate, QObject &owner);
+    static constexpr std::int64_t maxImageBytes = 7'999'999;
+    /// The front cover as the archive has it: never empty, of `maxBytes` at most, of any content.
+    [[nodiscard]] QCoro::Task<QByteArray> image(
+        const CoverCandidate &candidate, QObject &owner, std::int64_t maxBytes = maxImageBytes);
 
     /// The search in the service's language (Lucene's). Any thread.
     [[nodiscard]] static QString query(const QString &artist, const QString &title);

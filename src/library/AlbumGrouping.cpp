@@ -301,19 +301,21 @@ std::vector<Group> groups(const std::vector<Track> &tracks)
     return result;
 }
 
+Album album(const Group &group, const std::vector<Track> &tracks)
+{
+    Album album {.artist = group.artist, .title = group.title, .tracks = {}, .groupID = group.key};
+    album.tracks.reserve(group.tracks.size());
+    for (const std::size_t index : group.tracks) {
+        album.tracks.push_back(tracks[index]);
+    }
+    return album;
+}
+
 std::vector<Album> albums(const std::vector<Track> &tracks)
 {
     std::vector<Album> result;
-    for (Group &group : groups(tracks)) {
-        Album album {.artist = std::move(group.artist),
-            .title = std::move(group.title),
-            .tracks = {},
-            .groupID = std::move(group.key)};
-        album.tracks.reserve(group.tracks.size());
-        for (const std::size_t index : group.tracks) {
-            album.tracks.push_back(tracks[index]);
-        }
-        result.push_back(std::move(album));
+    for (const Group &group : groups(tracks)) {
+        result.push_back(album(group, tracks));
     }
     return result;
 }

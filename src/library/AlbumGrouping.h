@@ -30,6 +30,9 @@ struct Group {
 /// The groups behind albums(), without a copy of any track.
 [[nodiscard]] std::vector<Group> groups(const std::vector<Track> &tracks);
 
+/// The album that a group of these tracks is.
+[[nodiscard]] Album album(const Group &group, const std::vector<Track> &tracks);
+
 /// Albums in the order in which their first tracks come. Track ids must be unique.
 [[nodiscard]] std::vector<Album> albums(const std::vector<Track> &tracks);
 

@@ -41,6 +41,9 @@ using ImportProgress = std::function<void(int done, int total)>;
 [[nodiscard]] TracksRead readTracks(
     TrackImport import, const ImportProgress &progress, const std::stop_token &stop = {});
 
+/// What makes tracks as readTracks() does.
+using TrackSource = std::function<TracksRead(TrackImport, const ImportProgress &, const std::stop_token &)>;
+
 /// The key of "artworkOverrides": artist, NUL, album, NUL, folder.
 [[nodiscard]] QString overrideKey(const QString &artist, const QString &album, const std::filesystem::path &folder);
 

@@ -231,8 +231,8 @@ QCoro::Task<> MarluneModel::runRepair(CoverPlace place)
     const QPointer<MarluneModel> self(this);
     const std::stop_token stop = m_work.stopToken();
     // It asks the disk for each file.
-    auto choose = [tracks = activeTracks(), root = place.onDevice ? place.root : std::nullopt, stop] {
-        return repairableAlbums(tracks, root, stop);
+    auto choose = [tracks = sharedTracks(), root = place.onDevice ? place.root : std::nullopt, stop] {
+        return repairableAlbums(*tracks, root, stop);
     };
     std::vector<Album> albums;
     std::exception_ptr failure;

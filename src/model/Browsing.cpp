@@ -2,82 +2,19 @@
 
 #include "library/AlbumGrouping.h"
 
-#include "platform/text/TextOrder.h"
-
 #include <algorithm>
 
 namespace {
 
-const QString &yearOf(const Album &album)
-{
-    static const QString none;
-    return album.tracks.empty() ? none : album.tracks.front().info.year;
-}
+/// So many tracks are indexed at once, whoever waits.
+constexpr std::size_t fewTracks = 2000;
 
-/// A stable sort by a value of each item that is worked out once.
-template <typename Item, typename ValueOf, typename Before>
-void sortByValue(std::vector<Item> &items, const ValueOf &valueOf, const Before &before)
+/// Whether the group is the album of this record, with the same tracks.
+bool isRecordOf(const Album &album, const AlbumGrouping::Group &group, const std::vector<Track> &tracks)
 {
-    using Value = std::decay_t<decltype(valueOf(items.front()))>;
-    std::vector<std::pair<Value, std::size_t>> values;
-    values.reserve(items.size());
-    for (std::size_t i = 0; i < items.size(); ++i) {
-        values.emplace_back(valueOf(items[i]), i);
-    }
-    std::stable_sort(
-        values.begin(), values.end(), [&](const auto &a, const auto &b) { return before(a.first, b.first); });
-    std::vector<Item> sorted;
-    sorted.reserve(items.size());
-    for (const auto &entry : values) {
-        sorted.push_back(std::move(items[entry.second]));
-    }
-    items = std::move(sorted);
-}
-
-void sortAlbums(AlbumList &albums, SortMode order)
-{
-    using Shared = std::shared_ptr<const Album>;
-    switch (order) {
-    case SortMode::Album:
-        TextOrder::stableSort(albums, [](const Shared &album) { return album->title; });
-        break;
-    case SortMode::Year: // newest first
-        sortByValue(albums, [](const Shared &album) { return yearOf(*album); }, std::greater<>());
-        break;
-    case SortMode::Size: // largest first
-        sortByValue(albums, [](const Shared &album) { return album->bytes(); }, std::greater<>());
-        break;
-    case SortMode::Artist:
-        TextOrder::stableSort(albums, [](const Shared &album) { return QString(album->artist + album->title); });
-        break;
-    }
-}
-
-void sortTracks(TrackPlaces &places, const std::vector<Track> &tracks, SortMode order)
-{
-    const auto at = [&tracks](std::uint32_t place) -> const Track & { return tracks[place]; };
-    switch (order) {
-    case SortMode::Album:
-        TextOrder::stableSort(places, [&](std::uint32_t place) { return QString(at(place).album + at(place).title); });
-        break;
-    case SortMode::Year: // newest first, then by title
-        sortByValue(
-            places, [&](std::uint32_t place) { return std::pair(at(place).info.year, at(place).title); },
-            [](const auto &a, const auto &b) { return a.first != b.first ? b.first < a.first : a.second < b.second; });
-        break;
-    case SortMode::Size: // largest first
-        sortByValue(places, [&](std::uint32_t place) { return at(place).bytes; }, std::greater<>());
-        break;
-    case SortMode::Artist:
-        TextOrder::stableSort(places, [&](std::uint32_t place) { return QString(at(place).artist + at(place).title); });
-        break;
-    }
-}
-
-bool holdsAny(const Album &album, const QSet<QUuid> &tracks)
-{
-    return std::any_of(
-        album.tracks.begin(), album.tracks.end(), [&tracks](const Track &track) { return tracks.contains(track.id); });
+    return album.title == group.title && album.artist == group.artist
+        && std::equal(album.tracks.begin(), album.tracks.end(), group.tracks.begin(), group.tracks.end(),
+            [&](const Track &track, std::size_t place) { return track.id == tracks[place].id; });
 }
 
 void giveArtwork(std::vector<Track> &tracks, const QSet<QUuid> &ids, const QByteArray &image)
@@ -89,65 +26,120 @@ void giveArtwork(std::vector<Track> &tracks, const QSet<QUuid> &ids, const QByte
     }
 }
 
-/// Puts the new records of albums in the place of the old ones.
-void renewAlbums(AlbumList &albums, const QHash<const Album *, std::shared_ptr<const Album>> &changed)
-{
-    for (std::shared_ptr<const Album> &album : albums) {
-        if (const auto renewed = changed.constFind(album.get()); renewed != changed.constEnd()) {
-            album = *renewed;
-        }
-    }
-}
-
 } // namespace
 
-bool isHighResolution(const AudioInfo &info)
+LibraryContents LibraryContents::prepared(std::vector<Track> more) const
 {
-    return info.bitDepth >= 17 || info.sampleRate >= 48001;
+    if (more.empty() && index && index->isCurrent()) {
+        return *this;
+    }
+    LibraryContents made {.tracks = tracks, .index = {}, .albums = {}};
+    if (!more.empty()) {
+        const auto joined = std::make_shared<std::vector<Track>>();
+        joined->reserve(tracks->size() + more.size());
+        joined->insert(joined->end(), tracks->begin(), tracks->end());
+        joined->insert(joined->end(), std::move_iterator(more.begin()), std::move_iterator(more.end()));
+        made.tracks = joined;
+    }
+    const std::vector<AlbumGrouping::Group> groups = AlbumGrouping::groups(*made.tracks);
+    made.index = std::make_shared<const LibraryIndex>(*made.tracks, groups);
+    AlbumList list;
+    list.reserve(groups.size());
+    for (const AlbumGrouping::Group &group : groups) {
+        const std::optional<std::uint32_t> before = index ? index->albumOf(group.key) : std::nullopt;
+        const bool isKept = before && isRecordOf(*(*albums)[*before], group, *made.tracks);
+        list.push_back(
+            isKept ? (*albums)[*before] : std::make_shared<const Album>(AlbumGrouping::album(group, *made.tracks)));
+    }
+    made.albums = std::make_shared<const AlbumList>(std::move(list));
+    return made;
+}
+
+std::vector<Track> &Browsing::ownTracks(Side side)
+{
+    std::shared_ptr<const std::vector<Track>> &held = m_contents[place(side)].tracks;
+    // Counting up, unlike looking at the count, sees what a job that has let go of them did before that.
+    const std::shared_ptr<const std::vector<Track>> again = held;
+    if (held.use_count() > 2) {
+        held = std::make_shared<std::vector<Track>>(*again);
+    }
+    return *std::const_pointer_cast<std::vector<Track>>(held);
 }
 
 void Browsing::append(Side side, std::vector<Track> tracks)
 {
-    std::vector<Track> &target = m_tracks[place(side)];
+    std::vector<Track> &target = ownTracks(side);
     target.insert(target.end(), std::move_iterator(tracks.begin()), std::move_iterator(tracks.end()));
-    m_derived = {};
+    m_contents[place(side)].index.reset();
+    m_contents[place(side)].albums.reset();
+    m_queueSum.reset();
+}
+
+bool Browsing::land(Side side, const LibraryContents &base, const LibraryContents &made)
+{
+    LibraryContents &held = m_contents[place(side)];
+    if (held.tracks != base.tracks || !made.index->isCurrent()) {
+        return false;
+    }
+    held = made;
+    m_queueSum.reset();
+    return true;
+}
+
+bool Browsing::isReady(Side side) const
+{
+    const LibraryContents &held = contents(side);
+    return held.tracks->size() <= fewTracks || (held.index && held.index->isCurrent());
 }
 
 void Browsing::remove(const QSet<QUuid> &ids)
 {
-    std::erase_if(m_tracks[place(Side::Computer)], [&](const Track &track) { return ids.contains(track.id); });
+    LibraryContents &held = m_contents[place(Side::Computer)];
+    std::vector<bool> gone;
+    gone.reserve(held.tracks->size());
+    for (const Track &track : *held.tracks) {
+        gone.push_back(ids.contains(track.id));
+    }
+    held.index = held.index ? held.index->without(gone) : nullptr;
+    if (held.index) {
+        AlbumList left = *held.albums;
+        std::erase_if(left, [&](const auto &album) { return ids.contains(album->tracks.front().id); });
+        held.albums = std::make_shared<const AlbumList>(std::move(left));
+    }
+    std::erase_if(ownTracks(Side::Computer), [&](const Track &track) { return ids.contains(track.id); });
     dequeue(ids);
-    m_derived = {};
 }
 
 void Browsing::clearDevice()
 {
-    m_tracks[place(Side::Device)].clear();
+    m_contents[place(Side::Device)] = {};
     m_chosen[place(Side::Device)].clear();
-    m_derived = {};
 }
 
 void Browsing::setArtwork(Side side, const QSet<QUuid> &ids, const QByteArray &image)
 {
-    giveArtwork(m_tracks[place(side)], ids, image);
-    if (side != m_side) {
+    LibraryContents &held = m_contents[place(side)];
+    std::vector<Track> &tracks = ownTracks(side);
+    if (!held.index) {
+        giveArtwork(tracks, ids, image);
         return;
     }
-    QHash<const Album *, std::shared_ptr<const Album>> changed;
-    if (m_derived.grouped) {
-        for (const std::shared_ptr<const Album> &album : *m_derived.grouped) {
-            if (holdsAny(*album, ids)) {
-                Album copy = *album;
-                giveArtwork(copy.tracks, ids, image);
-                changed.insert(album.get(), std::make_shared<const Album>(std::move(copy)));
-            }
+    QSet<std::uint32_t> changed;
+    for (const QUuid &id : ids) {
+        if (const std::optional<std::uint32_t> at = held.index->placeOf(id)) {
+            tracks[*at].artwork = image;
+            changed.insert(held.index->albumAt(*at));
         }
-        renewAlbums(*m_derived.grouped, changed);
     }
-    if (m_derived.albums) {
-        AlbumList listed = *m_derived.albums;
-        renewAlbums(listed, changed);
-        m_derived.albums = std::make_shared<const AlbumList>(std::move(listed));
+    AlbumList albums = *held.albums;
+    for (const std::uint32_t number : changed) {
+        Album album = *albums[number];
+        giveArtwork(album.tracks, ids, image);
+        albums[number] = std::make_shared<const Album>(std::move(album));
+    }
+    held.albums = std::make_shared<const AlbumList>(std::move(albums));
+    if (m_lists.index == held.index) {
+        m_lists.albums.reset();
     }
 }
 
@@ -157,7 +149,6 @@ bool Browsing::setSide(Side side)
         return false;
     }
     m_side = side;
-    m_derived = {};
     return true;
 }
 
@@ -167,88 +158,86 @@ template <typename Field> bool Browsing::set(Field &field, const Field &value)
         return false;
     }
     field = value;
-    m_derived.albums.reset();
-    m_derived.filteredTracks.reset();
+    m_lists = {};
     return true;
 }
 
 bool Browsing::setSearch(const QString &text)
 {
-    return set(m_search, text);
+    return set(m_filter.search, text);
 }
 
 bool Browsing::setFormatFilter(const QString &filter)
 {
-    return set(m_formatFilter, filter);
+    return set(m_filter.format, filter);
 }
 
 bool Browsing::setHiResOnly(bool only)
 {
-    return set(m_hiResOnly, only);
+    return set(m_filter.hiResOnly, only);
 }
 
 bool Browsing::setSortMode(const QString &mode)
 {
-    return set(m_sortMode, mode);
-}
-
-bool Browsing::matches(const Track &track) const
-{
-    if (!passesFormatFilter(track.info.codec, m_formatFilter) || (m_hiResOnly && !isHighResolution(track.info))) {
+    if (m_sortMode == mode) {
         return false;
     }
-    return m_search.isEmpty() || TextOrder::contains(track.artist + u' ' + track.album + u' ' + track.title, m_search);
+    m_sortMode = mode;
+    m_lists.albums.reset();
+    m_lists.tracks.reset();
+    return true;
 }
 
-Browsing::Derived &Browsing::derived() const
+const LibraryContents &Browsing::indexed(Side side) const
 {
-    if (const int language = int(TextOrder::language()); m_derived.language != language) {
-        m_derived = {.grouped = {}, .albums = {}, .filteredTracks = {}, .language = language};
+    LibraryContents &held = m_contents[place(side)];
+    if (!held.index || !held.index->isCurrent()) {
+        held = held.prepared();
     }
-    return m_derived;
+    return held;
 }
 
-const AlbumList &Browsing::everyAlbum() const
+Browsing::Lists &Browsing::lists() const
 {
-    Derived &kept = derived();
-    if (!kept.grouped) {
-        kept.grouped.emplace();
-        for (Album &album : AlbumGrouping::albums(activeTracks())) {
-            kept.grouped->push_back(std::make_shared<const Album>(std::move(album)));
-        }
+    const LibraryContents &held = indexed(m_side);
+    if (m_lists.index != held.index) {
+        m_lists = {.index = held.index, .matches = {}, .albums = {}, .tracks = {}};
     }
-    return *kept.grouped;
+    return m_lists;
 }
 
 std::shared_ptr<const Album> Browsing::albumWith(const QUuid &trackId) const
 {
-    const auto isTheTrack = [&](const Track &track) { return track.id == trackId; };
-    for (const std::shared_ptr<const Album> &album : everyAlbum()) {
-        if (std::any_of(album->tracks.begin(), album->tracks.end(), isTheTrack)) {
-            return album;
-        }
-    }
-    return nullptr;
+    const LibraryContents &held = indexed(m_side);
+    const std::optional<std::uint32_t> at = held.index->placeOf(trackId);
+    return at ? (*held.albums)[held.index->albumAt(*at)] : nullptr;
 }
 
-std::shared_ptr<const Album> Browsing::albumOf(const QString &albumId) const
+std::shared_ptr<const Album> Browsing::albumOf(Side side, const QString &albumId) const
 {
-    const AlbumList &all = everyAlbum();
-    const auto found = std::find_if(all.begin(), all.end(), [&](const auto &album) { return album->id() == albumId; });
-    return found == all.end() ? nullptr : *found;
+    const LibraryContents &held = indexed(side);
+    const std::optional<std::uint32_t> number = held.index->albumOf(albumId);
+    return number ? (*held.albums)[*number] : nullptr;
+}
+
+std::shared_ptr<const TrackMatches> Browsing::trackMatches() const
+{
+    Lists &kept = lists();
+    if (!kept.matches) {
+        kept.matches = std::make_shared<const TrackMatches>(kept.index->matches(m_filter));
+    }
+    return kept.matches;
 }
 
 std::shared_ptr<const AlbumList> Browsing::albums() const
 {
-    Derived &kept = derived();
+    Lists &kept = lists();
     if (!kept.albums) {
         const AlbumList &all = everyAlbum();
         AlbumList shown;
-        std::copy_if(all.begin(), all.end(), std::back_inserter(shown), [this](const auto &album) {
-            return std::any_of(
-                album->tracks.begin(), album->tracks.end(), [this](const Track &track) { return matches(track); });
-        });
-        sortAlbums(shown, sortModeFromText(m_sortMode));
+        for (const std::uint32_t number : kept.index->albums(*trackMatches(), sortModeFromText(m_sortMode))) {
+            shown.push_back(all[number]);
+        }
         kept.albums = std::make_shared<const AlbumList>(std::move(shown));
     }
     return kept.albums;
@@ -256,28 +245,12 @@ std::shared_ptr<const AlbumList> Browsing::albums() const
 
 std::shared_ptr<const TrackPlaces> Browsing::filteredTracks() const
 {
-    Derived &kept = derived();
-    if (!kept.filteredTracks) {
-        const std::vector<Track> &all = activeTracks();
-        TrackPlaces shown;
-        for (std::uint32_t place = 0; place < all.size(); ++place) {
-            if (matches(all[place])) {
-                shown.push_back(place);
-            }
-        }
-        sortTracks(shown, all, sortModeFromText(m_sortMode));
-        kept.filteredTracks = std::make_shared<const TrackPlaces>(std::move(shown));
+    Lists &kept = lists();
+    if (!kept.tracks) {
+        kept.tracks
+            = std::make_shared<const TrackPlaces>(kept.index->tracks(*trackMatches(), sortModeFromText(m_sortMode)));
     }
-    return kept.filteredTracks;
-}
-
-std::size_t Browsing::filteredTrackCount() const
-{
-    if (const Derived &kept = derived(); kept.filteredTracks) {
-        return kept.filteredTracks->size();
-    }
-    return std::size_t(std::count_if(
-        activeTracks().begin(), activeTracks().end(), [this](const Track &track) { return matches(track); }));
+    return kept.tracks;
 }
 
 std::vector<Track> Browsing::queue() const
@@ -292,41 +265,78 @@ std::vector<Track> Browsing::queue() const
     return result;
 }
 
-std::int64_t Browsing::queueBytes() const
+const Browsing::QueueSum &Browsing::queueSum() const
 {
-    const QSet<QUuid> &queued = chosen(Side::Computer);
-    std::int64_t sum = 0;
-    for (const Track &track : tracks(Side::Computer)) {
-        sum += queued.contains(track.id) ? track.bytes : 0;
+    if (!m_queueSum) {
+        const QSet<QUuid> &queued = chosen(Side::Computer);
+        m_queueSum.emplace();
+        for (const Track &track : tracks(Side::Computer)) {
+            if (queued.contains(track.id)) {
+                ++m_queueSum->count;
+                m_queueSum->bytes += track.bytes;
+            }
+        }
     }
-    return sum;
+    return *m_queueSum;
 }
 
 void Browsing::enqueue(const std::vector<Track> &tracks)
 {
+    QSet<QUuid> &queued = m_chosen[place(Side::Computer)];
+    queued.reserve(queued.size() + qsizetype(tracks.size()));
     for (const Track &track : tracks) {
-        m_chosen[place(Side::Computer)].insert(track.id);
+        queued.insert(track.id);
     }
+    m_queueSum.reset();
 }
 
-void Browsing::toggle(const Album &album)
+void Browsing::dequeue(const QSet<QUuid> &ids)
 {
-    QSet<QUuid> &target = m_chosen[place(m_side)];
-    const bool all = std::all_of(
-        album.tracks.begin(), album.tracks.end(), [&](const Track &track) { return target.contains(track.id); });
-    for (const Track &track : album.tracks) {
-        if (all) {
-            target.remove(track.id);
-        } else {
-            target.insert(track.id);
+    m_chosen[place(Side::Computer)].subtract(ids);
+    m_queueSum.reset();
+}
+
+void Browsing::clearQueue()
+{
+    m_chosen[place(Side::Computer)].clear();
+    m_queueSum.reset();
+}
+
+void Browsing::enqueue(const QSet<QUuid> &ids)
+{
+    for (const Track &track : tracks(Side::Computer)) {
+        if (ids.contains(track.id)) {
+            m_chosen[place(Side::Computer)].insert(track.id);
         }
     }
+    m_queueSum.reset();
 }
 
-void Browsing::toggleTrack(const Track &track)
+void Browsing::toggle(Side side, const Album &album)
 {
-    QSet<QUuid> &target = m_chosen[place(m_side)];
+    QSet<QUuid> ids;
+    for (const Track &track : album.tracks) {
+        ids.insert(track.id);
+    }
+    toggle(side, ids);
+}
+
+void Browsing::toggle(Side side, const QSet<QUuid> &tracks)
+{
+    QSet<QUuid> &target = m_chosen[place(side)];
+    if (target.contains(tracks)) {
+        target.subtract(tracks);
+    } else {
+        target.unite(tracks);
+    }
+    m_queueSum.reset();
+}
+
+void Browsing::toggleTrack(Side side, const Track &track)
+{
+    QSet<QUuid> &target = m_chosen[place(side)];
     if (!target.remove(track.id)) {
         target.insert(track.id);
     }
+    m_queueSum.reset();
 }

@@ -1,13 +1,14 @@
 // What the library page is about: the tracks of the computer and of the device, which of them are listed and in what
 // order, and which are chosen.
 //
-// A plain part of the model, of the UI thread; whoever changes it tells the pages. The lists that follow from the
-// tracks are kept until something that they depend on changes, and copy no track that they share with another list.
+// A plain part of the model, of the UI thread; whoever changes it tells the pages. Each side's tracks have an index off
+// which all lists are read. It is worked out when a list is asked for and none is there: for many tracks that takes
+// long, so that a job should prepare() it, and what it made is put in place by land(). Lists copy no track.
 #pragma once
 
 #include "library/Album.h"
 
-#include "model/BrowsingWords.h"
+#include "model/LibraryIndex.h"
 
 #include <QSet>
 #include <QUuid>
@@ -19,22 +20,33 @@
 /// Albums that one list shares with another: filtering and sorting copy no track.
 using AlbumList = std::vector<std::shared_ptr<const Album>>;
 
-/// Tracks as their places among the active ones: no track is copied. Good until those change, and their order or number
-/// with them.
-using TrackPlaces = std::vector<std::uint32_t>;
+/// A side's tracks with all that was worked out of them. What it points to never changes: a job may hold it.
+struct LibraryContents {
+    std::shared_ptr<const std::vector<Track>> tracks = std::make_shared<std::vector<Track>>();
+    std::shared_ptr<const LibraryIndex> index; ///< may be absent
+    std::shared_ptr<const AlbumList> albums; ///< of the index, as they were grouped
 
-/// More than 16 bits a sample or more than 48 kHz.
-[[nodiscard]] bool isHighResolution(const AudioInfo &info);
+    /// These tracks with `more` behind them, and their index. Albums that stay as they are stay the same records.
+    /// Blocking: some seconds for 100,000 tracks; any thread.
+    [[nodiscard]] LibraryContents prepared(std::vector<Track> more = {}) const;
+};
 
 /// Where tracks are.
 enum class Side : std::uint8_t { Computer, Device };
+inline constexpr std::array allSides {Side::Computer, Side::Device};
 
 class Browsing {
 public:
     // The tracks of both sides, and the side that is shown.
-    [[nodiscard]] const std::vector<Track> &tracks(Side side) const { return m_tracks[place(side)]; }
+    [[nodiscard]] const std::vector<Track> &tracks(Side side) const { return *contents(side).tracks; }
     [[nodiscard]] const std::vector<Track> &activeTracks() const { return tracks(m_side); }
+    [[nodiscard]] const LibraryContents &contents(Side side) const { return m_contents[place(side)]; }
     void append(Side side, std::vector<Track> tracks);
+    /// Puts `made`, prepared of `base`, in the place of the side's contents. Nothing, and false, where those have
+    /// changed meanwhile, or the order of texts has.
+    [[nodiscard]] bool land(Side side, const LibraryContents &base, const LibraryContents &made);
+    /// Whether the side's lists are at hand, or short enough to be made at once.
+    [[nodiscard]] bool isReady(Side side) const;
     /// Takes the tracks of these ids off the computer's side, and off the queue.
     void remove(const QSet<QUuid> &ids);
     /// Forgets the device's tracks and what is selected of them.
@@ -46,61 +58,78 @@ public:
     bool setSide(Side side);
 
     // Filters and order.
-    [[nodiscard]] const QString &search() const { return m_search; }
+    [[nodiscard]] const QString &search() const { return m_filter.search; }
     bool setSearch(const QString &text);
-    [[nodiscard]] const QString &formatFilter() const { return m_formatFilter; }
+    [[nodiscard]] const QString &formatFilter() const { return m_filter.format; }
     bool setFormatFilter(const QString &filter);
-    [[nodiscard]] bool hiResOnly() const { return m_hiResOnly; }
+    [[nodiscard]] bool hiResOnly() const { return m_filter.hiResOnly; }
     bool setHiResOnly(bool only);
     [[nodiscard]] const QString &sortMode() const { return m_sortMode; }
     bool setSortMode(const QString &mode);
-    [[nodiscard]] bool matches(const Track &track) const;
+    [[nodiscard]] bool matches(const Track &track) const { return m_filter.passes(track); }
+
+    /// All albums of a side, filtered out or not, as they were grouped.
+    [[nodiscard]] const AlbumList &everyAlbum(Side side) const { return *indexed(side).albums; }
+    /// The one of this identity.
+    [[nodiscard]] std::shared_ptr<const Album> albumOf(Side side, const QString &albumId) const;
 
     // Lists of the side that is shown.
-    /// All of its albums, filtered out or not, as they were grouped.
-    [[nodiscard]] const AlbumList &everyAlbum() const;
+    [[nodiscard]] const AlbumList &everyAlbum() const { return everyAlbum(m_side); }
     /// Those with a track that matches, whole, in order.
     [[nodiscard]] std::shared_ptr<const AlbumList> albums() const;
     /// The album, filtered out or not, that holds a track of this id.
     [[nodiscard]] std::shared_ptr<const Album> albumWith(const QUuid &trackId) const;
-    /// The one of this identity, filtered out or not.
-    [[nodiscard]] std::shared_ptr<const Album> albumOf(const QString &albumId) const;
     [[nodiscard]] std::shared_ptr<const TrackPlaces> filteredTracks() const;
-    /// The number of filteredTracks(), without making the list.
-    [[nodiscard]] std::size_t filteredTrackCount() const;
+    /// The number of filteredTracks().
+    [[nodiscard]] std::size_t filteredTrackCount() const { return trackMatches()->count; }
+    /// Which tracks match, by their places, how many, and whether there is high resolution among them.
+    [[nodiscard]] std::shared_ptr<const TrackMatches> trackMatches() const;
 
     // What is chosen: queued on the computer's side, selected on the device's.
     [[nodiscard]] const QSet<QUuid> &chosen(Side side) const { return m_chosen[place(side)]; }
     /// The queued tracks in the library's order.
     [[nodiscard]] std::vector<Track> queue() const;
-    [[nodiscard]] std::int64_t queueBytes() const;
+    [[nodiscard]] std::size_t queueCount() const { return queueSum().count; }
+    [[nodiscard]] std::int64_t queueBytes() const { return queueSum().bytes; }
     void enqueue(const std::vector<Track> &tracks);
-    void dequeue(const QSet<QUuid> &ids) { m_chosen[place(Side::Computer)].subtract(ids); }
-    void clearQueue() { m_chosen[place(Side::Computer)].clear(); }
-    /// Adds the album to the set of the side that is shown, or takes it out if all of it is there.
-    void toggle(const Album &album);
-    void toggleTrack(const Track &track);
+    /// Those of the ids that are the computer's tracks.
+    void enqueue(const QSet<QUuid> &ids);
+    void dequeue(const QSet<QUuid> &ids);
+    void clearQueue();
+    /// Adds the album to the side's set, or takes it out if all of it is there.
+    void toggle(Side side, const Album &album);
+    /// The same with tracks of that side.
+    void toggle(Side side, const QSet<QUuid> &tracks);
+    void toggleTrack(Side side, const Track &track);
 
 private:
-    /// Derived lists and the language that they were sorted in; absent when something that they depend on has changed.
-    struct Derived {
-        std::optional<AlbumList> grouped; ///< depends on the active tracks alone
+    /// What was read off an index; absent when something that it depends on has changed.
+    struct Lists {
+        std::shared_ptr<const LibraryIndex> index; ///< of which they are
+        std::shared_ptr<const TrackMatches> matches;
         std::shared_ptr<const AlbumList> albums;
-        std::shared_ptr<const TrackPlaces> filteredTracks;
-        int language = -1;
+        std::shared_ptr<const TrackPlaces> tracks;
+    };
+    struct QueueSum {
+        std::size_t count = 0;
+        std::int64_t bytes = 0;
     };
 
     [[nodiscard]] static constexpr std::size_t place(Side side) { return side == Side::Device ? 1 : 0; }
-    /// A setter's work: what is listed follows from the field.
+    /// A setter's work: which tracks match follows from the field.
     template <typename Field> bool set(Field &field, const Field &value);
-    [[nodiscard]] Derived &derived() const;
+    /// The side's tracks, to be changed: a job that holds them keeps them as they were.
+    [[nodiscard]] std::vector<Track> &ownTracks(Side side);
+    /// The side's contents, with an index of the present language.
+    [[nodiscard]] const LibraryContents &indexed(Side side) const;
+    [[nodiscard]] Lists &lists() const;
+    [[nodiscard]] const QueueSum &queueSum() const;
 
-    std::array<std::vector<Track>, 2> m_tracks;
+    mutable std::array<LibraryContents, 2> m_contents; ///< an index is made when it is first needed
     std::array<QSet<QUuid>, 2> m_chosen;
     Side m_side = Side::Computer;
-    QString m_search;
-    QString m_formatFilter = formatFilterText(FormatFilter::Everything);
-    bool m_hiResOnly = false;
+    ListFilter m_filter;
     QString m_sortMode = sortModeText(SortMode::Artist);
-    mutable Derived m_derived;
+    mutable Lists m_lists;
+    mutable std::optional<QueueSum> m_queueSum;
 };

@@ -13,6 +13,16 @@ QString viewModeText(ViewMode mode)
     Q_UNREACHABLE();
 }
 
+ViewMode viewModeFromText(const QString &text)
+{
+    for (const ViewMode mode : allViewModes) {
+        if (viewModeText(mode) == text) {
+            return mode;
+        }
+    }
+    return ViewMode::Albums;
+}
+
 QString sortModeText(SortMode mode)
 {
     switch (mode) {

@@ -9,6 +9,8 @@
 enum class ViewMode : std::uint8_t { Albums, Tracks, Folders };
 inline constexpr std::array allViewModes {ViewMode::Albums, ViewMode::Tracks, ViewMode::Folders};
 [[nodiscard]] QString viewModeText(ViewMode mode);
+/// Albums for any other text.
+[[nodiscard]] ViewMode viewModeFromText(const QString &text);
 
 enum class SortMode : std::uint8_t { Artist, Album, Year, Size };
 inline constexpr std::array allSortModes {SortMode::Artist, SortMode::Album, SortMode::Year, SortMode::Size};

@@ -44,6 +44,14 @@ void MarluneModel::saveCoverSource(const CoverCandidate &candidate, const Album 
 {
     m_environment.settings.insertTexts(
         sourcesKey, {{album.id(), candidate.pageURL(m_environment.covers.services()).toString()}});
+    Q_EMIT coverDownloaded(album.id());
+}
+
+QUrl MarluneModel::coverSource(const QString &albumId) const
+{
+    const QUrl page(m_environment.settings.textMap(sourcesKey).value(albumId), QUrl::StrictMode);
+    // The settings are a file that anything may be written into: what is no page is not handed to the desktop.
+    return page.scheme() == QStringLiteral("https") || page.scheme() == QStringLiteral("http") ? page : QUrl();
 }
 
 void MarluneModel::downloadCover(

@@ -22,7 +22,32 @@ std::vector<QByteArray> artworkOf(const std::vector<Track> &tracks)
     return artwork;
 }
 
+/// What an import into a library of these tracks starts from.
+TrackImport importInto(const std::vector<Track> &held)
+{
+    TrackImport import;
+    for (const Track &track : held) {
+        import.known.insert(Files::standardized(track.url).native());
+    }
+    import.artwork = artworkOf(held);
+    return import;
+}
+
+/// Has the value die on another thread: that of many tracks takes long.
+template <typename Value> void discard(std::shared_ptr<Value> value)
+{
+    BackgroundJobs::startOn(
+        BackgroundJobs::pool(JobPriority::Utility), [value = std::move(value)]() mutable { value.reset(); });
+}
+
 } // namespace
+
+/// An import that has been read, with the library that it gives.
+struct MarluneModel::ImportReading {
+    TracksRead read;
+    LibraryContents base; ///< the library at the begin
+    LibraryContents made;
+};
 
 void MarluneModel::importMusic()
 {
@@ -75,49 +100,40 @@ void MarluneModel::restoreLibrary()
     beginImport(remaining, ImportKind::Restored);
 }
 
-TrackImport MarluneModel::prepareImport(bool fromDevice) const
-{
-    const std::vector<Track> &held = fromDevice ? deviceTracks() : tracks();
-    TrackImport import;
-    for (const Track &track : held) {
-        import.known.insert(Files::standardized(track.url).native());
-    }
-    import.artworkOverrides = m_environment.settings.textMap(QStringLiteral("artworkOverrides"));
-    import.artwork = artworkOf(held);
-    return import;
-}
-
 QCoro::Task<> MarluneModel::runImport(ImportSource source, ImportKind kind)
 {
-    constexpr int progressInterval = 20; // files
     const QPointer<MarluneModel> self(this);
     const int visit = m_visit;
     const bool fromDevice = isFromDevice(kind);
-    std::optional<TracksRead> read;
+    const Side side = fromDevice ? Side::Device : Side::Computer;
+    int order = m_textOrder;
+    std::shared_ptr<ImportReading> reading;
     std::exception_ptr failure;
     try {
-        auto work = [import = prepareImport(fromDevice), source = std::move(source), self,
-                        stop = m_work.stopToken()]() mutable -> std::optional<TracksRead> {
+        auto work = [source = std::move(source), base = m_browsing.contents(side), stop = m_work.stopToken(),
+                        overrides = m_environment.settings.textMap(QStringLiteral("artworkOverrides")),
+                        read = m_environment.readTracks, progress = importProgress()]() {
             auto urls = source(stop);
             if (!urls) {
-                return std::nullopt;
+                return std::shared_ptr<ImportReading>();
             }
+            TrackImport import = importInto(*base.tracks);
             import.urls = std::move(*urls);
-            const ImportProgress progress = [self](int done, int total) {
-                if (done % progressInterval != 1) {
-                    return;
-                }
-                postToUi([self, done, total] {
-                    if (self && self->m_work.busy()) {
-                        self->m_work.report(double(done) / std::max(total, 1));
-                        self->m_work.setJobStatus(QStringLiteral("Odczytuję utwory: ") + QString::number(done)
-                            + QStringLiteral(" / ") + QString::number(total));
-                    }
-                });
-            };
-            return readTracks(std::move(import), progress, stop);
+            import.artworkOverrides = overrides;
+            const auto result = std::make_shared<ImportReading>();
+            result->read = read(std::move(import), progress, stop);
+            result->base = base;
+            result->made = base.prepared(result->read.tracks);
+            return result;
         };
-        read = co_await background(work);
+        reading = co_await background(work);
+        while (self && reading && (!fromDevice || visit == m_visit)
+            && (order != m_textOrder || !m_browsing.land(side, reading->base, reading->made))) {
+            order = m_textOrder;
+            reading->base = m_browsing.contents(side);
+            auto again = [reading] { reading->made = reading->base.prepared(reading->read.tracks); };
+            co_await background(again);
+        }
     } catch (const std::exception &) {
         failure = std::current_exception(); // out of memory and the like: a file never fails an import
     }
@@ -128,7 +144,7 @@ QCoro::Task<> MarluneModel::runImport(ImportSource source, ImportKind kind)
         m_work.end();
         m_work.setStatus(QStringLiteral("Nie udało się odczytać muzyki"));
         m_work.setAlert(describeFailure(failure));
-    } else if (!read) {
+    } else if (!reading) {
         m_unrestored.clear(); // none of it is there any more
         m_work.end();
         m_work.putStatusBack();
@@ -138,18 +154,36 @@ QCoro::Task<> MarluneModel::runImport(ImportSource source, ImportKind kind)
                 ? QStringLiteral("iPod został zmieniony podczas odczytu. Odczytaj muzykę jeszcze raz.")
                 : QStringLiteral("iPod został odłączony"));
     } else {
-        applyImport(std::move(*read), kind);
+        applyImport(reading->read, kind);
     }
+    discard(std::move(reading));
 }
 
-void MarluneModel::applyImport(TracksRead read, ImportKind kind)
+MarluneModel::JobProgress MarluneModel::importProgress()
+{
+    constexpr int interval = 20; // files
+    return [self = QPointer(this)](int done, int total) {
+        if (done % interval != 1) {
+            return;
+        }
+        postToUi([self, done, total] {
+            if (self && self->m_work.busy()) {
+                self->m_work.report(double(done) / std::max(total, 1));
+                self->m_work.setJobStatus(QStringLiteral("Odczytuję utwory: ") + QString::number(done)
+                    + QStringLiteral(" / ") + QString::number(total));
+            }
+        });
+    };
+}
+
+/// The tracks have landed.
+void MarluneModel::applyImport(const TracksRead &read, ImportKind kind)
 {
     const bool fromDevice = isFromDevice(kind);
     const std::size_t count = read.tracks.size();
     if (kind == ImportKind::Enqueued) {
         m_browsing.enqueue(read.tracks);
     }
-    m_browsing.append(fromDevice ? Side::Device : Side::Computer, std::move(read.tracks));
     if (kind == ImportKind::Restored && !read.isStopped) {
         m_unrestored.clear();
     }

@@ -1,6 +1,8 @@
 // What the pages do with what is browsed: choices that are kept, and who hears of a change.
 #include "model/Model.h"
 
+#include <QPointer>
+
 void MarluneModel::onTracksChanged()
 {
     Q_EMIT tracksChanged();
@@ -9,9 +11,30 @@ void MarluneModel::onTracksChanged()
 
 void MarluneModel::reorder()
 {
-    Q_EMIT browsingChanged(); // which sorts by the new ones
     sortThemes(m_content.themes);
     Q_EMIT themesChanged();
+    runReorder();
+}
+
+QCoro::Task<> MarluneModel::runReorder()
+{
+    const QPointer<MarluneModel> self(this);
+    const int order = ++m_textOrder;
+    const Side shown = m_browsing.side();
+    for (const Side side : {shown, shown == Side::Device ? Side::Computer : Side::Device}) {
+        while (!m_browsing.isReady(side)) {
+            const LibraryContents base = m_browsing.contents(side);
+            auto work = [base] { return base.prepared(); };
+            const LibraryContents made = co_await background(work);
+            if (!self || order != m_textOrder) {
+                co_return;
+            }
+            (void)m_browsing.land(side, base, made); // otherwise once more
+        }
+        if (side == shown) {
+            Q_EMIT browsingChanged();
+        }
+    }
 }
 
 void MarluneModel::setArtwork(const QSet<QUuid> &ids, const QByteArray &image, bool onDevice)
@@ -91,15 +114,27 @@ void MarluneModel::setOpenAlbum(const std::optional<Album> &album)
     }
 }
 
-void MarluneModel::toggle(const Album &album)
+void MarluneModel::toggle(const Album &album, std::optional<bool> onDeviceOverride)
 {
-    m_browsing.toggle(album);
+    m_browsing.toggle(side(onDeviceOverride), album);
     Q_EMIT selectionChanged();
 }
 
-void MarluneModel::toggleTrack(const Track &track)
+void MarluneModel::toggleTrack(const Track &track, std::optional<bool> onDeviceOverride)
 {
-    m_browsing.toggleTrack(track);
+    m_browsing.toggleTrack(side(onDeviceOverride), track);
+    Q_EMIT selectionChanged();
+}
+
+void MarluneModel::toggleTracks(const QSet<QUuid> &ids)
+{
+    m_browsing.toggle(m_browsing.side(), ids);
+    Q_EMIT selectionChanged();
+}
+
+void MarluneModel::enqueue(const QSet<QUuid> &ids)
+{
+    m_browsing.enqueue(ids);
     Q_EMIT selectionChanged();
 }
 

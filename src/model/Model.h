@@ -165,12 +165,20 @@ public:
     {
         return m_browsing.albumWith(trackId);
     }
-    [[nodiscard]] std::shared_ptr<const Album> albumOf(const QString &albumId) const
+    /// The album of this identity on the side that is shown, or on the one that `onDeviceOverride` names; null if none.
+    [[nodiscard]] std::shared_ptr<const Album> albumOf(
+        const QString &albumId, std::optional<bool> onDeviceOverride = std::nullopt) const
     {
-        return m_browsing.albumOf(albumId);
+        return m_browsing.albumOf(side(onDeviceOverride), albumId);
     }
     [[nodiscard]] std::shared_ptr<const TrackPlaces> filteredTracks() const { return m_browsing.filteredTracks(); }
     [[nodiscard]] std::size_t filteredTrackCount() const { return m_browsing.filteredTrackCount(); }
+    [[nodiscard]] std::shared_ptr<const TrackMatches> trackMatches() const { return m_browsing.trackMatches(); }
+    /// The active tracks as they are now, for a job: it sees none of what happens to them later.
+    [[nodiscard]] std::shared_ptr<const std::vector<Track>> sharedTracks() const
+    {
+        return m_browsing.contents(m_browsing.side()).tracks;
+    }
     [[nodiscard]] QString search() const { return m_browsing.search(); }
     void setSearch(const QString &text);
     [[nodiscard]] QString formatFilter() const { return m_browsing.formatFilter(); }
@@ -186,7 +194,7 @@ public:
     [[nodiscard]] const std::optional<Album> &openAlbum() const { return m_openAlbum; }
     void setOpenAlbum(const std::optional<Album> &album);
 
-    /// The rules of text order have changed.
+    /// The rules of text order have changed. Long lists follow a moment later.
     void reorder();
 
     // The carousel of the device's albums, in a window of its own.
@@ -201,10 +209,20 @@ public:
     [[nodiscard]] const QSet<QUuid> &selectedOnDevice() const { return m_browsing.chosen(Side::Device); }
     /// The queued tracks in the library's order.
     [[nodiscard]] std::vector<Track> queue() const { return m_browsing.queue(); }
+    [[nodiscard]] std::size_t queueCount() const { return m_browsing.queueCount(); }
     [[nodiscard]] std::int64_t queueBytes() const { return m_browsing.queueBytes(); }
-    /// Adds the album to the set of the side that is shown, or takes it out if all of it is there.
-    void toggle(const Album &album);
-    void toggleTrack(const Track &track);
+    /// Adds the album to the set of the side that is shown, or that `onDeviceOverride` names; or takes it out if all of
+    /// it is there.
+    void toggle(const Album &album, std::optional<bool> onDeviceOverride = std::nullopt);
+    void toggleTrack(const Track &track, std::optional<bool> onDeviceOverride = std::nullopt);
+    /// Tracks of the side that is shown, by their ids, in the way of an album.
+    void toggleTracks(const QSet<QUuid> &ids);
+    /// Adds those that are tracks of the computer.
+    void enqueue(const QSet<QUuid> &ids);
+    [[nodiscard]] const QSet<QUuid> &chosen(std::optional<bool> onDeviceOverride) const
+    {
+        return m_browsing.chosen(side(onDeviceOverride));
+    }
     Q_INVOKABLE void clearQueue();
     /// Drops the album from the library; its files stay. What lies in folders of its own and was not brought back
     /// because the reading was ended goes with it.
@@ -224,6 +242,10 @@ public:
     void setCoverLookup(const std::optional<Album> &album);
     /// Makes a cover of the album's own picture (`current`), or of a file that the user is asked for.
     void chooseArtwork(const Album &album, bool current, std::optional<bool> onDeviceOverride = std::nullopt);
+    /// Finds covers on the network; shared by all that search, so that they keep to one rhythm.
+    [[nodiscard]] CoverSearch &coverSearch() const { return m_environment.covers; }
+    /// The page about the picture that was last downloaded for an album; invalid where none was.
+    [[nodiscard]] QUrl coverSource(const QString &albumId) const;
     /// Fetches the picture of a search's result.
     void downloadCover(
         const CoverCandidate &candidate, const Album &album, std::optional<bool> onDeviceOverride = std::nullopt);
@@ -304,6 +326,8 @@ Q_SIGNALS:
     void playlistNameChanged();
     void openAlbumChanged();
     void coverLookupChanged();
+    /// A downloaded cover is in place, and coverSource() tells where it came from.
+    void coverDownloaded(const QString &albumId);
     void openThemeChanged();
     /// The queue or the selection on the device changed.
     void selectionChanged();
@@ -325,6 +349,7 @@ private:
     struct PlannedTransfer;
     struct EndedTransfer;
     struct PreparedCover;
+    struct ImportReading;
     /// Where an album is, as it was when the user asked: what it gets goes there, or nowhere.
     struct CoverPlace {
         bool onDevice = false;
@@ -341,6 +366,10 @@ private:
 
     [[nodiscard]] QString sectionText() const { return sectionTitle(m_section); }
     void setSectionText(const QString &title);
+    [[nodiscard]] Side side(std::optional<bool> onDeviceOverride) const
+    {
+        return onDeviceOverride.value_or(libraryOnDevice()) ? Side::Device : Side::Computer;
+    }
     [[nodiscard]] QString alertText() const { return alert().value_or(QString()); }
     [[nodiscard]] QString deviceProfileId() const { return deviceProfile().id; }
     /// What was chosen for the selected device and is stored under this prefix.
@@ -389,9 +418,11 @@ private:
         return kind == ImportKind::Device || kind == ImportKind::WholeDevice;
     }
     void beginImport(ImportSource source, ImportKind kind);
+    /// Shows how far the reading has come, as postedProgress() does.
+    [[nodiscard]] JobProgress importProgress();
     QCoro::Task<> runImport(ImportSource source, ImportKind kind);
     QCoro::Task<> runCleanup(Device device);
-    QCoro::Task<> runDuplicateCheck(std::vector<Track> tracks);
+    QCoro::Task<> runDuplicateCheck(std::shared_ptr<const std::vector<Track>> tracks);
     QCoro::Task<> runTransfer(std::shared_ptr<const PlannedTransfer> transfer);
     QCoro::Task<> runPlaylist(std::filesystem::path root);
     QCoro::Task<> runBackup(std::filesystem::path root, std::filesystem::path destination);
@@ -423,9 +454,9 @@ private:
     void applyContent(DeviceContent read);
     void applyPreviews(const ThemePreviews &found);
     void rediscover();
-    [[nodiscard]] TrackImport prepareImport(bool fromDevice) const;
+    QCoro::Task<> runReorder();
     void restoreLibrary();
-    void applyImport(TracksRead read, ImportKind kind);
+    void applyImport(const TracksRead &read, ImportKind kind);
 
     ModelEnvironment m_environment;
     RunningWork m_work;
@@ -435,6 +466,7 @@ private:
     DeviceFinder m_finder;
     std::optional<Device> m_device;
     Browsing m_browsing;
+    int m_textOrder = 0; ///< counts the orders of texts: lists that were begun in another one do not land
     QStringList
         m_unrestored; ///< stored paths, in their order, of tracks that did not come back because the reading was ended
     DeviceReading m_deviceReading = DeviceReading::None;

@@ -5,6 +5,8 @@
 
 #include "model/TimeLeft.h"
 
+#include "library/TrackReader.h"
+
 #include "storage/Device.h"
 
 #include "themes/Catalogue.h"
@@ -28,6 +30,8 @@ struct ModelEnvironment {
     std::filesystem::path supportFolder;
     /// Where the themes' catalogue is; none: no server is asked.
     Catalogue::Site themeSite = {};
+    /// Makes tracks of the files of an import; blocking, called on a background thread.
+    TrackSource readTracks = ::readTracks;
     /// Finds covers on the network.
     CoverSearch &covers = CoverSearch::shared();
     /// Where listening on the computer is heard, as AudioOutput takes it.

@@ -22,7 +22,7 @@ void MarluneModel::checkDuplicates()
     }
     m_duplicates.begin();
     m_work.begin(comparing, RunningWork::Ends::BetweenFiles);
-    runDuplicateCheck(activeTracks());
+    runDuplicateCheck(sharedTracks());
 }
 
 /// Nothing is known of the tracks that are shown now, and what a running check would still find is of no use.
@@ -34,11 +34,11 @@ void MarluneModel::forgetDuplicates()
     }
 }
 
-QCoro::Task<> MarluneModel::runDuplicateCheck(std::vector<Track> tracks)
+QCoro::Task<> MarluneModel::runDuplicateCheck(std::shared_ptr<const std::vector<Track>> tracks)
 {
     const QPointer<MarluneModel> self(this);
     auto work = [tracks = std::move(tracks), progress = postedProgress(), stop = m_work.stopToken()] {
-        return CollectionQuality::duplicates(tracks, progress, stop);
+        return CollectionQuality::duplicates(*tracks, progress, stop);
     };
     auto found = co_await attempt(work);
     if (!self) {

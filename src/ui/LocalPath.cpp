@@ -12,6 +12,17 @@ std::optional<std::filesystem::path> localPath(const QUrl &url)
     return std::filesystem::path(bytes.toStdString());
 }
 
+std::vector<std::filesystem::path> localPaths(const QList<QUrl> &urls)
+{
+    std::vector<std::filesystem::path> paths;
+    for (const QUrl &url : urls) {
+        if (const std::optional<std::filesystem::path> path = localPath(url)) {
+            paths.push_back(*path);
+        }
+    }
+    return paths;
+}
+
 QUrl fileUrl(const std::filesystem::path &path)
 {
     const std::string &bytes = path.native();

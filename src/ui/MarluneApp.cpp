@@ -122,7 +122,7 @@ struct Program::Parts {
     BackupsPresenter backups;
     QualityPresenter quality;
     AlbumSheetPresenter albumSheet;
-    AlbumSheetPresenter coverSheet;
+    CoverSearchPresenter coverSearch;
     ThemeSheetPresenter themeSheet;
     PlaybackPresenter playback;
     MediaControls mediaControls;
@@ -139,6 +139,7 @@ Program::Parts::Parts(const Setup &setup)
           .ejectVolume = setup.ejectVolume,
           .supportFolder = setup.supportFolder,
           .themeSite = setup.themeSite,
+          .readTracks = setup.readTracks,
           .covers = setup.covers ? *setup.covers : CoverSearch::shared(),
           .audioOutput = setup.audioOutput,
           .playlistName = defaultPlaylistName()})
@@ -148,14 +149,17 @@ Program::Parts::Parts(const Setup &setup)
     , playlists(model)
     , backups(model)
     , quality(model)
-    , albumSheet(model, covers, AlbumSheetPresenter::Field::OpenAlbum)
-    , coverSheet(model, covers, AlbumSheetPresenter::Field::CoverLookup)
+    , albumSheet(model, covers)
+    , coverSearch(model, covers)
     , themeSheet(model)
     , playback(model.playback())
     , mediaControls(model.playback())
 {
     QObject::connect(&watcher, &Volumes::Watcher::mounted, &model, &MarluneModel::volumeMounted);
     QObject::connect(&watcher, &Volumes::Watcher::unmounted, &model, &MarluneModel::volumeUnmounted);
+
+    albumSheet.followOpenAlbum();
+    coverSearch.followCoverLookup();
 
     QObject::connect(&language, &Language::codeChanged, &model, &MarluneModel::reorder);
     QObject::connect(
@@ -172,7 +176,7 @@ Program::Parts::Parts(const Setup &setup)
             {QStringLiteral("backups"), QVariant::fromValue(&backups)},
             {QStringLiteral("quality"), QVariant::fromValue(&quality)},
             {QStringLiteral("albumSheet"), QVariant::fromValue(&albumSheet)},
-            {QStringLiteral("coverSheet"), QVariant::fromValue(&coverSheet)},
+            {QStringLiteral("coverSearch"), QVariant::fromValue(&coverSearch)},
             {QStringLiteral("themeSheet"), QVariant::fromValue(&themeSheet)},
             {QStringLiteral("playback"), QVariant::fromValue(&playback)},
             {QStringLiteral("panels"), QVariant::fromValue(&desktopPanels)}});

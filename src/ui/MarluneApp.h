@@ -27,6 +27,7 @@ struct Setup {
     std::filesystem::path supportFolder; ///< the user's folder for application data
     std::function<std::vector<Device>()> deviceDiscovery = discoverDevices;
     std::function<void(const std::filesystem::path &)> ejectVolume;
+    TrackSource readTracks = ::readTracks; ///< makes tracks of files
     Catalogue::Site themeSite = {}; ///< where the themes' catalogue is; none: no server is asked
     CoverSearch *covers = nullptr; ///< asked in place of the shared one, where given
     QByteArray audioOutput = {}; ///< where listening is heard, as AudioOutput takes it

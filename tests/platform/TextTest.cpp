@@ -69,4 +69,15 @@ TEST(TextSearch, ignoresCaseAndComposition)
     EXPECT_TRUE(TextOrder::contains(u"z\u0307o\u0301łw"_s, u"ŻÓŁW"_s));
     EXPECT_TRUE(TextOrder::contains(u"ŻÓŁW"_s, u"o\u0301łw"_s));
     EXPECT_FALSE(TextOrder::contains(u"zolw"_s, u"żółw"_s));
+    // As Qt's caseless search of composed texts does, letter by letter.
+    const QStringList texts {u""_s, u"i"_s, u"I"_s, u"İ"_s, u"ı"_s, u"i\u0307"_s, u"ss"_s, u"STRASSE"_s, u"straße"_s,
+        u"STRAẞE"_s, u"ŻÓŁW"_s, u"z\u0307o\u0301łw"_s, u"\u0301łw"_s, u"ΣΑΣ"_s, u"σας"_s, u"ǅ"_s, u"ǆ"_s, u"ﬁ"_s,
+        u"FI"_s, u"\U00010400\U0001E900"_s, u"\U00010428\U0001E922"_s};
+    for (const QString &text : texts) {
+        for (const QString &part : texts) {
+            const bool holds = text.normalized(QString::NormalizationForm_C)
+                                   .contains(part.normalized(QString::NormalizationForm_C), Qt::CaseInsensitive);
+            EXPECT_EQ(TextOrder::contains(text, part), holds) << text.toStdString() << " " << part.toStdString();
+        }
+    }
 }

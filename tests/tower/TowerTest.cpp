@@ -21,7 +21,7 @@ const std::vector<std::pair<std::string, std::set<std::string>>> floors {
     {"quality", {"artwork", "library", "storage", "platform"}},
     {"playback", {"library", "media"}},
     {"model", {"playback", "quality", "themes", "artwork", "library", "storage", "media", "platform"}},
-    {"ui", {"model", "playback", "quality", "storage", "media", "platform"}},
+    {"ui", {"model", "playback", "quality", "artwork", "storage", "media", "platform"}},
 };
 
 /// Rooms with private headers, and the headers that others may use.
@@ -33,7 +33,7 @@ const std::map<std::string, std::set<std::string>> rooms {
     {"ui/backups", {"BackupsPresenter.h"}},
     {"ui/device", {"DevicePresenter.h", "IPodFinish.h", "IPodProvider.h"}},
     {"ui/guide", {}},
-    {"ui/library", {"AlbumSheetPresenter.h", "LibraryPresenter.h"}},
+    {"ui/library", {"AlbumSheetPresenter.h", "CoverSearchPresenter.h", "LibraryPresenter.h"}},
     {"ui/playlists", {"PlaylistsPresenter.h"}},
     {"ui/playback", {"MediaControls.h", "PlaybackPresenter.h"}},
     {"ui/quality", {"QualityPresenter.h"}},

@@ -5,7 +5,6 @@
 #include "ui/device/DevicePresenter.h"
 #include "ui/guide/HandbookDocument.h"
 #include "ui/guide/HandbookText.h"
-#include "ui/library/AlbumSheetPresenter.h"
 #include "ui/library/LibraryPresenter.h"
 #include "ui/playlists/PlaylistsPresenter.h"
 #include "ui/quality/QualityPresenter.h"
@@ -54,21 +53,6 @@ private:
     QList<QUrl> m_opened; ///< by the desktop, as far as the program can tell
 
 private Q_SLOTS:
-    void searchWaitsForAPauseInTyping()
-    {
-        Pages pages;
-        const QSignalSpy searches(pages.model.get(), &MarluneModel::searchChanged);
-        pages.library.searchSoon(u"a"_s);
-        pages.library.searchSoon(u"alb"_s);
-        QTRY_COMPARE(pages.model->search(), u"alb"_s);
-        QCOMPARE(searches.count(), 1);
-        pages.library.searchSoon(u"albu"_s);
-        pages.library.searchSoon(QString());
-        QCOMPARE(pages.model->search(), QString());
-        QTest::qWait(300);
-        QCOMPARE(pages.model->search(), QString());
-    }
-
     void theFrameTellsOfQueueAndDevice()
     {
         Pages pages;
@@ -269,31 +253,6 @@ private Q_SLOTS:
             backups / "Covers-1/a/x", std::string(9'000'000, 'x')); // the folder itself stays as it is
         pages.model->setSection(Section::Backups);
         QTRY_VERIFY(shownIn(*pages.backups.backups())[0].endsWith(u"MB"_s));
-    }
-
-    void aSheetsAlbumIsTheOneThatTheLibraryHasNow()
-    {
-        Pages pages;
-        const auto covers = std::make_shared<CoverStore>();
-        AlbumSheetPresenter sheet(*pages.model, covers, AlbumSheetPresenter::Field::OpenAlbum);
-        const auto file
-            = pages.desk.folder.write("music/1.flac", flacWith({"TITLE=t", "ARTIST=Różni wykonawcy", "ALBUM=b"}));
-        pages.desk.import(*pages.model, pages.desk.folder / "music");
-        pages.model->setOpenAlbum(*pages.model->albums()->front());
-        QVERIFY(sheet.wanted() && sheet.available() && sheet.albumTitle() == u"b"_s && sheet.cover().isEmpty());
-        QVERIFY2(sheet.facts().startsWith(u"Utwory: 1 · 0:01 · "_s), qPrintable(sheet.facts()));
-        QCOMPARE(sheet.format(), u"FLAC · 16-bit / 44.1 kHz"_s);
-        AppLocalizer::setLanguage(u"en"_s);
-        const QString artist = sheet.artist();
-        AppLocalizer::setLanguage(u"pl"_s);
-        QCOMPARE(artist, u"Various artists"_s);
-        pages.model->chooseArtwork(*pages.model->openAlbum(), false);
-        pages.desk.answer(*pages.model, dataFile("images/plain.png"));
-        QTRY_VERIFY(!sheet.cover().isEmpty());
-        pages.model->forget(*pages.model->openAlbum());
-        QTRY_VERIFY(sheet.wanted() && !sheet.available());
-        sheet.dismiss();
-        QVERIFY(!sheet.wanted() && !pages.model->openAlbum());
     }
 
     void aPanelIsAnsweredOnceWithFilesOfThisComputer()

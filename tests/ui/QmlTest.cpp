@@ -1,10 +1,12 @@
 // Runs the tests in qml/ against the pages' own module. `Bench` gives them a real model with albums of real files.
+#include "support/CannedServer.h"
 #include "support/ModelDesk.h"
 #include "ui/MarluneApp.h"
 #include "ui/backups/BackupsPresenter.h"
 #include "ui/device/DevicePresenter.h"
 #include "ui/library/AlbumSheetPresenter.h"
 #include "ui/library/LibraryPresenter.h"
+#include "ui/lists/FileDrag.h"
 #include "ui/playback/PlaybackPresenter.h"
 #include "ui/playlists/PlaylistsPresenter.h"
 #include "ui/quality/QualityPresenter.h"
@@ -45,7 +47,11 @@ public:
     [[nodiscard]] PlaylistsPresenter *playlists() { return &m_playlists; }
     [[nodiscard]] BackupsPresenter *backups() { return &m_backups; }
     [[nodiscard]] QualityPresenter *quality() { return &m_quality; }
-    [[nodiscard]] AlbumSheetPresenter *albumSheet() { return &m_albumSheet; }
+    [[nodiscard]] AlbumSheetPresenter *albumSheet()
+    {
+        m_albumSheet.followOpenAlbum();
+        return &m_albumSheet;
+    }
     [[nodiscard]] ThemeSheetPresenter *themeSheet() { return &m_themeSheet; }
     [[nodiscard]] PlaybackPresenter *playback() { return &m_playback; }
     [[nodiscard]] DesktopPanels *panels() { return &m_panels; }
@@ -58,6 +64,22 @@ public:
             m_desk.folder.write(folder + number + ".flac",
                 flacWith({"ARTIST=" + artist.toStdString(), "ALBUM=" + album.toStdString()}, number));
         }
+        ModelDesk::import(*m_model, m_desk.folder / folder);
+    }
+    /// An album of several discs, with a cover.
+    Q_INVOKABLE void addDiscs(const QString &album, int discs, int tracks)
+    {
+        const std::string folder = "music/" + std::to_string(++m_albums) + "/";
+        for (int disc = 1; disc <= discs; ++disc) {
+            for (int track = 1; track <= tracks; ++track) {
+                const std::string place = std::to_string(disc) + '-' + std::to_string(track);
+                m_desk.folder.write(folder + place + ".flac",
+                    flacWith({"ARTIST=A", "ALBUM=" + album.toStdString(), "TITLE=Track " + place,
+                                 "DISCNUMBER=" + std::to_string(disc), "TRACKNUMBER=" + std::to_string(track)},
+                        place));
+            }
+        }
+        m_desk.folder.write(folder + "cover.png", fileBytes(dataFile("images/plain.png")));
         ModelDesk::import(*m_model, m_desk.folder / folder);
     }
     /// The same, with tracks that can be heard, for nearly four seconds each.
@@ -100,10 +122,17 @@ public:
     Q_INVOKABLE bool dragFileOver(QQuickItem *item)
     {
         const fs::path file = m_desk.folder.write("dropped/a.flac", flacWith({"ALBUM=Dropped"}));
-        m_dragged.setUrls({QUrl::fromLocalFile(QString::fromStdString(file.string()))});
-        QDragEnterEvent enter(middle(item).toPoint(), Qt::CopyAction, &m_dragged, Qt::LeftButton, Qt::NoModifier);
-        QCoreApplication::sendEvent(item->window(), &enter);
-        return enter.isAccepted();
+        m_dragged = std::make_unique<QMimeData>();
+        m_dragged->setUrls({QUrl::fromLocalFile(QString::fromStdString(file.string()))});
+        return dragOver(item);
+    }
+    /// The same with the library's first track, as from a list; of the device where told so.
+    Q_INVOKABLE bool dragTrackOver(QQuickItem *item, bool onDevice)
+    {
+        const Track &track = m_model->tracks().front();
+        m_dragged = FileDrag::mimeData(
+            {.paths = {track.url}, .tracks = {track.id}, .onDevice = onDevice, .title = track.title});
+        return dragOver(item);
     }
     Q_INVOKABLE void dragAway(QQuickItem *item)
     {
@@ -112,7 +141,7 @@ public:
     }
     Q_INVOKABLE void letGoOver(QQuickItem *item)
     {
-        QDropEvent drop(middle(item), Qt::CopyAction, &m_dragged, Qt::LeftButton, Qt::NoModifier);
+        QDropEvent drop(middle(item), Qt::CopyAction, m_dragged.get(), Qt::LeftButton, Qt::NoModifier);
         QCoreApplication::sendEvent(item->window(), &drop);
     }
     /// Texts below `root` that are not shown whole: with an ellipsis, wider than their item, or taller.
@@ -132,9 +161,35 @@ public:
     }
 
 private:
+    bool dragOver(QQuickItem *item)
+    {
+        QDragEnterEvent enter(middle(item).toPoint(), Qt::CopyAction, m_dragged.get(), Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(item->window(), &enter);
+        return enter.isAccepted();
+    }
     static QPointF middle(const QQuickItem *item) { return item->mapToScene({item->width() / 2, item->height() / 2}); }
 
+    /// A catalogue and an archive of covers with two albums in them, and one picture for both.
+    [[nodiscard]] static CannedServer::Answer coverAnswer(const CannedServer::Asked &asked)
+    {
+        QByteArrayList albums;
+        for (const char *id : {"0cd1dd5b-3c5e-4d3a-9f0e-000000000001", "0cd1dd5b-3c5e-4d3a-9f0e-000000000002"}) {
+            albums.append("{\"id\":\"" + QByteArray(id) + "\",\"title\":\"T\",\"artist-credit\":[{\"name\":\"A\"}]}");
+        }
+        return CannedServer::answer("200 OK",
+            asked.target.startsWith("/ws/") ? "{\"release-groups\":[" + albums.join(',') + "]}"
+                                            : QByteArray::fromStdString(fileBytes(dataFile("images/plain.png"))));
+    }
+
+    CannedServer m_server {{}};
     ModelDesk m_desk;
+    std::unique_ptr<CoverSearch> &m_covers = m_desk.covers = [this] {
+        m_server.answering = coverAnswer;
+        return std::make_unique<CoverSearch>(CoverServices {.catalogue = m_server.root(),
+            .site = m_server.root(),
+            .archive = m_server.root(),
+            .spacing = std::chrono::milliseconds(1)});
+    }();
     std::unique_ptr<MarluneModel> m_model = m_desk.start();
     ShellPresenter m_shell {*m_model};
     DevicePresenter m_device {*m_model};
@@ -142,12 +197,12 @@ private:
     PlaylistsPresenter m_playlists {*m_model};
     BackupsPresenter m_backups {*m_model};
     QualityPresenter m_quality {*m_model};
-    AlbumSheetPresenter m_albumSheet {*m_model, covers, AlbumSheetPresenter::Field::OpenAlbum};
+    AlbumSheetPresenter m_albumSheet {*m_model, covers};
     ThemeSheetPresenter m_themeSheet {*m_model};
     PlaybackPresenter m_playback {m_model->playback()};
     DesktopPanels m_panels;
     int m_answers = 0;
-    QMimeData m_dragged;
+    std::unique_ptr<QMimeData> m_dragged;
     int m_albums = 0;
 };
 

@@ -27,7 +27,7 @@ TEST(LocalPath, keepsTheBytesOfEveryName)
 
 TEST(RowChanges, everyPlanLeadsToTheWantedRows)
 {
-    EXPECT_FALSE(RowChanges::plan({u"a"_s, u"a"_s}, {}, 100)) << "no identities";
+    EXPECT_FALSE(RowChanges::plan<QString>({u"a"_s, u"a"_s}, {}, 100)) << "no identities";
     std::mt19937 random(7); // the same lists in each run
     for (int round = 0; round < 500; ++round) {
         std::vector<QString> rows;

@@ -106,6 +106,25 @@ private Q_SLOTS:
             QTest::qWait(100); // the page is made, and its rows come in
             QCOMPARE(leftInPolish(model, *window.contentItem()).join(u"; "_s), QString());
         }
+        model.setOpenAlbum(*model.albums()->front());
+        QTRY_VERIFY(user.item("findCoverButton"));
+        QTest::qWait(300); // the sheet has come in
+        user.item("findCoverButton")->forceActiveFocus(Qt::TabFocusReason);
+        QTest::keyClick(&window, Qt::Key_Space);
+        QTRY_COMPARE(window.activeFocusItem(), user.item("searchButton"));
+        language.setChoice(u"system"_s); // both sheets stay, the second above the first
+        QTRY_VERIFY(user.item("searchButton") && user.item("searchButton")->property("text") == u"Szukaj"_s);
+        QTRY_COMPARE(window.activeFocusItem(), user.item("searchButton"));
+        language.setChoice(u"en"_s);
+        QTRY_VERIFY(user.item("searchButton") && user.item("searchButton")->property("text") == u"Search"_s);
+        QTRY_VERIFY(user.item("sheetTitle"));
+        QTest::qWait(300); // they have come in
+        QCOMPARE(leftInPolish(model, *window.contentItem()).join(u"; "_s), QString());
+        QTRY_COMPARE(window.activeFocusItem(), user.item("searchButton"));
+        QTest::keyClick(&window, Qt::Key_Escape);
+        QTRY_VERIFY(!user.item("searchButton") && model.openAlbum());
+        QTest::keyClick(&window, Qt::Key_Escape);
+        QTRY_VERIFY(!user.item("sheetTitle") && !model.openAlbum());
     }
 
 private:

@@ -247,8 +247,8 @@ std::optional<ImageFacts> imageFacts(const QByteArray &bytes)
     }
     if (isJpeg(format)) {
         const std::optional<JpegHeader> header = readJpegHeader(bytes);
-        return header ? std::optional(ImageFacts {
-                            ImageFacts::Type::Jpeg, header->width, header->height, header->progressive && header->jfif})
+        return header ? std::optional(ImageFacts {ImageFacts::Type::Jpeg, header->width, header->height,
+                            header->progressive && header->jfif, QString::fromLatin1(format).toUpper()})
                       : std::nullopt;
     }
     const QSize size = Reader(bytes, format).size();
@@ -256,7 +256,8 @@ std::optional<ImageFacts> imageFacts(const QByteArray &bytes)
         return std::nullopt;
     }
     const bool isBitmap = format == std::string_view("bmp");
-    return ImageFacts {isBitmap ? ImageFacts::Type::Bmp : ImageFacts::Type::Other, size.width(), size.height(), false};
+    return ImageFacts {isBitmap ? ImageFacts::Type::Bmp : ImageFacts::Type::Other, size.width(), size.height(), false,
+        QString::fromLatin1(format).toUpper()};
 }
 
 QImage decodeImage(const QByteArray &bytes, int side)

@@ -17,6 +17,7 @@ struct ImageFacts {
     int width = 0; ///< pixels, before any turning
     int height = 0;
     bool progressive = false; ///< the flag of a JFIF picture; a JPEG without a JFIF marker has none
+    QString format = {}; ///< "JPEG", "PNG", ...
 };
 
 /// Absent if the bytes are no picture. Decodes no pixels.

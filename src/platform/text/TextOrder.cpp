@@ -74,7 +74,24 @@ QCollatorSortKey key(const QString &text)
 
 bool contains(const QString &text, const QString &part)
 {
-    return composed(text).contains(composed(part), Qt::CaseInsensitive);
+    return folded(text).contains(folded(part));
+}
+
+QString folded(const QString &text)
+{
+    // Code point by code point, as Qt's caseless search does; toCaseFolded() would make "ss" of "ß".
+    QString result = composed(text);
+    QChar *letters = result.data();
+    for (qsizetype i = 0; i < result.size(); ++i) {
+        if (letters[i].isHighSurrogate() && i + 1 < result.size() && letters[i + 1].isLowSurrogate()) {
+            const char32_t folded = QChar::toCaseFolded(QChar::surrogateToUcs4(letters[i], letters[i + 1]));
+            letters[i] = QChar::highSurrogate(folded);
+            letters[++i] = QChar::lowSurrogate(folded);
+        } else {
+            letters[i] = letters[i].toCaseFolded();
+        }
+    }
+    return result;
 }
 
 } // namespace TextOrder

@@ -28,24 +28,25 @@ void setLanguage(Language language);
 
 /// Whether `text` contains `part`, ignoring case and the way in which accents are composed.
 [[nodiscard]] bool contains(const QString &text, const QString &part);
+/// The form in which contains() compares, for texts that are searched often: contains(a, b) is the same as
+/// folded(a).contains(folded(b)). No letter becomes two.
+[[nodiscard]] QString folded(const QString &text);
 
 /// Sorts stably by textOf(item), ascending, with one key an item.
 template <typename Item, typename TextOf> void stableSort(std::vector<Item> &items, const TextOf &textOf)
 {
-    struct Keyed {
-        QCollatorSortKey key;
-        std::size_t index;
-    };
-    std::vector<Keyed> keyed;
-    keyed.reserve(items.size());
+    std::vector<QCollatorSortKey> keys;
+    std::vector<std::size_t> order(items.size()); // keys are costly to move
+    keys.reserve(items.size());
     for (std::size_t i = 0; i < items.size(); ++i) {
-        keyed.push_back({key(textOf(items[i])), i});
+        keys.push_back(key(textOf(items[i])));
+        order[i] = i;
     }
-    std::stable_sort(keyed.begin(), keyed.end(), [](const Keyed &a, const Keyed &b) { return a.key < b.key; });
+    std::stable_sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) { return keys[a] < keys[b]; });
     std::vector<Item> sorted;
     sorted.reserve(items.size());
-    for (const Keyed &entry : keyed) {
-        sorted.push_back(std::move(items[entry.index]));
+    for (const std::size_t index : order) {
+        sorted.push_back(std::move(items[index]));
     }
     items = std::move(sorted);
 }

@@ -12,6 +12,10 @@ T.ComboBox {
     required property var values ///< texts
     property string value
 
+    /// With room for each of the values.
+    readonly property real leastWidth: leftPadding + rightPadding + heading.implicitWidth + 2 * contentItem.spacing
+        + Math.ceil(widest.implicitWidth) + Tokens.height.symbol
+
     signal picked(string value)
 
     implicitWidth: 185
@@ -62,6 +66,14 @@ T.ComboBox {
             anchors.verticalCenter: parent.verticalCenter
         }
     }
+    Text {
+        id: widest
+        visible: false
+        text: root.values.map(value => L10n.text(value)).join("\n")
+        textFormat: Text.PlainText
+        font: root.font
+    }
+
     indicator: Icon {
         x: root.width - width - root.rightPadding
         y: (root.height - height) / 2

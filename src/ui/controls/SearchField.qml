@@ -1,16 +1,18 @@
-// A field to search in. Escape, or the cross at its end, empties it.
+// A field to search in. Escape, or the cross at its end, empties it; Escape in an empty one leaves it.
 import QtQuick
 import Marlune
 
 TextField {
     id: root
 
+    signal leaveWanted
+
     implicitHeight: Math.max(Tokens.height.regular, contentHeight + 18)
     leftPadding: 9 + Tokens.height.symbol + Tokens.space.tight
     rightPadding: clear.width + Tokens.space.hair
     Keys.onEscapePressed: event => {
         event.accepted = root.text !== "";
-        root.clear();
+        root.text === "" ? root.leaveWanted() : root.clear();
     }
 
     Icon {

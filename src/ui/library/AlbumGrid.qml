@@ -33,6 +33,10 @@ FocusScope {
         const row = from + Math.max(-above, Math.min(rows, below)) * root.columns + steps;
         view.currentIndex = Math.max(0, Math.min(row, view.count - 1));
     }
+    function takeFocus() {
+        view.currentIndex = Math.max(0, view.currentIndex);
+        view.currentItem?.forceActiveFocus(Qt.TabFocusReason);
+    }
     function openMenuOfCurrent() {
         menu.openFor(view.currentIndex, (view.currentItem as AlbumCard)?.playing ?? false, view.currentItem);
     }

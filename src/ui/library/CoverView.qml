@@ -10,6 +10,7 @@ Item {
     required property string cover ///< name in the cover store, may be empty
     property int decodeSide: Math.round(root.width)
     property bool marked: false ///< a frame in the accent around it
+    property string standIn: "opticaldisc" ///< the symbol without a picture
 
     readonly property string address: root.cover === "" ? ""
         : "image://cover/" + root.cover + "/" + Math.round(1000 * Tokens.radius.cover / Math.max(1, root.decodeSide))
@@ -28,7 +29,7 @@ Item {
     Icon {
         anchors.centerIn: parent
         visible: !root.pictured && (root.cover === "" || fresh.status === Image.Ready)
-        symbol: "opticaldisc"
+        symbol: root.standIn
         color: Tokens.color.textMuted
         side: Math.round(root.width / 4)
     }

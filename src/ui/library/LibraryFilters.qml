@@ -11,6 +11,8 @@ ColumnLayout {
 
     readonly property list<string> sources: ["Na Macu", "Na iPodzie"]
 
+    signal contentWanted ///< the keyboard is to go on in what is listed
+
     spacing: 15
 
     Flow {
@@ -70,8 +72,9 @@ ColumnLayout {
             Layout.fillWidth: true
             placeholderText: L10n.text("Szukaj albumu, wykonawcy lub utworu")
             text: root.model.search
-            onTextEdited: root.library.searchSoon(text)
-            onTextChanged: if (text === "") root.library.searchSoon(text)
+            onTextChanged: root.model.search = text
+            Keys.onDownPressed: root.contentWanted()
+            onLeaveWanted: root.contentWanted()
 
             Shortcut {
                 sequence: "Ctrl+F"
@@ -85,6 +88,14 @@ ColumnLayout {
             spacing: Tokens.space.regular
 
             ComboPicker {
+                objectName: "viewPicker"
+                Layout.preferredWidth: Math.max(Math.round(120 * Math.max(1, Tokens.type.scale)), leastWidth)
+                title: L10n.text("Widok")
+                values: root.library.viewModes
+                value: root.library.viewMode
+                onPicked: value => root.model.viewMode = value
+            }
+            ComboPicker {
                 objectName: "sortPicker"
                 Layout.preferredWidth: Math.round(185 * Math.max(1, Tokens.type.scale))
                 title: L10n.text("Sortuj")
@@ -94,13 +105,16 @@ ColumnLayout {
             }
             Item {
                 Layout.fillWidth: true
+                visible: root.library.albumsShown
             }
             Icon {
+                visible: root.library.albumsShown
                 symbol: "square.grid.2x2"
                 color: Tokens.color.textMuted
             }
             Slider {
                 objectName: "tileSlider"
+                visible: root.library.albumsShown
                 from: 140
                 to: 240
                 stepSize: 5

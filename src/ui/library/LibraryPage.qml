@@ -1,4 +1,6 @@
 // The collection of the computer or of the device, with its filters. Files and folders can be dropped anywhere on it.
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Layouts
 import Marlune
@@ -10,6 +12,12 @@ Item {
     required property LibraryPresenter library
 
     readonly property int lowestContent: Math.round(240 * Tokens.type.scale)
+
+    /// Gives the keyboard to what is listed.
+    function focusContent() {
+        const shown = [albums, tracks, folders].find(place => place.visible);
+        shown?.made?.takeFocus();
+    }
 
     PageColumn {
         anchors.fill: parent
@@ -55,22 +63,53 @@ Item {
             Layout.fillWidth: true
             model: root.model
             library: root.library
+            onContentWanted: root.focusContent()
         }
         Item {
             Layout.fillWidth: true
             Layout.fillHeight: true
             Layout.minimumHeight: root.lowestContent
 
-            AlbumGrid {
+            Item {
+                id: views
                 anchors.fill: parent
-                anchors.leftMargin: -around // covers are in line with what is above them
-                anchors.rightMargin: -around
-                anchors.topMargin: -around
                 visible: !root.library.nothingListed
-                albums: root.library.albums
-                tileSize: root.model.tileSize
-                deviceSide: root.model.libraryOnDevice
-                busy: root.model.busy
+
+                LazyPlace {
+                    id: albums
+                    shown: root.library.albumsShown
+
+                    AlbumGrid {
+                        anchors.fill: parent
+                        anchors.leftMargin: -around // covers are in line with what is above them
+                        anchors.rightMargin: -around
+                        anchors.topMargin: -around
+                        albums: root.library.albums
+                        tileSize: root.model.tileSize
+                        deviceSide: root.model.libraryOnDevice
+                        busy: root.model.busy
+                    }
+                }
+                LazyPlace {
+                    id: tracks
+                    shown: root.library.tracksShown
+
+                    TrackListView {
+                        anchors.fill: parent
+                        tracks: root.library.tracks
+                        deviceSide: root.model.libraryOnDevice
+                    }
+                }
+                LazyPlace {
+                    id: folders
+                    shown: root.library.foldersShown
+
+                    FolderTreeView {
+                        anchors.fill: parent
+                        folders: root.library.folders
+                        deviceSide: root.model.libraryOnDevice
+                    }
+                }
             }
             EmptyState {
                 objectName: "emptyState"
@@ -82,7 +121,8 @@ Item {
                 title: L10n.text(root.library.withoutMusic ? "Dodaj muzykę lub odczytaj iPoda"
                                                            : "Brak utworów dla tych filtrów")
                 titleFont: Tokens.type.headline
-                detail: L10n.text("Kolejkę i playlistę wybierasz osobnymi przyciskami.")
+                detail: L10n.text(
+                    "Kliknięcie albumu otwiera listę utworów.\nKolejkę i playlistę wybierasz osobnymi przyciskami.")
                 detailFont: Tokens.type.caption
             }
         }
@@ -100,7 +140,7 @@ Item {
         id: drop
         anchors.fill: parent
         keys: ["text/uri-list"]
-        onEntered: event => event.accepted = !root.model.busy
+        onEntered: event => event.accepted = root.library.takesDrop(event.formats)
         onDropped: event => {
             event.accept(Qt.CopyAction);
             root.library.importDropped(event.urls);

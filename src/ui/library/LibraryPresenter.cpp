@@ -1,11 +1,10 @@
 #include "ui/library/LibraryPresenter.h"
 
 #include "ui/LocalPath.h"
+#include "ui/lists/FileDrag.h"
 #include "ui/words/Localization.h"
 
 namespace {
-
-constexpr int searchPauseMilliseconds = 150;
 
 QStringList textsOf(const auto &values, const auto &textOf)
 {
@@ -20,14 +19,19 @@ LibraryPresenter::LibraryPresenter(MarluneModel &model, std::shared_ptr<CoverSto
     : QObject(parent)
     , m_model(model)
     , m_albums(model, std::move(covers))
+    , m_tracks(model)
+    , m_folders(model)
 {
-    m_searchPause.setSingleShot(true);
-    m_searchPause.setInterval(searchPauseMilliseconds);
-    connect(&m_searchPause, &QTimer::timeout, this, [this] { m_model.setSearch(m_searchText); });
     connect(&m_albums, &AlbumListModel::refreshed, this, &LibraryPresenter::refreshContent);
+    connect(&m_model, &MarluneModel::viewModeChanged, this, &LibraryPresenter::viewChanged);
     connect(&m_model, &MarluneModel::deviceChanged, this, &LibraryPresenter::canReadDeviceChanged);
     connect(&m_model, &MarluneModel::busyChanged, this, &LibraryPresenter::canReadDeviceChanged);
     refreshContent();
+}
+
+QStringList LibraryPresenter::viewModes() const
+{
+    return textsOf(allViewModes, viewModeText);
 }
 
 QStringList LibraryPresenter::formats() const
@@ -53,39 +57,25 @@ bool LibraryPresenter::canReadDevice() const
 
 void LibraryPresenter::refreshContent()
 {
-    Content content {.albums = m_model.albums()->size(), .withoutMusic = m_model.activeTracks().empty()};
-    for (const Track &track : m_model.activeTracks()) { // counted in place: the filtered list would be sorted copies
-        if (m_model.matches(track)) {
-            ++content.tracks;
-            content.highResolution = content.highResolution || isHighResolution(track.info);
-        }
-    }
+    const std::shared_ptr<const TrackMatches> matches = m_model.trackMatches();
+    const Content content {.albums = m_model.albums()->size(),
+        .tracks = matches->count,
+        .withoutMusic = m_model.activeTracks().empty(),
+        .highResolution = matches->highResolution};
     if (m_content != content) {
         m_content = content;
         Q_EMIT contentChanged();
     }
 }
 
-void LibraryPresenter::searchSoon(const QString &text)
+bool LibraryPresenter::takesDrop(const QStringList &formats) const
 {
-    m_searchText = text;
-    if (text.isEmpty()) {
-        m_searchPause.stop();
-        m_model.setSearch(text);
-    } else {
-        m_searchPause.start();
-    }
+    return !m_model.busy() && !FileDrag::isOwn(formats);
 }
 
 void LibraryPresenter::importDropped(const QList<QUrl> &urls)
 {
-    std::vector<std::filesystem::path> paths;
-    for (const QUrl &url : urls) {
-        if (const std::optional<std::filesystem::path> path = localPath(url)) {
-            paths.push_back(*path);
-        }
-    }
-    if (!paths.empty()) {
+    if (const std::vector<std::filesystem::path> paths = localPaths(urls); !paths.empty()) {
         m_model.importURLs(paths, false, true);
     }
 }

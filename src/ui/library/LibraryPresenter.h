@@ -4,9 +4,10 @@
 #pragma once
 
 #include "ui/library/AlbumListModel.h"
+#include "ui/library/FolderTreeModel.h"
+#include "ui/library/TrackListModel.h"
 
 #include <QObject>
-#include <QTimer>
 #include <QUrl>
 
 class LibraryPresenter : public QObject {
@@ -14,6 +15,13 @@ class LibraryPresenter : public QObject {
     QML_ELEMENT
     QML_UNCREATABLE("The program makes it for the model.")
     Q_PROPERTY(AlbumListModel *albums READ albums CONSTANT)
+    Q_PROPERTY(TrackListModel *tracks READ tracks CONSTANT)
+    Q_PROPERTY(FolderTreeModel *folders READ folders CONSTANT)
+    Q_PROPERTY(QStringList viewModes READ viewModes CONSTANT)
+    Q_PROPERTY(QString viewMode READ viewMode NOTIFY viewChanged) ///< the model's, or the first of them for any other
+    Q_PROPERTY(bool albumsShown READ albumsShown NOTIFY viewChanged)
+    Q_PROPERTY(bool tracksShown READ tracksShown NOTIFY viewChanged)
+    Q_PROPERTY(bool foldersShown READ foldersShown NOTIFY viewChanged)
     Q_PROPERTY(QStringList formats READ formats CONSTANT)
     Q_PROPERTY(QStringList sortModes READ sortModes CONSTANT)
     /// "Albumy: 12 · Utwory: 140"
@@ -29,6 +37,13 @@ public:
     LibraryPresenter(MarluneModel &model, std::shared_ptr<CoverStore> covers, QObject *parent = nullptr);
 
     [[nodiscard]] AlbumListModel *albums() { return &m_albums; }
+    [[nodiscard]] TrackListModel *tracks() { return &m_tracks; }
+    [[nodiscard]] FolderTreeModel *folders() { return &m_folders; }
+    [[nodiscard]] QStringList viewModes() const;
+    [[nodiscard]] QString viewMode() const { return viewModeText(view()); }
+    [[nodiscard]] bool albumsShown() const { return view() == ViewMode::Albums; }
+    [[nodiscard]] bool tracksShown() const { return view() == ViewMode::Tracks; }
+    [[nodiscard]] bool foldersShown() const { return view() == ViewMode::Folders; }
     [[nodiscard]] QStringList formats() const;
     [[nodiscard]] QStringList sortModes() const;
     [[nodiscard]] QString counts() const;
@@ -37,13 +52,14 @@ public:
     [[nodiscard]] bool highResolutionListed() const { return m_content.highResolution; }
     [[nodiscard]] bool canReadDevice() const;
 
-    /// Searches for the text once typing pauses; at once for an empty one.
-    Q_INVOKABLE void searchSoon(const QString &text);
+    /// Whether a drag with these formats is one of files that are not the program's own.
+    [[nodiscard]] Q_INVOKABLE bool takesDrop(const QStringList &formats) const;
     /// Adds dropped files and folders to the library and the queue; other addresses are left out.
     Q_INVOKABLE void importDropped(const QList<QUrl> &urls);
 
 Q_SIGNALS:
     void contentChanged();
+    void viewChanged();
     void canReadDeviceChanged();
 
 private:
@@ -56,10 +72,11 @@ private:
         bool operator==(const Content &) const = default;
     };
     void refreshContent();
+    [[nodiscard]] ViewMode view() const { return viewModeFromText(m_model.viewMode()); }
 
     MarluneModel &m_model;
     AlbumListModel m_albums;
+    TrackListModel m_tracks;
+    FolderTreeModel m_folders;
     Content m_content;
-    QTimer m_searchPause;
-    QString m_searchText;
 };

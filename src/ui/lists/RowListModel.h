@@ -29,6 +29,14 @@ protected:
         connect(this, &QAbstractItemModel::modelReset, this, &RowListModel::countChanged);
     }
 
+    /// Makes all rows new.
+    template <typename Row> void resetRows(std::vector<Row> &rows, std::vector<Row> wanted)
+    {
+        beginResetModel();
+        rows = std::move(wanted);
+        endResetModel();
+    }
+
     /// Makes the identities of `rows` those of `wanted`. True if that was done in steps: rows that stayed are still the
     /// old ones, and it is the caller who exchanges them and tells what changed in them. False: all rows are new.
     template <typename Row, typename IdOf>
@@ -36,15 +44,13 @@ protected:
     {
         constexpr std::size_t maxSteps = 48; // past that a view is done sooner with all rows anew
         const auto ids = [&](const std::vector<Row> &of) {
-            std::vector<QString> result(of.size());
+            std::vector<std::decay_t<decltype(idOf(of.front()))>> result(of.size());
             std::transform(of.begin(), of.end(), result.begin(), idOf);
             return result;
         };
         const auto steps = RowChanges::plan(ids(rows), ids(wanted), maxSteps);
         if (!steps) {
-            beginResetModel();
-            rows = wanted;
-            endResetModel();
+            resetRows(rows, wanted);
             return false;
         }
         for (const auto &[kind, first, count] : *steps) {

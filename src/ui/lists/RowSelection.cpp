@@ -116,6 +116,7 @@ RowSelection::Span RowSelection::clear()
     const Span before = extent();
     m_selected.assign(m_selected.size(), false);
     m_count = 0;
+    m_anchor = m_current;
     return before;
 }
 

@@ -17,8 +17,11 @@ QImage drawStored(const CoverStore &store, const QString &id, const QSize &reque
 {
     const int wanted = std::max(requested.width(), requested.height());
     const int side = std::clamp(wanted > 0 ? wanted : defaultSide, 1, maxSide);
-    const double radius = id.section(u'/', 1).toDouble() / 1000 * side;
     const std::optional<QByteArray> encoded = store.find(id.section(u'/', 0, 0));
+    if (id.section(u'/', 1) == QStringLiteral("whole")) {
+        return encoded ? decodeImage(*encoded, side) : QImage();
+    }
+    const double radius = id.section(u'/', 1).toDouble() / 1000 * side;
     return encoded ? CoverProvider::draw(*encoded, side, radius) : QImage();
 }
 

@@ -1,5 +1,5 @@
 // Covers for QML: "image://cover/NAME/RADIUS", NAME being the store's, RADIUS that of the corners in thousandths of the
-// side. The picture fills a square of the requested size.
+// side. The picture fills a square of the requested size. "image://cover/NAME/whole": all of it, within that square.
 //
 // Decoding runs on threads of its own, so that scrolling waits for no picture; what was decoded last is kept. A cover
 // that is no picture comes out as one transparent pixel, which the page takes as "show the stand-in".

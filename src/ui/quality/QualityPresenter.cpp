@@ -154,9 +154,9 @@ QCoro::Task<> QualityPresenter::runInspection()
     const std::stop_token stop = m_inspecting.get_token();
     const std::optional<Device> &device = m_model.device();
     const auto root = m_model.libraryOnDevice() && device ? std::optional(device->root) : std::nullopt;
-    auto work = [tracks = m_model.activeTracks(), root, stop] {
+    auto work = [tracks = m_model.sharedTracks(), root, stop] {
         IssueListModel::Issues issues;
-        for (QualityIssue &issue : CollectionQuality::inspect(tracks, root, stop)) {
+        for (QualityIssue &issue : CollectionQuality::inspect(*tracks, root, stop)) {
             issues.push_back(std::make_shared<const QualityIssue>(std::move(issue)));
         }
         return issues;

@@ -14,7 +14,7 @@ T.ApplicationWindow {
     required property BackupsPresenter backups
     required property QualityPresenter quality
     required property AlbumSheetPresenter albumSheet
-    required property AlbumSheetPresenter coverSheet
+    required property CoverSearchPresenter coverSearch
     required property ThemeSheetPresenter themeSheet
     required property PlaybackPresenter playback
     required property DesktopPanels panels
@@ -49,7 +49,7 @@ T.ApplicationWindow {
                 backups: root.backups,
                 quality: root.quality,
                 albumSheet: root.albumSheet,
-                coverSheet: root.coverSheet,
+                coverSearch: root.coverSearch,
                 themeSheet: root.themeSheet,
                 playback: root.playback
             });

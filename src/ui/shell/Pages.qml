@@ -15,27 +15,7 @@ Item {
     required property BackupsPresenter backups
     required property QualityPresenter quality
 
-    /// No Loader: in Qt 6.4 that makes nothing of a component that is bound to its surroundings.
-    component Place: Item {
-        id: place
-
-        required property bool shown
-        default property Component page
-        property Item made: null
-
-        function makeOnce() {
-            if (place.shown && !place.made) {
-                place.made = place.page.createObject(place, {}) as Item;
-            }
-        }
-
-        anchors.fill: parent
-        visible: shown
-        onShownChanged: place.makeOnce()
-        Component.onCompleted: place.makeOnce()
-    }
-
-    Place {
+    LazyPlace {
         shown: root.shell.deviceShown
 
         DevicePage {
@@ -44,7 +24,7 @@ Item {
             device: root.device
         }
     }
-    Place {
+    LazyPlace {
         shown: root.shell.musicShown
 
         LibraryPage {
@@ -53,7 +33,7 @@ Item {
             library: root.library
         }
     }
-    Place {
+    LazyPlace {
         shown: root.shell.playlistsShown
 
         PlaylistsPage {
@@ -62,7 +42,7 @@ Item {
             playlists: root.playlists
         }
     }
-    Place {
+    LazyPlace {
         shown: root.shell.backupsShown
 
         BackupsPage {
@@ -71,7 +51,7 @@ Item {
             backups: root.backups
         }
     }
-    Place {
+    LazyPlace {
         shown: root.shell.qualityShown
 
         QualityPage {
@@ -80,14 +60,14 @@ Item {
             quality: root.quality
         }
     }
-    Place {
+    LazyPlace {
         shown: root.shell.guideShown
 
         GuidePage {
             anchors.fill: parent
         }
     }
-    Place {
+    LazyPlace {
         shown: root.shell.unfinishedShown
 
         EmptyState {

@@ -1,5 +1,7 @@
 #include "ui/shell/ShellPresenter.h"
 
+#include "ui/LocalPath.h"
+#include "ui/lists/FileDrag.h"
 #include "ui/themes/ThemePictures.h"
 #include "ui/words/Localization.h"
 #include "ui/words/Wording.h"
@@ -55,11 +57,7 @@ QString ShellPresenter::remaining() const
 
 void ShellPresenter::refresh()
 {
-    const QSet<QUuid> &queued = m_model.queued();
-    m_queuedTracks = 0; // counted in place: the queue itself would be a copy of its tracks
-    for (const Track &track : m_model.tracks()) {
-        m_queuedTracks += queued.contains(track.id) ? 1 : 0;
-    }
+    m_queuedTracks = m_model.queueCount();
     m_queuedBytes = m_model.queueBytes();
     Q_EMIT changed();
 }
@@ -144,6 +142,26 @@ void ShellPresenter::openDeviceFolder() const
 {
     if (const std::optional<Device> &device = m_model.device()) {
         Desktop::open(device->root);
+    }
+}
+
+QString ShellPresenter::trackFormat() const
+{
+    return FileDrag::trackFormat();
+}
+
+bool ShellPresenter::takesDrop(const QStringList &formats) const
+{
+    const bool isOfUse = FileDrag::isOwn(formats) || formats.contains(QStringLiteral("text/uri-list"));
+    return isOfUse && !FileDrag::isFromDevice(formats) && !m_model.busy();
+}
+
+void ShellPresenter::queueDropped(const QByteArray &tracks, const QList<QUrl> &files)
+{
+    if (const QSet<QUuid> ids = FileDrag::tracks(tracks); !ids.isEmpty()) {
+        m_model.enqueue(ids);
+    } else if (const std::vector<std::filesystem::path> paths = localPaths(files); !paths.empty()) {
+        m_model.importURLs(paths, false, true);
     }
 }
 

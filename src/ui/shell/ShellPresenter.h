@@ -43,6 +43,8 @@ class ShellPresenter : public QObject {
     Q_PROPERTY(bool testFolder READ testFolder NOTIFY changed)
     Q_PROPERTY(QString themeCount READ themeCount NOTIFY changed)
     Q_PROPERTY(QUrl themePicture READ themePicture NOTIFY changed)
+    /// The format under which a drag names tracks of the computer.
+    Q_PROPERTY(QString trackFormat READ trackFormat CONSTANT)
     /// Devices to choose from: those found while none is selected.
     Q_PROPERTY(QStringList offeredDevices READ offeredDevices NOTIFY changed)
 
@@ -86,6 +88,11 @@ public:
     /// Selects the device at that place of offeredDevices().
     Q_INVOKABLE void selectOffered(int place);
     Q_INVOKABLE void openDeviceFolder() const;
+    /// Whether what is dragged with these formats can be queued now: files, or tracks of the computer.
+    [[nodiscard]] Q_INVOKABLE bool takesDrop(const QStringList &formats) const;
+    /// Queues the tracks that the bytes name, or else adds the files to the library and the queue.
+    Q_INVOKABLE void queueDropped(const QByteArray &tracks, const QList<QUrl> &files);
+    [[nodiscard]] QString trackFormat() const;
     Q_INVOKABLE void openThemes() { m_model.setSection(Section::Themes); }
 
     [[nodiscard]] bool closing() const { return m_closing; }

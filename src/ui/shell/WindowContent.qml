@@ -15,7 +15,7 @@ ColumnLayout {
     required property BackupsPresenter backups
     required property QualityPresenter quality
     required property AlbumSheetPresenter albumSheet
-    required property AlbumSheetPresenter coverSheet
+    required property CoverSearchPresenter coverSearch
     required property ThemeSheetPresenter themeSheet
     required property PlaybackPresenter playback
 
@@ -100,7 +100,7 @@ ColumnLayout {
     }
     CoverSearchView {
         objectName: "coverSearchSheet"
-        album: root.coverSheet
+        search: root.coverSearch
     }
     ThemeSheet {
         objectName: "themeSheet"

@@ -37,8 +37,11 @@ QtObject {
     readonly property color pressed: dark ? "#24F2F2F4" : "#1A1D1D1F"
     readonly property color note: dark ? "#1A4C9BFF" : "#0F0A63E0" ///< below a remark
     readonly property color caution: dark ? "#1FFFB340" : "#14A84B00" ///< below a warning
+    readonly property color marked: dark ? "#334C9BFF" : "#1F0A63E0" ///< below a selected row
     readonly property color focusRing: dark ? "#734C9BFF" : "#730A63E0"
     readonly property color scrim: dark ? "#80000000" : "#40000000"
+    readonly property color darkroom: "#E60B0B0D" ///< around a picture that is looked at alone
+    readonly property color textOnDarkroom: "#E4E4E9"
     readonly property real coverShadow: dark ? 0.4 : 0.14
     readonly property real sheetShadow: dark ? 0.6 : 0.26
     readonly property real disabled: 0.4

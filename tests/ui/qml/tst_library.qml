@@ -113,6 +113,56 @@ PageTest {
         tryCompare(tile(0), "playing", false);
     }
 
+    function test_foldersAreWalkedByKeyboardAndMouse() {
+        open(2);
+        root.bench.model.viewMode = "Foldery";
+        tryVerify(() => part("folderTree") !== null && part("folderTree").count > 2);
+        const tree = part("folderTree");
+        const row = index => tree.itemAtIndex(index);
+        part("addMusicButton").forceActiveFocus();
+        root.page.focusContent();
+        tryVerify(() => tree.currentItem.visualFocus);
+        keyClick(Qt.Key_End);
+        const last = tree.currentIndex;
+        verify(last > 1 && tree.currentItem.isFolder && !tree.currentItem.open);
+        const before = tree.count;
+        keyClick(Qt.Key_Right);
+        compare(tree.count, before + 2);
+        keyClick(Qt.Key_Right);
+        compare(tree.currentItem.name, "1.flac");
+        verify(tree.currentItem.activeFocus && tree.currentItem.Accessible.name.startsWith("1.flac, Poziom "));
+        keyClick(Qt.Key_Space);
+        compare(root.bench.queuedTracks(), 1);
+        compare(row(last).chosen, FolderTreeModel.SomeChosen);
+        keyClick("2");
+        compare(tree.currentItem.name, "2.flac");
+        keyClick(Qt.Key_Up, Qt.ShiftModifier);
+        verify(tree.currentItem.marked && row(last + 2).marked);
+        keyClick(Qt.Key_Space);
+        compare(root.bench.queuedTracks(), 2);
+        keyClick(Qt.Key_Escape);
+        verify(!tree.currentItem.marked);
+        keyClick(Qt.Key_Return);
+        verify(root.bench.albumSheet.wanted);
+        keyClick(Qt.Key_Left);
+        compare(tree.currentIndex, last);
+        keyClick(Qt.Key_Left);
+        compare(tree.count, before);
+        mouseClick(findChild(row(last), "openArrow"));
+        compare(tree.count, before + 2);
+        mouseDoubleClickSequence(row(last), 200, 10);
+        compare(tree.count, before);
+        keyClick(Qt.Key_A, Qt.ControlModifier);
+        compare(root.bench.library.folders.selectedCount, before);
+        keyClick(Qt.Key_Home);
+        keyClick(Qt.Key_Asterisk);
+        compare(tree.count, before + 4);
+        keyClick(Qt.Key_Menu);
+        tryVerify(() => !tree.currentItem.activeFocus);
+        keyClick(Qt.Key_Escape);
+        tryVerify(() => tree.currentItem.visualFocus);
+    }
+
     function test_whatHasTheFocusIsInSightAndThePageShown() {
         open(3);
         DesktopScheme.textScale = 1.5;

@@ -50,6 +50,8 @@ TestCase {
                 ["hover", "pressed", "field"].forEach(cover => hold("text", ground, cover));
             }
             hold("textMuted", "content", "field");
+            ["text", "textMuted", "warning"].forEach(ink => hold(ink, "content", "marked"));
+            hold("warning", "card");
             ["note", "caution", "found", "foundNow"].forEach(cover => hold("text", "content", cover));
             ["note", "caution"].forEach(cover => hold("accent", "content", cover));
             ["content", "window", "card"].forEach(ground => hold("accent", ground));

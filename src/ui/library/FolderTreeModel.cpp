@@ -1,0 +1,389 @@
+#include "ui/library/FolderTreeModel.h"
+
+#include "ui/words/Localization.h"
+#include "ui/words/Wording.h"
+
+#include "platform/files/PathText.h"
+
+#include <QPointer>
+
+#include <algorithm>
+#include <utility>
+
+/// What a job makes, for the moment in which it began.
+struct FolderTreeModel::Built {
+    std::shared_ptr<const FolderTree> base; ///< the tree before, if there was one
+    Shown shown; ///< without rows and what is open
+    bool isOnDevice = false;
+    std::shared_ptr<const FolderTree> tree;
+    std::vector<Node> before; ///< places in the base
+};
+
+FolderTreeModel::FolderTreeModel(MarluneModel &model, QObject *parent)
+    : RowListModel(parent)
+    , m_model(model)
+{
+    for (const auto signal :
+        {&MarluneModel::tracksChanged, &MarluneModel::libraryOnDeviceChanged, &MarluneModel::deviceChanged}) {
+        connect(&m_model, signal, this, [this] {
+            m_tracksMayDiffer = true;
+            m_isOutdated = true;
+            m_change.start();
+        });
+    }
+    connect(&m_model, &MarluneModel::browsingChanged, this, [this] {
+        m_isOutdated = true;
+        m_change.start();
+    });
+    connect(&m_model, &MarluneModel::sectionChanged, this, &FolderTreeModel::refreshIfShown);
+    connect(&m_model, &MarluneModel::viewModeChanged, this, &FolderTreeModel::refreshIfShown);
+    m_selectionChange.follow(m_model, &MarluneModel::selectionChanged);
+    for (const auto signal : {&Playback::currentChanged, &Playback::playingChanged}) {
+        connect(&m_model.playback(), signal, this, [this] {
+            refreshPlaying();
+            renew({PlayingRole});
+        });
+    }
+    refreshIfShown();
+}
+
+int FolderTreeModel::rowCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : int(m_shown.rows.size());
+}
+
+QHash<int, QByteArray> FolderTreeModel::roleNames() const
+{
+    return {{NameRole, "name"}, {DepthRole, "depth"}, {FolderRole, "isFolder"}, {OpenRole, "open"},
+        {CountRole, "trackCount"}, {ChosenRole, "chosen"}, {PlayingRole, "playing"}, {MarkedRole, "marked"},
+        {StateRole, "stateText"}};
+}
+
+QVariant FolderTreeModel::data(const QModelIndex &index, int role) const
+{
+    const std::optional<Node> shown = node(index.isValid() ? index.row() : -1);
+    if (!shown) {
+        return {};
+    }
+    const FolderNode &about = tree()[*shown];
+    switch (role) {
+    case Qt::DisplayRole:
+    case NameRole:
+        return name(*shown);
+    case DepthRole:
+        return int(about.depth);
+    case FolderRole:
+        return about.isFolder();
+    case OpenRole:
+        return about.isFolder() && m_shown.folders.isOpen(*shown);
+    case CountRole:
+        return int(m_shown.folders.listedIn(*shown));
+    case ChosenRole:
+        return int(m_shown.folders.chosenIn(*shown));
+    case PlayingRole:
+        return m_playing >= *shown && m_playing < about.end;
+    case MarkedRole:
+        return m_shown.selection.contains(index.row());
+    case StateRole:
+        return state(*shown);
+    default:
+        return {};
+    }
+}
+
+std::optional<FolderTreeModel::Node> FolderTreeModel::node(int row) const
+{
+    if (row < 0 || row >= rowCount()) {
+        return std::nullopt;
+    }
+    const Node node = m_shown.rows[std::size_t(row)];
+    return node < tree().size() ? std::optional(node) : std::nullopt;
+}
+
+std::optional<QString> FolderTreeModel::nodeId(int row) const
+{
+    const std::optional<Node> shown = node(row);
+    return shown ? std::optional(tree().id(*shown)) : std::nullopt;
+}
+
+QString FolderTreeModel::name(Node node) const
+{
+    if (node == 0 && !m_shown.root) {
+        return AppLocalizer::text(QStringLiteral("Pliki na Macu"));
+    }
+    constexpr qsizetype longest = 400; // of a longer name nobody reads the rest, and to lay it out takes long
+    return Wording::fileName(tree()[node].name.left(longest));
+}
+
+QString FolderTreeModel::state(Node node) const
+{
+    const QString level = QString::number(tree()[node].depth + 1);
+    if (!tree()[node].isFolder()) {
+        return AppLocalizer::text(QStringLiteral("Poziom ") + level);
+    }
+    const QString count = QString::number(m_shown.folders.listedIn(node));
+    return m_shown.folders.isOpen(node)
+        ? AppLocalizer::text(QStringLiteral("Poziom ") + level + QStringLiteral(" · rozwinięty · Utwory: ") + count)
+        : AppLocalizer::text(QStringLiteral("Poziom ") + level + QStringLiteral(" · zwinięty · Utwory: ") + count);
+}
+
+std::optional<std::filesystem::path> FolderTreeModel::root() const
+{
+    const std::optional<Device> &device = m_model.device();
+    return m_model.libraryOnDevice() && device ? std::optional(device->root) : std::nullopt;
+}
+
+const QSet<QUuid> &FolderTreeModel::chosen() const
+{
+    return m_model.libraryOnDevice() ? m_model.selectedOnDevice() : m_model.queued();
+}
+
+std::vector<bool> FolderTreeModel::chosenTracks() const
+{
+    const QSet<QUuid> &ids = chosen();
+    std::vector<bool> result;
+    if (!ids.isEmpty()) {
+        result.resize(m_shown.ids.size());
+        std::transform(m_shown.ids.begin(), m_shown.ids.end(), result.begin(),
+            [&ids](const QUuid &id) { return ids.contains(id); });
+    }
+    return result;
+}
+
+std::vector<bool> FolderTreeModel::listedTracks() const
+{
+    return m_model.trackMatches()->places;
+}
+
+void FolderTreeModel::refreshIfShown()
+{
+    const bool isShown
+        = m_model.section() == Section::Music && viewModeFromText(m_model.viewMode()) == ViewMode::Folders;
+    if (m_isOutdated && isShown) {
+        refresh();
+    }
+}
+
+bool FolderTreeModel::isCurrent(const Shown &shown) const
+{
+    const std::vector<Track> &tracks = m_model.activeTracks();
+    return shown.language == TextOrder::language() && shown.root == root()
+        && std::equal(shown.ids.begin(), shown.ids.end(), tracks.begin(), tracks.end(),
+            [](const QUuid &id, const Track &track) { return id == track.id; });
+}
+
+void FolderTreeModel::refresh()
+{
+    const bool isOtherSide = m_isOnDevice != m_model.libraryOnDevice() || m_shown.root != root();
+    if (m_shown.folders.tree() && (isOtherSide || m_model.activeTracks().empty())) {
+        putAside();
+    }
+    m_isOnDevice = m_model.libraryOnDevice();
+    if (m_isBuilding) { // what lands is held against the tracks of then
+        return;
+    }
+    m_isOutdated = false;
+    const bool isDifferent = std::exchange(m_tracksMayDiffer, false) || m_shown.language != TextOrder::language();
+    if (m_model.activeTracks().empty()) {
+        return;
+    }
+    if (m_shown.folders.tree() && (!isDifferent || isCurrent(m_shown))) {
+        list(places());
+    } else {
+        runBuilding();
+    }
+}
+
+/// Shows nothing: the rows are another side's, or there are no tracks.
+void FolderTreeModel::putAside()
+{
+    beginResetModel();
+    m_aside[m_isOnDevice ? 1 : 0] = std::exchange(m_shown, {});
+    m_playing = FolderNode::none;
+    endResetModel();
+    Q_EMIT selectedChanged();
+    Q_EMIT currentRowChanged();
+}
+
+QCoro::Task<> FolderTreeModel::runBuilding()
+{
+    const QPointer<FolderTreeModel> self(this);
+    m_isBuilding = true;
+    Built begun {.base = m_shown.folders.tree(), .shown = {}, .isOnDevice = m_isOnDevice, .tree = {}, .before = {}};
+    begun.shown.root = root();
+    begun.shown.language = TextOrder::language();
+    if (!begun.base && aside().root == begun.shown.root) { // those of another device are of no use
+        begun.base = aside().folders.tree();
+    }
+    auto files = std::make_shared<PathList>();
+    begun.shown.ids.reserve(m_model.activeTracks().size());
+    for (const Track &track : m_model.activeTracks()) {
+        files->add(track.url);
+        begun.shown.ids.push_back(track.id);
+    }
+    auto work = [files, built = std::move(begun)]() mutable {
+        const std::optional<std::filesystem::path> &root = built.shown.root;
+        built.tree = std::make_shared<const FolderTree>(*files, root, root ? Files::name(*root) : QString());
+        if (built.base) {
+            built.before = built.tree->placesIn(*built.base);
+        }
+        return std::move(built);
+    };
+    auto outcome = co_await attempt(work);
+    if (!self) {
+        co_return;
+    }
+    m_isBuilding = false;
+    if (outcome.value && outcome.value->isOnDevice == m_model.libraryOnDevice() && isCurrent(outcome.value->shown)) {
+        land(std::move(*outcome.value));
+    } else {
+        m_tracksMayDiffer = true;
+        m_isOutdated = outcome.value.has_value();
+        refreshIfShown();
+    }
+}
+
+void FolderTreeModel::land(Built built)
+{
+    m_isOutdated = false;
+    m_tracksMayDiffer = false;
+    Shown old = m_shown.folders.tree() ? m_shown : std::exchange(aside(), {});
+    if (old.folders.tree() != built.base) { // put aside meanwhile, as that of another device
+        old = {};
+        built.base.reset();
+        built.before.clear();
+    }
+    std::vector<Node> now(built.base ? built.base->size() : 0, FolderNode::none); // of each node of the old tree
+    for (Node node = 0; node < built.before.size(); ++node) {
+        if (built.before[node] != FolderNode::none) {
+            now[built.before[node]] = node;
+        }
+    }
+    const auto move = [&now](std::vector<Node> &rows) {
+        for (Node &row : rows) {
+            row = row < now.size() ? now[row] : FolderNode::none;
+        }
+    };
+    Places before {.rows = old.rows, .selection = old.selection, .topRow = old.topRow};
+    move(before.rows);
+    if (old.beforeSearch) {
+        move(old.beforeSearch->rows);
+    }
+    m_shown.folders = std::move(old.folders);
+    m_shown.folders.setTree(std::move(built.tree), built.before);
+    m_shown.beforeSearch = std::move(old.beforeSearch);
+    m_shown.ids = std::move(built.shown.ids);
+    m_shown.root = built.shown.root;
+    m_shown.language = built.shown.language;
+    for (std::size_t i = 0; i < m_shown.rows.size(); ++i) { // those that are gone get numbers of no node
+        m_shown.rows[i] = before.rows[i] != FolderNode::none ? before.rows[i] : tree().size() + Node(i);
+    }
+    refreshPlaying();
+    list(std::move(before));
+}
+
+FolderTreeModel::Places FolderTreeModel::places() const
+{
+    return {.rows = m_shown.rows, .selection = m_shown.selection, .topRow = m_shown.topRow};
+}
+
+/// Lists what the filters and the search leave. After a search all is as it was before it, but for what the user has
+/// selected meanwhile.
+void FolderTreeModel::list(Places before)
+{
+    const QString search = std::exchange(m_search, m_model.search());
+    if (search.isEmpty() && !m_search.isEmpty()) {
+        m_shown.beforeSearch = before;
+    }
+    m_shown.folders.setListed(listedTracks(), !m_search.isEmpty());
+    m_shown.folders.setChosen(chosenTracks());
+    const std::optional<Places> kept
+        = m_search.isEmpty() ? std::exchange(m_shown.beforeSearch, std::nullopt) : std::nullopt;
+    const bool selects = before.selection.count() > 0;
+    changeRowsTo(m_shown.folders.visible(), kept && !selects ? *kept : std::move(before));
+    if (kept || search != m_search) {
+        Q_EMIT placed(kept ? topAfter(*kept) : 0);
+    }
+}
+
+/// What was selected, current and at the top stays so where it is still there.
+void FolderTreeModel::changeRowsTo(const std::vector<Node> &wanted, Places before)
+{
+    const bool wasEmpty = m_shown.rows.empty();
+    const bool inSteps = changeRows(m_shown.rows, wanted, [](Node node) { return node; });
+    follow(before);
+    renew({});
+    Q_EMIT selectedChanged();
+    Q_EMIT currentRowChanged();
+    if (wasEmpty || !inSteps) {
+        Q_EMIT placed(topAfter(before));
+    }
+}
+
+void FolderTreeModel::follow(const Places &before)
+{
+    RowSelection &selection = m_shown.selection;
+    std::vector<int> newRows(before.rows.size());
+    std::transform(before.rows.begin(), before.rows.end(), newRows.begin(), [this](Node node) { return rowOf(node); });
+    selection = before.selection;
+    selection.remap(newRows, rowCount());
+    const auto current = std::size_t(before.selection.current());
+    if (current < newRows.size() && newRows[current] < 0 && before.rows[current] != FolderNode::none) {
+        selection.setCurrent(rowNear(before.rows[current]));
+    }
+    if (selection.current() < 0) {
+        selection.setCurrent(0); // where the keyboard comes in
+    }
+}
+
+double FolderTreeModel::topAfter(const Places &before) const
+{
+    const auto top = std::size_t(std::max(0.0, before.topRow));
+    for (std::size_t i = top; i < before.rows.size(); ++i) {
+        if (const int now = rowOf(before.rows[i]); now >= 0) {
+            return now + (i == top ? before.topRow - double(top) : 0);
+        }
+    }
+    return 0;
+}
+
+int FolderTreeModel::rowOf(Node node) const
+{
+    const auto found = std::lower_bound(m_shown.rows.begin(), m_shown.rows.end(), node);
+    return found != m_shown.rows.end() && *found == node ? int(found - m_shown.rows.begin()) : -1;
+}
+
+int FolderTreeModel::rowNear(Node node) const
+{
+    return rowOf(m_shown.folders.nearestVisible(node));
+}
+
+void FolderTreeModel::renew(const QList<int> &roles)
+{
+    if (!m_shown.rows.empty()) { // a view asks again for the rows that it shows, and no others
+        Q_EMIT dataChanged(index(0), index(rowCount() - 1), roles);
+    }
+}
+
+void FolderTreeModel::refreshChosen()
+{
+    if (m_shown.folders.tree()) {
+        m_shown.folders.setChosen(chosenTracks());
+        renew({ChosenRole});
+    }
+}
+
+void FolderTreeModel::refreshPlaying()
+{
+    const Playback &playback = m_model.playback();
+    m_playing = FolderNode::none;
+    if (!playback.playing() || !m_shown.folders.tree()) {
+        return;
+    }
+    const auto place = std::find(m_shown.ids.begin(), m_shown.ids.end(), playback.current()->id);
+    for (Node node = 0; place != m_shown.ids.end() && node < tree().size(); ++node) {
+        if (tree()[node].track == std::uint32_t(place - m_shown.ids.begin())) {
+            m_playing = node;
+        }
+    }
+}

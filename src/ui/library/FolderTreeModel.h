@@ -1,0 +1,191 @@
+// The folders and files of the library page as the rows of an outline, and which of them are selected.
+//
+// The tree of all tracks is built by a job, when the page first shows it and when tracks come or go; filters and a
+// search only choose among its nodes, a turn of the event loop later, once for a burst of changes. While the page or
+// the outline is hidden both wait. What is open, selected, current and in sight stays so where it is still there. A row
+// holds where its track was and which one it is, and does nothing once another is there. UI thread.
+#pragma once
+
+#include "model/Model.h"
+
+#include "ui/library/FolderRows.h"
+#include "ui/lists/RowListModel.h"
+#include "ui/lists/RowSelection.h"
+#include "ui/lists/TypeAhead.h"
+
+#include "platform/tasks/BurstTimer.h"
+#include "platform/text/TextOrder.h"
+
+#include <QtQml/qqmlregistration.h>
+
+#include <array>
+#include <optional>
+#include <vector>
+
+class FolderTreeModel : public RowListModel {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("The library presenter has one.")
+    /// Where the keyboard is; -1 for none.
+    Q_PROPERTY(int currentRow READ currentRow NOTIFY currentRowChanged)
+    Q_PROPERTY(int selectedCount READ selectedCount NOTIFY selectedChanged)
+
+public:
+    enum Role : std::uint16_t {
+        NameRole = Qt::UserRole,
+        DepthRole, ///< 0 for the root
+        FolderRole,
+        OpenRole,
+        CountRole, ///< listed tracks in a folder
+        ChosenRole, ///< Share of those that are queued, or on the device selected for a playlist
+        PlayingRole,
+        MarkedRole, ///< selected in the outline
+        StateRole, ///< "Poziom 2 · zwinięty · Utwory: 12", for the ear
+    };
+    enum Share : std::uint8_t { NoneChosen, SomeChosen, AllChosen };
+    Q_ENUM(Share)
+
+    explicit FolderTreeModel(MarluneModel &model, QObject *parent = nullptr);
+
+    [[nodiscard]] int rowCount(const QModelIndex &parent = {}) const override;
+    [[nodiscard]] QVariant data(const QModelIndex &index, int role) const override;
+    [[nodiscard]] QHash<int, QByteArray> roleNames() const override;
+
+    [[nodiscard]] int currentRow() const { return m_shown.selection.current(); }
+    [[nodiscard]] int selectedCount() const { return m_shown.selection.count(); }
+    /// The row's node: see FolderTree::id(). Absent where there is no such row.
+    [[nodiscard]] std::optional<QString> nodeId(int row) const;
+
+    // Keyboard and mouse; `modifiers` are Qt::KeyboardModifiers.
+    /// Goes to a row, or to the first or last where it lies beyond.
+    Q_INVOKABLE void walk(int row, int modifiers);
+    /// A press alone selects only what is not selected yet: it may begin a drag of all that is.
+    Q_INVOKABLE void press(int row, int modifiers);
+    Q_INVOKABLE void click(int row, int modifiers);
+    Q_INVOKABLE void makeCurrent(int row);
+    Q_INVOKABLE void toggleMark(int row);
+    Q_INVOKABLE void selectAll();
+    /// Whether anything was selected.
+    Q_INVOKABLE bool clearSelection();
+    /// Goes to the row whose name begins with what has been typed. False for a key that types nothing.
+    Q_INVOKABLE bool type(const QString &text, int modifiers);
+    [[nodiscard]] Q_INVOKABLE bool typing() const { return m_typeAhead.isUnderWay(); }
+    /// The row at the view's upper edge, with the part of it that is scrolled out.
+    Q_INVOKABLE void setTopRow(double row) { m_shown.topRow = row; }
+
+    // Folders.
+    Q_INVOKABLE void setOpen(int row, bool open);
+    Q_INVOKABLE void toggleOpen(int row);
+    Q_INVOKABLE void openBelow(int row);
+    /// Closes an open folder, otherwise goes to the folder around the row.
+    Q_INVOKABLE void goOut(int row);
+    /// Opens a closed folder, goes to the first row in an open one.
+    Q_INVOKABLE void goIn(int row);
+
+    // What can be done with a row: with all that are selected, where it is one of them. A folder stands for its listed
+    // tracks.
+    Q_INVOKABLE void toggle(int row);
+    Q_INVOKABLE void toggleSelected(int row);
+    /// Whether all that toggleSelected() is about are queued or selected.
+    [[nodiscard]] Q_INVOKABLE bool selectedAreChosen(int row) const;
+    Q_INVOKABLE void revealSelected(int row) const;
+    /// The computer's root is no folder.
+    [[nodiscard]] Q_INVOKABLE bool canReveal(int row) const;
+    /// Drags the files out; returns when they have been let go.
+    Q_INVOKABLE void drag(int row);
+
+    // What is about one row alone.
+    /// Plays a file with what its folder lists as the queue, and a folder from its first file; pauses or resumes what
+    /// is loaded.
+    Q_INVOKABLE void play(int row);
+    /// A file is played, but what is heard goes on; a folder is opened or closed.
+    Q_INVOKABLE void listen(int row);
+    Q_INVOKABLE void preparePlay() { m_model.playback().prepare(); }
+    /// Of a file.
+    Q_INVOKABLE void openAlbum(int row);
+    /// What Return does: opens a file's album, opens or closes a folder.
+    Q_INVOKABLE void activate(int row);
+
+Q_SIGNALS:
+    void currentRowChanged();
+    void selectedChanged();
+    /// Rows are others: this is the one that belongs at the view's upper edge.
+    void placed(double topRow);
+
+private:
+    using Node = FolderRows::Node;
+
+    /// Where rows were.
+    struct Places {
+        std::vector<Node> rows; ///< by the nodes of the tree that is shown; none: gone
+        RowSelection selection;
+        double topRow = 0;
+    };
+    /// A tree and what the user made of it.
+    struct Shown {
+        FolderRows folders;
+        std::vector<Node> rows;
+        RowSelection selection;
+        double topRow = 0;
+        std::optional<Places> beforeSearch; ///< while one is shown
+        std::vector<QUuid> ids; ///< of the tracks that the tree was built of
+        std::optional<std::filesystem::path> root;
+        TextOrder::Language language = TextOrder::Language::Polish;
+    };
+    struct Built;
+
+    void refreshIfShown();
+    void refresh();
+    [[nodiscard]] bool isCurrent(const Shown &shown) const;
+    [[nodiscard]] Shown &aside() { return m_aside[m_model.libraryOnDevice() ? 1 : 0]; }
+    void putAside();
+    QCoro::Task<> runBuilding();
+    void land(Built built);
+    void list(Places before);
+    void changeRowsTo(const std::vector<Node> &wanted, Places before);
+    void follow(const Places &before);
+    [[nodiscard]] double topAfter(const Places &before) const;
+    [[nodiscard]] Places places() const;
+    /// -1 where it is not seen.
+    [[nodiscard]] int rowOf(Node node) const;
+    /// The node's row, or that of the folder in which it is hidden; -1 where that is not listed either.
+    [[nodiscard]] int rowNear(Node node) const;
+
+    [[nodiscard]] std::optional<std::filesystem::path> root() const;
+    [[nodiscard]] const QSet<QUuid> &chosen() const;
+    [[nodiscard]] std::vector<bool> chosenTracks() const;
+    [[nodiscard]] std::vector<bool> listedTracks() const;
+    [[nodiscard]] const FolderTree &tree() const { return *m_shown.folders.tree(); }
+    /// Absent also for a row that is about to go.
+    [[nodiscard]] std::optional<Node> node(int row) const;
+    [[nodiscard]] QString name(Node node) const;
+    [[nodiscard]] QString state(Node node) const;
+    /// Null where the file's track is not there any more.
+    [[nodiscard]] const Track *track(Node file) const;
+    /// The nodes that an action on this row is about, without those in a folder that is one of them.
+    [[nodiscard]] std::vector<Node> about(int row) const;
+    /// The listed tracks at and below these.
+    [[nodiscard]] std::vector<const Track *> tracksIn(const std::vector<Node> &nodes) const;
+    void toggleAll(const std::vector<Node> &nodes);
+    [[nodiscard]] std::optional<std::filesystem::path> pathOf(Node node) const;
+    /// The listed tracks of these files around one of them; a long list is cut.
+    [[nodiscard]] std::vector<Track> queueAround(Node file, const std::vector<Node> &files) const;
+    /// Runs what changes the selection, and reports the change.
+    template <typename Change> void select(const Change &change);
+    void renew(const QList<int> &roles);
+    void refreshChosen();
+    void refreshPlaying();
+
+    MarluneModel &m_model;
+    Shown m_shown;
+    std::array<Shown, 2> m_aside; ///< of each side, while the other one is shown or there are no tracks
+    bool m_isOnDevice = false; ///< the side of m_shown
+    QString m_search; ///< that the rows were listed for
+    Node m_playing = FolderNode::none; ///< the file that is heard
+    TypeAhead m_typeAhead;
+    bool m_tracksMayDiffer = true; ///< from those of the tree
+    bool m_isOutdated = true;
+    bool m_isBuilding = false;
+    BurstTimer m_change {[this] { refreshIfShown(); }};
+    BurstTimer m_selectionChange {[this] { refreshChosen(); }};
+};

@@ -1,0 +1,448 @@
+#include "ui/library/TrackListModel.h"
+
+#include "ui/lists/FileDrag.h"
+#include "ui/words/Localization.h"
+#include "ui/words/Wording.h"
+
+#include "platform/desktop/Desktop.h"
+#include "platform/text/TextOrder.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+
+/// Of a name that is longer nobody reads the rest, and to lay it out takes long.
+QString shownName(const QString &name)
+{
+    constexpr qsizetype longest = 400;
+    return name.size() > longest ? Wording::fileName(name.left(longest)) + QChar(0x2026) : Wording::fileName(name);
+}
+
+QString numberText(std::int64_t number)
+{
+    return number > 0 ? QStringLiteral("%1 ").arg(number, 2, 10, QChar(u'0')) : QString();
+}
+
+std::size_t hashOf(const std::filesystem::path &file)
+{
+    return qHashBits(file.native().data(), file.native().size());
+}
+
+} // namespace
+
+TrackListModel::TrackListModel(MarluneModel &model, QObject *parent)
+    : RowListModel(parent)
+    , m_model(model)
+{
+    connect(&m_model, &MarluneModel::browsingChanged, this, [this] {
+        m_isOutdated = true;
+        m_listChange.start();
+    });
+    connect(&m_model, &MarluneModel::sectionChanged, this, &TrackListModel::refreshIfShown);
+    connect(&m_model, &MarluneModel::viewModeChanged, this, &TrackListModel::refreshIfShown);
+    m_selectionChange.follow(m_model, &MarluneModel::selectionChanged);
+    for (const auto signal : {&Playback::currentChanged, &Playback::playingChanged}) {
+        connect(&m_model.playback(), signal, this, [this] { renew(PlayingRole); });
+    }
+    // Connected before any view is: the selection is the new rows' when they are asked about.
+    connect(this, &QAbstractItemModel::rowsInserted, this,
+        [this](const QModelIndex &, int first, int last) { m_selection.insertRows(first, last - first + 1); });
+    connect(this, &QAbstractItemModel::rowsRemoved, this,
+        [this](const QModelIndex &, int first, int last) { m_selection.removeRows(first, last - first + 1); });
+    connect(this, &QAbstractItemModel::modelReset, this, [this] { follow(m_before); });
+    refreshIfShown();
+}
+
+int TrackListModel::rowCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : int(m_rows.size());
+}
+
+QHash<int, QByteArray> TrackListModel::roleNames() const
+{
+    return {{NumberRole, "number"}, {TitleRole, "title"}, {ArtistRole, "artist"}, {TimeRole, "time"},
+        {FormatRole, "format"}, {ParametersRole, "parameters"}, {HighResolutionRole, "highResolution"},
+        {ChosenRole, "chosen"}, {PlayingRole, "playing"}, {MarkedRole, "marked"}};
+}
+
+const TrackListModel::Row *TrackListModel::row(int index) const
+{
+    return index >= 0 && index < int(m_rows.size()) ? &m_rows[std::size_t(index)] : nullptr;
+}
+
+const Track *TrackListModel::track(int index) const
+{
+    const Row *wanted = row(index);
+    const std::vector<Track> &tracks = m_model.activeTracks();
+    const bool isThere = wanted && wanted->place < tracks.size() && tracks[wanted->place].id == wanted->id;
+    return isThere ? &tracks[wanted->place] : nullptr;
+}
+
+QVariant TrackListModel::data(const QModelIndex &index, int role) const
+{
+    const Row *shown = index.isValid() ? row(index.row()) : nullptr;
+    if (!shown) {
+        return {};
+    }
+    switch (role) {
+    case ChosenRole:
+        return chosen().contains(shown->id);
+    case PlayingRole:
+        return isPlaying(*shown);
+    case MarkedRole:
+        return m_selection.contains(index.row());
+    case HighResolutionRole: {
+        const Track *known = track(index.row());
+        return known && isHighResolution(known->info);
+    }
+    case Qt::DisplayRole:
+    case NumberRole:
+    case TitleRole:
+    case ArtistRole:
+    case TimeRole:
+    case FormatRole:
+    case ParametersRole: {
+        const Track *known = track(index.row());
+        return known ? text(*known, role) : QString();
+    }
+    default:
+        return {};
+    }
+}
+
+QString TrackListModel::text(const Track &track, int role) const
+{
+    switch (role) {
+    case NumberRole:
+        return numberText(track.info.trackNumber);
+    case ArtistRole:
+        return shownName(Wording::artistText(track.artist));
+    case TimeRole:
+        return durationLabel(track.info.duration);
+    case FormatRole:
+        return shownName(track.info.codec);
+    case ParametersRole:
+        return AppLocalizer::text(track.info.parameters());
+    default:
+        return shownName(track.title);
+    }
+}
+
+bool TrackListModel::isPlaying(const Row &row) const
+{
+    const Playback &playback = m_model.playback();
+    return playback.playing() && playback.current()->id == row.id;
+}
+
+void TrackListModel::refreshIfShown()
+{
+    const bool isShown
+        = m_model.section() == Section::Music && viewModeFromText(m_model.viewMode()) == ViewMode::Tracks;
+    if (m_isOutdated && isShown) {
+        refresh();
+    }
+}
+
+TrackListModel::Order TrackListModel::order() const
+{
+    return {.onDevice = m_model.libraryOnDevice(),
+        .hiResOnly = m_model.hiResOnly(),
+        .search = m_model.search(),
+        .format = m_model.formatFilter(),
+        .sortMode = m_model.sortMode(),
+        .language = int(TextOrder::language())};
+}
+
+std::vector<TrackListModel::Row> TrackListModel::freshRows()
+{
+    const std::shared_ptr<const TrackPlaces> places = m_model.filteredTracks();
+    const std::vector<Track> &tracks = m_model.activeTracks();
+    m_files.resize(tracks.size());
+    for (std::size_t place = 0; place < tracks.size(); ++place) {
+        if (m_files[place].first != tracks[place].id) {
+            m_files[place] = {tracks[place].id, hashOf(tracks[place].url)};
+        }
+    }
+    std::vector<Row> rows;
+    rows.reserve(places->size());
+    for (const std::uint32_t place : *places) {
+        rows.push_back({.id = m_files[place].first, .file = m_files[place].second, .place = place});
+    }
+    return rows;
+}
+
+void TrackListModel::refresh()
+{
+    m_isOutdated = false;
+    std::vector<Row> rows = freshRows();
+    const Order now = order();
+    const bool isSortedAnew
+        = now.sortMode != m_order.sortMode || now.language != m_order.language || now.onDevice != m_order.onDevice;
+    const bool isOtherOrder = std::exchange(m_order, now) != now;
+    if (rows.empty() && !m_rows.empty() && m_model.activeTracks().empty()) {
+        m_gone = {.rows = m_rows, .selection = m_selection, .topRow = m_topRow, .onDevice = now.onDevice};
+    }
+    m_before = {.rows = m_rows, .selection = m_selection, .topRow = m_topRow, .onDevice = now.onDevice};
+    const bool inSteps = !isSortedAnew && changeRows(m_rows, rows, [](const Row &row) { return row.file; });
+    if (isSortedAnew) { // no steps need be looked for, which would take longer than all else here
+        resetRows(m_rows, std::move(rows));
+    }
+    if (inSteps) {
+        const std::vector<Row> stale = std::exchange(m_rows, std::move(rows));
+        const auto isSame = [](const Row &a, const Row &b) { return a.id == b.id && a.place == b.place; };
+        const auto first = std::mismatch(stale.begin(), stale.end(), m_rows.begin(), isSame).first;
+        const auto last
+            = std::mismatch(stale.rbegin(), std::make_reverse_iterator(first), m_rows.rbegin(), isSame).first;
+        if (first != stale.end()) {
+            Q_EMIT dataChanged(index(int(first - stale.begin())), index(int(stale.rend() - last) - 1));
+        }
+    }
+    if (const bool isBack = !m_rows.empty() && !m_gone.rows.empty(); isBack) {
+        const Listed gone = std::exchange(m_gone, {});
+        if (gone.onDevice == now.onDevice) {
+            follow(gone);
+            renew(MarkedRole);
+            Q_EMIT placed(topAfter(gone, false));
+        }
+    } else if (!inSteps) {
+        Q_EMIT placed(topAfter(m_before, isOtherOrder));
+    }
+    m_before = {};
+    Q_EMIT selectedChanged();
+    Q_EMIT currentRowChanged();
+}
+
+void TrackListModel::follow(const Listed &before)
+{
+    m_selection = before.selection;
+    if (m_selection.count() == 0 && m_selection.current() < 0) {
+        m_selection.reset(int(m_rows.size()));
+        return;
+    }
+    QHash<std::size_t, int> places;
+    places.reserve(qsizetype(m_rows.size()));
+    for (std::size_t i = 0; i < m_rows.size(); ++i) {
+        places.insert(m_rows[i].file, int(i));
+    }
+    std::vector<int> newRows(before.rows.size());
+    std::transform(before.rows.begin(), before.rows.end(), newRows.begin(),
+        [&places](const Row &row) { return places.value(row.file, -1); });
+    m_selection.remap(newRows, int(m_rows.size()));
+}
+
+/// The selected row that was in sight stays where it was; otherwise the rows at the top stay there, unless the user has
+/// asked for other ones or another order.
+double TrackListModel::topAfter(const Listed &before, bool isOtherOrder) const
+{
+    const auto placeOf = [this](const Row &row) {
+        const auto found
+            = std::find_if(m_rows.begin(), m_rows.end(), [&row](const Row &other) { return other.file == row.file; });
+        return found == m_rows.end() ? -1 : int(found - m_rows.begin());
+    };
+    const int current = before.selection.current();
+    const double above = current - before.topRow;
+    if (before.selection.contains(current) && above >= 0 && above < m_rowsInView) {
+        if (const int now = placeOf(before.rows[std::size_t(current)]); now >= 0) {
+            return std::max(0.0, now - above);
+        }
+    }
+    const auto top = std::size_t(std::max(0.0, before.topRow));
+    constexpr std::size_t tries = 100; // each looks through all rows
+    for (std::size_t i = top; !isOtherOrder && i < std::min(before.rows.size(), top + tries); ++i) {
+        if (const int now = placeOf(before.rows[i]); now >= 0) {
+            return now + (i == top ? before.topRow - double(top) : 0);
+        }
+    }
+    return 0;
+}
+
+template <typename Change> void TrackListModel::select(const Change &change)
+{
+    const int before = m_selection.current();
+    if (const auto [first, last] = change(); first <= last) {
+        Q_EMIT dataChanged(index(first), index(last), {MarkedRole});
+        Q_EMIT selectedChanged();
+    }
+    if (before != m_selection.current()) {
+        Q_EMIT currentRowChanged();
+    }
+}
+
+void TrackListModel::renew(Role role)
+{
+    if (!m_rows.empty()) { // a view asks again for the rows that it shows, and no others
+        Q_EMIT dataChanged(index(0), index(int(m_rows.size()) - 1), {role});
+    }
+}
+
+void TrackListModel::walk(int row, int modifiers)
+{
+    m_typeAhead.end();
+    const int target = std::clamp(row, 0, std::max(0, rowCount() - 1));
+    select([&] { return m_selection.walk(target, Qt::KeyboardModifiers(modifiers)); });
+}
+
+void TrackListModel::press(int row, int modifiers)
+{
+    m_typeAhead.end();
+    const bool isPlain = (Qt::KeyboardModifiers(modifiers) & (Qt::ControlModifier | Qt::ShiftModifier)) == 0;
+    if (isPlain && !m_selection.contains(row)) {
+        select([&] { return m_selection.only(row); });
+    }
+}
+
+void TrackListModel::click(int row, int modifiers)
+{
+    select([&] { return m_selection.click(row, Qt::KeyboardModifiers(modifiers)); });
+}
+
+void TrackListModel::makeCurrent(int row)
+{
+    if (row != m_selection.current()) {
+        m_selection.setCurrent(row);
+        Q_EMIT currentRowChanged();
+    }
+}
+
+void TrackListModel::toggleMark(int row)
+{
+    select([&] { return m_selection.toggle(row); });
+}
+
+void TrackListModel::selectAll()
+{
+    select([&] { return m_selection.all(); });
+}
+
+bool TrackListModel::clearSelection()
+{
+    const bool any = m_selection.count() > 0;
+    select([&] { return m_selection.clear(); });
+    return any;
+}
+
+bool TrackListModel::type(const QString &text, int modifiers)
+{
+    const auto shortcut = Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier;
+    const bool isTyped = TypeAhead::isLetter(text) || (text == QStringLiteral(" ") && m_typeAhead.isUnderWay());
+    if (!isTyped || (Qt::KeyboardModifiers(modifiers) & shortcut) != 0) {
+        return false;
+    }
+    const int found = m_typeAhead.type(text, m_selection.current(), rowCount(), [this](int row) {
+        const Track *known = track(row);
+        return known ? known->title : QString();
+    });
+    if (found >= 0) {
+        select([&] { return m_selection.only(found); });
+    }
+    return true;
+}
+
+void TrackListModel::setView(double topRow, double rowsInView)
+{
+    m_topRow = topRow;
+    m_rowsInView = rowsInView;
+}
+
+std::vector<int> TrackListModel::about(int row) const
+{
+    return m_selection.contains(row) ? m_selection.rows() : std::vector<int> {row};
+}
+
+QSet<QUuid> TrackListModel::idsAbout(int row) const
+{
+    QSet<QUuid> ids;
+    for (const int each : about(row)) {
+        if (const Track *known = track(each)) {
+            ids.insert(known->id);
+        }
+    }
+    return ids;
+}
+
+const QSet<QUuid> &TrackListModel::chosen() const
+{
+    return m_model.libraryOnDevice() ? m_model.selectedOnDevice() : m_model.queued();
+}
+
+void TrackListModel::toggle(int row)
+{
+    if (const Track *known = track(row)) {
+        m_model.toggleTrack(*known);
+    }
+}
+
+void TrackListModel::toggleSelected(int row)
+{
+    if (const QSet<QUuid> ids = idsAbout(row); !ids.isEmpty()) {
+        m_model.toggleTracks(ids);
+    }
+}
+
+bool TrackListModel::selectedAreChosen(int row) const
+{
+    return chosen().contains(idsAbout(row));
+}
+
+void TrackListModel::revealSelected(int row) const
+{
+    std::vector<std::filesystem::path> files;
+    for (const int each : about(row)) {
+        if (const Track *known = track(each)) {
+            files.push_back(known->url);
+        }
+    }
+    if (!files.empty()) {
+        Desktop::reveal(files);
+    }
+}
+
+void TrackListModel::drag(int row)
+{
+    FileDrag::Load load {.paths = {}, .tracks = {}, .onDevice = m_model.libraryOnDevice(), .title = {}};
+    for (const int each : about(row)) {
+        if (const Track *known = track(each)) {
+            load.paths.push_back(known->url);
+            load.tracks.push_back(known->id);
+            load.title = known->title;
+        }
+    }
+    FileDrag::run(*this, std::move(load)); // the row's item may be another row's by the end of it
+}
+
+void TrackListModel::play(int row)
+{
+    const Track *chosen = track(row);
+    if (!chosen) {
+        return;
+    }
+    Playback &playback = m_model.playback();
+    if (playback.current() && playback.current()->id == chosen->id) {
+        playback.toggle();
+        return;
+    }
+    std::vector<Track> queue;
+    queue.reserve(m_rows.size());
+    for (int each = 0; each < rowCount(); ++each) {
+        if (const Track *known = track(each)) {
+            queue.push_back(*known);
+        }
+    }
+    playback.play(*chosen, std::move(queue));
+}
+
+void TrackListModel::listen(int row)
+{
+    if (const Row *wanted = this->row(row); wanted && !isPlaying(*wanted)) {
+        play(row);
+    }
+}
+
+void TrackListModel::openAlbum(int row)
+{
+    const Track *known = track(row);
+    if (const std::shared_ptr<const Album> album = known ? m_model.albumWith(known->id) : nullptr) {
+        m_model.setOpenAlbum(*album);
+    }
+}

@@ -1,0 +1,125 @@
+// The tracks as a table, of which only the visible rows are alive. One stop for the Tab key: the arrows, Page Up and
+// Down, Home and End move, with Shift they extend the selection and with Control they leave it. Letters lead to a
+// title; Space queues what is selected, Return opens the album, with Control it plays, and Control+Space selects.
+//
+// A ListView of rows rather than a TableView of cells: a row is one place for the keyboard and one item for a reader.
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Templates as T
+import Marlune
+
+FocusScope {
+    id: root
+
+    required property TrackListModel tracks
+    required property bool deviceSide
+
+    readonly property int rowsOfAPage: Math.max(1, Math.floor(view.height / sizes.rowHeight) - 1)
+
+    function takeFocus() {
+        view.currentItem?.forceActiveFocus(Qt.TabFocusReason);
+    }
+    function openMenuOfCurrent() {
+        menu.openFor(view.currentIndex, (view.currentItem as TrackRow)?.playing ?? false, view.currentItem);
+    }
+    function noteView() {
+        root.tracks.setView((view.contentY - view.originY) / sizes.rowHeight, view.height / sizes.rowHeight);
+    }
+    function showFrom(row: real) {
+        view.positionViewAtIndex(Math.floor(row), ListView.Beginning);
+        view.contentY = Math.min(view.contentY + (row - Math.floor(row)) * sizes.rowHeight,
+            Math.max(view.originY, view.originY + view.contentHeight - view.height));
+    }
+    /// Whether the key led anywhere.
+    function act(row: int, event: var): bool {
+        const control = event.modifiers & Qt.ControlModifier;
+        const steps = {
+            [Qt.Key_Up]: -1,
+            [Qt.Key_Down]: 1,
+            [Qt.Key_PageUp]: -root.rowsOfAPage,
+            [Qt.Key_PageDown]: root.rowsOfAPage,
+            [Qt.Key_Home]: -view.count,
+            [Qt.Key_End]: view.count
+        }[event.key];
+        const open = () => control ? root.tracks.play(row) : root.tracks.openAlbum(row);
+        const action = steps !== undefined ? () => root.tracks.walk(row + steps, event.modifiers) : {
+            [Qt.Key_Space]: root.tracks.typing() ? null
+                : () => event.isAutoRepeat ? null : control ? root.tracks.toggleMark(row) : root.tracks.toggleSelected(row),
+            [Qt.Key_Return]: open,
+            [Qt.Key_Enter]: open,
+            [Qt.Key_Escape]: root.tracks.selectedCount > 0 ? () => root.tracks.clearSelection() : null,
+            [Qt.Key_A]: control ? () => root.tracks.selectAll() : null,
+            [Qt.Key_Menu]: () => root.openMenuOfCurrent(),
+            [Qt.Key_F10]: event.modifiers & Qt.ShiftModifier ? () => root.openMenuOfCurrent() : null
+        }[event.key];
+        action?.();
+        return Boolean(action) || root.tracks.type(event.text, event.modifiers);
+    }
+
+    TrackColumns {
+        id: sizes
+        width: root.width
+    }
+    TrackMenu {
+        id: menu
+        tracks: root.tracks
+        deviceSide: root.deviceSide
+    }
+    Connections {
+        target: root.tracks
+        function onPlaced(topRow: real) {
+            root.showFrom(topRow);
+        }
+    }
+    TrackHeader {
+        id: header
+        width: parent.width
+        columns: sizes
+    }
+    ListView {
+        id: view
+        objectName: "trackList"
+        y: header.height
+        width: root.width
+        height: root.height - y
+        clip: true
+        reuseItems: true
+        boundsBehavior: Flickable.StopAtBounds
+        keyNavigationEnabled: false
+        highlightFollowsCurrentItem: false // what has the focus is followed
+        model: root.tracks
+        currentIndex: Math.max(0, root.tracks.currentRow) // without a current row the first one is the stop
+        Accessible.role: Accessible.List
+        Accessible.name: L10n.text("Utwory")
+        onContentYChanged: root.noteView()
+        onHeightChanged: root.noteView()
+        T.ScrollBar.vertical: ScrollBar {
+            parent: root
+            x: root.width
+            y: view.y
+            height: view.height
+        }
+        delegate: TrackRow {
+            id: row
+
+            width: view.width
+            columns: sizes
+            deviceSide: root.deviceSide
+            current: ListView.isCurrentItem
+            onActiveFocusChanged: if (activeFocus && index >= 0) root.tracks.makeCurrent(index)
+            onHeld: modifiers => {
+                forceActiveFocus(Qt.MouseFocusReason);
+                root.tracks.press(index, modifiers);
+            }
+            onPicked: modifiers => root.tracks.click(index, modifiers)
+            onListenWanted: root.tracks.listen(index)
+            onPlayWanted: root.tracks.play(index)
+            onPlayNeared: root.tracks.preparePlay()
+            onQueueWanted: root.tracks.toggle(index)
+            onMenuWanted: menu.openFor(index, row.playing, null)
+            onDragged: root.tracks.drag(index)
+            Keys.onPressed: event => event.accepted = root.act(index, event)
+        }
+    }
+}
