@@ -1,4 +1,4 @@
-// A theme in detail.
+// A theme in detail: its screens, what they are of, and how it is set up.
 import QtQuick
 import QtQuick.Layouts
 import Marlune
@@ -9,6 +9,8 @@ DetailSheet {
     required property ThemeSheetPresenter theme
 
     title: root.theme.name
+    closeText: L10n.text("Gotowe")
+    broad: Math.round(660 * Tokens.type.scale)
     wanted: root.theme.wanted
     onDismissed: root.theme.dismiss()
 
@@ -30,13 +32,72 @@ DetailSheet {
         text: root.theme.source
         font: Tokens.type.caption
     }
-    Fact {
-        name: L10n.text("Autor / zgłaszający w katalogu")
-        value: root.theme.author
+    TextBlock {
+        objectName: "exampleNote"
+        Layout.fillWidth: true
+        visible: root.theme.fromCatalogue
+        text: L10n.text("To przykład z katalogu; zainstalowana wersja i Twoje ustawienia mogą wyglądać inaczej.")
+        font: Tokens.type.caption
     }
-    Fact {
-        name: L10n.text("Rozdzielczość iPoda Video")
-        value: "320 × 240"
+    GroupBox {
+        Layout.fillWidth: true
+        title: L10n.text("Konfiguracja")
+
+        ColumnLayout {
+            anchors.fill: parent
+            spacing: Tokens.space.tight
+
+            Fact {
+                name: L10n.text("Autor / zgłaszający w katalogu")
+                value: root.theme.author
+            }
+            Fact {
+                name: L10n.text("Rozdzielczość iPoda Video")
+                value: "320 × 240"
+            }
+            Fact {
+                name: L10n.text("Font")
+                value: root.theme.font
+            }
+            Fact {
+                name: L10n.text("WPS")
+                value: root.theme.wps
+            }
+            Fact {
+                name: L10n.text("SBS")
+                value: root.theme.sbs
+            }
+        }
+    }
+    TextBlock {
+        Layout.fillWidth: true
+        text: L10n.text("Motyw aktywujesz na iPodzie: Settings → Theme Settings → Browse Themes.")
+        font: Tokens.type.caption
+    }
+    Flow {
+        Layout.fillWidth: true
+        spacing: Tokens.space.tight
+
+        Button {
+            objectName: "ownPictureButton"
+            symbol: "photo"
+            text: L10n.text("Dodaj własny zrzut…")
+            onClicked: root.theme.choosePicture()
+        }
+        Button {
+            objectName: "revealThemeButton"
+            symbol: "folder"
+            text: L10n.text("Plik w Finderze")
+            onClicked: root.theme.reveal()
+        }
+        Button {
+            objectName: "themeSourceLink"
+            visible: root.theme.hasPage
+            kind: Button.Borderless
+            text: L10n.text("Źródło i autor ↗")
+            Accessible.role: Accessible.Link
+            onClicked: root.theme.openPage()
+        }
     }
 
     component Shot: ColumnLayout {
@@ -81,6 +142,7 @@ DetailSheet {
             text: fact.value
             color: Tokens.color.text
             horizontalAlignment: Text.AlignRight
+            wrapMode: Text.WrapAtWordBoundaryOrAnywhere
             maximumLineCount: 3
             elide: Text.ElideRight
         }
