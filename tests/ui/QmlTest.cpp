@@ -47,11 +47,7 @@ public:
     [[nodiscard]] PlaylistsPresenter *playlists() { return &m_playlists; }
     [[nodiscard]] BackupsPresenter *backups() { return &m_backups; }
     [[nodiscard]] QualityPresenter *quality() { return &m_quality; }
-    [[nodiscard]] AlbumSheetPresenter *albumSheet()
-    {
-        m_albumSheet.followOpenAlbum();
-        return &m_albumSheet;
-    }
+    [[nodiscard]] AlbumSheetPresenter *albumSheet() { return &m_albumSheet; }
     [[nodiscard]] ThemeSheetPresenter *themeSheet() { return &m_themeSheet; }
     [[nodiscard]] PlaybackPresenter *playback() { return &m_playback; }
     [[nodiscard]] DesktopPanels *panels() { return &m_panels; }
@@ -198,6 +194,7 @@ private:
     BackupsPresenter m_backups {*m_model};
     QualityPresenter m_quality {*m_model};
     AlbumSheetPresenter m_albumSheet {*m_model, covers};
+    bool m_following = (m_albumSheet.followOpenAlbum(), true);
     ThemeSheetPresenter m_themeSheet {*m_model};
     PlaybackPresenter m_playback {m_model->playback()};
     DesktopPanels m_panels;

@@ -113,6 +113,13 @@ private Q_SLOTS:
         QTRY_VERIFY(user.count() > 1 && user.tile("Paper Moons"));
         QTest::mouseClick(user.program.window(), Qt::LeftButton, Qt::NoModifier,
             user.tile("Paper Moons")->mapToScene({20, 20}).toPoint());
+        QTRY_VERIFY(user.item("sheetTitle")); // the album's sheet
+        QVERIFY(reported("push button: Gotowe"));
+        QCOMPARE(amiss({u"dialog: Szczegóły albumu"_s, u"heading: Paper Moons"_s, u"push button: Odsłuchaj album"_s,
+                     u"list: Utwory"_s, u"list item: 02, Cut-Out Sky*"_s,
+                     u"push button: Pokaż okładkę w pełnym rozmiarze"_s}),
+            QStringList());
+        QTest::keyClick(user.program.window(), Qt::Key_Escape);
         QVERIFY(reported("list item: Paper Moons, Mira Vossler"));
         QTest::keyClick(user.program.window(), Qt::Key_Home);
         QVERIFY(reported("list item: Glass Gardens, Mira Vossler"));

@@ -36,6 +36,7 @@ PanelSheet {
         TextLine {
             objectName: "sheetStatus"
             Layout.maximumWidth: Math.round(root.room.width / 2)
+            visible: text !== ""
             text: root.album.status
             font: Tokens.type.caption
             color: Tokens.color.textMuted

@@ -63,6 +63,7 @@ T.ItemDelegate {
             spacing: Tokens.space.hair
 
             RowButton {
+                row: root
                 objectName: "downloadButton"
                 Layout.minimumWidth: implicitWidth
                 text: L10n.text("Pobierz i dodaj")
@@ -70,6 +71,7 @@ T.ItemDelegate {
                 onClicked: root.chosen()
             }
             RowButton {
+                row: root
                 objectName: "sourceButton"
                 Layout.alignment: Qt.AlignHCenter
                 kind: Button.Borderless
@@ -101,8 +103,10 @@ T.ItemDelegate {
         Accessible.ignored: true
     }
     component RowButton: Button {
+        required property CoverResultRow row
+
         measure: Button.Small
-        focusPolicy: root.current || activeFocus ? Qt.StrongFocus : Qt.ClickFocus
-        Accessible.name: text + ": " + root.albumTitle
+        focusPolicy: row.current || activeFocus ? Qt.StrongFocus : Qt.ClickFocus
+        Accessible.name: text + ": " + row.albumTitle
     }
 }

@@ -1,9 +1,6 @@
 // The search for an album's cover on the network: what is searched for, what was found, and a way to take it.
-pragma ComponentBehavior: Bound
-
 import QtQuick
 import QtQuick.Layouts
-import QtQuick.Templates as T
 import Marlune
 
 PanelSheet {
@@ -11,7 +8,6 @@ PanelSheet {
 
     required property CoverSearchPresenter search
 
-    readonly property int ringRoom: 4
     readonly property real listRoom: root.bodyRoom - note.implicitHeight - form.implicitHeight
         - outcome.implicitHeight - 3 * Tokens.space.regular
     readonly property bool untried: root.search.message.length === 0
@@ -72,6 +68,7 @@ PanelSheet {
             text: root.search.downloading ? L10n.text("Pobieram okładkę…")
                 : root.search.results.count > 0 ? root.search.message : ""
             font: Tokens.type.caption
+            Accessible.ignored: text === ""
         }
     }
     Item {
@@ -105,56 +102,10 @@ PanelSheet {
                 color: Tokens.color.textMuted
             }
         }
-        ListView {
-            id: view
-            objectName: "resultList"
+        CoverResultList {
             anchors.fill: parent
-            anchors.leftMargin: -root.ringRoom
-            anchors.rightMargin: -root.ringRoom
-            topMargin: root.ringRoom
-            bottomMargin: root.ringRoom
-            visible: count > 0
-            clip: true
-            cacheBuffer: 0 // a row's picture is fetched when the row is made
-            boundsBehavior: Flickable.StopAtBounds
-            keyNavigationEnabled: false
-            highlightFollowsCurrentItem: false
-            model: root.search.results
-            onCountChanged: currentIndex = Math.max(0, currentIndex) // none is current after a change of all rows
-            Accessible.role: Accessible.List
-            Accessible.name: root.title
-            T.ScrollBar.vertical: ScrollBar {
-                parent: view.parent
-                x: view.parent.width + Tokens.space.hair
-                height: view.parent.height
-            }
-            delegate: CoverResultRow {
-                id: row
-
-                required property int index
-
-                function walk(to: int) {
-                    view.currentIndex = Math.max(0, Math.min(to, view.count - 1));
-                    view.currentItem?.forceActiveFocus(Qt.TabFocusReason);
-                }
-
-                x: root.ringRoom
-                width: view.width - 2 * root.ringRoom
-                current: ListView.isCurrentItem
-                canDownload: root.search.canDownload
-                Component.onCompleted: root.search.results.wantPicture(index)
-                onActiveFocusChanged: if (activeFocus && index >= 0) view.currentIndex = index
-                onChosen: root.search.download(index)
-                onSourceWanted: root.search.openSource(index)
-                Keys.onUpPressed: row.walk(index - 1)
-                Keys.onDownPressed: row.walk(index + 1)
-                Keys.onPressed: event => {
-                    event.accepted = event.key === Qt.Key_Home || event.key === Qt.Key_End;
-                    if (event.accepted) {
-                        row.walk(event.key === Qt.Key_Home ? 0 : view.count - 1);
-                    }
-                }
-            }
+            search: root.search
+            visible: root.search.results.count > 0
         }
     }
 }

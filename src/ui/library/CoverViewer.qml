@@ -56,7 +56,8 @@ T.Popup {
                 height: Math.round(root.whole.height * root.shrunk)
                 asynchronous: true
                 source: root.visible && root.cover !== "" ? "image://cover/" + root.cover + "/whole" : ""
-                sourceSize: Qt.size(longest, longest)
+                sourceSize.width: picture.longest
+                sourceSize.height: picture.longest
 
                 readonly property int longest: Math.max(1,
                     Math.round(Math.min(root.ownSide, Math.max(area.width, area.height))))

@@ -101,24 +101,14 @@ T.ItemDelegate {
                 focusPolicy: Qt.NoFocus
                 symbol: root.queued ? "checkmark.circle.fill" : "plus.circle"
                 toolTip: root.queueText
+                Accessible.name: root.queueText + ": " + root.trackTitle
                 onClicked: root.toggled()
             }
         }
-        RowLayout {
-            width: parent.width
-            anchors.bottom: parent.bottom
-            anchors.bottomMargin: Tokens.space.hair + 2
+        DiscHeading {
+            anchors.fill: parent
             visible: !root.isTrack
-            spacing: Tokens.space.hair + 2
-
-            Icon {
-                symbol: "opticaldisc"
-            }
-            Line {
-                Layout.fillWidth: true
-                text: root.heading
-                font: Tokens.type.headline
-            }
+            text: root.heading
         }
     }
     background: Rectangle {

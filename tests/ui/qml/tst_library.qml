@@ -78,7 +78,11 @@ PageTest {
         keyClick(Qt.Key_Space);
         compare(root.bench.queuedTracks(), 2);
         keyClick(Qt.Key_Right);
+        root.bench.albumSheet.dismiss(); // which the click has opened
         keyClick(Qt.Key_Return);
+        compare(root.bench.albumSheet.albumTitle, tile(1).albumTitle);
+        verify(root.bench.albumSheet.wanted);
+        keyClick(Qt.Key_Space);
         compare(root.bench.queuedTracks(), 4);
         compare(tile(1).Accessible.name, "Album B, Wykonawca");
         mouseClick(findChild(tile(1), "queueButton"));
