@@ -118,6 +118,8 @@ public:
     void loadDeviceContent();
     /// Asks the catalogue for the themes' previews; at the first reading of a device's themes this happens by itself.
     Q_INVOKABLE void fetchThemePreviews();
+    /// The catalogue's page for devices of this kind, to be looked at.
+    [[nodiscard]] QUrl themeCataloguePage() const;
     /// The theme that the device has active.
     [[nodiscard]] std::optional<Theme> configuredTheme() const;
     /// The theme that is being looked at; none once the device, or the theme on it, has gone.
@@ -129,6 +131,8 @@ public:
     /// long job runs is dropped, and so is an answer that comes while one runs or for a device that is no longer
     /// selected.
     Q_INVOKABLE void installTheme();
+    /// Installs this package, without asking.
+    void installTheme(const std::filesystem::path &zip);
 
     // Library.
     [[nodiscard]] const std::vector<Track> &tracks() const { return m_browsing.tracks(Side::Computer); }
@@ -381,6 +385,8 @@ private:
     void clearDeviceMusic();
     void setDeviceContent(DeviceContent content);
     void setThemePreviewStatus(const QString &status);
+    /// The kind of device whose themes fit the selected one.
+    [[nodiscard]] QString themeTarget() const;
     void forgetDeviceContent();
     void forgetThemePreviews();
     void abandonDeviceContent();
@@ -399,7 +405,6 @@ private:
     QCoro::Task<> runContentLoad(std::filesystem::path root);
     QCoro::Task<> runThemePreviewChoices();
     QCoro::Task<> runPreviewFetch();
-    void beginThemeInstall(const std::filesystem::path &zip);
     QCoro::Task<> runThemeInstall(
         std::filesystem::path zip, std::filesystem::path root, std::filesystem::path backupFolder);
     /// What an import starts from; asked in the background, since the answer can lie on a slow disk. Absent: there is

@@ -3,6 +3,16 @@
 
 #include <QPointer>
 
+QUrl MarluneModel::themeCataloguePage() const
+{
+    return Catalogue::listPage(Catalogue::Site::ofThePublic().root, themeTarget());
+}
+
+QString MarluneModel::themeTarget() const
+{
+    return m_content.deviceInfo.value(QStringLiteral("Target"), Catalogue::defaultTarget());
+}
+
 void MarluneModel::fetchThemePreviews()
 {
     if (!m_content.themes.empty()) {
@@ -16,10 +26,9 @@ QCoro::Task<> MarluneModel::runPreviewFetch()
     const QPointer<MarluneModel> self(this);
     m_previewRequest = std::make_unique<QObject>(); // the end of one before it
     const QPointer<QObject> request(m_previewRequest.get());
-    const QString target = m_content.deviceInfo.value(QStringLiteral("Target"), Catalogue::defaultTarget());
     std::optional<ThemePreviews> found;
     try {
-        auto fetch = Catalogue::catalog(m_content.themes, target, m_environment.themeSite, *request);
+        auto fetch = Catalogue::catalog(m_content.themes, themeTarget(), m_environment.themeSite, *request);
         found = co_await fetch;
     } catch (const std::exception &) {
         found.reset(); // the user need not know why

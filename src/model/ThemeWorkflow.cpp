@@ -113,15 +113,17 @@ void MarluneModel::installTheme()
         .message = {}};
     m_environment.panels.open(
         request, [self = QPointer(this), visit = m_visit](const std::vector<std::filesystem::path> &chosen) {
-            const bool asBefore = self && !self->m_work.busy() && self->m_device && self->m_visit == visit;
-            if (asBefore && !chosen.empty()) {
-                self->beginThemeInstall(chosen.front());
+            if (self && self->m_visit == visit && !chosen.empty()) {
+                self->installTheme(chosen.front());
             }
         });
 }
 
-void MarluneModel::beginThemeInstall(const std::filesystem::path &zip)
+void MarluneModel::installTheme(const std::filesystem::path &zip)
 {
+    if (!m_device || m_work.busy()) {
+        return;
+    }
     m_work.begin(QStringLiteral("Sprawdzam i instaluję motyw…"), RunningWork::Ends::AtItsEnd);
     runThemeInstall(zip, m_device->root, newBackupURL());
 }

@@ -16,6 +16,7 @@
 #include "ui/shell/DesktopPanels.h"
 #include "ui/shell/ShellPresenter.h"
 #include "ui/themes/ThemeSheetPresenter.h"
+#include "ui/themes/ThemesPresenter.h"
 #include "ui/words/Language.h"
 #include "ui/words/Localization.h"
 
@@ -121,6 +122,7 @@ struct Program::Parts {
     PlaylistsPresenter playlists;
     BackupsPresenter backups;
     QualityPresenter quality;
+    ThemesPresenter themes;
     AlbumSheetPresenter albumSheet;
     CoverSearchPresenter coverSearch;
     ThemeSheetPresenter themeSheet;
@@ -149,6 +151,7 @@ Program::Parts::Parts(const Setup &setup)
     , playlists(model)
     , backups(model)
     , quality(model)
+    , themes(model)
     , albumSheet(model, covers)
     , coverSearch(model, covers)
     , themeSheet(model)
@@ -175,6 +178,7 @@ Program::Parts::Parts(const Setup &setup)
             {QStringLiteral("playlists"), QVariant::fromValue(&playlists)},
             {QStringLiteral("backups"), QVariant::fromValue(&backups)},
             {QStringLiteral("quality"), QVariant::fromValue(&quality)},
+            {QStringLiteral("themes"), QVariant::fromValue(&themes)},
             {QStringLiteral("albumSheet"), QVariant::fromValue(&albumSheet)},
             {QStringLiteral("coverSearch"), QVariant::fromValue(&coverSearch)},
             {QStringLiteral("themeSheet"), QVariant::fromValue(&themeSheet)},

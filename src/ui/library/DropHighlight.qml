@@ -6,6 +6,8 @@ Rectangle {
     id: root
 
     required property bool shown
+    property string title: L10n.text("Upuść, aby dodać do biblioteki")
+    property string detail: L10n.text("Pliki i foldery z muzyką trafią też do kolejki.")
 
     objectName: "dropHighlight"
 
@@ -22,7 +24,7 @@ Rectangle {
     EmptyState {
         anchors.fill: parent
         symbol: "arrow.down.to.line"
-        title: L10n.text("Upuść, aby dodać do biblioteki")
-        detail: L10n.text("Pliki i foldery z muzyką trafią też do kolejki.")
+        title: root.title
+        detail: root.detail
     }
 }

@@ -18,6 +18,7 @@ T.ItemDelegate {
     required property bool canRepair // no other work is under way
 
     signal repairWanted
+    signal lookupWanted
     signal coverWanted
     signal albumWanted
     signal filesWanted
@@ -75,6 +76,14 @@ T.ItemDelegate {
                     focusPolicy: root.current || activeFocus ? Qt.StrongFocus : Qt.ClickFocus
                     text: L10n.text("Napraw dla Rockbox")
                     onClicked: root.repairWanted()
+                }
+                Button {
+                    objectName: "lookUpCoverButton"
+                    visible: root.isOfCovers
+                    measure: Button.Small
+                    focusPolicy: root.current || activeFocus ? Qt.StrongFocus : Qt.ClickFocus
+                    text: L10n.text("Znajdź w sieci…")
+                    onClicked: root.lookupWanted()
                 }
                 Button {
                     objectName: "chooseCoverButton"

@@ -73,6 +73,7 @@ Item {
             current: ListView.isCurrentItem
             canRepair: !root.model.busy
             onRepairWanted: root.quality.chooseCover(index, true)
+            onLookupWanted: root.quality.lookUpCover(index)
             onCoverWanted: root.quality.chooseCover(index, false)
             onAlbumWanted: root.quality.openAlbum(index)
             onFilesWanted: root.quality.reveal(index)

@@ -207,6 +207,13 @@ void QualityPresenter::openAlbum(int row)
     }
 }
 
+void QualityPresenter::lookUpCover(int row)
+{
+    if (const auto album = albumOf(row)) {
+        m_model.setCoverLookup(*album);
+    }
+}
+
 void QualityPresenter::chooseCover(int row, bool current)
 {
     if (const auto album = albumOf(row)) {

@@ -53,6 +53,8 @@ public:
     Q_INVOKABLE void openMusic() { m_model.setSection(Section::Music); }
     /// Opens the album that a finding concerns.
     Q_INVOKABLE void openAlbum(int row);
+    /// Opens the search for its cover on the network.
+    Q_INVOKABLE void lookUpCover(int row);
     /// Makes a cover for the album that a finding concerns: of its own picture, or of a file that the user is asked
     /// for.
     Q_INVOKABLE void chooseCover(int row, bool current);

@@ -13,6 +13,7 @@ T.ApplicationWindow {
     required property PlaylistsPresenter playlists
     required property BackupsPresenter backups
     required property QualityPresenter quality
+    required property ThemesPresenter themes
     required property AlbumSheetPresenter albumSheet
     required property CoverSearchPresenter coverSearch
     required property ThemeSheetPresenter themeSheet
@@ -48,6 +49,7 @@ T.ApplicationWindow {
                 playlists: root.playlists,
                 backups: root.backups,
                 quality: root.quality,
+                themes: root.themes,
                 albumSheet: root.albumSheet,
                 coverSearch: root.coverSearch,
                 themeSheet: root.themeSheet,

@@ -14,6 +14,7 @@ Item {
     required property PlaylistsPresenter playlists
     required property BackupsPresenter backups
     required property QualityPresenter quality
+    required property ThemesPresenter themes
 
     LazyPlace {
         shown: root.shell.deviceShown
@@ -68,13 +69,12 @@ Item {
         }
     }
     LazyPlace {
-        shown: root.shell.unfinishedShown
+        shown: root.shell.themesShown
 
-        EmptyState {
+        ThemesPage {
             anchors.fill: parent
-            symbol: root.shell.sectionSymbol
-            title: L10n.text(root.model.section)
-            detail: L10n.text("Tu będzie można oglądać motywy Rockbox i instalować je na iPodzie.")
+            model: root.model
+            themes: root.themes
         }
     }
 }

@@ -24,9 +24,8 @@ class ShellPresenter : public QObject {
     Q_PROPERTY(bool qualityShown READ qualityShown NOTIFY sectionChanged)
     Q_PROPERTY(bool guideShown READ guideShown NOTIFY sectionChanged)
     /// The section has no page of its own yet.
-    Q_PROPERTY(bool unfinishedShown READ unfinishedShown NOTIFY sectionChanged)
+    Q_PROPERTY(bool themesShown READ themesShown NOTIFY sectionChanged)
     Q_PROPERTY(bool inspectorShown READ inspectorShown NOTIFY sectionChanged)
-    Q_PROPERTY(QString sectionSymbol READ sectionSymbol NOTIFY sectionChanged)
 
     Q_PROPERTY(QString headline READ headline NOTIFY changed)
     Q_PROPERTY(QString queueLine READ queueLine NOTIFY changed)
@@ -61,10 +60,9 @@ public:
     [[nodiscard]] bool backupsShown() const { return m_model.section() == Section::Backups; }
     [[nodiscard]] bool qualityShown() const { return m_model.section() == Section::Quality; }
     [[nodiscard]] bool guideShown() const { return m_model.section() == Section::Guide; }
-    [[nodiscard]] bool unfinishedShown() const { return m_model.section() == Section::Themes; }
+    [[nodiscard]] bool themesShown() const { return m_model.section() == Section::Themes; }
     /// The device page shows all of the inspector itself.
     [[nodiscard]] bool inspectorShown() const { return !deviceShown(); }
-    [[nodiscard]] QString sectionSymbol() const { return SectionListModel::symbol(m_model.section()); }
 
     [[nodiscard]] QString headline() const;
     [[nodiscard]] QString queueLine() const;

@@ -14,6 +14,7 @@ ColumnLayout {
     required property PlaylistsPresenter playlists
     required property BackupsPresenter backups
     required property QualityPresenter quality
+    required property ThemesPresenter themes
     required property AlbumSheetPresenter albumSheet
     required property CoverSearchPresenter coverSearch
     required property ThemeSheetPresenter themeSheet
@@ -61,6 +62,7 @@ ColumnLayout {
                 playlists: root.playlists
                 backups: root.backups
                 quality: root.quality
+                themes: root.themes
             }
             Divider {
                 Layout.fillWidth: true
@@ -102,7 +104,7 @@ ColumnLayout {
         objectName: "coverSearchSheet"
         search: root.coverSearch
     }
-    ThemeSheet {
+    ThemeDetailView {
         objectName: "themeSheet"
         theme: root.themeSheet
     }

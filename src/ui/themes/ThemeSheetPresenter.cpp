@@ -4,12 +4,15 @@
 #include "ui/words/Localization.h"
 #include "ui/words/Wording.h"
 
+#include "platform/desktop/Desktop.h"
+
 ThemeSheetPresenter::ThemeSheetPresenter(MarluneModel &model, QObject *parent)
     : QObject(parent)
     , m_model(model)
 {
     connect(&m_model, &MarluneModel::openThemeChanged, this, &ThemeSheetPresenter::refresh);
     connect(&m_model, &MarluneModel::themePreviewsChanged, this, &ThemeSheetPresenter::refresh);
+    connect(&m_model, &MarluneModel::deviceSettingsChanged, this, &ThemeSheetPresenter::refresh);
 }
 
 void ThemeSheetPresenter::refresh()
@@ -41,6 +44,24 @@ QUrl ThemeSheetPresenter::menuPicture() const
 QString ThemeSheetPresenter::author() const
 {
     return preview().author.value_or(AppLocalizer::text(QStringLiteral("Nieznany — sprawdź plik motywu")));
+}
+
+QString ThemeSheetPresenter::setting(const QString &key) const
+{
+    const Configuration settings = m_model.themeSettings().value(m_theme.id());
+    return settings.contains(key) ? settings.value(key) : AppLocalizer::text(QStringLiteral("Domyślny"));
+}
+
+void ThemeSheetPresenter::reveal() const
+{
+    Desktop::reveal({m_theme.url});
+}
+
+void ThemeSheetPresenter::openPage() const
+{
+    if (const std::optional<QUrl> page = preview().detail) {
+        (void)Desktop::openAddress(*page);
+    }
 }
 
 QString ThemeSheetPresenter::source() const

@@ -17,6 +17,14 @@ class ThemeSheetPresenter : public QObject {
     Q_PROPERTY(QString author READ author NOTIFY changed)
     /// Where the theme's pictures come from.
     Q_PROPERTY(QString source READ source NOTIFY changed)
+    /// They are the catalogue's, and so perhaps of another version.
+    Q_PROPERTY(bool fromCatalogue READ fromCatalogue NOTIFY changed)
+    /// The catalogue has a page of the theme.
+    Q_PROPERTY(bool hasPage READ hasPage NOTIFY changed)
+    // What the theme is set up with.
+    Q_PROPERTY(QString font READ font NOTIFY changed)
+    Q_PROPERTY(QString wps READ wps NOTIFY changed)
+    Q_PROPERTY(QString sbs READ sbs NOTIFY changed)
 
 public:
     explicit ThemeSheetPresenter(MarluneModel &model, QObject *parent = nullptr);
@@ -27,6 +35,18 @@ public:
     [[nodiscard]] QUrl menuPicture() const;
     [[nodiscard]] QString author() const;
     [[nodiscard]] QString source() const;
+    [[nodiscard]] bool fromCatalogue() const { return preview().source.contains(QStringLiteral("katalogu")); }
+    [[nodiscard]] bool hasPage() const { return preview().detail.has_value(); }
+    [[nodiscard]] QString font() const { return setting(QStringLiteral("font")); }
+    [[nodiscard]] QString wps() const { return setting(QStringLiteral("wps")); }
+    [[nodiscard]] QString sbs() const { return setting(QStringLiteral("sbs")); }
+
+    /// Asks for a picture of the theme.
+    Q_INVOKABLE void choosePicture() { m_model.chooseThemePreview(m_theme); }
+    /// Shows the theme's file in the file manager.
+    Q_INVOKABLE void reveal() const;
+    /// Opens the catalogue's page of it.
+    Q_INVOKABLE void openPage() const;
 
     /// The sheet has been closed, however that was done.
     Q_INVOKABLE void dismiss() { m_model.setOpenTheme(std::nullopt); }
@@ -36,6 +56,7 @@ Q_SIGNALS:
 
 private:
     [[nodiscard]] ThemePreview preview() const;
+    [[nodiscard]] QString setting(const QString &key) const;
     void refresh();
 
     MarluneModel &m_model;

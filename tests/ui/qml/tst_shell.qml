@@ -62,7 +62,7 @@ PageTest {
     }
     Component {
         id: themeSheetComponent
-        ThemeSheet {}
+        ThemeDetailView {}
     }
     AlertDialog {
         id: alert
