@@ -38,7 +38,7 @@ const std::map<std::string, std::set<std::string>> rooms {
     {"ui/playback", {"MediaControls.h", "PlaybackPresenter.h"}},
     {"ui/quality", {"QualityPresenter.h"}},
     {"ui/shell", {"DesktopPanels.h", "ShellPresenter.h"}},
-    {"ui/themes", {"ThemePictures.h", "ThemeSheetPresenter.h"}},
+    {"ui/themes", {"ThemePictures.h", "ThemeSheetPresenter.h", "ThemesPresenter.h"}},
 };
 
 /// Libraries that only the named rooms may see; all else of Qt Core is everybody's.

@@ -16,8 +16,8 @@ T.ItemDelegate {
     signal menuWanted
 
     implicitHeight: root.width * 3 / 4 + words.implicitHeight + 2 * Tokens.space.tight
-    Accessible.name: root.name + (root.active ? ", " + L10n.text("Ustawiony na iPodzie") : "")
-    Accessible.description: root.source
+    Accessible.name: root.name
+    Accessible.description: [root.active ? L10n.text("Ustawiony na iPodzie") : "", root.source].filter(Boolean).join(", ")
     Accessible.onPressAction: root.opened()
     Keys.onReturnPressed: root.opened()
     Keys.onEnterPressed: root.opened()
