@@ -12,9 +12,11 @@ T.ComboBox {
     required property var values ///< texts
     property string value
 
-    /// With room for each of the values.
-    readonly property real leastWidth: leftPadding + rightPadding + heading.implicitWidth + 2 * contentItem.spacing
-        + Math.ceil(widest.implicitWidth) + Tokens.height.symbol
+    readonly property int gap: Tokens.space.tight - 2
+    /// With room for each of the values; where it is not given, the title is left out.
+    readonly property real leastWidth: barestWidth + heading.implicitWidth + root.gap
+    readonly property real barestWidth: leftPadding + rightPadding + root.gap + Math.ceil(widest.implicitWidth)
+        + Tokens.height.symbol
 
     signal picked(string value)
 
@@ -31,7 +33,7 @@ T.ComboBox {
     Accessible.name: root.title
     Accessible.description: root.displayText
     Keys.onPressed: event => {
-        pointer.followed = false;
+        choices.byMouse = false;
         event.accepted = false;
     }
     // On release, where the template takes Return for "close".
@@ -45,10 +47,11 @@ T.ComboBox {
     onHoveredChanged: root.hovered ? Hints.show(root, shown.truncated ? root.displayText : "") : Hints.hide(root)
 
     contentItem: Row {
-        spacing: Tokens.space.tight - 2
+        spacing: root.gap
 
         Text {
             id: heading
+            visible: root.width >= Math.floor(root.leastWidth)
             text: root.title
             textFormat: Text.PlainText
             font: Tokens.type.subheadline
@@ -57,7 +60,7 @@ T.ComboBox {
         }
         Text {
             id: shown
-            width: Math.min(implicitWidth, root.availableWidth - heading.width - parent.spacing - Tokens.height.symbol)
+            width: Math.min(implicitWidth, root.availableWidth - x - Tokens.height.symbol)
             text: root.displayText
             textFormat: Text.PlainText
             font: root.font
@@ -101,51 +104,16 @@ T.ComboBox {
 
         width: ListView.view?.width ?? implicitWidth
         text: L10n.text(modelData)
-        hoverEnabled: pointer.followed
+        hoverEnabled: choices.byMouse
         marked: root.currentIndex === index
         highlighted: root.highlightedIndex === index
     }
-    popup: T.Popup {
+    popup: ChoicePopup {
+        id: choices
         y: root.height + Tokens.space.hair
         width: root.width
-        implicitHeight: contentItem.implicitHeight + 2 * padding
-        padding: Tokens.space.hair
-        margins: Tokens.space.tight
-        onAboutToShow: {
-            contentItem.parent.Accessible.name = root.title;
-            pointer.followed = false;
-            pointer.place = null;
-        }
-
-        contentItem: ListView {
-            clip: true
-            implicitHeight: contentHeight
-            model: root.delegateModel
-            currentIndex: root.highlightedIndex
-            highlightMoveDuration: 0
-            Accessible.role: Accessible.List
-            Accessible.name: root.title
-
-            // A row that comes below a mouse at rest, as the keyboard scrolls the list, is not chosen by that.
-            HoverHandler {
-                id: pointer
-
-                property bool followed: false ///< the mouse has moved since the list was opened or a key pressed
-                property var place: null ///< in the window, once it is known
-
-                function follow(now: point) {
-                    if (pointer.place && (now.x !== pointer.place.x || now.y !== pointer.place.y)) {
-                        pointer.followed = true;
-                    }
-                    pointer.place = now;
-                }
-
-                onPointChanged: if (pointer.hovered) pointer.follow(pointer.point.scenePosition)
-            }
-        }
-        background: MenuGround {}
-        enter: Transition {
-            NumberAnimation { property: "opacity"; from: 0; to: 1; duration: Tokens.motion.state }
-        }
+        title: root.title
+        choices: root.delegateModel
+        current: root.highlightedIndex
     }
 }

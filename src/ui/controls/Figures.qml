@@ -1,5 +1,7 @@
 // A number, a time of day or a length whose digits stand under those of others, from the right. The font's own digits
 // are of different widths.
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import Marlune
 

@@ -89,6 +89,9 @@ ColumnLayout {
 
             ComboPicker {
                 objectName: "viewPicker"
+                Layout.fillWidth: true
+                Layout.minimumWidth: barestWidth
+                Layout.maximumWidth: Layout.preferredWidth
                 Layout.preferredWidth: Math.max(Math.round(120 * Math.max(1, Tokens.type.scale)), leastWidth)
                 title: L10n.text("Widok")
                 values: root.library.viewModes
@@ -97,6 +100,9 @@ ColumnLayout {
             }
             ComboPicker {
                 objectName: "sortPicker"
+                Layout.fillWidth: true
+                Layout.minimumWidth: barestWidth
+                Layout.maximumWidth: Layout.preferredWidth
                 Layout.preferredWidth: Math.round(185 * Math.max(1, Tokens.type.scale))
                 title: L10n.text("Sortuj")
                 values: root.library.sortModes

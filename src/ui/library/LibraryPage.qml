@@ -15,8 +15,8 @@ Item {
 
     /// Gives the keyboard to what is listed.
     function focusContent() {
-        const shown = [albums, tracks, folders].find(place => place.visible);
-        shown?.made?.takeFocus();
+        const place = albums.visible ? albums : tracks.visible ? tracks : folders;
+        place.made?.takeFocus();
     }
 
     PageColumn {

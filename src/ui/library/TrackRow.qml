@@ -36,8 +36,8 @@ T.ItemDelegate {
     // What has the focus has to stay a stop.
     focusPolicy: root.current || root.activeFocus ? Qt.StrongFocus : Qt.ClickFocus
     Accessible.name: root.number + root.title + ", " + root.artist
-    Accessible.description: [root.time, root.format, root.parameters,
-        root.chosen ? L10n.text("Zaznaczono") : ""].filter(text => text !== "").join(", ")
+    Accessible.description: L10n.enumeration([root.time, root.format, root.parameters,
+        root.chosen ? L10n.text("Zaznaczono") : ""])
     Accessible.selectable: true
     Accessible.selected: root.marked
     Accessible.onPressAction: root.queueWanted()

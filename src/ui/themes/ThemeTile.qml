@@ -17,7 +17,7 @@ T.ItemDelegate {
 
     implicitHeight: root.width * 3 / 4 + words.implicitHeight + 2 * Tokens.space.tight
     Accessible.name: root.name
-    Accessible.description: [root.active ? L10n.text("Ustawiony na iPodzie") : "", root.source].filter(Boolean).join(", ")
+    Accessible.description: L10n.enumeration([root.active ? L10n.text("Ustawiony na iPodzie") : "", root.source])
     Accessible.onPressAction: root.opened()
     Keys.onReturnPressed: root.opened()
     Keys.onEnterPressed: root.opened()

@@ -43,4 +43,11 @@ public:
     using QObject::QObject;
 
     Q_INVOKABLE [[nodiscard]] QString text(const QString &polish) const { return AppLocalizer::text(polish); }
+
+    /// Texts in one line, without the empty ones.
+    Q_INVOKABLE [[nodiscard]] static QString enumeration(QStringList texts)
+    {
+        texts.removeAll(QString());
+        return texts.join(QStringLiteral(", "));
+    }
 };
