@@ -1,6 +1,8 @@
 // A page as a column. In a window too low for it the page is scrolled as a whole, so that what fills it keeps its room.
 import QtQuick
 import QtQuick.Layouts
+import QtQuick.Templates as T
+import Marlune
 
 Flickable {
     id: root
@@ -13,6 +15,8 @@ Flickable {
     boundsBehavior: Flickable.StopAtBounds
     interactive: contentHeight > height
     clip: interactive
+
+    T.ScrollBar.vertical: ScrollBar {}
 
     ColumnLayout {
         id: stack

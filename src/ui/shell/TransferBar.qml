@@ -13,28 +13,9 @@ Item {
 
     implicitHeight: stack.implicitHeight + 38
 
-    DropArea {
-        id: drop
+    QueueDrop {
         anchors.fill: parent
-        onEntered: event => event.accepted = root.shell.takesDrop(event.formats)
-        onDropped: event => {
-            event.accept(Qt.CopyAction);
-            root.shell.queueDropped(event.getDataAsArrayBuffer(root.shell.trackFormat), event.urls);
-        }
-    }
-    Rectangle {
-        objectName: "queueHighlight"
-        anchors.fill: parent
-        anchors.margins: Tokens.space.hair
-        radius: Tokens.radius.card
-        color: Tokens.color.marked
-        border.width: 2
-        border.color: Tokens.color.accent
-        opacity: drop.containsDrag ? 1 : 0
-        visible: opacity > 0
-        Behavior on opacity {
-            NumberAnimation { duration: Tokens.motion.state }
-        }
+        shell: root.shell
     }
     ColumnLayout {
         id: stack
