@@ -265,7 +265,7 @@ std::vector<Track> Browsing::queue() const
     return result;
 }
 
-const Browsing::QueueSum &Browsing::queueSum() const
+const QueueSum &Browsing::queueSum() const
 {
     if (!m_queueSum) {
         const QSet<QUuid> &queued = chosen(Side::Computer);

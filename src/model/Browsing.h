@@ -20,6 +20,12 @@
 /// Albums that one list shares with another: filtering and sorting copy no track.
 using AlbumList = std::vector<std::shared_ptr<const Album>>;
 
+/// How much is queued.
+struct QueueSum {
+    std::size_t count = 0;
+    std::int64_t bytes = 0;
+};
+
 /// A side's tracks with all that was worked out of them. What it points to never changes: a job may hold it.
 struct LibraryContents {
     std::shared_ptr<const std::vector<Track>> tracks = std::make_shared<std::vector<Track>>();
@@ -109,10 +115,6 @@ private:
         std::shared_ptr<const TrackMatches> matches;
         std::shared_ptr<const AlbumList> albums;
         std::shared_ptr<const TrackPlaces> tracks;
-    };
-    struct QueueSum {
-        std::size_t count = 0;
-        std::int64_t bytes = 0;
     };
 
     [[nodiscard]] static constexpr std::size_t place(Side side) { return side == Side::Device ? 1 : 0; }
