@@ -52,6 +52,21 @@ TEST(CoverProvider, drawsNothingForWhatIsNoPicture)
     EXPECT_EQ(CoverProvider::draw(halves({200, 200}), 100, 10).pixelColor(0, 0).alpha(), 0) << "a corner is rounded";
     for (const QByteArray &bytes : {QByteArray(), QByteArray("not a picture"), halves({50, 50}).left(40)}) {
         EXPECT_TRUE(CoverProvider::draw(bytes, 100, 8).isNull());
+        EXPECT_TRUE(CoverProvider::wash(bytes, {100, 100}, 0.5, 4).isNull());
+    }
+}
+
+TEST(CoverProvider, washesWithTheCoversColoursOnly)
+{
+    for (const double lightness : {0.13, 0.9}) {
+        const QImage wash = CoverProvider::wash(halves({300, 200}), {120, 96}, lightness, 10);
+        const QColor left = wash.pixelColor(15, 15);
+        const QColor right = wash.pixelColor(85, 15);
+        EXPECT_GT(left.red(), left.blue() + 10);
+        EXPECT_GT(right.blue(), right.red() + 10);
+        EXPECT_NEAR(left.lightnessF(), lightness, 0.03);
+        EXPECT_LE(wash.pixelColor(119, 15).alpha() + wash.pixelColor(15, 95).alpha(), 2) << "no edge is seen";
+        EXPECT_EQ(wash.pixelColor(0, 0).alpha(), 0) << "the corner is the sheet's";
     }
 }
 

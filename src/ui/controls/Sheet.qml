@@ -6,6 +6,8 @@ import Marlune
 T.Dialog {
     id: root
 
+    property alias onGround: ground.data ///< below all else
+
     parent: T.Overlay.overlay
     anchors.centerIn: parent
     modal: true
@@ -18,6 +20,7 @@ T.Dialog {
     implicitHeight: implicitContentHeight + topPadding + bottomPadding
 
     background: Rectangle {
+        id: ground
         radius: Tokens.radius.sheet
         color: Tokens.color.window
         border.color: Tokens.color.line

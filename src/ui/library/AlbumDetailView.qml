@@ -18,6 +18,19 @@ PanelSheet {
     wanted: root.album.wanted
     onDismissed: root.album.dismiss()
 
+    // The cover's colours lie on the sheet as a faint light.
+    onGround: Image {
+        anchors.fill: parent
+        source: root.album.cover === "" ? "" : "image://cover/" + root.album.cover + "/wash/"
+            + Tokens.color.washLightness + "/" + Tokens.radius.sheet
+        sourceSize: Qt.size(root.width, root.height)
+        asynchronous: true
+        opacity: status === Image.Ready ? 0.85 : 0
+        Behavior on opacity {
+            NumberAnimation { duration: Tokens.motion.appear }
+        }
+    }
+
     Connections {
         target: root.album
         function onOpened() {
