@@ -23,7 +23,8 @@ PanelSheet {
         anchors.fill: parent
         source: root.album.cover === "" ? "" : "image://cover/" + root.album.cover + "/wash/"
             + Tokens.color.washLightness + "/" + Tokens.radius.sheet
-        sourceSize: Qt.size(root.width, root.height)
+        sourceSize.width: Math.round(root.width)
+        sourceSize.height: Math.round(root.height)
         asynchronous: true
         opacity: status === Image.Ready ? 0.85 : 0
         Behavior on opacity {
