@@ -148,10 +148,10 @@ private Q_SLOTS:
         QTRY_COMPARE(changes.count(), 1); // both neighbours in one range
         QCOMPARE(changes.at(0).at(0).toModelIndex().row(), 1);
         QCOMPARE(changes.at(0).at(1).toModelIndex().row(), 2);
-        QCOMPARE(changes.at(0).at(2).value<QList<int>>(), QList<int> {AlbumListModel::SelectedRole});
-        QVERIFY(grid.value(2, AlbumListModel::SelectedRole).toBool());
+        QCOMPARE(changes.at(0).at(2).value<QList<int>>(), QList<int> {AlbumListModel::ChosenRole});
+        QVERIFY(grid.value(2, AlbumListModel::ChosenRole).toBool());
         grid.model->clearQueue();
-        QTRY_VERIFY(!grid.value(1, AlbumListModel::SelectedRole).toBool());
+        QTRY_VERIFY(!grid.value(1, AlbumListModel::ChosenRole).toBool());
         QCOMPARE(resets.count(), 0);
     }
 

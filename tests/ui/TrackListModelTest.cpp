@@ -85,11 +85,11 @@ private Q_SLOTS:
         for (const int row : {-1, 3}) {
             table.rows.play(row);
             table.rows.toggle(row);
-            table.rows.openAlbum(row);
+            table.rows.activate(row);
             table.rows.drag(row);
         }
         QVERIFY(!table.model->openAlbum() && table.model->queued().isEmpty());
-        table.rows.openAlbum(1);
+        table.rows.activate(1);
         QCOMPARE(table.model->openAlbum()->title, u"B"_s);
     }
 

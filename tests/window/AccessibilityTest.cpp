@@ -75,7 +75,7 @@ private Q_SLOTS:
         NewUser user;
         user.begin(sample / "Music/Low Tide Almanac");
         const QStringList library
-            = u"page tab list: Działy|page tab: Muzyka*|page tab: Motywy|heading: Twoja muzyka|label: Albumy: 1 · Utwory: 8|panel: Źródło|radio button: Na Macu*|radio button: FLAC|check box: Hi-Res|combo box: Sortuj|list: Albumy|list item: Soundings, Low Tide Almanac*|label: 8 utworów · 1,6 MB|heading: Twój iPod|label: Połączony|label: IPOD"_s
+            = u"page tab list: Działy|page tab: Muzyka*|page tab: Motywy|heading: Twoja muzyka|label: Albumy: 1 · Utwory: 8|panel: Źródło|radio button: Na Macu*|radio button: FLAC|check box: Hi-Res|combo box: Sortuj|list: Albumy|list item: Soundings, Low Tide Almanac|label: 8 utworów · 1,6 MB|heading: Twój iPod|label: Połączony|label: IPOD"_s
                   .split(u'|');
         QCOMPARE(amiss(library), QStringList());
         user.program.model().setSection(Section::Quality);

@@ -6,6 +6,10 @@ import Marlune
 T.MenuItem {
     id: root
 
+    property bool offered: true ///< without that it takes no room
+
+    visible: root.offered
+    height: root.offered ? root.implicitHeight : 0
     implicitWidth: Math.max(200, implicitContentWidth + leftPadding + rightPadding)
     implicitHeight: Tokens.height.regular
     horizontalPadding: Tokens.space.regular

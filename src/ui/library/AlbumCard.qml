@@ -6,43 +6,61 @@ import Marlune
 T.ItemDelegate {
     id: root
 
+    required property int index
     required property string albumTitle
     required property string artist
     required property string countAndSize
     required property string format
     required property bool highResolution
     required property string discs
-    required property bool selected
+    required property bool chosen ///< queued, or selected for a playlist
+    required property bool marked ///< selected in the grid
     required property bool playing
     required property string cover
     required property bool deviceSide
+    required property bool current ///< the keyboard's stop
     property int coverDecodeSide: Math.round(root.width)
 
+    readonly property int around: Tokens.space.tight ///< of what shows that it is selected
+
     signal opened
+    signal picked(int modifiers) ///< with Control or Shift
     signal toggled
     signal played
     signal playNeared
     signal menuWanted
+    signal dragged
 
     implicitHeight: root.width + Tokens.space.regular + words.implicitHeight
     Accessible.name: root.albumTitle + ", " + root.artist
-    Accessible.description: root.format + ", " + root.countAndSize + (root.discs === "" ? "" : ", " + root.discs)
-    Accessible.selected: root.selected
+    Accessible.description: L10n.enumeration([root.format, root.countAndSize, root.discs,
+        root.chosen ? L10n.text("Zaznaczono") : ""])
+    Accessible.selectable: true
+    Accessible.selected: root.marked
     Accessible.onPressAction: root.opened()
-    Keys.onSpacePressed: root.toggled()
-    Keys.onReturnPressed: root.opened()
-    Keys.onEnterPressed: root.opened()
-    onClicked: root.opened()
+    // What has the focus has to stay a stop.
+    focusPolicy: root.current || root.activeFocus ? Qt.StrongFocus : Qt.ClickFocus
 
     HoverHandler {
         id: hover
-        onHoveredChanged: hovered ? Hints.show(picture, L10n.text("Otwórz album i listę utworów")) : Hints.hide(picture)
+        onHoveredChanged: hovered ? Hints.show(root, L10n.text("Otwórz album i listę utworów")) : Hints.hide(root)
     }
-    TapHandler {
-        acceptedButtons: Qt.RightButton
-        onTapped: root.menuWanted()
+    background: Rectangle {
+        x: -root.around
+        y: -root.around
+        width: root.width + 2 * root.around
+        height: root.height + root.around
+        radius: Tokens.radius.cover + root.around
+        color: Tokens.color.marked
+        visible: root.marked
     }
-
+    TrackMouse {
+        anchors.fill: parent
+        onHeld: root.forceActiveFocus(Qt.MouseFocusReason)
+        onPicked: modifiers => modifiers & (Qt.ControlModifier | Qt.ShiftModifier) ? root.picked(modifiers) : root.opened()
+        onMenuWanted: root.menuWanted()
+        onDragged: root.dragged()
+    }
     CoverView {
         id: picture
         width: root.width
@@ -50,7 +68,7 @@ T.ItemDelegate {
         y: hover.hovered ? -2 : 0
         cover: root.cover
         decodeSide: root.coverDecodeSide
-        marked: root.selected
+        marked: root.chosen
 
         Behavior on y {
             NumberAnimation { duration: Tokens.motion.state; easing.type: Easing.OutCubic }
@@ -91,8 +109,8 @@ T.ItemDelegate {
             kind: Button.Borderless
             measure: Button.Small
             focusPolicy: Qt.NoFocus // the grid is the keyboard's way here
-            symbol: root.selected ? "checkmark.circle.fill" : "plus.circle"
-            text: L10n.text(root.selected ? "Zaznaczono" : root.deviceSide ? "Do playlisty" : "Do kolejki")
+            symbol: root.chosen ? "checkmark.circle.fill" : "plus.circle"
+            text: L10n.text(root.chosen ? "Zaznaczono" : root.deviceSide ? "Do playlisty" : "Do kolejki")
             onClicked: root.toggled()
         }
     }

@@ -1,5 +1,6 @@
-// The albums as tiles in as many columns as fit. One stop for the Tab key: the arrows and Page Up and Down move, Space
-// queues the album, Return opens it, P plays or pauses it, the menu key or Shift+F10 opens its menu.
+// The albums as tiles in as many columns as fit. One stop for the Tab key: the arrows, Page Up and Down, Home and End
+// move, with Shift they extend the selection and with Control they leave it. Letters lead to a name; Space queues what
+// is selected, Return opens the album, with Control it plays, and Control+Space selects.
 pragma ComponentBehavior: Bound
 
 import QtQuick
@@ -14,60 +15,42 @@ FocusScope {
     required property bool deviceSide
     required property bool busy
 
-    readonly property int columnSpacing: 20
-    readonly property int rowSpacing: 23
-    readonly property int around: 10
-    readonly property int room: Math.floor(root.width) - 2 * root.around
-    readonly property int columns: Math.max(1,
-        Math.floor((root.room + root.columnSpacing) / (root.tileSize + root.columnSpacing)))
-    readonly property int cardWidth: Math.floor((root.room - (root.columns - 1) * root.columnSpacing) / root.columns)
-    readonly property int rowsOfAPage: Math.max(1, Math.floor(view.height / view.cellHeight))
-    property int decodeSide: 0 ///< the width of a card once it rests
+    readonly property alias around: columns.around
 
-    /// Makes another album the current one, which takes the focus with it: whole rows away, as far as there are, and
-    /// steps.
-    function walk(rows: int, steps: int) {
-        const from = Math.max(0, view.currentIndex); // none is current after a change of all rows
-        const above = Math.floor(from / root.columns);
-        const below = Math.floor((view.count - 1 - from) / root.columns);
-        const row = from + Math.max(-above, Math.min(rows, below)) * root.columns + steps;
-        view.currentIndex = Math.max(0, Math.min(row, view.count - 1));
-    }
     function takeFocus() {
-        view.currentIndex = Math.max(0, view.currentIndex);
         view.currentItem?.forceActiveFocus(Qt.TabFocusReason);
     }
-    function openMenuOfCurrent() {
-        menu.openFor(view.currentIndex, (view.currentItem as AlbumCard)?.playing ?? false, view.currentItem);
+    function noteTop() {
+        const rows = (view.contentY - view.originY + view.topMargin) / view.cellHeight;
+        root.albums.setTopRow(Math.floor(rows) * columns.count + rows - Math.floor(rows));
+    }
+    function showFrom(row: real) {
+        const rows = Math.floor(Math.floor(row) / columns.count) + row - Math.floor(row);
+        const lowest = view.originY + view.contentHeight + view.bottomMargin - view.height;
+        const highest = view.originY - view.topMargin;
+        view.forceLayout();
+        view.contentY = Math.max(highest, Math.min(highest + rows * view.cellHeight, lowest));
     }
 
     Accessible.role: Accessible.List
     Accessible.name: L10n.text("Albumy")
-    onCardWidthChanged: root.decodeSide === 0 && root.width > 0 ? root.decodeSide = root.cardWidth : settle.restart()
-    Keys.onPressed: event => {
-        const action = {
-            [Qt.Key_Left]: () => root.walk(0, -1),
-            [Qt.Key_Right]: () => root.walk(0, 1),
-            [Qt.Key_Up]: () => root.walk(-1, 0),
-            [Qt.Key_Down]: () => root.walk(1, 0),
-            [Qt.Key_PageUp]: () => root.walk(-root.rowsOfAPage, 0),
-            [Qt.Key_PageDown]: () => root.walk(root.rowsOfAPage, 0),
-            [Qt.Key_Home]: () => root.walk(0, -view.count),
-            [Qt.Key_End]: () => root.walk(0, view.count),
-            [Qt.Key_P]: () => root.albums.play(view.currentIndex),
-            [Qt.Key_Menu]: () => root.openMenuOfCurrent(),
-            [Qt.Key_F10]: event.modifiers & Qt.ShiftModifier ? () => root.openMenuOfCurrent() : null
-        }[event.key];
-        event.accepted = view.count > 0 && Boolean(action);
-        if (event.accepted) {
-            action();
-        }
-    }
 
-    Timer {
-        id: settle
-        interval: Tokens.motion.settle
-        onTriggered: root.decodeSide = root.cardWidth
+    AlbumColumns {
+        id: columns
+        width: root.width
+        tileSize: root.tileSize
+        rowsOfAPage: Math.max(1, Math.floor(view.height / view.cellHeight))
+    }
+    ListKeys {
+        id: keys
+        list: root.albums
+        onMenuWanted: menu.openFor(view.currentItem as AlbumCard, true)
+    }
+    Connections {
+        target: root.albums
+        function onPlaced(topRow: real) {
+            root.showFrom(topRow);
+        }
     }
     AlbumMenu {
         id: menu
@@ -77,7 +60,7 @@ FocusScope {
     }
     TallestCard {
         id: tallest
-        width: root.cardWidth
+        width: columns.cardWidth
     }
 
     Item {
@@ -87,19 +70,21 @@ FocusScope {
         GridView {
             id: view
             objectName: "albumGrid"
-            x: root.around
-            width: root.columns * cellWidth + 1
+            x: columns.around
+            width: columns.count * cellWidth + 1
             height: root.height
-            topMargin: root.around
-            bottomMargin: root.around
-            cellWidth: root.cardWidth + root.columnSpacing
-            cellHeight: Math.ceil(tallest.implicitHeight) + root.rowSpacing
+            topMargin: columns.around
+            bottomMargin: columns.around
+            cellWidth: columns.cardWidth + columns.spacing
+            cellHeight: Math.ceil(tallest.implicitHeight) + columns.rowSpacing
             cacheBuffer: 400
             reuseItems: true
             boundsBehavior: Flickable.StopAtBounds
             keyNavigationEnabled: false
             highlightFollowsCurrentItem: false // what has the focus is followed, and with room for its ring
             model: root.albums
+            currentIndex: Math.max(0, root.albums.currentRow) // without a current album the first one is the stop
+            onContentYChanged: root.noteTop()
             T.ScrollBar.vertical: ScrollBar {
                 parent: root
                 x: root.width - width + Tokens.space.hair
@@ -108,18 +93,19 @@ FocusScope {
             delegate: AlbumCard {
                 id: card
 
-                required property int index
-
-                width: root.cardWidth
+                width: columns.cardWidth
                 deviceSide: root.deviceSide
-                coverDecodeSide: root.decodeSide
-                focusPolicy: GridView.isCurrentItem || activeFocus ? Qt.StrongFocus : Qt.ClickFocus
-                onActiveFocusChanged: if (activeFocus && index >= 0) view.currentIndex = index
-                onOpened: root.albums.open(index)
+                coverDecodeSide: columns.decodeSide
+                current: GridView.isCurrentItem
+                onActiveFocusChanged: if (activeFocus && index >= 0) root.albums.makeCurrent(index)
+                onOpened: root.albums.activate(index)
+                onPicked: modifiers => root.albums.click(index, modifiers)
                 onToggled: root.albums.toggle(index)
                 onPlayNeared: root.albums.preparePlay()
                 onPlayed: root.albums.play(index)
-                onMenuWanted: menu.openFor(index, card.playing, null)
+                onMenuWanted: menu.openFor(card, false)
+                onDragged: root.albums.drag(index)
+                Keys.onPressed: event => event.accepted = keys.act(index, event, columns.stepsFrom(index, view.count), {})
             }
         }
     }

@@ -3,10 +3,12 @@
 #include "ui/words/Localization.h"
 #include "ui/words/Wording.h"
 
-#include "platform/desktop/Desktop.h"
 #include "platform/text/ByteCount.h"
 
+#include <QHash>
+
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -33,20 +35,21 @@ bool holds(const Album &album, const QUuid &track)
 } // namespace
 
 AlbumListModel::AlbumListModel(MarluneModel &model, std::shared_ptr<CoverStore> covers, QObject *parent)
-    : RowListModel(parent)
-    , m_model(model)
+    : MusicListModel(model, MarkedRole, parent)
     , m_covers(std::move(covers))
 {
-    connect(&m_model, &MarluneModel::browsingChanged, this, [this] {
+    connect(&model, &MarluneModel::browsingChanged, this, [this] {
         m_isOutdated = true;
         m_listChange.start();
     });
-    connect(&m_model, &MarluneModel::sectionChanged, this, &AlbumListModel::refreshIfDue);
-    m_listChange.follow(m_model, &MarluneModel::busyChanged);
-    m_selectionChange.follow(m_model, &MarluneModel::selectionChanged);
+    connect(&model, &MarluneModel::sectionChanged, this, &AlbumListModel::refreshIfDue);
+    m_listChange.follow(model, &MarluneModel::busyChanged);
+    m_selectionChange.follow(model, &MarluneModel::selectionChanged);
     for (const auto signal : {&Playback::currentChanged, &Playback::playingChanged}) {
-        connect(&m_model.playback(), signal, this, &AlbumListModel::refreshPlaying);
+        connect(&model.playback(), signal, this, &AlbumListModel::refreshPlaying);
     }
+    followSteps();
+    connect(this, &QAbstractItemModel::modelReset, this, &AlbumListModel::follow);
     refresh();
 }
 
@@ -58,8 +61,8 @@ int AlbumListModel::rowCount(const QModelIndex &parent) const
 QHash<int, QByteArray> AlbumListModel::roleNames() const
 {
     return {{TitleRole, "albumTitle"}, {ArtistRole, "artist"}, {CountAndSizeRole, "countAndSize"},
-        {FormatRole, "format"}, {HighResolutionRole, "highResolution"}, {DiscsRole, "discs"},
-        {SelectedRole, "selected"}, {PlayingRole, "playing"}, {CoverRole, "cover"}};
+        {FormatRole, "format"}, {HighResolutionRole, "highResolution"}, {DiscsRole, "discs"}, {ChosenRole, "chosen"},
+        {PlayingRole, "playing"}, {CoverRole, "cover"}, {MarkedRole, "marked"}};
 }
 
 const AlbumListModel::Row *AlbumListModel::row(int index) const
@@ -87,12 +90,14 @@ QVariant AlbumListModel::data(const QModelIndex &index, int role) const
         return texts(*shown).highResolution;
     case DiscsRole:
         return texts(*shown).discs;
-    case SelectedRole:
-        return shown->selected;
+    case ChosenRole:
+        return shown->chosen;
     case PlayingRole:
         return shown->playing;
     case CoverRole:
         return texts(*shown).cover;
+    case MarkedRole:
+        return m_selection.contains(index.row());
     default:
         return {};
     }
@@ -119,22 +124,22 @@ const AlbumListModel::Texts &AlbumListModel::texts(const Row &row) const
     return *row.texts;
 }
 
-bool AlbumListModel::isSelected(const Album &album) const
+bool AlbumListModel::isChosen(const Album &album) const
 {
-    const QSet<QUuid> &chosen = m_model.libraryOnDevice() ? m_model.selectedOnDevice() : m_model.queued();
+    const QSet<QUuid> &ids = chosen();
     return std::all_of(
-        album.tracks.begin(), album.tracks.end(), [&](const Track &track) { return chosen.contains(track.id); });
+        album.tracks.begin(), album.tracks.end(), [&](const Track &track) { return ids.contains(track.id); });
 }
 
 bool AlbumListModel::isPlaying(const Album &album) const
 {
-    const Playback &playback = m_model.playback();
+    const Playback &playback = model().playback();
     return playback.playing() && holds(album, playback.current()->id);
 }
 
 void AlbumListModel::refreshIfDue()
 {
-    if (m_isOutdated && (m_model.section() == Section::Music || !m_model.busy())) {
+    if (m_isOutdated && (model().section() == Section::Music || !model().busy())) {
         refresh();
     }
 }
@@ -142,7 +147,7 @@ void AlbumListModel::refreshIfDue()
 void AlbumListModel::refresh()
 {
     m_isOutdated = false;
-    const std::shared_ptr<const AlbumList> albums = m_model.albums();
+    const std::shared_ptr<const AlbumList> albums = model().albums();
     if (albums != m_albums) {
         replaceRows(rowsFor(*albums));
         m_albums = albums;
@@ -161,11 +166,8 @@ std::vector<AlbumListModel::Row> AlbumListModel::rowsFor(const AlbumList &albums
     std::vector<Row> rows;
     rows.reserve(albums.size());
     for (const std::shared_ptr<const Album> &album : albums) {
-        Row row {.id = album->id(),
-            .album = album,
-            .selected = isSelected(*album),
-            .playing = isPlaying(*album),
-            .texts = {}};
+        Row row {
+            .id = album->id(), .album = album, .chosen = isChosen(*album), .playing = isPlaying(*album), .texts = {}};
         if (const Row *before = shown.value(row.id); before && looksTheSame(*album, *before->album)) {
             row.texts = before->texts;
         }
@@ -176,9 +178,77 @@ std::vector<AlbumListModel::Row> AlbumListModel::rowsFor(const AlbumList &albums
 
 void AlbumListModel::replaceRows(std::vector<Row> rows)
 {
+    m_before = {.ids = std::vector<QString>(m_rows.size()), .selection = m_selection, .topRow = m_topRow};
+    std::transform(m_rows.begin(), m_rows.end(), m_before.ids.begin(), [](const Row &row) { return row.id; });
+    const bool isOtherOrder = std::exchange(m_sortMode, model().sortMode()) != model().sortMode();
     if (changeRows(m_rows, rows, [](const Row &row) { return row.id; })) {
         updateRows(std::move(rows));
+    } else {
+        Q_EMIT placed(topNow(isOtherOrder));
     }
+    Q_EMIT selectedChanged();
+    Q_EMIT currentRowChanged();
+}
+
+/// All rows are new: what was selected and current is so again.
+void AlbumListModel::follow()
+{
+    QHash<QString, int> places;
+    places.reserve(qsizetype(m_rows.size()));
+    for (std::size_t i = 0; i < m_rows.size(); ++i) {
+        places.insert(m_rows[i].id, int(i));
+    }
+    std::vector<int> newRows(m_before.ids.size());
+    std::transform(m_before.ids.begin(), m_before.ids.end(), newRows.begin(),
+        [&places](const QString &id) { return places.value(id, -1); });
+    m_selection = m_before.selection;
+    m_selection.remap(newRows, rowCount());
+}
+
+/// The first row that was in sight and is still there, but the first of all where the user has asked for another order.
+double AlbumListModel::topNow(bool isOtherOrder) const
+{
+    const auto top = std::size_t(std::max(0.0, m_before.topRow));
+    constexpr std::size_t tries = 100; // each looks through all rows
+    for (std::size_t i = top; !isOtherOrder && i < std::min(m_before.ids.size(), top + tries); ++i) {
+        const auto found
+            = std::find_if(m_rows.begin(), m_rows.end(), [&](const Row &row) { return row.id == m_before.ids[i]; });
+        if (found != m_rows.end()) {
+            return double(found - m_rows.begin()) + (i == top ? m_before.topRow - double(top) : 0);
+        }
+    }
+    return 0;
+}
+
+QString AlbumListModel::nameAt(int index) const
+{
+    const Row *shown = row(index);
+    const bool isByArtist = m_sortMode == sortModeText(SortMode::Artist);
+    return !shown ? QString() : isByArtist ? Wording::artistText(shown->album->artist) : shown->album->title;
+}
+
+std::vector<const Track *> AlbumListModel::tracksAbout(int index) const
+{
+    std::vector<const Track *> tracks;
+    for (const int each : about(index)) {
+        if (const Row *wanted = row(each)) {
+            for (const Track &track : wanted->album->tracks) {
+                tracks.push_back(&track);
+            }
+        }
+    }
+    return tracks;
+}
+
+std::vector<std::filesystem::path> AlbumListModel::filesAbout(int index) const
+{
+    std::vector<std::filesystem::path> files;
+    for (const int each : about(index)) {
+        if (const Row *wanted = row(each); wanted && !wanted->album->tracks.empty()) {
+            files.push_back(wanted->album->tracks.front().url);
+        }
+    }
+    return files;
 }
 
 void AlbumListModel::updateRows(std::vector<Row> rows)
@@ -187,15 +257,15 @@ void AlbumListModel::updateRows(std::vector<Row> rows)
     for (int i = 0; i < int(m_rows.size()); ++i) {
         const Row &was = before[std::size_t(i)];
         const Row &is = m_rows[std::size_t(i)];
-        if (was.selected != is.selected || was.playing != is.playing || !looksTheSame(*was.album, *is.album)) {
+        if (was.chosen != is.chosen || was.playing != is.playing || !looksTheSame(*was.album, *is.album)) {
             Q_EMIT dataChanged(index(i), index(i));
         }
     }
 }
 
-void AlbumListModel::refreshSelection()
+void AlbumListModel::refreshChosen()
 {
-    refreshRows(&Row::selected, &AlbumListModel::isSelected, SelectedRole);
+    refreshRows(&Row::chosen, &AlbumListModel::isChosen, ChosenRole);
 }
 
 void AlbumListModel::refreshPlaying()
@@ -225,7 +295,7 @@ void AlbumListModel::play(int index)
     if (!chosen || chosen->album->tracks.empty()) {
         return;
     }
-    Playback &playback = m_model.playback();
+    Playback &playback = model().playback();
     if (playback.current() && holds(*chosen->album, playback.current()->id)) {
         playback.toggle();
     } else {
@@ -233,44 +303,37 @@ void AlbumListModel::play(int index)
     }
 }
 
-void AlbumListModel::open(int index)
+void AlbumListModel::activate(int index)
 {
     if (const Row *chosen = row(index)) {
-        m_model.setOpenAlbum(*chosen->album);
+        model().setOpenAlbum(*chosen->album);
     }
 }
 
 void AlbumListModel::chooseCover(int index)
 {
     if (const Row *chosen = row(index)) {
-        m_model.chooseArtwork(*chosen->album, false);
+        model().chooseArtwork(*chosen->album, false);
     }
 }
 
 void AlbumListModel::lookUpCover(int index)
 {
     if (const Row *chosen = row(index)) {
-        m_model.setCoverLookup(*chosen->album);
+        model().setCoverLookup(*chosen->album);
     }
 }
 
 void AlbumListModel::toggle(int index)
 {
     if (const Row *chosen = row(index)) {
-        m_model.toggle(*chosen->album);
+        model().toggle(*chosen->album);
     }
 }
 
 void AlbumListModel::forget(int index)
 {
     if (const Row *chosen = row(index)) {
-        m_model.forget(*chosen->album);
-    }
-}
-
-void AlbumListModel::reveal(int index) const
-{
-    if (const Row *chosen = row(index); chosen && !chosen->album->tracks.empty()) {
-        Desktop::reveal({chosen->album->tracks.front().url});
+        model().forget(*chosen->album);
     }
 }

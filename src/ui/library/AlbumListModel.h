@@ -1,14 +1,13 @@
-// The albums of the library page as rows.
+// The albums of the library page as rows, and which of them are selected.
 //
 // Rows follow the model's albums a turn of the event loop later, once for a burst of changes; while the page is hidden
 // they wait until it is shown or the present job has ended. What stays in place keeps
 // its row, so that the page keeps its place too: a few changes arrive as rows put in and taken out, many as a reset.
+// Either way what is still there stays selected and the current row.
 // Texts of a row are made when it is first shown. UI thread.
 #pragma once
 
-#include "model/Model.h"
-
-#include "ui/lists/RowListModel.h"
+#include "ui/library/MusicListModel.h"
 #include "ui/pictures/CoverStore.h"
 
 #include "platform/tasks/BurstTimer.h"
@@ -19,7 +18,7 @@
 #include <optional>
 #include <vector>
 
-class AlbumListModel : public RowListModel {
+class AlbumListModel : public MusicListModel {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("The library presenter has one.")
@@ -32,9 +31,10 @@ public:
         FormatRole, ///< of the first track
         HighResolutionRole, ///< some track of it is
         DiscsRole, ///< "2 CD · jeden album", empty for one disc
-        SelectedRole, ///< all of it is queued, or on the device selected
+        ChosenRole, ///< all of it is queued, or on the device selected for a playlist
         PlayingRole, ///< a track of it is heard
         CoverRole, ///< name in the cover store, empty without artwork
+        MarkedRole, ///< selected in the grid
     };
 
     AlbumListModel(MarluneModel &model, std::shared_ptr<CoverStore> covers, QObject *parent = nullptr);
@@ -43,26 +43,34 @@ public:
     [[nodiscard]] QVariant data(const QModelIndex &index, int role) const override;
     [[nodiscard]] QHash<int, QByteArray> roleNames() const override;
 
-    /// Opens the album of a row in its sheet.
-    Q_INVOKABLE void open(int index);
-    /// Asks for a picture to be its cover.
-    Q_INVOKABLE void chooseCover(int index);
-    /// Opens the search for its cover on the network.
-    Q_INVOKABLE void lookUpCover(int index);
+    [[nodiscard]] const RowSelection &selection() const override { return m_selection; }
+    /// The first row in sight, with the part of it that is scrolled out.
+    Q_INVOKABLE void setTopRow(double row) { m_topRow = row; }
+
     /// Queues or selects the album of a row, or takes it out again.
-    Q_INVOKABLE void toggle(int index);
+    Q_INVOKABLE void toggle(int row);
+    /// Opens the album in its sheet.
+    Q_INVOKABLE void activate(int row) override;
     /// Plays the album from its first track; pauses or resumes where a track of it is loaded.
-    Q_INVOKABLE void play(int index);
-    /// The pointer nears a play button.
-    Q_INVOKABLE void preparePlay() { m_model.playback().prepare(); }
+    Q_INVOKABLE void play(int row) override;
+    /// Asks for a picture to be its cover.
+    Q_INVOKABLE void chooseCover(int row);
+    /// Opens the search for its cover on the network.
+    Q_INVOKABLE void lookUpCover(int row);
     /// Drops the album from the library; its files stay.
-    Q_INVOKABLE void forget(int index);
-    /// Shows the album's first file in the file manager.
-    Q_INVOKABLE void reveal(int index) const;
+    Q_INVOKABLE void forget(int row);
 
 Q_SIGNALS:
     /// The rows are those of the model's present albums.
     void refreshed();
+
+protected:
+    [[nodiscard]] RowSelection &ownSelection() override { return m_selection; }
+    /// The artist where albums are in the order of artists, otherwise the title.
+    [[nodiscard]] QString nameAt(int row) const override;
+    [[nodiscard]] std::vector<const Track *> tracksAbout(int row) const override;
+    /// The first file of each album.
+    [[nodiscard]] std::vector<std::filesystem::path> filesAbout(int row) const override;
 
 private:
     /// What a page shows of one album.
@@ -77,29 +85,39 @@ private:
     struct Row {
         QString id;
         std::shared_ptr<const Album> album;
-        bool selected = false;
+        bool chosen = false;
         bool playing = false;
         mutable std::optional<Texts> texts;
     };
 
     void refreshIfDue();
     void refresh();
-    void refreshSelection();
+    void refreshChosen();
     void refreshPlaying();
     [[nodiscard]] std::vector<Row> rowsFor(const AlbumList &albums) const;
     void replaceRows(std::vector<Row> rows);
     void updateRows(std::vector<Row> rows);
-    [[nodiscard]] bool isSelected(const Album &album) const;
+    void follow();
+    [[nodiscard]] double topNow(bool isOtherOrder) const;
+    [[nodiscard]] bool isChosen(const Album &album) const;
     [[nodiscard]] bool isPlaying(const Album &album) const;
     void refreshRows(bool Row::*state, bool (AlbumListModel::*now)(const Album &) const, Role role);
     [[nodiscard]] const Texts &texts(const Row &row) const;
     [[nodiscard]] const Row *row(int index) const;
 
-    MarluneModel &m_model;
     std::shared_ptr<CoverStore> m_covers;
     std::shared_ptr<const AlbumList> m_albums; ///< what m_rows were made of
     std::vector<Row> m_rows;
+    RowSelection m_selection;
+    double m_topRow = 0;
+    QString m_sortMode; ///< of m_rows
+    /// While all rows are replaced.
+    struct {
+        std::vector<QString> ids;
+        RowSelection selection;
+        double topRow = 0;
+    } m_before;
     bool m_isOutdated = false; ///< the model's albums have changed since
     BurstTimer m_listChange {[this] { refreshIfDue(); }};
-    BurstTimer m_selectionChange {[this] { refreshSelection(); }};
+    BurstTimer m_selectionChange {[this] { refreshChosen(); }};
 };

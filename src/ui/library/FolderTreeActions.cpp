@@ -1,85 +1,12 @@
 // What keys, clicks and menus do with the rows of the outline.
 #include "ui/library/FolderTreeModel.h"
 
-#include "ui/lists/FileDrag.h"
-
-#include "platform/desktop/Desktop.h"
-
 #include <algorithm>
 
-template <typename Change> void FolderTreeModel::select(const Change &change)
+QString FolderTreeModel::nameAt(int row) const
 {
-    const int before = m_shown.selection.current();
-    if (const auto [first, last] = change(m_shown.selection); first <= last) {
-        Q_EMIT dataChanged(index(first), index(last), {MarkedRole});
-        Q_EMIT selectedChanged();
-    }
-    if (before != m_shown.selection.current()) {
-        Q_EMIT currentRowChanged();
-    }
-}
-
-void FolderTreeModel::walk(int row, int modifiers)
-{
-    m_typeAhead.end();
-    const int target = std::clamp(row, 0, std::max(0, rowCount() - 1));
-    select([&](RowSelection &selection) { return selection.walk(target, Qt::KeyboardModifiers(modifiers)); });
-}
-
-void FolderTreeModel::press(int row, int modifiers)
-{
-    m_typeAhead.end();
-    const bool isPlain = (Qt::KeyboardModifiers(modifiers) & (Qt::ControlModifier | Qt::ShiftModifier)) == 0;
-    if (isPlain && !m_shown.selection.contains(row)) {
-        select([&](RowSelection &selection) { return selection.only(row); });
-    }
-}
-
-void FolderTreeModel::click(int row, int modifiers)
-{
-    select([&](RowSelection &selection) { return selection.click(row, Qt::KeyboardModifiers(modifiers)); });
-}
-
-void FolderTreeModel::makeCurrent(int row)
-{
-    if (row != m_shown.selection.current()) {
-        m_shown.selection.setCurrent(row);
-        Q_EMIT currentRowChanged();
-    }
-}
-
-void FolderTreeModel::toggleMark(int row)
-{
-    select([&](RowSelection &selection) { return selection.toggle(row); });
-}
-
-void FolderTreeModel::selectAll()
-{
-    select([&](RowSelection &selection) { return selection.all(); });
-}
-
-bool FolderTreeModel::clearSelection()
-{
-    const bool any = m_shown.selection.count() > 0;
-    select([&](RowSelection &selection) { return selection.clear(); });
-    return any;
-}
-
-bool FolderTreeModel::type(const QString &text, int modifiers)
-{
-    const auto shortcut = Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier;
-    const bool isTyped = TypeAhead::isLetter(text) || (text == QStringLiteral(" ") && m_typeAhead.isUnderWay());
-    if (!isTyped || (Qt::KeyboardModifiers(modifiers) & shortcut) != 0) {
-        return false;
-    }
-    const int found = m_typeAhead.type(text, m_shown.selection.current(), rowCount(), [this](int row) {
-        const std::optional<Node> shown = node(row);
-        return shown && *shown != 0 ? tree()[*shown].name : shown ? name(0) : QString();
-    });
-    if (found >= 0) {
-        select([&](RowSelection &selection) { return selection.only(found); });
-    }
-    return true;
+    const std::optional<Node> shown = node(row);
+    return shown && *shown != 0 ? tree()[*shown].name : shown ? name(0) : QString();
 }
 
 void FolderTreeModel::setOpen(int row, bool open)
@@ -160,19 +87,18 @@ void FolderTreeModel::goIn(int row)
 
 const Track *FolderTreeModel::track(Node file) const
 {
-    const std::vector<Track> &tracks = m_model.activeTracks();
+    const std::vector<Track> &tracks = model().activeTracks();
     const std::uint32_t place = tree()[file].track;
     const bool isThere
-        = m_isOnDevice == m_model.libraryOnDevice() && place < tracks.size() && tracks[place].id == m_shown.ids[place];
+        = m_isOnDevice == model().libraryOnDevice() && place < tracks.size() && tracks[place].id == m_shown.ids[place];
     return isThere ? &tracks[place] : nullptr;
 }
 
-std::vector<FolderTreeModel::Node> FolderTreeModel::about(int row) const
+std::vector<FolderTreeModel::Node> FolderTreeModel::nodesAbout(int row) const
 {
-    const std::vector<int> rows = m_shown.selection.contains(row) ? m_shown.selection.rows() : std::vector<int> {row};
     std::vector<Node> result;
     Node past = 0; // the folder taken last
-    for (const int each : rows) {
+    for (const int each : about(row)) {
         if (const std::optional<Node> shown = node(each); shown && *shown >= past) {
             result.push_back(*shown);
             past = tree()[*shown].end;
@@ -194,35 +120,22 @@ std::vector<const Track *> FolderTreeModel::tracksIn(const std::vector<Node> &no
     return result;
 }
 
-void FolderTreeModel::toggleAll(const std::vector<Node> &nodes)
+std::vector<const Track *> FolderTreeModel::tracksAbout(int row) const
 {
-    QSet<QUuid> ids;
-    for (const Track *each : tracksIn(nodes)) {
-        ids.insert(each->id);
-    }
-    if (!ids.isEmpty()) {
-        m_model.toggleTracks(ids);
-    }
+    return tracksIn(nodesAbout(row));
 }
 
 void FolderTreeModel::toggle(int row)
 {
+    QSet<QUuid> ids;
     if (const std::optional<Node> shown = node(row)) {
-        toggleAll({*shown});
+        for (const Track *each : tracksIn({*shown})) {
+            ids.insert(each->id);
+        }
     }
-}
-
-void FolderTreeModel::toggleSelected(int row)
-{
-    toggleAll(about(row));
-}
-
-bool FolderTreeModel::selectedAreChosen(int row) const
-{
-    const std::vector<Node> nodes = about(row);
-    return !nodes.empty() && std::all_of(nodes.begin(), nodes.end(), [this](Node each) {
-        return m_shown.folders.chosenIn(each) == FolderRows::Share::All;
-    });
+    if (!ids.isEmpty()) {
+        model().toggleTracks(ids);
+    }
 }
 
 std::optional<std::filesystem::path> FolderTreeModel::pathOf(Node node) const
@@ -245,34 +158,15 @@ std::optional<std::filesystem::path> FolderTreeModel::pathOf(Node node) const
     return path;
 }
 
-void FolderTreeModel::revealSelected(int row) const
+std::vector<std::filesystem::path> FolderTreeModel::filesAbout(int row) const
 {
     std::vector<std::filesystem::path> paths;
-    for (const Node each : about(row)) {
+    for (const Node each : nodesAbout(row)) {
         if (const std::optional<std::filesystem::path> path = pathOf(each)) {
             paths.push_back(*path);
         }
     }
-    if (!paths.empty()) {
-        Desktop::reveal(paths);
-    }
-}
-
-bool FolderTreeModel::canReveal(int row) const
-{
-    const std::vector<Node> nodes = about(row);
-    return std::any_of(nodes.begin(), nodes.end(), [this](Node each) { return pathOf(each).has_value(); });
-}
-
-void FolderTreeModel::drag(int row)
-{
-    FileDrag::Load load {.paths = {}, .tracks = {}, .onDevice = m_model.libraryOnDevice(), .title = {}};
-    for (const Track *each : tracksIn(about(row))) {
-        load.paths.push_back(each->url);
-        load.tracks.push_back(each->id);
-        load.title = each->title;
-    }
-    FileDrag::run(*this, std::move(load)); // the row's item may be another row's by the end of it
+    return paths;
 }
 
 std::vector<Track> FolderTreeModel::queueAround(Node file, const std::vector<Node> &files) const
@@ -295,7 +189,7 @@ void FolderTreeModel::play(int row)
     if (!shown) {
         return;
     }
-    Playback &playback = m_model.playback();
+    Playback &playback = model().playback();
     const bool isFolder = tree()[*shown].isFolder();
     const std::vector<Node> files = m_shown.folders.files(*shown);
     const bool isLoaded = playback.current() && std::any_of(files.begin(), files.end(), [&](Node file) {
@@ -322,8 +216,8 @@ void FolderTreeModel::openAlbum(int row)
 {
     const std::optional<Node> shown = node(row);
     const Track *known = shown && !tree()[*shown].isFolder() ? track(*shown) : nullptr;
-    if (const std::shared_ptr<const Album> album = known ? m_model.albumWith(known->id) : nullptr) {
-        m_model.setOpenAlbum(*album);
+    if (const std::shared_ptr<const Album> album = known ? model().albumWith(known->id) : nullptr) {
+        model().setOpenAlbum(*album);
     }
 }
 

@@ -32,14 +32,12 @@ Menu {
     }
 
     MenuItem {
-        visible: root.isFolder
-        height: visible ? implicitHeight : 0
+        offered: root.isFolder
         text: L10n.text(root.open ? "Zwiń" : "Rozwiń")
         onTriggered: root.folders.toggleOpen(root.row)
     }
     MenuItem {
-        visible: root.isFolder
-        height: visible ? implicitHeight : 0
+        offered: root.isFolder
         text: L10n.text("Rozwiń ze wszystkim w środku")
         onTriggered: root.folders.openBelow(root.row)
     }
@@ -52,8 +50,7 @@ Menu {
         onTriggered: root.folders.toggleSelected(root.row)
     }
     MenuItem {
-        visible: !root.isFolder
-        height: visible ? implicitHeight : 0
+        offered: !root.isFolder
         text: L10n.text("Album")
         onTriggered: root.folders.openAlbum(root.row)
     }

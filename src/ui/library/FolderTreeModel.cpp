@@ -20,26 +20,25 @@ struct FolderTreeModel::Built {
 };
 
 FolderTreeModel::FolderTreeModel(MarluneModel &model, QObject *parent)
-    : RowListModel(parent)
-    , m_model(model)
+    : MusicListModel(model, MarkedRole, parent)
 {
     for (const auto signal :
         {&MarluneModel::tracksChanged, &MarluneModel::libraryOnDeviceChanged, &MarluneModel::deviceChanged}) {
-        connect(&m_model, signal, this, [this] {
+        connect(&model, signal, this, [this] {
             m_tracksMayDiffer = true;
             m_isOutdated = true;
             m_change.start();
         });
     }
-    connect(&m_model, &MarluneModel::browsingChanged, this, [this] {
+    connect(&model, &MarluneModel::browsingChanged, this, [this] {
         m_isOutdated = true;
         m_change.start();
     });
-    connect(&m_model, &MarluneModel::sectionChanged, this, &FolderTreeModel::refreshIfShown);
-    connect(&m_model, &MarluneModel::viewModeChanged, this, &FolderTreeModel::refreshIfShown);
-    m_selectionChange.follow(m_model, &MarluneModel::selectionChanged);
+    connect(&model, &MarluneModel::sectionChanged, this, &FolderTreeModel::refreshIfShown);
+    connect(&model, &MarluneModel::viewModeChanged, this, &FolderTreeModel::refreshIfShown);
+    m_selectionChange.follow(model, &MarluneModel::selectionChanged);
     for (const auto signal : {&Playback::currentChanged, &Playback::playingChanged}) {
-        connect(&m_model.playback(), signal, this, [this] {
+        connect(&model.playback(), signal, this, [this] {
             refreshPlaying();
             renew({PlayingRole});
         });
@@ -129,13 +128,8 @@ QString FolderTreeModel::state(Node node) const
 
 std::optional<std::filesystem::path> FolderTreeModel::root() const
 {
-    const std::optional<Device> &device = m_model.device();
-    return m_model.libraryOnDevice() && device ? std::optional(device->root) : std::nullopt;
-}
-
-const QSet<QUuid> &FolderTreeModel::chosen() const
-{
-    return m_model.libraryOnDevice() ? m_model.selectedOnDevice() : m_model.queued();
+    const std::optional<Device> &device = model().device();
+    return model().libraryOnDevice() && device ? std::optional(device->root) : std::nullopt;
 }
 
 std::vector<bool> FolderTreeModel::chosenTracks() const
@@ -152,13 +146,13 @@ std::vector<bool> FolderTreeModel::chosenTracks() const
 
 std::vector<bool> FolderTreeModel::listedTracks() const
 {
-    return m_model.trackMatches()->places;
+    return model().trackMatches()->places;
 }
 
 void FolderTreeModel::refreshIfShown()
 {
     const bool isShown
-        = m_model.section() == Section::Music && viewModeFromText(m_model.viewMode()) == ViewMode::Folders;
+        = model().section() == Section::Music && viewModeFromText(model().viewMode()) == ViewMode::Folders;
     if (m_isOutdated && isShown) {
         refresh();
     }
@@ -166,7 +160,7 @@ void FolderTreeModel::refreshIfShown()
 
 bool FolderTreeModel::isCurrent(const Shown &shown) const
 {
-    const std::vector<Track> &tracks = m_model.activeTracks();
+    const std::vector<Track> &tracks = model().activeTracks();
     return shown.language == TextOrder::language() && shown.root == root()
         && std::equal(shown.ids.begin(), shown.ids.end(), tracks.begin(), tracks.end(),
             [](const QUuid &id, const Track &track) { return id == track.id; });
@@ -174,17 +168,17 @@ bool FolderTreeModel::isCurrent(const Shown &shown) const
 
 void FolderTreeModel::refresh()
 {
-    const bool isOtherSide = m_isOnDevice != m_model.libraryOnDevice() || m_shown.root != root();
-    if (m_shown.folders.tree() && (isOtherSide || m_model.activeTracks().empty())) {
+    const bool isOtherSide = m_isOnDevice != model().libraryOnDevice() || m_shown.root != root();
+    if (m_shown.folders.tree() && (isOtherSide || model().activeTracks().empty())) {
         putAside();
     }
-    m_isOnDevice = m_model.libraryOnDevice();
+    m_isOnDevice = model().libraryOnDevice();
     if (m_isBuilding) { // what lands is held against the tracks of then
         return;
     }
     m_isOutdated = false;
     const bool isDifferent = std::exchange(m_tracksMayDiffer, false) || m_shown.language != TextOrder::language();
-    if (m_model.activeTracks().empty()) {
+    if (model().activeTracks().empty()) {
         return;
     }
     if (m_shown.folders.tree() && (!isDifferent || isCurrent(m_shown))) {
@@ -216,8 +210,8 @@ QCoro::Task<> FolderTreeModel::runBuilding()
         begun.base = aside().folders.tree();
     }
     auto files = std::make_shared<PathList>();
-    begun.shown.ids.reserve(m_model.activeTracks().size());
-    for (const Track &track : m_model.activeTracks()) {
+    begun.shown.ids.reserve(model().activeTracks().size());
+    for (const Track &track : model().activeTracks()) {
         files->add(track.url);
         begun.shown.ids.push_back(track.id);
     }
@@ -234,7 +228,7 @@ QCoro::Task<> FolderTreeModel::runBuilding()
         co_return;
     }
     m_isBuilding = false;
-    if (outcome.value && outcome.value->isOnDevice == m_model.libraryOnDevice() && isCurrent(outcome.value->shown)) {
+    if (outcome.value && outcome.value->isOnDevice == model().libraryOnDevice() && isCurrent(outcome.value->shown)) {
         land(std::move(*outcome.value));
     } else {
         m_tracksMayDiffer = true;
@@ -291,7 +285,7 @@ FolderTreeModel::Places FolderTreeModel::places() const
 /// selected meanwhile.
 void FolderTreeModel::list(Places before)
 {
-    const QString search = std::exchange(m_search, m_model.search());
+    const QString search = std::exchange(m_search, model().search());
     if (search.isEmpty() && !m_search.isEmpty()) {
         m_shown.beforeSearch = before;
     }
@@ -358,13 +352,6 @@ int FolderTreeModel::rowNear(Node node) const
     return rowOf(m_shown.folders.nearestVisible(node));
 }
 
-void FolderTreeModel::renew(const QList<int> &roles)
-{
-    if (!m_shown.rows.empty()) { // a view asks again for the rows that it shows, and no others
-        Q_EMIT dataChanged(index(0), index(rowCount() - 1), roles);
-    }
-}
-
 void FolderTreeModel::refreshChosen()
 {
     if (m_shown.folders.tree()) {
@@ -375,7 +362,7 @@ void FolderTreeModel::refreshChosen()
 
 void FolderTreeModel::refreshPlaying()
 {
-    const Playback &playback = m_model.playback();
+    const Playback &playback = model().playback();
     m_playing = FolderNode::none;
     if (!playback.playing() || !m_shown.folders.tree()) {
         return;

@@ -6,12 +6,8 @@
 // holds where its track was and which one it is, and does nothing once another is there. UI thread.
 #pragma once
 
-#include "model/Model.h"
-
 #include "ui/library/FolderRows.h"
-#include "ui/lists/RowListModel.h"
-#include "ui/lists/RowSelection.h"
-#include "ui/lists/TypeAhead.h"
+#include "ui/library/MusicListModel.h"
 
 #include "platform/tasks/BurstTimer.h"
 #include "platform/text/TextOrder.h"
@@ -22,13 +18,10 @@
 #include <optional>
 #include <vector>
 
-class FolderTreeModel : public RowListModel {
+class FolderTreeModel : public MusicListModel {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("The library presenter has one.")
-    /// Where the keyboard is; -1 for none.
-    Q_PROPERTY(int currentRow READ currentRow NOTIFY currentRowChanged)
-    Q_PROPERTY(int selectedCount READ selectedCount NOTIFY selectedChanged)
 
 public:
     enum Role : std::uint16_t {
@@ -51,25 +44,10 @@ public:
     [[nodiscard]] QVariant data(const QModelIndex &index, int role) const override;
     [[nodiscard]] QHash<int, QByteArray> roleNames() const override;
 
-    [[nodiscard]] int currentRow() const { return m_shown.selection.current(); }
-    [[nodiscard]] int selectedCount() const { return m_shown.selection.count(); }
+    [[nodiscard]] const RowSelection &selection() const override { return m_shown.selection; }
     /// The row's node: see FolderTree::id(). Absent where there is no such row.
     [[nodiscard]] std::optional<QString> nodeId(int row) const;
 
-    // Keyboard and mouse; `modifiers` are Qt::KeyboardModifiers.
-    /// Goes to a row, or to the first or last where it lies beyond.
-    Q_INVOKABLE void walk(int row, int modifiers);
-    /// A press alone selects only what is not selected yet: it may begin a drag of all that is.
-    Q_INVOKABLE void press(int row, int modifiers);
-    Q_INVOKABLE void click(int row, int modifiers);
-    Q_INVOKABLE void makeCurrent(int row);
-    Q_INVOKABLE void toggleMark(int row);
-    Q_INVOKABLE void selectAll();
-    /// Whether anything was selected.
-    Q_INVOKABLE bool clearSelection();
-    /// Goes to the row whose name begins with what has been typed. False for a key that types nothing.
-    Q_INVOKABLE bool type(const QString &text, int modifiers);
-    [[nodiscard]] Q_INVOKABLE bool typing() const { return m_typeAhead.isUnderWay(); }
     /// The row at the view's upper edge, with the part of it that is scrolled out.
     Q_INVOKABLE void setTopRow(double row) { m_shown.topRow = row; }
 
@@ -82,35 +60,27 @@ public:
     /// Opens a closed folder, goes to the first row in an open one.
     Q_INVOKABLE void goIn(int row);
 
-    // What can be done with a row: with all that are selected, where it is one of them. A folder stands for its listed
-    // tracks.
+    // A folder stands for its listed tracks.
     Q_INVOKABLE void toggle(int row);
-    Q_INVOKABLE void toggleSelected(int row);
-    /// Whether all that toggleSelected() is about are queued or selected.
-    [[nodiscard]] Q_INVOKABLE bool selectedAreChosen(int row) const;
-    Q_INVOKABLE void revealSelected(int row) const;
     /// The computer's root is no folder.
-    [[nodiscard]] Q_INVOKABLE bool canReveal(int row) const;
-    /// Drags the files out; returns when they have been let go.
-    Q_INVOKABLE void drag(int row);
+    [[nodiscard]] Q_INVOKABLE bool canReveal(int row) const { return !filesAbout(row).empty(); }
 
     // What is about one row alone.
     /// Plays a file with what its folder lists as the queue, and a folder from its first file; pauses or resumes what
     /// is loaded.
-    Q_INVOKABLE void play(int row);
+    Q_INVOKABLE void play(int row) override;
     /// A file is played, but what is heard goes on; a folder is opened or closed.
     Q_INVOKABLE void listen(int row);
-    Q_INVOKABLE void preparePlay() { m_model.playback().prepare(); }
     /// Of a file.
     Q_INVOKABLE void openAlbum(int row);
-    /// What Return does: opens a file's album, opens or closes a folder.
-    Q_INVOKABLE void activate(int row);
+    /// Opens a file's album, opens or closes a folder.
+    Q_INVOKABLE void activate(int row) override;
 
-Q_SIGNALS:
-    void currentRowChanged();
-    void selectedChanged();
-    /// Rows are others: this is the one that belongs at the view's upper edge.
-    void placed(double topRow);
+protected:
+    [[nodiscard]] RowSelection &ownSelection() override { return m_shown.selection; }
+    [[nodiscard]] QString nameAt(int row) const override;
+    [[nodiscard]] std::vector<const Track *> tracksAbout(int row) const override;
+    [[nodiscard]] std::vector<std::filesystem::path> filesAbout(int row) const override;
 
 private:
     using Node = FolderRows::Node;
@@ -137,7 +107,7 @@ private:
     void refreshIfShown();
     void refresh();
     [[nodiscard]] bool isCurrent(const Shown &shown) const;
-    [[nodiscard]] Shown &aside() { return m_aside[m_model.libraryOnDevice() ? 1 : 0]; }
+    [[nodiscard]] Shown &aside() { return m_aside[model().libraryOnDevice() ? 1 : 0]; }
     void putAside();
     QCoro::Task<> runBuilding();
     void land(Built built);
@@ -152,7 +122,6 @@ private:
     [[nodiscard]] int rowNear(Node node) const;
 
     [[nodiscard]] std::optional<std::filesystem::path> root() const;
-    [[nodiscard]] const QSet<QUuid> &chosen() const;
     [[nodiscard]] std::vector<bool> chosenTracks() const;
     [[nodiscard]] std::vector<bool> listedTracks() const;
     [[nodiscard]] const FolderTree &tree() const { return *m_shown.folders.tree(); }
@@ -163,26 +132,20 @@ private:
     /// Null where the file's track is not there any more.
     [[nodiscard]] const Track *track(Node file) const;
     /// The nodes that an action on this row is about, without those in a folder that is one of them.
-    [[nodiscard]] std::vector<Node> about(int row) const;
+    [[nodiscard]] std::vector<Node> nodesAbout(int row) const;
     /// The listed tracks at and below these.
     [[nodiscard]] std::vector<const Track *> tracksIn(const std::vector<Node> &nodes) const;
-    void toggleAll(const std::vector<Node> &nodes);
     [[nodiscard]] std::optional<std::filesystem::path> pathOf(Node node) const;
     /// The listed tracks of these files around one of them; a long list is cut.
     [[nodiscard]] std::vector<Track> queueAround(Node file, const std::vector<Node> &files) const;
-    /// Runs what changes the selection, and reports the change.
-    template <typename Change> void select(const Change &change);
-    void renew(const QList<int> &roles);
     void refreshChosen();
     void refreshPlaying();
 
-    MarluneModel &m_model;
     Shown m_shown;
     std::array<Shown, 2> m_aside; ///< of each side, while the other one is shown or there are no tracks
     bool m_isOnDevice = false; ///< the side of m_shown
     QString m_search; ///< that the rows were listed for
     Node m_playing = FolderNode::none; ///< the file that is heard
-    TypeAhead m_typeAhead;
     bool m_tracksMayDiffer = true; ///< from those of the tree
     bool m_isOutdated = true;
     bool m_isBuilding = false;

@@ -32,36 +32,11 @@ FocusScope {
         view.contentY = Math.min(view.contentY + (row - Math.floor(row)) * root.rowHeight,
             Math.max(view.originY, view.originY + view.contentHeight - view.height));
     }
-    /// Whether the key led anywhere.
-    function act(item: FolderTreeRow, event: var): bool {
-        const row = item.index;
-        const control = event.modifiers & Qt.ControlModifier;
-        const steps = {
-            [Qt.Key_Up]: -1,
-            [Qt.Key_Down]: 1,
-            [Qt.Key_PageUp]: -root.rowsOfAPage,
-            [Qt.Key_PageDown]: root.rowsOfAPage,
-            [Qt.Key_Home]: -view.count,
-            [Qt.Key_End]: view.count
-        }[event.key];
-        const open = () => control ? root.folders.play(row) : root.folders.activate(row);
-        const action = steps !== undefined ? () => root.folders.walk(row + steps, event.modifiers) : {
-            [Qt.Key_Left]: () => root.folders.goOut(row),
-            [Qt.Key_Right]: () => root.folders.goIn(row),
-            [Qt.Key_Asterisk]: () => root.folders.openBelow(row),
-            [Qt.Key_Space]: root.folders.typing() ? null
-                : () => event.isAutoRepeat ? null : control ? root.folders.toggleMark(row) : root.folders.toggleSelected(row),
-            [Qt.Key_Return]: open,
-            [Qt.Key_Enter]: open,
-            [Qt.Key_Escape]: root.folders.selectedCount > 0 ? () => root.folders.clearSelection() : null,
-            [Qt.Key_A]: control ? () => root.folders.selectAll() : null,
-            [Qt.Key_Menu]: () => root.openMenu(item, true),
-            [Qt.Key_F10]: event.modifiers & Qt.ShiftModifier ? () => root.openMenu(item, true) : null
-        }[event.key];
-        action?.();
-        return Boolean(action) || root.folders.type(event.text, event.modifiers);
+    ListKeys {
+        id: keys
+        list: root.folders
+        onMenuWanted: root.openMenu(view.currentItem as FolderTreeRow, true)
     }
-
     FolderTreeMenu {
         id: menu
         folders: root.folders
@@ -112,7 +87,11 @@ FocusScope {
             onQueueWanted: root.folders.toggle(index)
             onMenuWanted: root.openMenu(row, false)
             onDragged: root.folders.drag(index)
-            Keys.onPressed: event => event.accepted = root.act(row, event)
+            Keys.onPressed: event => event.accepted = keys.act(index, event, keys.stepsInColumn(root.rowsOfAPage, view.count), {
+                [Qt.Key_Left]: () => root.folders.goOut(row.index),
+                [Qt.Key_Right]: () => root.folders.goIn(row.index),
+                [Qt.Key_Asterisk]: () => root.folders.openBelow(row.index)
+            })
         }
     }
 }

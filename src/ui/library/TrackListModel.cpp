@@ -1,10 +1,8 @@
 #include "ui/library/TrackListModel.h"
 
-#include "ui/lists/FileDrag.h"
 #include "ui/words/Localization.h"
 #include "ui/words/Wording.h"
 
-#include "platform/desktop/Desktop.h"
 #include "platform/text/TextOrder.h"
 
 #include <algorithm>
@@ -32,24 +30,19 @@ std::size_t hashOf(const std::filesystem::path &file)
 } // namespace
 
 TrackListModel::TrackListModel(MarluneModel &model, QObject *parent)
-    : RowListModel(parent)
-    , m_model(model)
+    : MusicListModel(model, MarkedRole, parent)
 {
-    connect(&m_model, &MarluneModel::browsingChanged, this, [this] {
+    connect(&model, &MarluneModel::browsingChanged, this, [this] {
         m_isOutdated = true;
         m_listChange.start();
     });
-    connect(&m_model, &MarluneModel::sectionChanged, this, &TrackListModel::refreshIfShown);
-    connect(&m_model, &MarluneModel::viewModeChanged, this, &TrackListModel::refreshIfShown);
-    m_selectionChange.follow(m_model, &MarluneModel::selectionChanged);
+    connect(&model, &MarluneModel::sectionChanged, this, &TrackListModel::refreshIfShown);
+    connect(&model, &MarluneModel::viewModeChanged, this, &TrackListModel::refreshIfShown);
+    m_selectionChange.follow(model, &MarluneModel::selectionChanged);
     for (const auto signal : {&Playback::currentChanged, &Playback::playingChanged}) {
-        connect(&m_model.playback(), signal, this, [this] { renew(PlayingRole); });
+        connect(&model.playback(), signal, this, [this] { renew({PlayingRole}); });
     }
-    // Connected before any view is: the selection is the new rows' when they are asked about.
-    connect(this, &QAbstractItemModel::rowsInserted, this,
-        [this](const QModelIndex &, int first, int last) { m_selection.insertRows(first, last - first + 1); });
-    connect(this, &QAbstractItemModel::rowsRemoved, this,
-        [this](const QModelIndex &, int first, int last) { m_selection.removeRows(first, last - first + 1); });
+    followSteps();
     connect(this, &QAbstractItemModel::modelReset, this, [this] { follow(m_before); });
     refreshIfShown();
 }
@@ -74,7 +67,7 @@ const TrackListModel::Row *TrackListModel::row(int index) const
 const Track *TrackListModel::track(int index) const
 {
     const Row *wanted = row(index);
-    const std::vector<Track> &tracks = m_model.activeTracks();
+    const std::vector<Track> &tracks = model().activeTracks();
     const bool isThere = wanted && wanted->place < tracks.size() && tracks[wanted->place].id == wanted->id;
     return isThere ? &tracks[wanted->place] : nullptr;
 }
@@ -131,14 +124,14 @@ QString TrackListModel::text(const Track &track, int role) const
 
 bool TrackListModel::isPlaying(const Row &row) const
 {
-    const Playback &playback = m_model.playback();
+    const Playback &playback = model().playback();
     return playback.playing() && playback.current()->id == row.id;
 }
 
 void TrackListModel::refreshIfShown()
 {
     const bool isShown
-        = m_model.section() == Section::Music && viewModeFromText(m_model.viewMode()) == ViewMode::Tracks;
+        = model().section() == Section::Music && viewModeFromText(model().viewMode()) == ViewMode::Tracks;
     if (m_isOutdated && isShown) {
         refresh();
     }
@@ -146,18 +139,18 @@ void TrackListModel::refreshIfShown()
 
 TrackListModel::Order TrackListModel::order() const
 {
-    return {.onDevice = m_model.libraryOnDevice(),
-        .hiResOnly = m_model.hiResOnly(),
-        .search = m_model.search(),
-        .format = m_model.formatFilter(),
-        .sortMode = m_model.sortMode(),
+    return {.onDevice = model().libraryOnDevice(),
+        .hiResOnly = model().hiResOnly(),
+        .search = model().search(),
+        .format = model().formatFilter(),
+        .sortMode = model().sortMode(),
         .language = int(TextOrder::language())};
 }
 
 std::vector<TrackListModel::Row> TrackListModel::freshRows()
 {
-    const std::shared_ptr<const TrackPlaces> places = m_model.filteredTracks();
-    const std::vector<Track> &tracks = m_model.activeTracks();
+    const std::shared_ptr<const TrackPlaces> places = model().filteredTracks();
+    const std::vector<Track> &tracks = model().activeTracks();
     m_files.resize(tracks.size());
     for (std::size_t place = 0; place < tracks.size(); ++place) {
         if (m_files[place].first != tracks[place].id) {
@@ -180,7 +173,7 @@ void TrackListModel::refresh()
     const bool isSortedAnew
         = now.sortMode != m_order.sortMode || now.language != m_order.language || now.onDevice != m_order.onDevice;
     const bool isOtherOrder = std::exchange(m_order, now) != now;
-    if (rows.empty() && !m_rows.empty() && m_model.activeTracks().empty()) {
+    if (rows.empty() && !m_rows.empty() && model().activeTracks().empty()) {
         m_gone = {.rows = m_rows, .selection = m_selection, .topRow = m_topRow, .onDevice = now.onDevice};
     }
     m_before = {.rows = m_rows, .selection = m_selection, .topRow = m_topRow, .onDevice = now.onDevice};
@@ -202,7 +195,7 @@ void TrackListModel::refresh()
         const Listed gone = std::exchange(m_gone, {});
         if (gone.onDevice == now.onDevice) {
             follow(gone);
-            renew(MarkedRole);
+            renew({MarkedRole});
             Q_EMIT placed(topAfter(gone, false));
         }
     } else if (!inSteps) {
@@ -257,86 +250,10 @@ double TrackListModel::topAfter(const Listed &before, bool isOtherOrder) const
     return 0;
 }
 
-template <typename Change> void TrackListModel::select(const Change &change)
+QString TrackListModel::nameAt(int row) const
 {
-    const int before = m_selection.current();
-    if (const auto [first, last] = change(); first <= last) {
-        Q_EMIT dataChanged(index(first), index(last), {MarkedRole});
-        Q_EMIT selectedChanged();
-    }
-    if (before != m_selection.current()) {
-        Q_EMIT currentRowChanged();
-    }
-}
-
-void TrackListModel::renew(Role role)
-{
-    if (!m_rows.empty()) { // a view asks again for the rows that it shows, and no others
-        Q_EMIT dataChanged(index(0), index(int(m_rows.size()) - 1), {role});
-    }
-}
-
-void TrackListModel::walk(int row, int modifiers)
-{
-    m_typeAhead.end();
-    const int target = std::clamp(row, 0, std::max(0, rowCount() - 1));
-    select([&] { return m_selection.walk(target, Qt::KeyboardModifiers(modifiers)); });
-}
-
-void TrackListModel::press(int row, int modifiers)
-{
-    m_typeAhead.end();
-    const bool isPlain = (Qt::KeyboardModifiers(modifiers) & (Qt::ControlModifier | Qt::ShiftModifier)) == 0;
-    if (isPlain && !m_selection.contains(row)) {
-        select([&] { return m_selection.only(row); });
-    }
-}
-
-void TrackListModel::click(int row, int modifiers)
-{
-    select([&] { return m_selection.click(row, Qt::KeyboardModifiers(modifiers)); });
-}
-
-void TrackListModel::makeCurrent(int row)
-{
-    if (row != m_selection.current()) {
-        m_selection.setCurrent(row);
-        Q_EMIT currentRowChanged();
-    }
-}
-
-void TrackListModel::toggleMark(int row)
-{
-    select([&] { return m_selection.toggle(row); });
-}
-
-void TrackListModel::selectAll()
-{
-    select([&] { return m_selection.all(); });
-}
-
-bool TrackListModel::clearSelection()
-{
-    const bool any = m_selection.count() > 0;
-    select([&] { return m_selection.clear(); });
-    return any;
-}
-
-bool TrackListModel::type(const QString &text, int modifiers)
-{
-    const auto shortcut = Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier;
-    const bool isTyped = TypeAhead::isLetter(text) || (text == QStringLiteral(" ") && m_typeAhead.isUnderWay());
-    if (!isTyped || (Qt::KeyboardModifiers(modifiers) & shortcut) != 0) {
-        return false;
-    }
-    const int found = m_typeAhead.type(text, m_selection.current(), rowCount(), [this](int row) {
-        const Track *known = track(row);
-        return known ? known->title : QString();
-    });
-    if (found >= 0) {
-        select([&] { return m_selection.only(found); });
-    }
-    return true;
+    const Track *known = track(row);
+    return known ? known->title : QString();
 }
 
 void TrackListModel::setView(double topRow, double rowsInView)
@@ -345,70 +262,22 @@ void TrackListModel::setView(double topRow, double rowsInView)
     m_rowsInView = rowsInView;
 }
 
-std::vector<int> TrackListModel::about(int row) const
+std::vector<const Track *> TrackListModel::tracksAbout(int row) const
 {
-    return m_selection.contains(row) ? m_selection.rows() : std::vector<int> {row};
-}
-
-QSet<QUuid> TrackListModel::idsAbout(int row) const
-{
-    QSet<QUuid> ids;
+    std::vector<const Track *> tracks;
     for (const int each : about(row)) {
         if (const Track *known = track(each)) {
-            ids.insert(known->id);
+            tracks.push_back(known);
         }
     }
-    return ids;
-}
-
-const QSet<QUuid> &TrackListModel::chosen() const
-{
-    return m_model.libraryOnDevice() ? m_model.selectedOnDevice() : m_model.queued();
+    return tracks;
 }
 
 void TrackListModel::toggle(int row)
 {
     if (const Track *known = track(row)) {
-        m_model.toggleTrack(*known);
+        model().toggleTrack(*known);
     }
-}
-
-void TrackListModel::toggleSelected(int row)
-{
-    if (const QSet<QUuid> ids = idsAbout(row); !ids.isEmpty()) {
-        m_model.toggleTracks(ids);
-    }
-}
-
-bool TrackListModel::selectedAreChosen(int row) const
-{
-    return chosen().contains(idsAbout(row));
-}
-
-void TrackListModel::revealSelected(int row) const
-{
-    std::vector<std::filesystem::path> files;
-    for (const int each : about(row)) {
-        if (const Track *known = track(each)) {
-            files.push_back(known->url);
-        }
-    }
-    if (!files.empty()) {
-        Desktop::reveal(files);
-    }
-}
-
-void TrackListModel::drag(int row)
-{
-    FileDrag::Load load {.paths = {}, .tracks = {}, .onDevice = m_model.libraryOnDevice(), .title = {}};
-    for (const int each : about(row)) {
-        if (const Track *known = track(each)) {
-            load.paths.push_back(known->url);
-            load.tracks.push_back(known->id);
-            load.title = known->title;
-        }
-    }
-    FileDrag::run(*this, std::move(load)); // the row's item may be another row's by the end of it
 }
 
 void TrackListModel::play(int row)
@@ -417,7 +286,7 @@ void TrackListModel::play(int row)
     if (!chosen) {
         return;
     }
-    Playback &playback = m_model.playback();
+    Playback &playback = model().playback();
     if (playback.current() && playback.current()->id == chosen->id) {
         playback.toggle();
         return;
@@ -439,10 +308,10 @@ void TrackListModel::listen(int row)
     }
 }
 
-void TrackListModel::openAlbum(int row)
+void TrackListModel::activate(int row)
 {
     const Track *known = track(row);
-    if (const std::shared_ptr<const Album> album = known ? m_model.albumWith(known->id) : nullptr) {
-        m_model.setOpenAlbum(*album);
+    if (const std::shared_ptr<const Album> album = known ? model().albumWith(known->id) : nullptr) {
+        model().setOpenAlbum(*album);
     }
 }

@@ -7,11 +7,7 @@
 // was read again is the same row. UI thread.
 #pragma once
 
-#include "model/Model.h"
-
-#include "ui/lists/RowListModel.h"
-#include "ui/lists/RowSelection.h"
-#include "ui/lists/TypeAhead.h"
+#include "ui/library/MusicListModel.h"
 
 #include "platform/tasks/BurstTimer.h"
 
@@ -19,13 +15,10 @@
 
 #include <vector>
 
-class TrackListModel : public RowListModel {
+class TrackListModel : public MusicListModel {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("The library presenter has one.")
-    /// Where the keyboard is; -1 for none.
-    Q_PROPERTY(int currentRow READ currentRow NOTIFY currentRowChanged)
-    Q_PROPERTY(int selectedCount READ selectedCount NOTIFY selectedChanged)
 
 public:
     enum Role : std::uint16_t {
@@ -47,49 +40,23 @@ public:
     [[nodiscard]] QVariant data(const QModelIndex &index, int role) const override;
     [[nodiscard]] QHash<int, QByteArray> roleNames() const override;
 
-    [[nodiscard]] int currentRow() const { return m_selection.current(); }
-    [[nodiscard]] int selectedCount() const { return m_selection.count(); }
-    [[nodiscard]] const RowSelection &selection() const { return m_selection; }
+    [[nodiscard]] const RowSelection &selection() const override { return m_selection; }
 
-    // Keyboard and mouse; `modifiers` are Qt::KeyboardModifiers.
-    /// Goes to a row, or to the first or last where it lies beyond.
-    Q_INVOKABLE void walk(int row, int modifiers);
-    /// A press alone selects only what is not selected yet: it may begin a drag of all that is.
-    Q_INVOKABLE void press(int row, int modifiers);
-    Q_INVOKABLE void click(int row, int modifiers);
-    Q_INVOKABLE void makeCurrent(int row);
-    Q_INVOKABLE void toggleMark(int row);
-    Q_INVOKABLE void selectAll();
-    /// Whether anything was selected.
-    Q_INVOKABLE bool clearSelection();
-    /// Goes to the track whose title begins with what has been typed. False for a key that types nothing.
-    Q_INVOKABLE bool type(const QString &text, int modifiers);
-    [[nodiscard]] Q_INVOKABLE bool typing() const { return m_typeAhead.isUnderWay(); }
     /// The row at the view's upper edge, with the part of it that is scrolled out, and how many rows the view shows.
     Q_INVOKABLE void setView(double topRow, double rowsInView);
 
-    // What can be done with a track: with all that are selected, where it is one of them.
     Q_INVOKABLE void toggle(int row);
-    Q_INVOKABLE void toggleSelected(int row);
-    /// Whether all that toggleSelected() is about are queued or selected.
-    [[nodiscard]] Q_INVOKABLE bool selectedAreChosen(int row) const;
-    Q_INVOKABLE void revealSelected(int row) const;
-    /// Drags the files out; returns when they have been let go.
-    Q_INVOKABLE void drag(int row);
-
-    // What is about one track alone.
     /// Plays it with the whole list as its queue; pauses or resumes where it is loaded.
-    Q_INVOKABLE void play(int row);
+    Q_INVOKABLE void play(int row) override;
     /// The same, but what is heard goes on.
     Q_INVOKABLE void listen(int row);
-    Q_INVOKABLE void preparePlay() { m_model.playback().prepare(); }
-    Q_INVOKABLE void openAlbum(int row);
+    /// Opens its album.
+    Q_INVOKABLE void activate(int row) override;
 
-Q_SIGNALS:
-    void currentRowChanged();
-    void selectedChanged();
-    /// All rows are new: this is the one that belongs at the view's upper edge.
-    void placed(double topRow);
+protected:
+    [[nodiscard]] RowSelection &ownSelection() override { return m_selection; }
+    [[nodiscard]] QString nameAt(int row) const override;
+    [[nodiscard]] std::vector<const Track *> tracksAbout(int row) const override;
 
 private:
     struct Row {
@@ -129,18 +96,8 @@ private:
     [[nodiscard]] const Track *track(int index) const;
     [[nodiscard]] bool isPlaying(const Row &row) const;
     [[nodiscard]] QString text(const Track &track, int role) const;
-    /// The rows that an action on this one is about.
-    [[nodiscard]] std::vector<int> about(int row) const;
-    [[nodiscard]] QSet<QUuid> idsAbout(int row) const;
-    [[nodiscard]] const QSet<QUuid> &chosen() const;
-    /// Runs what changes the selection, and reports the change.
-    template <typename Change> void select(const Change &change);
-    void renew(Role role);
-
-    MarluneModel &m_model;
     std::vector<Row> m_rows;
     RowSelection m_selection;
-    TypeAhead m_typeAhead;
     Order m_order; ///< of m_rows
     /// By place, so that a new order need not look into each track: that is what would take long.
     std::vector<std::pair<QUuid, std::size_t>> m_files;
@@ -150,5 +107,5 @@ private:
     Listed m_gone; ///< when all tracks went: a device that is read again has none in between
     bool m_isOutdated = true;
     BurstTimer m_listChange {[this] { refreshIfShown(); }};
-    BurstTimer m_selectionChange {[this] { renew(ChosenRole); }};
+    BurstTimer m_selectionChange {[this] { renew({ChosenRole}); }};
 };

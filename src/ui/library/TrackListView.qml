@@ -31,32 +31,11 @@ FocusScope {
         view.contentY = Math.min(view.contentY + (row - Math.floor(row)) * sizes.rowHeight,
             Math.max(view.originY, view.originY + view.contentHeight - view.height));
     }
-    /// Whether the key led anywhere.
-    function act(row: int, event: var): bool {
-        const control = event.modifiers & Qt.ControlModifier;
-        const steps = {
-            [Qt.Key_Up]: -1,
-            [Qt.Key_Down]: 1,
-            [Qt.Key_PageUp]: -root.rowsOfAPage,
-            [Qt.Key_PageDown]: root.rowsOfAPage,
-            [Qt.Key_Home]: -view.count,
-            [Qt.Key_End]: view.count
-        }[event.key];
-        const open = () => control ? root.tracks.play(row) : root.tracks.openAlbum(row);
-        const action = steps !== undefined ? () => root.tracks.walk(row + steps, event.modifiers) : {
-            [Qt.Key_Space]: root.tracks.typing() ? null
-                : () => event.isAutoRepeat ? null : control ? root.tracks.toggleMark(row) : root.tracks.toggleSelected(row),
-            [Qt.Key_Return]: open,
-            [Qt.Key_Enter]: open,
-            [Qt.Key_Escape]: root.tracks.selectedCount > 0 ? () => root.tracks.clearSelection() : null,
-            [Qt.Key_A]: control ? () => root.tracks.selectAll() : null,
-            [Qt.Key_Menu]: () => root.openMenuOfCurrent(),
-            [Qt.Key_F10]: event.modifiers & Qt.ShiftModifier ? () => root.openMenuOfCurrent() : null
-        }[event.key];
-        action?.();
-        return Boolean(action) || root.tracks.type(event.text, event.modifiers);
+    ListKeys {
+        id: keys
+        list: root.tracks
+        onMenuWanted: root.openMenuOfCurrent()
     }
-
     TrackColumns {
         id: sizes
         width: root.width
@@ -119,7 +98,7 @@ FocusScope {
             onQueueWanted: root.tracks.toggle(index)
             onMenuWanted: menu.openFor(index, row.playing, null)
             onDragged: root.tracks.drag(index)
-            Keys.onPressed: event => event.accepted = root.act(index, event)
+            Keys.onPressed: event => event.accepted = keys.act(index, event, keys.stepsInColumn(root.rowsOfAPage, view.count), {})
         }
     }
 }

@@ -37,7 +37,7 @@ Menu {
     }
     T.Action {
         text: L10n.text("Otwórz album")
-        onTriggered: root.tracks.openAlbum(root.row)
+        onTriggered: root.tracks.activate(root.row)
     }
     T.Action {
         text: L10n.text("Pokaż w Finderze")

@@ -69,11 +69,6 @@ PageTest {
             keyClick(key);
             compare(grid.currentIndex, expected);
         }
-        for (const [key, expected] of [[Qt.Key_Up, 0], [Qt.Key_Down, columns], [Qt.Key_Home, 0]]) {
-            grid.currentIndex = key === Qt.Key_Home ? columns : -1; // as after a change of all rows
-            keyClick(key);
-            compare(grid.currentIndex, expected);
-        }
         tryVerify(() => tile(0).visualFocus);
         keyClick(Qt.Key_Space);
         compare(root.bench.queuedTracks(), 2);
@@ -93,6 +88,27 @@ PageTest {
             keyClick(Qt.Key_Escape);
             tryVerify(() => tile(1).visualFocus);
         }
+        // Several at once.
+        for (const [key, modifiers, marked] of [[Qt.Key_Home, Qt.NoModifier, 1], [Qt.Key_Down, Qt.ShiftModifier, columns + 1],
+            [Qt.Key_Escape, Qt.NoModifier, 0], [Qt.Key_A, Qt.ControlModifier, 7], [Qt.Key_End, Qt.NoModifier, 1],
+            [Qt.Key_Left, Qt.ControlModifier, 1], [Qt.Key_Left, Qt.ShiftModifier, 3]]) {
+            keyClick(key, modifiers);
+            compare(root.bench.library.albums.selectedCount, marked);
+        }
+        verify(tile(4).marked && tile(6).marked && tile(4).visualFocus);
+        root.bench.model.clearQueue();
+        keyClick(Qt.Key_Space);
+        compare(root.bench.queuedTracks(), 6);
+        mouseClick(tile(0), 20, 20, Qt.LeftButton, Qt.ControlModifier);
+        mouseClick(tile(2), 20, 20, Qt.LeftButton, Qt.ShiftModifier);
+        compare(root.bench.library.albums.selectedCount, 3);
+        root.bench.model.sortMode = "Album";
+        tryVerify(() => tile(0).marked && tile(2).marked && !tile(3).marked);
+        for (const letter of ["a", "l", "b", "u", "m", " ", "d"]) {
+            keyClick(letter);
+        }
+        compare(grid.currentIndex, 3);
+        compare(root.bench.library.albums.selectedCount, 1);
         root.bench.model.search = "zzz";
         tryCompare(grid, "count", 0);
         for (const key of [Qt.Key_Menu, Qt.Key_Down]) {
@@ -110,7 +126,7 @@ PageTest {
         mouseClick(tile(1), 20, 20);
         keyClick(Qt.Key_Home);
         tryVerify(() => button.visible);
-        keyClick(Qt.Key_P);
+        keyClick(Qt.Key_Return, Qt.ControlModifier);
         tryCompare(tile(0), "playing", true);
         verify(!tile(1).playing && button.Accessible.name === "Pauza");
         mouseClick(button);
