@@ -34,6 +34,7 @@ public:
 
     /// The call after `calls` more of them fails too.
     static void failAfter(int calls) { s_failAt = s_count + calls + 1; }
+    static void heal() { s_failAt = 0; }
 
     /// Whether the call that was to fail has been made.
     [[nodiscard]] static bool reached() { return s_count >= s_failAt; }

@@ -6,6 +6,7 @@
 
 #include <QElapsedTimer>
 #include <QMimeData>
+#include <QUrl>
 
 #include <random>
 #include <set>

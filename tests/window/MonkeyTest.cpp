@@ -303,7 +303,8 @@ private Q_SLOTS:
             for (const auto &[path, bytes] : onDevice) {
                 QVERIFY2(fileBytes(user.device / path) == bytes, path.c_str());
             }
-            model.setTileSize(199); // the disk works again, and what is chosen is kept
+            FailingDisk::heal();
+            model.setTileSize(199); // what is chosen from now on is kept
             QTRY_VERIFY((settings = QByteArray::fromStdString(fileBytes(user.folder / "config/settings.json")))
                     .contains("199"));
         }
