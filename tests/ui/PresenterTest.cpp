@@ -10,6 +10,7 @@
 #include "ui/quality/QualityPresenter.h"
 #include "ui/shell/DesktopPanels.h"
 #include "ui/shell/ShellPresenter.h"
+#include "ui/themes/ThemesPresenter.h"
 #include "ui/words/Localization.h"
 
 #include <QAbstractItemModelTester>
@@ -253,6 +254,66 @@ private Q_SLOTS:
             backups / "Covers-1/a/x", std::string(9'000'000, 'x')); // the folder itself stays as it is
         pages.model->setSection(Section::Backups);
         QTRY_VERIFY(shownIn(*pages.backups.backups())[0].endsWith(u"MB"_s));
+    }
+
+    void themesFollowTheDeviceAndTakeOnePackage()
+    {
+        Pages pages;
+        ThemesPresenter themes {*pages.model};
+        ThemeListModel &rows = *themes.themes();
+        const QAbstractItemModelTester tester(&rows, QAbstractItemModelTester::FailureReportingMode::QtTest);
+        const auto dropTitles = [&] {
+            const QUrl package = QUrl::fromLocalFile(u"/none/Motyw.ZIP"_s);
+            QStringList titles;
+            for (const QList<QUrl> &urls : {QList {package}, QList {package, package}, QList<QUrl> {},
+                     QList {QUrl(u"https://example.org/a.zip"_s)}, QList {QUrl::fromLocalFile(u"/none/a.cfg"_s)}}) {
+                titles += themes.dropTitle(urls);
+                if (titles.back() != u"Upuść, aby zainstalować motyw"_s) {
+                    themes.importDropped(urls.mid(0, urls.size() == 1 && urls[0] == package ? 0 : urls.size()));
+                }
+            }
+            titles.removeDuplicates();
+            return titles;
+        };
+        QCOMPARE(dropTitles(), {u"Najpierw podłącz urządzenie"_s});
+        const Device device = pages.desk.makeDevice("IPOD", true);
+        for (const char *name : {"Alfa", "Łąka", "Beta 2", "Beta 10"}) {
+            pages.desk.folder.write(
+                fs::path("IPOD/.rockbox/themes") / (name + std::string(".cfg")), std::string("wps: /") + name + "\n");
+        }
+        pages.desk.folder.write("IPOD/.rockbox/config.cfg", "wps: /Łąka\n");
+        *pages.desk.found = {device};
+        pages.model->select(device);
+        const auto column = [&](ThemeListModel::Role role) {
+            QStringList texts;
+            for (int row = 0; row < rows.rowCount(); ++row) {
+                texts += rows.data(rows.index(row), role).toString();
+            }
+            return texts;
+        };
+        QTRY_COMPARE(column(ThemeListModel::NameRole), QStringList({u"Alfa"_s, u"Beta 2"_s, u"Beta 10"_s, u"Łąka"_s}));
+        QCOMPARE(column(ThemeListModel::ActiveRole), QStringList({u"false"_s, u"false"_s, u"false"_s, u"true"_s}));
+        QCOMPARE(column(ThemeListModel::SourceRole)[0], u"Dodaj własny zrzut lub pobierz podgląd"_s);
+        QCOMPARE(themes.rowFor(u"l"_s, 0), 3);
+        QCOMPARE(themes.rowFor(u"q"_s, 0), -1);
+        QCOMPARE(
+            dropTitles(), QStringList({u"Upuść, aby zainstalować motyw"_s, u"Upuść jedną paczkę ZIP z motywem"_s}));
+        QVERIFY(!pages.model->busy());
+        fs::remove(pages.desk.folder / "IPOD/.rockbox/themes/Beta 2.cfg");
+        pages.model->refresh();
+        QTRY_COMPARE(rows.count(), 3);
+        for (const int none : {-1, 3}) {
+            themes.open(none);
+            themes.choosePicture(none);
+            QVERIFY(!pages.model->openTheme() && pages.desk.panels.requests.empty());
+        }
+        pages.desk.folder.write("Motyw.ZIP", "no archive");
+        themes.importDropped({QUrl::fromLocalFile(QString::fromStdString(pages.desk.folder / "Motyw.ZIP"))});
+        QVERIFY(pages.model->busy());
+        QCOMPARE(dropTitles(), {u"Najpierw poczekaj na koniec bieżącej pracy"_s});
+        pages.desk.waitForJobs(*pages.model);
+        QCOMPARE(pages.model->status(), u"Instalacja motywu przerwana"_s);
+        QCOMPARE(rows.count(), 3);
     }
 
     void aPanelIsAnsweredOnceWithFilesOfThisComputer()

@@ -16,6 +16,7 @@ FocusScope {
     required property bool busy
 
     readonly property alias around: columns.around
+    readonly property int rowSpacing: 23
 
     function takeFocus() {
         view.currentItem?.forceActiveFocus(Qt.TabFocusReason);
@@ -35,7 +36,7 @@ FocusScope {
     Accessible.role: Accessible.List
     Accessible.name: L10n.text("Albumy")
 
-    AlbumColumns {
+    GridColumns {
         id: columns
         width: root.width
         tileSize: root.tileSize
@@ -60,7 +61,7 @@ FocusScope {
     }
     TallestCard {
         id: tallest
-        width: columns.cardWidth
+        width: columns.tileWidth
     }
 
     Item {
@@ -75,8 +76,8 @@ FocusScope {
             height: root.height
             topMargin: columns.around
             bottomMargin: columns.around
-            cellWidth: columns.cardWidth + columns.spacing
-            cellHeight: Math.ceil(tallest.implicitHeight) + columns.rowSpacing
+            cellWidth: columns.tileWidth + columns.spacing
+            cellHeight: Math.ceil(tallest.implicitHeight) + root.rowSpacing
             cacheBuffer: 400
             reuseItems: true
             boundsBehavior: Flickable.StopAtBounds
@@ -93,7 +94,7 @@ FocusScope {
             delegate: AlbumCard {
                 id: card
 
-                width: columns.cardWidth
+                width: columns.tileWidth
                 deviceSide: root.deviceSide
                 coverDecodeSide: columns.decodeSide
                 current: GridView.isCurrentItem

@@ -11,14 +11,7 @@ FocusScope {
 
     required property ThemesPresenter themes
 
-    readonly property int columnSpacing: 18
     readonly property int rowSpacing: 22
-    readonly property int ringRoom: 4
-    readonly property int narrowest: 230
-    readonly property int columns: Math.max(1,
-        Math.floor((root.width + root.columnSpacing) / (root.narrowest + root.columnSpacing)))
-    readonly property int tileWidth: Math.floor((root.width - (root.columns - 1) * root.columnSpacing) / root.columns)
-    readonly property int rowsOfAPage: Math.max(1, Math.floor(view.height / view.cellHeight))
 
     function goTo(row: int) {
         view.currentIndex = Math.max(0, Math.min(row, view.count - 1));
@@ -28,17 +21,7 @@ FocusScope {
     Accessible.role: Accessible.List
     Accessible.name: L10n.text("Motywy")
     Keys.onPressed: event => {
-        const page = root.rowsOfAPage * root.columns;
-        const step = {
-            [Qt.Key_Left]: -1,
-            [Qt.Key_Right]: 1,
-            [Qt.Key_Up]: -root.columns,
-            [Qt.Key_Down]: root.columns,
-            [Qt.Key_PageUp]: -page,
-            [Qt.Key_PageDown]: page,
-            [Qt.Key_Home]: -view.count,
-            [Qt.Key_End]: view.count
-        }[event.key];
+        const step = columns.stepsFrom(view.currentIndex, view.count)[event.key];
         const wantsMenu = event.key === Qt.Key_Menu || event.key === Qt.Key_F10 && event.modifiers & Qt.ShiftModifier;
         const named = step === undefined && !wantsMenu ? root.themes.rowFor(event.text, view.currentIndex) : -1;
         event.accepted = view.count > 0 && (step !== undefined || wantsMenu || named >= 0);
@@ -49,6 +32,14 @@ FocusScope {
         }
     }
 
+    GridColumns {
+        id: columns
+        width: root.width
+        tileSize: 230
+        spacing: 18
+        around: 0
+        rowsOfAPage: Math.max(1, Math.floor(view.height / view.cellHeight))
+    }
     ThemeMenu {
         id: menu
         themes: root.themes
@@ -56,7 +47,7 @@ FocusScope {
     ThemeTile { // the measure of all
         id: measure
         visible: false
-        width: root.tileWidth
+        width: columns.tileWidth
         name: "X"
         picture: ""
         source: "X"
@@ -65,13 +56,16 @@ FocusScope {
     GridView {
         id: view
         objectName: "themeGrid"
-        x: -root.ringRoom
-        width: root.columns * cellWidth + 2 * root.ringRoom
+
+        readonly property int ringRoom: 4
+
+        x: -ringRoom
+        width: columns.count * cellWidth + 2 * ringRoom
         height: root.height
-        leftMargin: root.ringRoom
-        topMargin: root.ringRoom
+        leftMargin: ringRoom
+        topMargin: ringRoom
         bottomMargin: Tokens.space.wide
-        cellWidth: root.tileWidth + root.columnSpacing
+        cellWidth: columns.tileWidth + columns.spacing
         cellHeight: Math.ceil(measure.implicitHeight) + root.rowSpacing
         clip: true
         reuseItems: true
@@ -87,7 +81,7 @@ FocusScope {
         delegate: ThemeTile {
             required property int index
 
-            width: root.tileWidth
+            width: columns.tileWidth
             focusPolicy: GridView.isCurrentItem || activeFocus ? Qt.StrongFocus : Qt.ClickFocus
             onActiveFocusChanged: if (activeFocus && index >= 0) view.currentIndex = index
             onOpened: root.themes.open(index)

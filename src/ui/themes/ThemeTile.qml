@@ -50,6 +50,13 @@ T.ItemDelegate {
             shown: root.visualFocus
             around: shot.rounding
         }
+        Badge {
+            visible: root.active
+            text: L10n.text("Ustawiony na iPodzie")
+            x: Tokens.space.tight
+            y: shot.height - height - Tokens.space.tight
+            width: Math.min(implicitWidth, shot.width - 2 * Tokens.space.tight)
+        }
     }
     Column {
         id: words

@@ -90,11 +90,13 @@ Item {
         id: drop
 
         property string words ///< what letting go would do
+        property bool installs
 
         anchors.fill: parent
         keys: ["text/uri-list"]
         onEntered: event => {
             words = root.themes.dropTitle(event.urls);
+            installs = root.themes.isPackage(event.urls);
             event.accepted = true;
         }
         onDropped: event => {
@@ -107,6 +109,6 @@ Item {
         anchors.margins: Tokens.space.tight
         shown: drop.containsDrag
         title: drop.words
-        detail: L10n.text("Przed instalacją powstaje kopia ustawień.")
+        detail: drop.installs ? L10n.text("Przed instalacją powstaje kopia ustawień.") : ""
     }
 }

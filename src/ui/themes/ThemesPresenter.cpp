@@ -81,6 +81,9 @@ QString ThemesPresenter::dropTitle(const QList<QUrl> &urls) const
     if (!hasDevice()) {
         return AppLocalizer::text(QStringLiteral("Najpierw podłącz urządzenie"));
     }
+    if (!canImport()) {
+        return AppLocalizer::text(QStringLiteral("Najpierw poczekaj na koniec bieżącej pracy"));
+    }
     return AppLocalizer::text(isPackage(urls) ? QStringLiteral("Upuść, aby zainstalować motyw")
                                               : QStringLiteral("Upuść jedną paczkę ZIP z motywem"));
 }
