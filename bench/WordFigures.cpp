@@ -7,6 +7,7 @@
 
 #include <QElapsedTimer>
 #include <QEventLoop>
+#include <QQuickItem>
 #include <QRegularExpression>
 #include <QTimer>
 
