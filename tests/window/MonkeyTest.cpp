@@ -118,7 +118,10 @@ private:
     [[nodiscard]] QQuickWindow &window() const { return *m_user.program.window(); }
     [[nodiscard]] fs::path parked() const { return m_user.folder / "unplugged"; }
     int below(int limit) { return m_random.bounded(limit); }
-    template <typename Values> auto &oneOf(Values &values) { return values[qsizetype(below(int(std::size(values))))]; }
+    template <typename Values> auto &oneOf(Values &values)
+    {
+        return *(std::begin(values) + below(int(std::size(values))));
+    }
     QPoint anywhere() { return {below(window().width()), below(window().height())}; }
     Qt::KeyboardModifiers modifiers()
     {

@@ -26,7 +26,7 @@ inline QQuickItem *findItem(QQuickItem *root, const QString &name)
 struct NewUser {
     TemporaryFolder folder;
     KeptPanels panels;
-    CoverSearch covers {CoverServices {}};
+    CoverSearch covers;
     fs::path device = folder / "IPOD";
     QStringList languages;
     std::function<std::vector<Device>()> discovery;
@@ -35,8 +35,10 @@ struct NewUser {
 
     explicit NewUser(
         QStringList preferred = {u"pl"_s},
-        std::function<std::vector<Device>()> discover = [] { return std::vector<Device> {}; })
-        : languages(std::move(preferred))
+        std::function<std::vector<Device>()> discover = [] { return std::vector<Device> {}; },
+        CoverServices services = {})
+        : covers(std::move(services))
+        , languages(std::move(preferred))
         , discovery(std::move(discover))
         , program(setup())
     {
@@ -102,6 +104,17 @@ struct NewUser {
         QTest::mouseClick(program.window(), Qt::LeftButton, Qt::NoModifier, centre.toPoint());
     }
 
+    void press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) const
+    {
+        QTest::keyClick(program.window(), key, modifiers);
+    }
+    void type(const QString &text) const
+    {
+        for (const QChar c : text) {
+            QTest::sendKeyEvent(QTest::Click, program.window(), Qt::Key(c.toUpper().unicode()), c, Qt::NoModifier);
+        }
+    }
+
     void clickNamed(const char *name) const
     {
         QTRY_VERIFY2(item(name) && item(name)->isEnabled(), name);
@@ -111,11 +124,9 @@ struct NewUser {
     void searchFor(const char *text) const
     {
         click(item("searchField"));
-        QTest::keyClick(program.window(), Qt::Key_A, Qt::ControlModifier);
-        QTest::keyClick(program.window(), Qt::Key_Delete);
-        for (const QChar c : QString::fromUtf8(text)) {
-            QTest::sendKeyEvent(QTest::Click, program.window(), Qt::Key(c.toUpper().unicode()), c, Qt::NoModifier);
-        }
+        press(Qt::Key_A, Qt::ControlModifier);
+        press(Qt::Key_Delete);
+        type(QString::fromUtf8(text));
     }
 
     /// Chooses the device and adds this music.
