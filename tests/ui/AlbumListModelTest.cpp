@@ -80,7 +80,18 @@ private Q_SLOTS:
         grid.import();
         QTRY_COMPARE(grid.titles(), u"B D F"_s);
         const QSignalSpy resets(&grid.rows, &QAbstractItemModel::modelReset);
+        const QSignalSpy places(&grid.rows, &MusicListModel::placed);
         const QPersistentModelIndex second = grid.rows.index(1);
+        grid.rows.walk(0, Qt::NoModifier);
+        grid.rows.walk(1, Qt::ShiftModifier);
+        const auto marked = [&] {
+            QString titles;
+            for (const int row : grid.rows.selection().rows()) {
+                titles += grid.value(row, AlbumListModel::TitleRole).toString();
+            }
+            return titles + u' ' + grid.value(grid.rows.currentRow(), AlbumListModel::TitleRole).toString();
+        };
+        QCOMPARE(marked(), u"BD D"_s);
         grid.write("Artist", {"A", "C", "G"});
         grid.import();
         QTRY_COMPARE(grid.titles(), u"A B C D F G"_s);
@@ -94,11 +105,22 @@ private Q_SLOTS:
         grid.rows.forget(0);
         QTRY_COMPARE(grid.titles(), u"B C D F G"_s);
         QCOMPARE(second.row(), 2);
-        QCOMPARE(resets.count(), 0);
+        QCOMPARE(resets.count() + places.count(), 0);
+        QCOMPARE(marked(), u"BD D"_s);
 
-        grid.model->setSortMode(u"Rozmiar"_s);
-        QTRY_COMPARE(resets.count(), 1);
+        grid.rows.setTopRow(2.5);
+        QString landmarks;
+        for (const SortMode mode : allSortModes) {
+            grid.model->setSortMode(sortModeText(mode));
+            ModelDesk::waitForJobs(*grid.model);
+            landmarks += grid.rows.landmark(0).section(u' ', -1) + u' ';
+            QCOMPARE(marked().section(u' ', 1), u"D"_s);
+        }
+        QCOMPARE(landmarks, u"A B — B "_s);
+        QCOMPARE(resets.count(), 1); // the others are one order here
+        QCOMPARE(places.at(0).at(0).toDouble(), 0.0);
         QVERIFY(grid.titles().startsWith(u'D'));
+        QCOMPARE(marked(), u"DB D"_s);
         const QSignalSpy updates(&grid.rows, &AlbumListModel::refreshed);
         grid.model->setSearch(u"x"_s);
         grid.model->setHiResOnly(true);

@@ -90,6 +90,7 @@ FocusScope {
                 parent: root
                 x: root.width - width + Tokens.space.hair
                 height: root.height
+                landmark: pressed ? root.albums.landmark(view.indexAt(1, view.contentY + view.cellHeight / 2)) : ""
             }
             delegate: AlbumCard {
                 id: card

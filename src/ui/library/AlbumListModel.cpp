@@ -220,6 +220,17 @@ double AlbumListModel::topNow(bool isOtherOrder) const
     return 0;
 }
 
+QString AlbumListModel::landmark(int row) const
+{
+    const Row *shown = this->row(row);
+    if (!shown) {
+        return {};
+    }
+    const Album &album = *shown->album;
+    const QString year = album.tracks.empty() ? QString() : album.tracks.front().info.year;
+    return landmarkOf({.artist = album.artist, .album = album.title, .year = year, .bytes = album.bytes()});
+}
+
 QString AlbumListModel::nameAt(int index) const
 {
     const Row *shown = row(index);

@@ -44,6 +44,7 @@ public:
     [[nodiscard]] QHash<int, QByteArray> roleNames() const override;
 
     [[nodiscard]] const RowSelection &selection() const override { return m_selection; }
+    [[nodiscard]] QString landmark(int row) const override;
     /// The first row in sight, with the part of it that is scrolled out.
     Q_INVOKABLE void setTopRow(double row) { m_topRow = row; }
 

@@ -1,10 +1,23 @@
 #include "ui/library/MusicListModel.h"
 
 #include "ui/lists/FileDrag.h"
+#include "ui/words/Wording.h"
 
 #include "platform/desktop/Desktop.h"
+#include "platform/text/ByteCount.h"
+#include "platform/text/Characters.h"
 
 #include <algorithm>
+
+namespace {
+
+QString initial(const QString &name)
+{
+    const QString first = firstCharacters(name.trimmed(), 1).toUpper();
+    return !first.isEmpty() && first.front().isLetter() ? first : QStringLiteral("#");
+}
+
+} // namespace
 
 MusicListModel::MusicListModel(MarluneModel &model, int markedRole, QObject *parent)
     : RowListModel(parent)
@@ -98,6 +111,21 @@ bool MusicListModel::type(const QString &text, int modifiers)
         select([&](RowSelection &selection) { return selection.only(found); });
     }
     return true;
+}
+
+QString MusicListModel::landmarkOf(const Place &place) const
+{
+    switch (sortModeFromText(m_model.sortMode())) {
+    case SortMode::Artist:
+        return initial(Wording::artistText(place.artist));
+    case SortMode::Album:
+        return initial(place.album);
+    case SortMode::Year:
+        return place.year.isEmpty() ? QStringLiteral("—") : Wording::fileName(place.year);
+    case SortMode::Size:
+        return byteCount(place.bytes);
+    }
+    return {};
 }
 
 std::vector<int> MusicListModel::about(int row) const

@@ -43,6 +43,10 @@ public:
     Q_INVOKABLE bool type(const QString &text, int modifiers);
     [[nodiscard]] Q_INVOKABLE bool typing() const { return m_typeAhead.isUnderWay(); }
 
+    /// Where a row lies in the present order, in a few characters: "Ł", "1997", "12,3 MB". Empty where there is nothing
+    /// to tell.
+    [[nodiscard]] Q_INVOKABLE virtual QString landmark(int /*row*/) const { return {}; }
+
     // What can be done with a row: with all that are selected, where it is one of them.
     /// Queues its tracks, or selects them for a playlist; takes them out where all are in.
     Q_INVOKABLE void toggleSelected(int row);
@@ -79,6 +83,14 @@ protected:
     /// What the file manager is to show of them.
     [[nodiscard]] virtual std::vector<std::filesystem::path> filesAbout(int row) const;
 
+    /// What the present order goes by.
+    struct Place {
+        QString artist;
+        QString album;
+        QString year;
+        std::int64_t bytes = 0;
+    };
+    [[nodiscard]] QString landmarkOf(const Place &place) const;
     /// The rows that an action on this one is about.
     [[nodiscard]] std::vector<int> about(int row) const;
     /// The tracks that are queued, or on the device selected for a playlist.

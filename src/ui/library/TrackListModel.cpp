@@ -250,6 +250,14 @@ double TrackListModel::topAfter(const Listed &before, bool isOtherOrder) const
     return 0;
 }
 
+QString TrackListModel::landmark(int row) const
+{
+    const Track *known = track(row);
+    return known
+        ? landmarkOf({.artist = known->artist, .album = known->album, .year = known->info.year, .bytes = known->bytes})
+        : QString();
+}
+
 QString TrackListModel::nameAt(int row) const
 {
     const Track *known = track(row);

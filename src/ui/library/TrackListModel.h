@@ -41,6 +41,7 @@ public:
     [[nodiscard]] QHash<int, QByteArray> roleNames() const override;
 
     [[nodiscard]] const RowSelection &selection() const override { return m_selection; }
+    [[nodiscard]] QString landmark(int row) const override;
 
     /// The row at the view's upper edge, with the part of it that is scrolled out, and how many rows the view shows.
     Q_INVOKABLE void setView(double topRow, double rowsInView);

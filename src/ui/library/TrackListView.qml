@@ -78,6 +78,7 @@ FocusScope {
             x: root.width
             y: view.y
             height: view.height
+            landmark: pressed ? root.tracks.landmark(view.indexAt(1, view.contentY + sizes.rowHeight)) : ""
         }
         delegate: TrackRow {
             id: row
