@@ -5,6 +5,8 @@
 // For longer, or again what it did: MONKEY_STEPS=10000 MONKEY_SEED=7 monkey_test
 #include "NewUser.h"
 
+#include "support/Archives.h"
+#include "support/CannedServer.h"
 #include "support/FailingDisk.h"
 
 #include "ui/theme/DesktopScheme.h"
@@ -72,6 +74,7 @@ public:
         , m_random(seed)
     {
         user.folder.write("theme.zip", "no archive");
+        fs::copy_file(archive("plain.zip"), user.folder / "good.zip");
         user.ejector = [&socket](const fs::path &) { socket.ejected = true; };
     }
 
@@ -96,7 +99,13 @@ public:
         if (!window().isVisible()) { // it has closed the window
             window().show();
         }
+        for (auto &[place, visits] : m_visits) {
+            visits += m_user.item(place) ? 1 : 0;
+        }
     }
+
+    /// In how many steps each view, page and sheet was seen.
+    [[nodiscard]] const std::map<const char *, int> &visits() const { return m_visits; }
 
     void plug()
     {
@@ -200,10 +209,11 @@ private:
     void drop()
     {
         static const QList<QUrl> urls {QUrl(u"https://example.org/a.flac"_s), QUrl(u"file:///nowhere/at/all.flac"_s),
-            QUrl::fromLocalFile(textOf(m_user.folder / "theme.zip")), QUrl::fromLocalFile(textOf(m_user.folder.path())),
+            QUrl::fromLocalFile(textOf(m_user.folder / "theme.zip")),
+            QUrl::fromLocalFile(textOf(m_user.folder / "good.zip")), QUrl::fromLocalFile(textOf(m_user.folder.path())),
             QUrl::fromLocalFile(textOf(m_user.folder / "music")), QUrl::fromLocalFile(textOf(m_socket.device))};
         QMimeData dragged;
-        dragged.setUrls({oneOf(urls), oneOf(urls)});
+        dragged.setUrls(below(2) == 0 ? QList {oneOf(urls)} : QList {oneOf(urls), oneOf(urls)});
         const QPoint place = anywhere();
         QDragEnterEvent enter(place, Qt::CopyAction, &dragged, Qt::LeftButton, Qt::NoModifier);
         QCoreApplication::sendEvent(&window(), &enter);
@@ -223,7 +233,8 @@ private:
     void answerPanel()
     {
         const std::vector<std::vector<fs::path>> answers {{}, {m_socket.device}, {m_user.folder / "music"},
-            {m_user.folder / "theme.zip"}, {m_user.folder / "gone.png"}, {sample / "iPod/.rockbox/rockbox-info.txt"}};
+            {m_user.folder / "theme.zip"}, {m_user.folder / "good.zip"}, {dataFile("images/plain.png")},
+            {m_user.folder / "gone.png"}, {sample / "iPod/.rockbox/rockbox-info.txt"}};
         if (const auto answer = std::exchange(m_user.panels.answer, {})) {
             answer(oneOf(answers));
         }
@@ -250,6 +261,9 @@ private:
     NewUser &m_user;
     Socket &m_socket;
     QRandomGenerator m_random;
+    std::map<const char *, int> m_visits {{"albumGrid", 0}, {"trackList", 0}, {"folderTree", 0}, {"sheetTitle", 0},
+        {"wholeCover", 0}, {"searchButton", 0}, {"resultList", 0}, {"themeGrid", 0}, {"ownPictureButton", 0},
+        {"issueList", 0}, {"fileList", 0}, {"deviceBackUpButton", 0}, {"findCount", 0}, {"alertOk", 0}};
 };
 
 int numberFrom(const char *variable, int otherwise)
@@ -278,9 +292,11 @@ private Q_SLOTS:
         std::printf("seed %u, %d steps\n", seed, steps);
         const QtMessageHandler before = qInstallMessageHandler(keepComplaints);
         const auto socket = std::make_shared<Socket>();
+        CannedServer server {{}};
+        server.answering = foundCover;
         QByteArray settings;
         {
-            NewUser user({u"pl"_s}, [socket] { return discover(*socket); });
+            NewUser user({u"pl"_s}, [socket] { return discover(*socket); }, coverServices(server));
             socket->device = user.device;
             fs::create_directory(user.folder / "music");
             for (const char *artist : {"Halcyon Ferry", "Low Tide Almanac", "Lena Brzask"}) {
@@ -298,6 +314,10 @@ private Q_SLOTS:
             for (int i = 0; i < steps; ++i) {
                 monkey.step();
                 QVERIFY2(complaints.isEmpty(), qPrintable(u"step %1: %2"_s.arg(i).arg(complaints.join(u"; "_s))));
+            }
+            for (const auto &[place, visits] : monkey.visits()) {
+                std::printf("%s: %d\n", place, visits);
+                QVERIFY2(visits > 0 || steps < 10'000, place);
             }
             monkey.plug();
             MarluneModel &model = user.program.model();

@@ -1,6 +1,7 @@
 // The window of a new user with a copy of the sample iPod, moved by mouse and keyboard only.
 #pragma once
 
+#include "support/CannedServer.h"
 #include "support/ModelDesk.h"
 
 #include "ui/MarluneApp.h"
@@ -9,6 +10,25 @@
 #include <QQuickWindow>
 
 inline const fs::path sample = MARLUNE_SAMPLE;
+
+/// A catalogue that finds one release for every search, with a picture.
+inline CannedServer::Answer foundCover(const CannedServer::Asked &asked)
+{
+    const QByteArray releases = R"({"release-groups":[{"id":"0cd1dd5b-3c5e-4d3a-9f0e-000000000001","score":97,
+        "title":"Soundings","artist-credit":[{"name":"Low Tide Almanac"}],"first-release-date":"1980"}]})";
+    return CannedServer::answer("200 OK",
+        asked.target.startsWith("/ws/") ? releases
+                                        : QByteArray::fromStdString(fileBytes(dataFile("images/plain.png"))));
+}
+
+inline CoverServices coverServices(const CannedServer &server)
+{
+    return {.catalogue = server.root(),
+        .site = server.root(),
+        .archive = server.root(),
+        .spacing = std::chrono::milliseconds(1),
+        .retryPause = std::chrono::milliseconds(1)};
+}
 
 /// The visible item of this name, wherever it hangs, popups included; null if there is none.
 inline QQuickItem *findItem(QQuickItem *root, const QString &name)

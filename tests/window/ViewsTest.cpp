@@ -2,18 +2,7 @@
 // a list stands and what is open stays so, and what changes behind a sheet is seen in it.
 #include "NewUser.h"
 
-#include "support/CannedServer.h"
-
 namespace {
-
-CannedServer::Answer foundCover(const CannedServer::Asked &asked)
-{
-    const QByteArray releases = R"({"release-groups":[{"id":"0cd1dd5b-3c5e-4d3a-9f0e-000000000001","score":97,
-        "title":"Soundings","artist-credit":[{"name":"Low Tide Almanac"}],"first-release-date":"1980"}]})";
-    return CannedServer::answer("200 OK",
-        asked.target.startsWith("/ws/") ? releases
-                                        : QByteArray::fromStdString(fileBytes(dataFile("images/plain.png"))));
-}
 
 /// The list of one view, and what its model says of it.
 struct View {
@@ -158,12 +147,7 @@ private Q_SLOTS:
     {
         CannedServer server {{}};
         server.answering = foundCover;
-        NewUser user({u"pl"_s}, [] { return std::vector<Device> {}; },
-            {.catalogue = server.root(),
-                .site = server.root(),
-                .archive = server.root(),
-                .spacing = std::chrono::milliseconds(1),
-                .retryPause = std::chrono::milliseconds(1)});
+        NewUser user({u"pl"_s}, [] { return std::vector<Device> {}; }, coverServices(server));
         MarluneModel &model = user.program.model();
         user.begin(sample / "Music/Low Tide Almanac");
         const auto openedAndClosed = [&] {
