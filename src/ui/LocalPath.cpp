@@ -1,8 +1,21 @@
 #include "ui/LocalPath.h"
 
+#include <QSysInfo>
+
+namespace {
+
+/// RFC 8089, section 2: no host, "localhost" or this computer's own name. Some file managers write the last.
+bool isThisComputer(const QString &host)
+{
+    return host.isEmpty() || host == QStringLiteral("localhost")
+        || host.compare(QSysInfo::machineHostName(), Qt::CaseInsensitive) == 0;
+}
+
+} // namespace
+
 std::optional<std::filesystem::path> localPath(const QUrl &url)
 {
-    if (!url.isLocalFile()) {
+    if (!url.isLocalFile() || !isThisComputer(url.host())) {
         return std::nullopt;
     }
     const QByteArray bytes = QByteArray::fromPercentEncoding(url.path(QUrl::FullyEncoded).toLatin1());

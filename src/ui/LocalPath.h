@@ -9,7 +9,7 @@
 #include <vector>
 
 /// The path that a "file:" address names, byte for byte, also where its bytes are not UTF-8. Absent for any other
-/// address.
+/// address, and for one of another computer.
 [[nodiscard]] std::optional<std::filesystem::path> localPath(const QUrl &url);
 
 /// Those of the addresses that name a path.

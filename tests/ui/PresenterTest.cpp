@@ -256,6 +256,39 @@ private Q_SLOTS:
         QTRY_VERIFY(shownIn(*pages.backups.backups())[0].endsWith(u"MB"_s));
     }
 
+    void aDropOfAnythingAddsTheMusicInIt()
+    {
+        Pages pages;
+        const fs::path folder = pages.desk.folder / "";
+        const auto url = [](const fs::path &path) { return QUrl::fromLocalFile(QString::fromStdString(path)); };
+        for (const char *remote : {"https://example.org/a.flac", "smb://host/music", "file://elsewhere/a.flac", ""}) {
+            pages.library.importDropped({QUrl(QString::fromUtf8(remote))});
+            QVERIFY2(!pages.model->busy(), remote);
+        }
+        pages.desk.folder.write("music/a.flac", flacWith({"TITLE=a"}));
+        pages.desk.folder.write("goes/b.flac", flacWith({"TITLE=b"}));
+        fs::create_symlink(folder / "music/a.flac", folder / "link.flac");
+        fs::create_directory_symlink(folder / "music", folder / "links");
+        fs::create_directory_symlink(folder, folder / "music/round");
+        QList<QUrl> urls {
+            url(folder / "goes"), url(folder / "link.flac"), url(folder / "links"), url(folder / "music")};
+        for (int i = 0; i < 5'000; ++i) {
+            urls << url(folder / ("missing-" + std::to_string(i))) << url(folder / "music/a.flac");
+        }
+        QElapsedTimer time;
+        time.start();
+        pages.library.importDropped(urls);
+        QVERIFY(pages.model->busy());
+        QVERIFY2(time.elapsed() < 500, "the window waits for it"); // of some milliseconds
+        fs::remove_all(folder / "goes"); // while it is read, or just before or after
+        pages.desk.waitForJobs(*pages.model);
+        const std::vector<Track> &tracks = pages.model->tracks();
+        QCOMPARE(
+            std::count_if(tracks.begin(), tracks.end(), [](const Track &track) { return track.title == u"a"_s; }), 1);
+        QVERIFY(tracks.size() <= 2);
+        QVERIFY(fs::exists(folder / "music/a.flac") && fs::is_symlink(folder / "link.flac"));
+    }
+
     void themesFollowTheDeviceAndTakeOnePackage()
     {
         Pages pages;

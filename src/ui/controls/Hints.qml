@@ -9,6 +9,9 @@ QtObject {
     property Item target: null
     property string text
 
+    /// What it is about is seen: it may have left the window meanwhile.
+    readonly property bool shown: root.target !== null && root.target.visible && root.target.Window.window !== null
+
     function show(item: Item, text: string) {
         root.target = null;
         root.text = text;

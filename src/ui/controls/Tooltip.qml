@@ -9,7 +9,7 @@ T.ToolTip {
     readonly property int widest: 320
 
     parent: Hints.target
-    visible: Hints.target !== null
+    visible: Hints.shown
     text: Hints.text
     x: parent ? Math.round((parent.width - implicitWidth) / 2) : 0
     y: parent ? parent.height + Tokens.space.tight : 0
