@@ -80,6 +80,11 @@ public:
     [[nodiscard]] std::shared_ptr<const Album> albumOf(Side side, const QString &albumId) const;
 
     // Lists of the side that is shown.
+    /// What they are read off. The order of texts may have changed since it was made.
+    [[nodiscard]] const std::shared_ptr<const LibraryIndex> &index() const
+    {
+        return contents(m_side).index ? contents(m_side).index : indexed(m_side).index;
+    }
     [[nodiscard]] const AlbumList &everyAlbum() const { return everyAlbum(m_side); }
     /// Those with a track that matches, whole, in order.
     [[nodiscard]] std::shared_ptr<const AlbumList> albums() const;

@@ -41,6 +41,11 @@ QString searchText(const Track &track)
     return track.artist + u' ' + track.album + u' ' + track.title;
 }
 
+std::size_t hashOf(const std::filesystem::path &file)
+{
+    return qHashBits(file.native().data(), file.native().size());
+}
+
 /// What `places` name once some have gone; `renamed` holds the new names of those that stay.
 Places withoutGone(const Places &places, const std::vector<bool> &gone, const Places &renamed)
 {
@@ -98,6 +103,7 @@ LibraryIndex::LibraryIndex(const std::vector<Track> &tracks, const std::vector<A
 void LibraryIndex::noteTracks(const std::vector<Track> &tracks)
 {
     QHash<QString, std::uint32_t> codecs;
+    const auto identities = std::make_shared<TrackIdentities>();
     for (std::uint32_t place = 0; place < tracks.size(); ++place) {
         const Track &track = tracks[place];
         m_texts += TextOrder::folded(searchText(track));
@@ -109,8 +115,10 @@ void LibraryIndex::noteTracks(const std::vector<Track> &tracks)
         }
         m_codecOf.push_back(codec);
         m_highResolution.push_back(isHighResolution(track.info));
+        identities->push_back({.id = track.id, .file = hashOf(track.url)});
         m_places.emplace_back(track.id, place);
     }
+    m_identities = identities;
     std::sort(m_places.begin(), m_places.end());
 }
 
@@ -179,6 +187,7 @@ std::shared_ptr<const LibraryIndex> LibraryIndex::without(const std::vector<bool
     const std::shared_ptr<LibraryIndex> left(new LibraryIndex);
     left->m_language = m_language;
     left->m_codecs = m_codecs;
+    const auto identities = std::make_shared<TrackIdentities>();
     for (std::uint32_t place = 0; place < size(); ++place) {
         if (gone[place] != goneAlbums[m_albumOf[place]]) {
             return nullptr;
@@ -189,6 +198,7 @@ std::shared_ptr<const LibraryIndex> LibraryIndex::without(const std::vector<bool
             left->m_codecOf.push_back(m_codecOf[place]);
             left->m_highResolution.push_back(m_highResolution[place]);
             left->m_albumOf.push_back(albums[m_albumOf[place]]);
+            identities->push_back((*m_identities)[place]);
         }
     }
     for (const SortMode mode : allSortModes) {
@@ -200,6 +210,7 @@ std::shared_ptr<const LibraryIndex> LibraryIndex::without(const std::vector<bool
             left->m_places.emplace_back(id, places[place]);
         }
     }
+    left->m_identities = identities;
     for (auto album = m_albums.begin(); album != m_albums.end(); ++album) {
         if (!goneAlbums[*album]) {
             left->m_albums.insert(album.key(), albums[*album]);

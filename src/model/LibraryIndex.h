@@ -42,6 +42,13 @@ struct TrackMatches {
     bool highResolution = false; ///< one of them is
 };
 
+/// What a list's row knows its track by.
+struct TrackIdentity {
+    QUuid id;
+    std::size_t file = 0; ///< a hash of its path: what stays when it is read again
+};
+using TrackIdentities = std::vector<TrackIdentity>;
+
 class LibraryIndex {
 public:
     /// `groups` are those of the tracks.
@@ -59,6 +66,8 @@ public:
     /// The albums that hold one of them, in order.
     [[nodiscard]] std::vector<std::uint32_t> albums(const TrackMatches &matches, SortMode order) const;
 
+    /// By place: lists of all tracks need not look into each.
+    [[nodiscard]] const std::shared_ptr<const TrackIdentities> &identities() const { return m_identities; }
     [[nodiscard]] std::optional<std::uint32_t> placeOf(const QUuid &track) const;
     [[nodiscard]] std::uint32_t albumAt(std::uint32_t place) const { return m_albumOf[place]; }
     [[nodiscard]] std::optional<std::uint32_t> albumOf(const QString &albumId) const;
@@ -81,6 +90,7 @@ private:
     std::vector<std::uint32_t> m_albumOf;
     std::array<Order, allSortModes.size()> m_trackOrders;
     std::array<Order, allSortModes.size()> m_albumOrders;
+    std::shared_ptr<const TrackIdentities> m_identities; ///< of each track
     std::vector<std::pair<QUuid, std::uint32_t>> m_places; ///< by id
     QHash<QString, std::uint32_t> m_albums;
 };

@@ -171,6 +171,7 @@ public:
     {
         return m_browsing.albumOf(side(onDeviceOverride), albumId);
     }
+    [[nodiscard]] std::shared_ptr<const LibraryIndex> index() const { return m_browsing.index(); }
     [[nodiscard]] std::shared_ptr<const TrackPlaces> filteredTracks() const { return m_browsing.filteredTracks(); }
     [[nodiscard]] std::size_t filteredTrackCount() const { return m_browsing.filteredTrackCount(); }
     [[nodiscard]] std::shared_ptr<const TrackMatches> trackMatches() const { return m_browsing.trackMatches(); }

@@ -5,8 +5,6 @@
 
 #include "platform/text/ByteCount.h"
 
-#include <QHash>
-
 #include <algorithm>
 #include <utility>
 
@@ -24,6 +22,13 @@ bool looksTheSame(const Album &a, const Album &b)
         || (a.title == b.title && a.artist == b.artist
             && std::equal(a.tracks.begin(), a.tracks.end(), b.tracks.begin(), b.tracks.end(),
                 [&](const Track &x, const Track &y) { return x.id == y.id && sameArtwork(x, y); }));
+}
+
+template <typename Row> std::vector<std::size_t> idsOf(const std::vector<Row> &rows)
+{
+    std::vector<std::size_t> ids(rows.size());
+    std::transform(rows.begin(), rows.end(), ids.begin(), [](const Row &row) { return row.id; });
+    return ids;
 }
 
 bool holds(const Album &album, const QUuid &track)
@@ -158,17 +163,17 @@ void AlbumListModel::refresh()
 
 std::vector<AlbumListModel::Row> AlbumListModel::rowsFor(const AlbumList &albums) const
 {
-    QHash<QString, const Row *> shown;
-    shown.reserve(qsizetype(m_rows.size()));
-    for (const Row &row : m_rows) {
-        shown.insert(row.id, &row);
-    }
+    const std::vector<std::size_t> ids = idsOf(m_rows);
+    const RowChanges::Positions<std::size_t> rowOf(ids);
     std::vector<Row> rows;
     rows.reserve(albums.size());
     for (const std::shared_ptr<const Album> &album : albums) {
-        Row row {
-            .id = album->id(), .album = album, .chosen = isChosen(*album), .playing = isPlaying(*album), .texts = {}};
-        if (const Row *before = shown.value(row.id); before && looksTheSame(*album, *before->album)) {
+        Row row {.id = qHash(album->id()),
+            .album = album,
+            .chosen = isChosen(*album),
+            .playing = isPlaying(*album),
+            .texts = {}};
+        if (const Row *before = this->row(rowOf(row.id)); before && looksTheSame(*album, *before->album)) {
             row.texts = before->texts;
         }
         rows.push_back(std::move(row));
@@ -178,8 +183,7 @@ std::vector<AlbumListModel::Row> AlbumListModel::rowsFor(const AlbumList &albums
 
 void AlbumListModel::replaceRows(std::vector<Row> rows)
 {
-    m_before = {.ids = std::vector<QString>(m_rows.size()), .selection = m_selection, .topRow = m_topRow};
-    std::transform(m_rows.begin(), m_rows.end(), m_before.ids.begin(), [](const Row &row) { return row.id; });
+    m_before = {.ids = idsOf(m_rows), .selection = m_selection, .topRow = m_topRow};
     const bool isOtherOrder = std::exchange(m_sortMode, model().sortMode()) != model().sortMode();
     if (changeRows(m_rows, rows, [](const Row &row) { return row.id; })) {
         updateRows(std::move(rows));
@@ -193,14 +197,10 @@ void AlbumListModel::replaceRows(std::vector<Row> rows)
 /// All rows are new: what was selected and current is so again.
 void AlbumListModel::follow()
 {
-    QHash<QString, int> places;
-    places.reserve(qsizetype(m_rows.size()));
-    for (std::size_t i = 0; i < m_rows.size(); ++i) {
-        places.insert(m_rows[i].id, int(i));
-    }
+    const std::vector<std::size_t> ids = idsOf(m_rows);
+    const RowChanges::Positions<std::size_t> rowOf(ids);
     std::vector<int> newRows(m_before.ids.size());
-    std::transform(m_before.ids.begin(), m_before.ids.end(), newRows.begin(),
-        [&places](const QString &id) { return places.value(id, -1); });
+    std::transform(m_before.ids.begin(), m_before.ids.end(), newRows.begin(), rowOf);
     m_selection = m_before.selection;
     m_selection.remap(newRows, rowCount());
 }

@@ -84,7 +84,7 @@ private:
         QString cover;
     };
     struct Row {
-        QString id;
+        std::size_t id = 0; ///< a hash of the album's
         std::shared_ptr<const Album> album;
         bool chosen = false;
         bool playing = false;
@@ -114,7 +114,7 @@ private:
     QString m_sortMode; ///< of m_rows
     /// While all rows are replaced.
     struct {
-        std::vector<QString> ids;
+        std::vector<std::size_t> ids;
         RowSelection selection;
         double topRow = 0;
     } m_before;

@@ -89,8 +89,8 @@ const Track *FolderTreeModel::track(Node file) const
 {
     const std::vector<Track> &tracks = model().activeTracks();
     const std::uint32_t place = tree()[file].track;
-    const bool isThere
-        = m_isOnDevice == model().libraryOnDevice() && place < tracks.size() && tracks[place].id == m_shown.ids[place];
+    const bool isThere = m_isOnDevice == model().libraryOnDevice() && place < tracks.size()
+        && tracks[place].id == (*m_shown.identities)[place].id;
     return isThere ? &tracks[place] : nullptr;
 }
 
@@ -193,7 +193,7 @@ void FolderTreeModel::play(int row)
     const bool isFolder = tree()[*shown].isFolder();
     const std::vector<Node> files = m_shown.folders.files(*shown);
     const bool isLoaded = playback.current() && std::any_of(files.begin(), files.end(), [&](Node file) {
-        return m_shown.ids[tree()[file].track] == playback.current()->id;
+        return (*m_shown.identities)[tree()[file].track].id == playback.current()->id;
     });
     if (isLoaded) {
         playback.toggle();

@@ -137,9 +137,10 @@ std::vector<bool> FolderTreeModel::chosenTracks() const
     const QSet<QUuid> &ids = chosen();
     std::vector<bool> result;
     if (!ids.isEmpty()) {
-        result.resize(m_shown.ids.size());
-        std::transform(m_shown.ids.begin(), m_shown.ids.end(), result.begin(),
-            [&ids](const QUuid &id) { return ids.contains(id); });
+        const TrackIdentities &tracks = *m_shown.identities;
+        result.resize(tracks.size());
+        std::transform(tracks.begin(), tracks.end(), result.begin(),
+            [&ids](const TrackIdentity &track) { return ids.contains(track.id); });
     }
     return result;
 }
@@ -160,10 +161,8 @@ void FolderTreeModel::refreshIfShown()
 
 bool FolderTreeModel::isCurrent(const Shown &shown) const
 {
-    const std::vector<Track> &tracks = model().activeTracks();
     return shown.language == TextOrder::language() && shown.root == root()
-        && std::equal(shown.ids.begin(), shown.ids.end(), tracks.begin(), tracks.end(),
-            [](const QUuid &id, const Track &track) { return id == track.id; });
+        && shown.identities == model().index()->identities();
 }
 
 void FolderTreeModel::refresh()
@@ -209,15 +208,15 @@ QCoro::Task<> FolderTreeModel::runBuilding()
     if (!begun.base && aside().root == begun.shown.root) { // those of another device are of no use
         begun.base = aside().folders.tree();
     }
-    auto files = std::make_shared<PathList>();
-    begun.shown.ids.reserve(model().activeTracks().size());
-    for (const Track &track : model().activeTracks()) {
-        files->add(track.url);
-        begun.shown.ids.push_back(track.id);
-    }
-    auto work = [files, built = std::move(begun)]() mutable {
+    begun.shown.identities = model().index()->identities();
+    auto work = [tracks = model().sharedTracks(), built = std::move(begun)]() mutable {
+        PathList files;
+        for (const Track &track : *tracks) {
+            files.add(track.url);
+        }
+        tracks.reset(); // who changes them now need not copy them
         const std::optional<std::filesystem::path> &root = built.shown.root;
-        built.tree = std::make_shared<const FolderTree>(*files, root, root ? Files::name(*root) : QString());
+        built.tree = std::make_shared<const FolderTree>(files, root, root ? Files::name(*root) : QString());
         if (built.base) {
             built.before = built.tree->placesIn(*built.base);
         }
@@ -266,7 +265,7 @@ void FolderTreeModel::land(Built built)
     m_shown.folders = std::move(old.folders);
     m_shown.folders.setTree(std::move(built.tree), built.before);
     m_shown.beforeSearch = std::move(old.beforeSearch);
-    m_shown.ids = std::move(built.shown.ids);
+    m_shown.identities = std::move(built.shown.identities);
     m_shown.root = built.shown.root;
     m_shown.language = built.shown.language;
     for (std::size_t i = 0; i < m_shown.rows.size(); ++i) { // those that are gone get numbers of no node
@@ -367,9 +366,11 @@ void FolderTreeModel::refreshPlaying()
     if (!playback.playing() || !m_shown.folders.tree()) {
         return;
     }
-    const auto place = std::find(m_shown.ids.begin(), m_shown.ids.end(), playback.current()->id);
-    for (Node node = 0; place != m_shown.ids.end() && node < tree().size(); ++node) {
-        if (tree()[node].track == std::uint32_t(place - m_shown.ids.begin())) {
+    const TrackIdentities &tracks = *m_shown.identities;
+    const auto heard = std::find_if(tracks.begin(), tracks.end(),
+        [&id = playback.current()->id](const TrackIdentity &track) { return track.id == id; });
+    for (Node node = 0; heard != tracks.end() && node < tree().size(); ++node) {
+        if (tree()[node].track == std::uint32_t(heard - tracks.begin())) {
             m_playing = node;
         }
     }

@@ -98,7 +98,7 @@ private:
         RowSelection selection;
         double topRow = 0;
         std::optional<Places> beforeSearch; ///< while one is shown
-        std::vector<QUuid> ids; ///< of the tracks that the tree was built of
+        std::shared_ptr<const TrackIdentities> identities; ///< of the tracks that the tree was built of
         std::optional<std::filesystem::path> root;
         TextOrder::Language language = TextOrder::Language::Polish;
     };

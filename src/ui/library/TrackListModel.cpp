@@ -22,11 +22,6 @@ QString numberText(std::int64_t number)
     return number > 0 ? QStringLiteral("%1 ").arg(number, 2, 10, QChar(u'0')) : QString();
 }
 
-std::size_t hashOf(const std::filesystem::path &file)
-{
-    return qHashBits(file.native().data(), file.native().size());
-}
-
 } // namespace
 
 TrackListModel::TrackListModel(MarluneModel &model, QObject *parent)
@@ -147,20 +142,15 @@ TrackListModel::Order TrackListModel::order() const
         .language = int(TextOrder::language())};
 }
 
-std::vector<TrackListModel::Row> TrackListModel::freshRows()
+std::vector<TrackListModel::Row> TrackListModel::freshRows() const
 {
     const std::shared_ptr<const TrackPlaces> places = model().filteredTracks();
-    const std::vector<Track> &tracks = model().activeTracks();
-    m_files.resize(tracks.size());
-    for (std::size_t place = 0; place < tracks.size(); ++place) {
-        if (m_files[place].first != tracks[place].id) {
-            m_files[place] = {tracks[place].id, hashOf(tracks[place].url)};
-        }
-    }
+    const std::shared_ptr<const TrackIdentities> identities = model().index()->identities();
     std::vector<Row> rows;
     rows.reserve(places->size());
     for (const std::uint32_t place : *places) {
-        rows.push_back({.id = m_files[place].first, .file = m_files[place].second, .place = place});
+        const TrackIdentity &track = (*identities)[place];
+        rows.push_back({.id = track.id, .file = track.file, .place = place});
     }
     return rows;
 }
@@ -213,14 +203,12 @@ void TrackListModel::follow(const Listed &before)
         m_selection.reset(int(m_rows.size()));
         return;
     }
-    QHash<std::size_t, int> places;
-    places.reserve(qsizetype(m_rows.size()));
-    for (std::size_t i = 0; i < m_rows.size(); ++i) {
-        places.insert(m_rows[i].file, int(i));
-    }
+    std::vector<std::size_t> files(m_rows.size());
+    std::transform(m_rows.begin(), m_rows.end(), files.begin(), [](const Row &row) { return row.file; });
+    const RowChanges::Positions<std::size_t> rowOf(files);
     std::vector<int> newRows(before.rows.size());
-    std::transform(before.rows.begin(), before.rows.end(), newRows.begin(),
-        [&places](const Row &row) { return places.value(row.file, -1); });
+    std::transform(
+        before.rows.begin(), before.rows.end(), newRows.begin(), [&rowOf](const Row &row) { return rowOf(row.file); });
     m_selection.remap(newRows, int(m_rows.size()));
 }
 

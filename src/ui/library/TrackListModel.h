@@ -62,7 +62,7 @@ protected:
 private:
     struct Row {
         QUuid id;
-        std::size_t file = 0; ///< a hash of its path: what stays when it is read again
+        std::size_t file = 0; ///< as in TrackIdentity
         std::uint32_t place = 0; ///< among the active tracks
     };
     /// What decides which rows there are, and in what order, but for the tracks themselves.
@@ -87,7 +87,7 @@ private:
 
     void refreshIfShown();
     void refresh();
-    [[nodiscard]] std::vector<Row> freshRows();
+    [[nodiscard]] std::vector<Row> freshRows() const;
     [[nodiscard]] Order order() const;
     /// Selects what was selected before.
     void follow(const Listed &before);
@@ -100,8 +100,6 @@ private:
     std::vector<Row> m_rows;
     RowSelection m_selection;
     Order m_order; ///< of m_rows
-    /// By place, so that a new order need not look into each track: that is what would take long.
-    std::vector<std::pair<QUuid, std::size_t>> m_files;
     double m_topRow = 0;
     double m_rowsInView = 0;
     Listed m_before; ///< while the rows are replaced
