@@ -296,6 +296,7 @@ private Q_SLOTS:
         server.answering = foundCover;
         QByteArray settings;
         {
+            FailingDisk disk(0); // outlives all that writes
             NewUser user({u"pl"_s}, [socket] { return discover(*socket); }, coverServices(server));
             socket->device = user.device;
             fs::create_directory(user.folder / "music");
@@ -306,7 +307,6 @@ private Q_SLOTS:
             const auto onDevice = musicBelow(user.device);
             QVERIFY(music.size() > 10 && !onDevice.empty());
             fs::rename(user.device, user.folder / "unplugged");
-            FailingDisk disk(0);
             Monkey monkey(user, *socket, seed);
             monkey.plug();
             QVERIFY(QTest::qWaitForWindowExposed(user.program.window()));
