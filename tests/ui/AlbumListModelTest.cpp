@@ -101,7 +101,9 @@ private Q_SLOTS:
         QSignalSpy changes(&grid.rows, &QAbstractItemModel::dataChanged);
         grid.import(); // a known album gets a third track
         QTRY_VERIFY(grid.value(3, AlbumListModel::CountAndSizeRole).toString().startsWith(u"3 / "_s));
-        QCOMPARE(changes.count(), 1);
+        QCOMPARE(std::ranges::count_if(
+                     changes, [](const auto &change) { return change.at(2).template value<QList<int>>().isEmpty(); }),
+            1);
         grid.rows.forget(0);
         QTRY_COMPARE(grid.titles(), u"B C D F G"_s);
         QCOMPARE(second.row(), 2);
@@ -121,11 +123,9 @@ private Q_SLOTS:
         QCOMPARE(places.at(0).at(0).toDouble(), 0.0);
         QVERIFY(grid.titles().startsWith(u'D'));
         QCOMPARE(marked(), u"DB D"_s);
-        const QSignalSpy updates(&grid.rows, &AlbumListModel::refreshed);
         grid.model->setSearch(u"x"_s);
         grid.model->setHiResOnly(true);
         QTRY_COMPARE(grid.rows.rowCount(), 0);
-        QCOMPARE(updates.count(), 1); // for a burst of changes
     }
 
     void aNewCoverChangesItsRowAloneAndAHiddenListLater()
@@ -152,6 +152,9 @@ private Q_SLOTS:
         ModelDesk::waitForJobs(*grid.model);
         grid.model->setSection(Section::Themes);
         grid.model->repairAvailableCovers();
+        ModelDesk::waitForJobs(*grid.model);
+        QCOMPARE(changes.count(), 1);
+        grid.model->setSection(Section::Music);
         QTRY_COMPARE(changes.count(), 5);
         QVERIFY(!changedMeanwhile);
     }
@@ -167,9 +170,7 @@ private Q_SLOTS:
         for (const int row : {1, 2, -1, 4}) {
             grid.rows.toggle(row);
         }
-        QTRY_COMPARE(changes.count(), 1); // both neighbours in one range
-        QCOMPARE(changes.at(0).at(0).toModelIndex().row(), 1);
-        QCOMPARE(changes.at(0).at(1).toModelIndex().row(), 2);
+        QTRY_COMPARE(changes.count(), 1); // for all of them
         QCOMPARE(changes.at(0).at(2).value<QList<int>>(), QList<int> {AlbumListModel::ChosenRole});
         QVERIFY(grid.value(2, AlbumListModel::ChosenRole).toBool());
         grid.model->clearQueue();

@@ -47,15 +47,15 @@ AlbumListModel::AlbumListModel(MarluneModel &model, std::shared_ptr<CoverStore> 
         m_isOutdated = true;
         m_listChange.start();
     });
-    connect(&model, &MarluneModel::sectionChanged, this, &AlbumListModel::refreshIfDue);
-    m_listChange.follow(model, &MarluneModel::busyChanged);
+    connect(&model, &MarluneModel::sectionChanged, this, &AlbumListModel::refreshIfShown);
+    connect(&model, &MarluneModel::viewModeChanged, this, &AlbumListModel::refreshIfShown);
     m_selectionChange.follow(model, &MarluneModel::selectionChanged);
     for (const auto signal : {&Playback::currentChanged, &Playback::playingChanged}) {
-        connect(&model.playback(), signal, this, &AlbumListModel::refreshPlaying);
+        connect(&model.playback(), signal, this, [this] { renew({PlayingRole}); });
     }
     followSteps();
     connect(this, &QAbstractItemModel::modelReset, this, &AlbumListModel::follow);
-    refresh();
+    refreshIfShown();
 }
 
 int AlbumListModel::rowCount(const QModelIndex &parent) const
@@ -96,9 +96,9 @@ QVariant AlbumListModel::data(const QModelIndex &index, int role) const
     case DiscsRole:
         return texts(*shown).discs;
     case ChosenRole:
-        return shown->chosen;
+        return isChosen(*shown->album);
     case PlayingRole:
-        return shown->playing;
+        return isPlaying(*shown->album);
     case CoverRole:
         return texts(*shown).cover;
     case MarkedRole:
@@ -142,9 +142,11 @@ bool AlbumListModel::isPlaying(const Album &album) const
     return playback.playing() && holds(album, playback.current()->id);
 }
 
-void AlbumListModel::refreshIfDue()
+void AlbumListModel::refreshIfShown()
 {
-    if (m_isOutdated && (model().section() == Section::Music || !model().busy())) {
+    const bool isShown
+        = model().section() == Section::Music && viewModeFromText(model().viewMode()) == ViewMode::Albums;
+    if (m_isOutdated && isShown) {
         refresh();
     }
 }
@@ -158,7 +160,6 @@ void AlbumListModel::refresh()
         m_albums = albums;
         m_covers->prune();
     }
-    Q_EMIT refreshed();
 }
 
 std::vector<AlbumListModel::Row> AlbumListModel::rowsFor(const AlbumList &albums) const
@@ -168,11 +169,7 @@ std::vector<AlbumListModel::Row> AlbumListModel::rowsFor(const AlbumList &albums
     std::vector<Row> rows;
     rows.reserve(albums.size());
     for (const std::shared_ptr<const Album> &album : albums) {
-        Row row {.id = qHash(album->id()),
-            .album = album,
-            .chosen = isChosen(*album),
-            .playing = isPlaying(*album),
-            .texts = {}};
+        Row row {.id = qHash(album->id()), .album = album, .texts = {}};
         if (const Row *before = this->row(rowOf(row.id)); before && looksTheSame(*album, *before->album)) {
             row.texts = before->texts;
         }
@@ -268,34 +265,8 @@ void AlbumListModel::updateRows(std::vector<Row> rows)
     for (int i = 0; i < int(m_rows.size()); ++i) {
         const Row &was = before[std::size_t(i)];
         const Row &is = m_rows[std::size_t(i)];
-        if (was.chosen != is.chosen || was.playing != is.playing || !looksTheSame(*was.album, *is.album)) {
+        if (!looksTheSame(*was.album, *is.album)) {
             Q_EMIT dataChanged(index(i), index(i));
-        }
-    }
-}
-
-void AlbumListModel::refreshChosen()
-{
-    refreshRows(&Row::chosen, &AlbumListModel::isChosen, ChosenRole);
-}
-
-void AlbumListModel::refreshPlaying()
-{
-    refreshRows(&Row::playing, &AlbumListModel::isPlaying, PlayingRole);
-}
-
-/// Brings one state of all rows up to date.
-void AlbumListModel::refreshRows(bool Row::*state, bool (AlbumListModel::*now)(const Album &) const, Role role)
-{
-    int first = -1;
-    for (int i = 0; i <= int(m_rows.size()); ++i) {
-        Row *row = i < int(m_rows.size()) ? &m_rows[std::size_t(i)] : nullptr;
-        if (row && (this->*now)(*row->album) != row->*state) {
-            row->*state = !(row->*state);
-            first = first < 0 ? i : first;
-        } else if (first >= 0) {
-            Q_EMIT dataChanged(index(first), index(i - 1), {role});
-            first = -1;
         }
     }
 }

@@ -1,10 +1,9 @@
 // The albums of the library page as rows, and which of them are selected.
 //
-// Rows follow the model's albums a turn of the event loop later, once for a burst of changes; while the page is hidden
-// they wait until it is shown or the present job has ended. What stays in place keeps
-// its row, so that the page keeps its place too: a few changes arrive as rows put in and taken out, many as a reset.
-// Either way what is still there stays selected and the current row.
-// Texts of a row are made when it is first shown. UI thread.
+// Rows follow the model's albums a turn of the event loop later, once for a burst of changes; while the page or its
+// grid is hidden they wait. What stays in place keeps its row, so that the page keeps its place too: a few changes
+// arrive as rows put in and taken out, many as a reset. Either way what is still there stays selected and the current
+// row. Texts of a row are made when it is first shown. UI thread.
 #pragma once
 
 #include "ui/library/MusicListModel.h"
@@ -61,10 +60,6 @@ public:
     /// Drops the album from the library; its files stay.
     Q_INVOKABLE void forget(int row);
 
-Q_SIGNALS:
-    /// The rows are those of the model's present albums.
-    void refreshed();
-
 protected:
     [[nodiscard]] RowSelection &ownSelection() override { return m_selection; }
     /// The artist where albums are in the order of artists, otherwise the title.
@@ -86,15 +81,11 @@ private:
     struct Row {
         std::size_t id = 0; ///< a hash of the album's
         std::shared_ptr<const Album> album;
-        bool chosen = false;
-        bool playing = false;
         mutable std::optional<Texts> texts;
     };
 
-    void refreshIfDue();
+    void refreshIfShown();
     void refresh();
-    void refreshChosen();
-    void refreshPlaying();
     [[nodiscard]] std::vector<Row> rowsFor(const AlbumList &albums) const;
     void replaceRows(std::vector<Row> rows);
     void updateRows(std::vector<Row> rows);
@@ -102,7 +93,6 @@ private:
     [[nodiscard]] double topNow(bool isOtherOrder) const;
     [[nodiscard]] bool isChosen(const Album &album) const;
     [[nodiscard]] bool isPlaying(const Album &album) const;
-    void refreshRows(bool Row::*state, bool (AlbumListModel::*now)(const Album &) const, Role role);
     [[nodiscard]] const Texts &texts(const Row &row) const;
     [[nodiscard]] const Row *row(int index) const;
 
@@ -118,7 +108,7 @@ private:
         RowSelection selection;
         double topRow = 0;
     } m_before;
-    bool m_isOutdated = false; ///< the model's albums have changed since
-    BurstTimer m_listChange {[this] { refreshIfDue(); }};
-    BurstTimer m_selectionChange {[this] { refreshChosen(); }};
+    bool m_isOutdated = true; ///< the model's albums have changed since
+    BurstTimer m_listChange {[this] { refreshIfShown(); }};
+    BurstTimer m_selectionChange {[this] { renew({ChosenRole}); }};
 };

@@ -22,7 +22,12 @@ LibraryPresenter::LibraryPresenter(MarluneModel &model, std::shared_ptr<CoverSto
     , m_tracks(model)
     , m_folders(model)
 {
-    connect(&m_albums, &AlbumListModel::refreshed, this, &LibraryPresenter::refreshContent);
+    connect(&m_model, &MarluneModel::browsingChanged, this, [this] {
+        m_isOutdated = true;
+        m_change.start();
+    });
+    connect(&m_model, &MarluneModel::sectionChanged, this, &LibraryPresenter::refreshIfDue);
+    m_change.follow(m_model, &MarluneModel::busyChanged);
     connect(&m_model, &MarluneModel::viewModeChanged, this, &LibraryPresenter::viewChanged);
     connect(&m_model, &MarluneModel::deviceChanged, this, &LibraryPresenter::canReadDeviceChanged);
     connect(&m_model, &MarluneModel::busyChanged, this, &LibraryPresenter::canReadDeviceChanged);
@@ -55,8 +60,16 @@ bool LibraryPresenter::canReadDevice() const
     return m_model.device().has_value() && !m_model.busy();
 }
 
+void LibraryPresenter::refreshIfDue()
+{
+    if (m_isOutdated && (m_model.section() == Section::Music || !m_model.busy())) {
+        refreshContent();
+    }
+}
+
 void LibraryPresenter::refreshContent()
 {
+    m_isOutdated = false;
     const std::shared_ptr<const TrackMatches> matches = m_model.trackMatches();
     const Content content {.albums = m_model.albums()->size(),
         .tracks = matches->count,

@@ -7,6 +7,8 @@
 #include "ui/library/FolderTreeModel.h"
 #include "ui/library/TrackListModel.h"
 
+#include "platform/tasks/BurstTimer.h"
+
 #include <QObject>
 #include <QUrl>
 
@@ -71,6 +73,7 @@ private:
 
         bool operator==(const Content &) const = default;
     };
+    void refreshIfDue();
     void refreshContent();
     [[nodiscard]] ViewMode view() const { return viewModeFromText(m_model.viewMode()); }
 
@@ -79,4 +82,6 @@ private:
     TrackListModel m_tracks;
     FolderTreeModel m_folders;
     Content m_content;
+    bool m_isOutdated = false; ///< m_content
+    BurstTimer m_change {[this] { refreshIfDue(); }};
 };
