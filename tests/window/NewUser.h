@@ -6,6 +6,8 @@
 
 #include "ui/MarluneApp.h"
 
+#include <QDropEvent>
+#include <QMimeData>
 #include <QQuickItem>
 #include <QQuickWindow>
 
@@ -133,6 +135,17 @@ struct NewUser {
         for (const QChar c : text) {
             QTest::sendKeyEvent(QTest::Click, program.window(), Qt::Key(c.toUpper().unicode()), c, Qt::NoModifier);
         }
+    }
+
+    /// Lets files go there that another program's window gave.
+    void drop(const QList<QUrl> &urls, const QPoint &place) const
+    {
+        QMimeData dragged;
+        dragged.setUrls(urls);
+        QDragEnterEvent enter(place, Qt::CopyAction, &dragged, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(program.window(), &enter);
+        QDropEvent dropped(place, Qt::CopyAction, &dragged, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(program.window(), &dropped);
     }
 
     void clickNamed(const char *name) const

@@ -2,6 +2,8 @@
 // a list stands and what is open stays so, and what changes behind a sheet is seen in it.
 #include "NewUser.h"
 
+#include "support/Archives.h"
+
 namespace {
 
 /// The list of one view, and what its model says of it.
@@ -202,7 +204,10 @@ private Q_SLOTS:
             !model.busy() && user.tile("Soundings")->property("cover").toString() != before, 20'000);
         QTRY_VERIFY(user.item("coverSourceButton") && !user.item("searchButton"));
 
-        // What goes behind the sheet is gone in it.
+        // What is read again behind the sheet stays in it, what goes is gone.
+        model.importURLs({sample / "Music/Low Tide Almanac"}, false, false);
+        QTRY_VERIFY_WITH_TIMEOUT(!model.busy(), 20'000);
+        QCOMPARE(user.shownText("sheetTitle"), std::string("Soundings"));
         model.forget(*model.openAlbum());
         QTRY_VERIFY(user.item("albumGone"));
         user.press(Qt::Key_Escape);
@@ -218,6 +223,10 @@ private Q_SLOTS:
         QTest::qWait(250);
         user.press(Qt::Key_Escape);
         QTRY_VERIFY(!model.openTheme() && !user.item("ownPictureButton"));
+        const qsizetype installed = qsizetype(model.themes().size());
+        user.drop({QUrl::fromLocalFile(QString::fromStdString(archive("plain.zip").string()))}, {600, 600});
+        QTRY_VERIFY_WITH_TIMEOUT(!model.busy() && model.alert(), 20'000);
+        QTRY_COMPARE(user.item("themeGrid")->property("count").toInt(), int(installed) + 1);
     }
 };
 
