@@ -79,7 +79,6 @@ private Q_SLOTS:
         grid.write("Artist", {"B", "D", "F"});
         grid.import();
         QTRY_COMPARE(grid.titles(), u"B D F"_s);
-        const QSignalSpy resets(&grid.rows, &QAbstractItemModel::modelReset);
         const QSignalSpy places(&grid.rows, &MusicListModel::placed);
         const QPersistentModelIndex second = grid.rows.index(1);
         grid.rows.walk(0, Qt::NoModifier);
@@ -107,7 +106,7 @@ private Q_SLOTS:
         grid.rows.forget(0);
         QTRY_COMPARE(grid.titles(), u"B C D F G"_s);
         QCOMPARE(second.row(), 2);
-        QCOMPARE(resets.count() + places.count(), 0);
+        QCOMPARE(places.count(), 0); // what is in sight stays there
         QCOMPARE(marked(), u"BD D"_s);
 
         grid.rows.setTopRow(2.5);
@@ -119,8 +118,7 @@ private Q_SLOTS:
             QCOMPARE(marked().section(u' ', 1), u"D"_s);
         }
         QCOMPARE(landmarks, u"A B — B "_s);
-        QVERIFY(resets.count() > 0);
-        QCOMPARE(places.at(0).at(0).toDouble(), 0.0);
+        QVERIFY(places.count() > 0 && places.at(0).at(0).toDouble() == 0);
         QVERIFY(grid.titles().startsWith(u'D'));
         QCOMPARE(marked(), u"DB D"_s);
         grid.model->setSearch(u"x"_s);
@@ -166,7 +164,6 @@ private Q_SLOTS:
         grid.import();
         QTRY_COMPARE(grid.rows.rowCount(), 4);
         QSignalSpy changes(&grid.rows, &QAbstractItemModel::dataChanged);
-        const QSignalSpy resets(&grid.rows, &QAbstractItemModel::modelReset);
         for (const int row : {1, 2, -1, 4}) {
             grid.rows.toggle(row);
         }
@@ -175,7 +172,6 @@ private Q_SLOTS:
         QVERIFY(grid.value(2, AlbumListModel::ChosenRole).toBool());
         grid.model->clearQueue();
         QTRY_VERIFY(!grid.value(1, AlbumListModel::ChosenRole).toBool());
-        QCOMPARE(resets.count(), 0);
     }
 
     void itsCoversComeInTheSizeAskedFor()

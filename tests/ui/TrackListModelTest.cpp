@@ -113,7 +113,7 @@ private Q_SLOTS:
         table.write({"B", "D", "F", "H"});
         table.import();
         QTRY_COMPARE(table.titles(), u"B D F H"_s);
-        const QSignalSpy resets(&table.rows, &QAbstractItemModel::modelReset);
+        const QSignalSpy places(&table.rows, &MusicListModel::placed);
         table.rows.click(1, Qt::NoModifier);
         table.rows.click(3, Qt::ControlModifier);
         table.write({"A", "E"});
@@ -122,7 +122,7 @@ private Q_SLOTS:
         QCOMPARE(table.marked(), u"D H"_s);
         table.forget(u"D"_s);
         QTRY_COMPARE(table.titles(), u"A B E F H"_s);
-        QCOMPARE(resets.count(), 0);
+        QCOMPARE(places.count(), 0);
         QCOMPARE(table.marked(), u"H"_s);
         QCOMPARE(table.rows.currentRow(), 4);
 

@@ -54,7 +54,6 @@ AlbumListModel::AlbumListModel(MarluneModel &model, std::shared_ptr<CoverStore> 
         connect(&model.playback(), signal, this, [this] { renew({PlayingRole}); });
     }
     followSteps();
-    connect(this, &QAbstractItemModel::modelReset, this, &AlbumListModel::follow);
     refreshIfShown();
 }
 
@@ -182,9 +181,12 @@ void AlbumListModel::replaceRows(std::vector<Row> rows)
 {
     m_before = {.ids = idsOf(m_rows), .selection = m_selection, .topRow = m_topRow};
     const bool isOtherOrder = std::exchange(m_sortMode, model().sortMode()) != model().sortMode();
-    if (changeRows(m_rows, rows, [](const Row &row) { return row.id; })) {
+    if (changeInSteps(m_rows, rows, [](const Row &row) { return row.id; })) {
         updateRows(std::move(rows));
     } else {
+        exchangeRows(m_rows, std::move(rows));
+        follow();
+        renew({});
         Q_EMIT placed(topNow(isOtherOrder));
     }
     Q_EMIT selectedChanged();

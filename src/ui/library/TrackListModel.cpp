@@ -38,7 +38,6 @@ TrackListModel::TrackListModel(MarluneModel &model, QObject *parent)
         connect(&model.playback(), signal, this, [this] { renew({PlayingRole}); });
     }
     followSteps();
-    connect(this, &QAbstractItemModel::modelReset, this, [this] { follow(m_before); });
     refreshIfShown();
 }
 
@@ -167,11 +166,13 @@ void TrackListModel::refresh()
         m_gone = {.rows = m_rows, .selection = m_selection, .topRow = m_topRow, .onDevice = now.onDevice};
     }
     m_before = {.rows = m_rows, .selection = m_selection, .topRow = m_topRow, .onDevice = now.onDevice};
-    const bool inSteps = !isSortedAnew && changeRows(m_rows, rows, [](const Row &row) { return row.file; });
-    if (isSortedAnew) { // no steps need be looked for, which would take longer than all else here
-        resetRows(m_rows, std::move(rows));
-    }
-    if (inSteps) {
+    // In another order no steps need be looked for, which would take longer than all else here.
+    const bool inSteps = !isSortedAnew && changeInSteps(m_rows, rows, [](const Row &row) { return row.file; });
+    if (!inSteps) {
+        exchangeRows(m_rows, std::move(rows));
+        follow(m_before);
+        renew({});
+    } else {
         const std::vector<Row> stale = std::exchange(m_rows, std::move(rows));
         const auto isSame = [](const Row &a, const Row &b) { return a.id == b.id && a.place == b.place; };
         const auto first = std::mismatch(stale.begin(), stale.end(), m_rows.begin(), isSame).first;

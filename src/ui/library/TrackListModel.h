@@ -2,9 +2,9 @@
 //
 // Rows follow the model's filtered tracks a turn of the event loop later, once for a burst of changes; while the page
 // or its table is hidden they wait. A row holds where its track was and which one it is, and shows nothing once another
-// is there: a long list is replaced without a copy. A few changes arrive as rows put in and taken out, many as a reset.
-// Either way what is still there stays selected and the current row. A file that
-// was read again is the same row. UI thread.
+// is there: a long list is replaced without a copy. A few changes arrive as rows put in and taken out, many as other rows
+// in the same places. Either way what is still there stays selected and the current row. A file that was read again is
+// the same row. UI thread.
 #pragma once
 
 #include "ui/library/MusicListModel.h"

@@ -37,10 +37,39 @@ protected:
         endResetModel();
     }
 
+    /// Makes the rows other ones where they stand: a view keeps its items, which takes it far less time than new ones.
+    /// It is the caller who then tells that all of them have changed.
+    template <typename Row> void exchangeRows(std::vector<Row> &rows, std::vector<Row> wanted)
+    {
+        const auto before = std::ptrdiff_t(rows.size());
+        const auto after = std::ptrdiff_t(wanted.size());
+        if (after < before) {
+            beginRemoveRows({}, int(after), int(before) - 1);
+            rows.erase(rows.begin() + after, rows.end());
+            endRemoveRows();
+        } else if (after > before) {
+            beginInsertRows({}, int(before), int(after) - 1);
+            rows.insert(rows.end(), wanted.begin() + before, wanted.end());
+            endInsertRows();
+        }
+        rows = std::move(wanted);
+    }
+
     /// Makes the identities of `rows` those of `wanted`. True if that was done in steps: rows that stayed are still the
     /// old ones, and it is the caller who exchanges them and tells what changed in them. False: all rows are new.
     template <typename Row, typename IdOf>
     [[nodiscard]] bool changeRows(std::vector<Row> &rows, const std::vector<Row> &wanted, const IdOf &idOf)
+    {
+        const bool inSteps = changeInSteps(rows, wanted, idOf);
+        if (!inSteps) {
+            resetRows(rows, wanted);
+        }
+        return inSteps;
+    }
+
+    /// The same, but false if nothing has been done.
+    template <typename Row, typename IdOf>
+    [[nodiscard]] bool changeInSteps(std::vector<Row> &rows, const std::vector<Row> &wanted, const IdOf &idOf)
     {
         constexpr std::size_t maxSteps = 48; // past that a view is done sooner with all rows anew
         const auto ids = [&](const std::vector<Row> &of) {
@@ -50,7 +79,6 @@ protected:
         };
         const auto steps = RowChanges::plan(ids(rows), ids(wanted), maxSteps);
         if (!steps) {
-            resetRows(rows, wanted);
             return false;
         }
         for (const auto &[kind, first, count] : *steps) {
