@@ -303,7 +303,10 @@ void FolderTreeModel::list(Places before)
 void FolderTreeModel::changeRowsTo(const std::vector<Node> &wanted, Places before)
 {
     const bool wasEmpty = m_shown.rows.empty();
-    const bool inSteps = changeRows(m_shown.rows, wanted, [](Node node) { return node; });
+    const bool inSteps = changeInSteps(m_shown.rows, wanted, [](Node node) { return node; });
+    if (!inSteps) {
+        exchangeRows(m_shown.rows, wanted);
+    }
     follow(before);
     renew({});
     Q_EMIT selectedChanged();
