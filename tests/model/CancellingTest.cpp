@@ -5,6 +5,7 @@
 #include "support/ModelDesk.h"
 
 #include "platform/files/Files.h"
+#include "platform/tasks/Background.h"
 
 #include <QRegularExpression>
 #include <QSemaphore>
@@ -222,7 +223,7 @@ bool runAndCancel(
         if (QThread::currentThread() == model.thread()) {
             model.cancelWork();
         } else { // in the middle of the job's call; the settings' thread is not to be waited for
-            QMetaObject::invokeMethod(&model, [&] {
+            postToUi([&] {
                 world.tracksAtStop = world.count(".flac");
                 model.cancelWork();
                 cancelled.release();
