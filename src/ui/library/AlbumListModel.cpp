@@ -180,9 +180,13 @@ std::vector<AlbumListModel::Row> AlbumListModel::rowsFor(const AlbumList &albums
 void AlbumListModel::replaceRows(std::vector<Row> rows)
 {
     m_before = {.ids = idsOf(m_rows), .selection = m_selection, .topRow = m_topRow};
-    const bool isOtherOrder = std::exchange(m_sortMode, model().sortMode()) != model().sortMode();
+    const Order now = order();
+    const bool isOtherOrder = std::exchange(m_order, now) != now;
     if (changeInSteps(m_rows, rows, [](const Row &row) { return row.id; })) {
         updateRows(std::move(rows));
+        if (isOtherOrder) {
+            Q_EMIT placed(0);
+        }
     } else {
         exchangeRows(m_rows, std::move(rows));
         follow();
@@ -204,7 +208,8 @@ void AlbumListModel::follow()
     m_selection.remap(newRows, rowCount());
 }
 
-/// The first row that was in sight and is still there, but the first of all where the user has asked for another order.
+/// The first row that was in sight and is still there, but the first of all where the user has asked for other ones or
+/// another order.
 double AlbumListModel::topNow(bool isOtherOrder) const
 {
     const auto top = std::size_t(std::max(0.0, m_before.topRow));
@@ -233,7 +238,7 @@ QString AlbumListModel::landmark(int row) const
 QString AlbumListModel::nameAt(int index) const
 {
     const Row *shown = row(index);
-    const bool isByArtist = m_sortMode == sortModeText(SortMode::Artist);
+    const bool isByArtist = m_order.sortMode == sortModeText(SortMode::Artist);
     return !shown ? QString() : isByArtist ? Wording::artistText(shown->album->artist) : shown->album->title;
 }
 

@@ -1,9 +1,9 @@
 // The albums of the library page as rows, and which of them are selected.
 //
-// Rows follow the model's albums a turn of the event loop later, once for a burst of changes; while the page or its grid
-// is hidden they wait. What stays in place keeps its row, so that the page keeps its place too: a few changes arrive as
-// rows put in and taken out, many as other rows in the same places. Either way what is still there stays selected and
-// the current row. Texts of a row are made when it is first shown. UI thread.
+// Rows follow the model's albums a turn of the event loop later, once for a burst of changes; while the page or its
+// grid is hidden they wait. What stays in place keeps its row, so that the page keeps its place too: a few changes
+// arrive as rows put in and taken out, many as other rows in the same places. Either way what is still there stays
+// selected and the current row. Texts of a row are made when it is first shown. UI thread.
 #pragma once
 
 #include "ui/library/MusicListModel.h"
@@ -101,7 +101,7 @@ private:
     std::vector<Row> m_rows;
     RowSelection m_selection;
     double m_topRow = 0;
-    QString m_sortMode; ///< of m_rows
+    Order m_order; ///< of m_rows
     /// While all rows are replaced.
     struct {
         std::vector<std::size_t> ids;

@@ -6,6 +6,7 @@
 #include "platform/desktop/Desktop.h"
 #include "platform/text/ByteCount.h"
 #include "platform/text/Characters.h"
+#include "platform/text/TextOrder.h"
 
 #include <algorithm>
 
@@ -111,6 +112,16 @@ bool MusicListModel::type(const QString &text, int modifiers)
         select([&](RowSelection &selection) { return selection.only(found); });
     }
     return true;
+}
+
+MusicListModel::Order MusicListModel::order() const
+{
+    return {.onDevice = m_model.libraryOnDevice(),
+        .hiResOnly = m_model.hiResOnly(),
+        .search = m_model.search(),
+        .format = m_model.formatFilter(),
+        .sortMode = m_model.sortMode(),
+        .language = int(TextOrder::language())};
 }
 
 QString MusicListModel::landmarkOf(const Place &place) const

@@ -83,6 +83,20 @@ protected:
     /// What the file manager is to show of them.
     [[nodiscard]] virtual std::vector<std::filesystem::path> filesAbout(int row) const;
 
+    /// What decides which rows there are, and in what order, but for the tracks themselves.
+    struct Order {
+        bool onDevice = false;
+        bool hiResOnly = false;
+        QString search;
+        QString format;
+        QString sortMode;
+        int language = 0;
+
+        bool operator==(const Order &) const = default;
+    };
+
+    [[nodiscard]] Order order() const;
+
     /// What the present order goes by.
     struct Place {
         QString artist;

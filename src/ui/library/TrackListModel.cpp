@@ -3,7 +3,6 @@
 #include "ui/words/Localization.h"
 #include "ui/words/Wording.h"
 
-#include "platform/text/TextOrder.h"
 
 #include <algorithm>
 #include <utility>
@@ -129,16 +128,6 @@ void TrackListModel::refreshIfShown()
     if (m_isOutdated && isShown) {
         refresh();
     }
-}
-
-TrackListModel::Order TrackListModel::order() const
-{
-    return {.onDevice = model().libraryOnDevice(),
-        .hiResOnly = model().hiResOnly(),
-        .search = model().search(),
-        .format = model().formatFilter(),
-        .sortMode = model().sortMode(),
-        .language = int(TextOrder::language())};
 }
 
 std::vector<TrackListModel::Row> TrackListModel::freshRows() const

@@ -2,9 +2,9 @@
 //
 // Rows follow the model's filtered tracks a turn of the event loop later, once for a burst of changes; while the page
 // or its table is hidden they wait. A row holds where its track was and which one it is, and shows nothing once another
-// is there: a long list is replaced without a copy. A few changes arrive as rows put in and taken out, many as other rows
-// in the same places. Either way what is still there stays selected and the current row. A file that was read again is
-// the same row. UI thread.
+// is there: a long list is replaced without a copy. A few changes arrive as rows put in and taken out, many as other
+// rows in the same places. Either way what is still there stays selected and the current row. A file that was read
+// again is the same row. UI thread.
 #pragma once
 
 #include "ui/library/MusicListModel.h"
@@ -65,18 +65,6 @@ private:
         std::size_t file = 0; ///< as in TrackIdentity
         std::uint32_t place = 0; ///< among the active tracks
     };
-    /// What decides which rows there are, and in what order, but for the tracks themselves.
-    struct Order {
-        bool onDevice = false;
-        bool hiResOnly = false;
-        QString search;
-        QString format;
-        QString sortMode;
-        int language = 0;
-
-        bool operator==(const Order &) const = default;
-    };
-
     /// The rows as they were listed, for what follows them.
     struct Listed {
         std::vector<Row> rows;
@@ -88,7 +76,6 @@ private:
     void refreshIfShown();
     void refresh();
     [[nodiscard]] std::vector<Row> freshRows() const;
-    [[nodiscard]] Order order() const;
     /// Selects what was selected before.
     void follow(const Listed &before);
     [[nodiscard]] double topAfter(const Listed &before, bool isOtherOrder) const;
