@@ -3,7 +3,6 @@
 #include "ui/words/Localization.h"
 #include "ui/words/Wording.h"
 
-
 #include <algorithm>
 #include <utility>
 
