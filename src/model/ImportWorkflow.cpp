@@ -33,13 +33,6 @@ TrackImport importInto(const std::vector<Track> &held)
     return import;
 }
 
-/// Has the value die on another thread: that of many tracks takes long.
-template <typename Value> void discard(std::shared_ptr<Value> value)
-{
-    BackgroundJobs::startOn(
-        BackgroundJobs::pool(JobPriority::Utility), [value = std::move(value)]() mutable { value.reset(); });
-}
-
 } // namespace
 
 /// An import that has been read, with the library that it gives.
@@ -156,7 +149,7 @@ QCoro::Task<> MarluneModel::runImport(ImportSource source, ImportKind kind)
     } else {
         applyImport(reading->read, kind);
     }
-    discard(std::move(reading));
+    BackgroundJobs::discard(std::move(reading));
 }
 
 MarluneModel::JobProgress MarluneModel::importProgress()

@@ -60,6 +60,12 @@ template <std::invocable Work> void startOn(QThreadPool &pool, Work work)
     pool.start(std::move(task));
 }
 
+/// Has the value die on another thread, if nobody else holds it: that of many tracks takes long.
+template <typename Value> void discard(std::shared_ptr<Value> value)
+{
+    startOn(pool(JobPriority::Utility), [value = std::move(value)]() mutable { value.reset(); });
+}
+
 /// Runs `work` on a thread of its own, which nobody waits for. Throws std::system_error where there is none to be had.
 template <std::invocable Work> void startDetached(Work work)
 {

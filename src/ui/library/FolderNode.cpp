@@ -144,16 +144,19 @@ private:
         std::uint32_t draft;
     };
 
+    using Children = std::vector<std::uint32_t>::iterator;
+
     void sort(std::uint32_t folder)
     {
-        const auto begin = m_children.begin() + m_begins[folder];
-        const auto end = m_children.begin() + m_begins[folder + 1];
-        if (end - begin < 2) {
-            return;
+        const Children begin = m_children.begin() + m_begins[folder];
+        const Children end = m_children.begin() + m_begins[folder + 1];
+        if (end - begin > 1 && !sortByNumber(begin, end)) {
+            sortByKey(begin, end);
         }
-        if (sortByNumber(begin, end)) {
-            return;
-        }
+    }
+
+    void sortByKey(Children begin, Children end)
+    {
         m_keyed.clear();
         std::transform(begin, end, std::back_inserter(m_keyed), [this](std::uint32_t draft) {
             return Keyed {.key = TextOrder::key(Files::text(m_drafts[draft].name)), .draft = draft};
@@ -173,11 +176,12 @@ private:
         }
     }
 
-    /// Where each name begins with another number those decide, and no name needs a key: the tracks of most albums.
-    bool sortByNumber(std::vector<std::uint32_t>::iterator begin, std::vector<std::uint32_t>::iterator end)
+    /// Where each name begins with a number those decide, and only names with the same one need keys: the tracks of
+    /// most albums have none.
+    bool sortByNumber(Children begin, Children end)
     {
         m_numbered.clear();
-        for (auto each = begin; each != end; ++each) {
+        for (Children each = begin; each != end; ++each) {
             const std::optional<std::uint32_t> number = leadingNumber(m_drafts[*each].name);
             if (!number) {
                 return false;
@@ -185,17 +189,23 @@ private:
             m_numbered.emplace_back(*number, *each);
         }
         std::sort(m_numbered.begin(), m_numbered.end());
-        const auto isSame = [](const auto &a, const auto &b) { return a.first == b.first; };
-        if (std::adjacent_find(m_numbered.begin(), m_numbered.end(), isSame) != m_numbered.end()) {
-            return false;
-        }
         std::transform(
             m_numbered.begin(), m_numbered.end(), begin, [](const auto &numbered) { return numbered.second; });
+        for (std::size_t i = 0; i < m_numbered.size();) {
+            std::size_t past = i + 1;
+            while (past < m_numbered.size() && m_numbered[past].first == m_numbered[i].first) {
+                ++past;
+            }
+            if (past - i > 1) {
+                sortByKey(begin + std::ptrdiff_t(i), begin + std::ptrdiff_t(past));
+            }
+            i = past;
+        }
         return true;
     }
 
     /// Of names that are the same byte for byte, a folder's id is the bare path.
-    void countTwins(std::vector<std::uint32_t>::iterator begin, std::vector<std::uint32_t>::iterator end)
+    void countTwins(Children begin, Children end)
     {
         std::unordered_map<std::string_view, std::uint32_t> seen;
         for (auto each = begin; each != end; ++each) {

@@ -228,7 +228,8 @@ QCoro::Task<> FolderTreeModel::runBuilding()
     }
     m_isBuilding = false;
     if (outcome.value && outcome.value->isOnDevice == model().libraryOnDevice() && isCurrent(outcome.value->shown)) {
-        land(std::move(*outcome.value));
+        land(*outcome.value);
+        BackgroundJobs::discard(std::make_shared<Built>(std::move(*outcome.value))); // with the tree before
     } else {
         m_tracksMayDiffer = true;
         m_isOutdated = outcome.value.has_value();
@@ -236,20 +237,21 @@ QCoro::Task<> FolderTreeModel::runBuilding()
     }
 }
 
-void FolderTreeModel::land(Built built)
+void FolderTreeModel::land(const Built &built)
 {
     m_isOutdated = false;
     m_tracksMayDiffer = false;
     Shown old = m_shown.folders.tree() ? m_shown : std::exchange(aside(), {});
-    if (old.folders.tree() != built.base) { // put aside meanwhile, as that of another device
+    const bool hasBase = built.base && old.folders.tree() == built.base;
+    if (!hasBase) { // put aside meanwhile, as that of another device
         old = {};
-        built.base.reset();
-        built.before.clear();
     }
-    std::vector<Node> now(built.base ? built.base->size() : 0, FolderNode::none); // of each node of the old tree
-    for (Node node = 0; node < built.before.size(); ++node) {
-        if (built.before[node] != FolderNode::none) {
-            now[built.before[node]] = node;
+    const std::vector<Node> nothing;
+    const std::vector<Node> &nodesBefore = hasBase ? built.before : nothing;
+    std::vector<Node> now(hasBase ? built.base->size() : 0, FolderNode::none); // of each node of the old tree
+    for (Node node = 0; node < nodesBefore.size(); ++node) {
+        if (nodesBefore[node] != FolderNode::none) {
+            now[nodesBefore[node]] = node;
         }
     }
     const auto move = [&now](std::vector<Node> &rows) {
@@ -263,9 +265,9 @@ void FolderTreeModel::land(Built built)
         move(old.beforeSearch->rows);
     }
     m_shown.folders = std::move(old.folders);
-    m_shown.folders.setTree(std::move(built.tree), built.before);
+    m_shown.folders.setTree(built.tree, nodesBefore);
     m_shown.beforeSearch = std::move(old.beforeSearch);
-    m_shown.identities = std::move(built.shown.identities);
+    m_shown.identities = built.shown.identities;
     m_shown.root = built.shown.root;
     m_shown.language = built.shown.language;
     for (std::size_t i = 0; i < m_shown.rows.size(); ++i) { // those that are gone get numbers of no node

@@ -110,7 +110,7 @@ private:
     [[nodiscard]] Shown &aside() { return m_aside[model().libraryOnDevice() ? 1 : 0]; }
     void putAside();
     QCoro::Task<> runBuilding();
-    void land(Built built);
+    void land(const Built &built);
     void list(Places before);
     void changeRowsTo(const std::vector<Node> &wanted, Places before);
     void follow(const Places &before);
