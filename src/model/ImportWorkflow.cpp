@@ -66,6 +66,7 @@ void MarluneModel::beginImport(ImportSource source, ImportKind kind)
     if (m_work.busy()) {
         return;
     }
+    m_isReadingMusic = true;
     m_work.begin(QStringLiteral("Odczytuję albumy…"), RunningWork::Ends::BetweenFiles);
     runImport(std::move(source), kind);
 }
@@ -133,6 +134,7 @@ QCoro::Task<> MarluneModel::runImport(ImportSource source, ImportKind kind)
     if (!self) {
         co_return;
     }
+    m_isReadingMusic = false;
     if (failure) { // nothing lands, and the stored library stays as it is
         m_work.end();
         m_work.setStatus(QStringLiteral("Nie udało się odczytać muzyki"));

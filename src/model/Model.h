@@ -42,6 +42,7 @@ class MarluneModel : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString section READ sectionText WRITE setSectionText NOTIFY sectionChanged)
     Q_PROPERTY(bool busy READ busy NOTIFY busyChanged)
+    Q_PROPERTY(bool readingMusic READ readingMusic NOTIFY busyChanged) ///< what makes it busy
     Q_PROPERTY(bool cancellable READ cancellable NOTIFY busyChanged)
     Q_PROPERTY(bool cancelling READ cancelling NOTIFY cancellingChanged)
     Q_PROPERTY(double progress READ progress NOTIFY progressChanged)
@@ -274,6 +275,7 @@ public:
 
     // Progress and messages.
     [[nodiscard]] bool busy() const { return m_work.busy(); }
+    [[nodiscard]] bool readingMusic() const { return m_isReadingMusic; }
     /// Whether something is under way that the end of the program would cut off; a check for duplicates only reads.
     [[nodiscard]] bool working() const { return (busy() && !m_duplicates.isRunning()) || m_writingPlaylist; }
     /// Whether the running job can end between two files.
@@ -461,6 +463,7 @@ private:
 
     ModelEnvironment m_environment;
     RunningWork m_work;
+    bool m_isReadingMusic = false; ///< is what runs
     DuplicateCheck m_duplicates;
     Playback m_playback {m_environment.audioOutput};
     Section m_section = Section::Music;

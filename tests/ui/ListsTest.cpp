@@ -126,9 +126,13 @@ TEST(TypeAhead, lettersLeadOnAndRound)
     for (const auto &[text, after, row] : steps) {
         EXPECT_EQ(type(text, after), row) << text.toStdString();
     }
-    EXPECT_TRUE(typing.isUnderWay());
+    EXPECT_TRUE(typing.isUnderWay() && typing.takes(u" "_s, Qt::ShiftModifier));
+    for (const QString &none : {u"\x1B"_s, u"\b"_s, QString()}) {
+        EXPECT_FALSE(typing.takes(none, Qt::NoModifier)) << none.toStdString();
+    }
+    EXPECT_FALSE(typing.takes(u"a"_s, Qt::AltModifier));
     typing.end();
-    EXPECT_FALSE(typing.isUnderWay() || TypeAhead::isLetter(u" "_s) || TypeAhead::isLetter(u"\x1B"_s));
+    EXPECT_FALSE(typing.isUnderWay() || typing.takes(u" "_s, Qt::NoModifier));
     EXPECT_EQ(typing.type(u"a"_s, -1, 0, {}), -1);
 }
 
@@ -137,7 +141,7 @@ TEST(FileDrag, filesLeaveByteForByte)
     const std::vector<fs::path> paths {"/a/Żółw 100%.flac", "/a/\xA3\xFF\n\r.mp3", "/a/#?&;b.ogg"};
     const std::vector<QUuid> ids {QUuid::createUuid(), QUuid::createUuid()};
     for (const bool onDevice : {false, true}) {
-        const auto data = FileDrag::mimeData({.paths = paths, .tracks = ids, .onDevice = onDevice, .title = {}});
+        const auto data = FileDrag::mimeData({.paths = paths, .tracks = ids, .onDevice = onDevice});
         EXPECT_EQ(data->data(u"text/uri-list"_s).toStdString(),
             "file:///a/%C5%BB%C3%B3%C5%82w%20100%25.flac\r\nfile:///a/%A3%FF%0A%0D.mp3\r\nfile:///a/"
             "%23%3F%26%3Bb.ogg\r\n");

@@ -327,8 +327,8 @@ private Q_SLOTS:
         QTRY_COMPARE(column(ThemeListModel::NameRole), QStringList({u"Alfa"_s, u"Beta 2"_s, u"Beta 10"_s, u"Łąka"_s}));
         QCOMPARE(column(ThemeListModel::ActiveRole), QStringList({u"false"_s, u"false"_s, u"false"_s, u"true"_s}));
         QCOMPARE(column(ThemeListModel::SourceRole)[0], u"Dodaj własny zrzut lub pobierz podgląd"_s);
-        QCOMPARE(themes.rowFor(u"l"_s, 0), 3);
-        QCOMPARE(themes.rowFor(u"q"_s, 0), -1);
+        QCOMPARE(themes.rowFor(u"l"_s, Qt::NoModifier, 0), 3);
+        QCOMPARE(themes.rowFor(u"q"_s, Qt::NoModifier, 0), -1);
         QCOMPARE(
             dropTitles(), QStringList({u"Upuść, aby zainstalować motyw"_s, u"Upuść jedną paczkę ZIP z motywem"_s}));
         QVERIFY(!pages.model->busy());

@@ -13,6 +13,7 @@
 #include "ui/shell/DesktopPanels.h"
 #include "ui/shell/ShellPresenter.h"
 #include "ui/themes/ThemeSheetPresenter.h"
+#include "ui/themes/ThemesPresenter.h"
 
 #include "platform/files/PathText.h"
 
@@ -35,6 +36,7 @@ class Bench : public QObject {
     Q_PROPERTY(BackupsPresenter *backups READ backups CONSTANT)
     Q_PROPERTY(QualityPresenter *quality READ quality CONSTANT)
     Q_PROPERTY(AlbumSheetPresenter *albumSheet READ albumSheet CONSTANT)
+    Q_PROPERTY(ThemesPresenter *themes READ themes CONSTANT)
     Q_PROPERTY(ThemeSheetPresenter *themeSheet READ themeSheet CONSTANT)
     Q_PROPERTY(PlaybackPresenter *playback READ playback CONSTANT)
     Q_PROPERTY(DesktopPanels *panels READ panels CONSTANT)
@@ -48,6 +50,7 @@ public:
     [[nodiscard]] BackupsPresenter *backups() { return &m_backups; }
     [[nodiscard]] QualityPresenter *quality() { return &m_quality; }
     [[nodiscard]] AlbumSheetPresenter *albumSheet() { return &m_albumSheet; }
+    [[nodiscard]] ThemesPresenter *themes() { return &m_themes; }
     [[nodiscard]] ThemeSheetPresenter *themeSheet() { return &m_themeSheet; }
     [[nodiscard]] PlaybackPresenter *playback() { return &m_playback; }
     [[nodiscard]] DesktopPanels *panels() { return &m_panels; }
@@ -195,6 +198,7 @@ private:
     QualityPresenter m_quality {*m_model};
     AlbumSheetPresenter m_albumSheet {*m_model, covers};
     bool m_following = (m_albumSheet.followOpenAlbum(), true);
+    ThemesPresenter m_themes {*m_model};
     ThemeSheetPresenter m_themeSheet {*m_model};
     PlaybackPresenter m_playback {m_model->playback()};
     DesktopPanels m_panels;

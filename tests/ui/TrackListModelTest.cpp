@@ -86,7 +86,7 @@ private Q_SLOTS:
             table.rows.play(row);
             table.rows.toggle(row);
             table.rows.activate(row);
-            table.rows.drag(row);
+            table.rows.drag(row, {}, {}, {});
         }
         QVERIFY(!table.model->openAlbum() && table.model->queued().isEmpty());
         table.rows.activate(1);

@@ -29,7 +29,7 @@ PanelSheet {
         ColumnLayout {
             id: body
             width: parent.width
-            spacing: Tokens.space.regular
+            spacing: root.spacing
         }
     }
 }

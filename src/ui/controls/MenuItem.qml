@@ -6,9 +6,10 @@ import Marlune
 T.MenuItem {
     id: root
 
-    property bool offered: true ///< without that it takes no room
+    property bool offered: true ///< without that it takes no room, and no key leads to it
 
     visible: root.offered
+    activeFocusOnTab: root.offered // what a menu goes by
     height: root.offered ? root.implicitHeight : 0
     implicitWidth: Math.max(200, implicitContentWidth + leftPadding + rightPadding)
     implicitHeight: Tokens.height.regular

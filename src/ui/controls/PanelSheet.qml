@@ -9,6 +9,7 @@ Sheet {
     required property bool wanted
     property int broad: 480
     property string closeText: L10n.text("Zamknij")
+    property font titleFont: Tokens.type.title2
     property Item firstFocus: closeButton ///< what has the focus when it opens
     default property alias shown: body.data
     property alias tools: slot.data ///< between the heading and the button
@@ -17,11 +18,12 @@ Sheet {
     readonly property int step: 60 ///< that an arrow key scrolls by
     readonly property size room: Qt.size((root.parent?.width ?? 0) - 4 * Tokens.space.group,
         (root.parent?.height ?? 0) - 4 * Tokens.space.group)
-    readonly property real bodyRoom: root.room.height - head.implicitHeight - Tokens.space.wide ///< for what is shown
+    readonly property real bodyRoom: root.room.height - head.implicitHeight - root.spacing ///< for what is shown
 
     /// Closed by the user, in whatever way.
     signal dismissed
 
+    spacing: Tokens.space.wide
     implicitWidth: Math.min(root.broad, root.room.width) + leftPadding + rightPadding
     onWantedChanged: root.wanted ? root.open() : root.close()
     Component.onCompleted: if (root.wanted) root.open()
@@ -29,7 +31,7 @@ Sheet {
     onClosed: if (root.wanted) root.dismissed()
 
     contentItem: ColumnLayout {
-        spacing: Tokens.space.wide
+        spacing: root.spacing
         Keys.enabled: root.scrolled !== null
         Keys.onPressed: event => {
             const view = root.scrolled;
@@ -54,7 +56,7 @@ Sheet {
 
             TextLine {
                 text: root.title
-                font: Tokens.type.title2
+                font: root.titleFont
                 Layout.fillWidth: true
                 Layout.minimumWidth: Math.min(implicitWidth, root.room.width / 2)
                 Accessible.role: Accessible.Heading

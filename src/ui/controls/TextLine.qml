@@ -8,6 +8,7 @@ Text {
     textFormat: Text.PlainText
     font: Tokens.type.body
     color: Tokens.color.text
+    horizontalAlignment: Text.AlignLeft // also of what is written from right to left
     elide: Text.ElideRight
     maximumLineCount: 1
     Accessible.role: Accessible.StaticText

@@ -26,6 +26,8 @@ T.ToolTip {
         font: Tokens.type.caption
         color: Tokens.color.text
         wrapMode: Text.Wrap
+        maximumLineCount: 12
+        elide: Text.ElideRight
     }
     background: Rectangle {
         color: Tokens.color.raised

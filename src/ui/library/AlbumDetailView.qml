@@ -13,9 +13,11 @@ PanelSheet {
     property alias searchSheet: searchSheet
 
     title: L10n.text("Szczegóły albumu")
+    titleFont: Tokens.type.headline
     closeText: L10n.text("Gotowe")
     broad: Math.round(838 * Tokens.type.scale)
     wanted: root.album.wanted
+    scrolled: coverColumn
     onDismissed: root.album.dismiss()
 
     // The cover's colours lie on the sheet as a faint light.

@@ -106,7 +106,7 @@ FocusScope {
                 onPlayNeared: root.albums.preparePlay()
                 onPlayed: root.albums.play(index)
                 onMenuWanted: menu.openFor(card, false)
-                onDragged: root.albums.drag(index)
+                onDragged: keys.drag(index)
                 Keys.onPressed: event => event.accepted = keys.act(index, event, columns.stepsFrom(index, view.count), {})
             }
         }

@@ -68,7 +68,6 @@ ColumnLayout {
 
     component Line: TextBlock {
         Layout.fillWidth: true
-        horizontalAlignment: Text.AlignLeft
         wrapMode: Text.Wrap
         elide: Text.ElideRight
         visible: text !== ""

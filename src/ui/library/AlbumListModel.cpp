@@ -83,9 +83,9 @@ QVariant AlbumListModel::data(const QModelIndex &index, int role) const
     switch (role) {
     case Qt::DisplayRole:
     case TitleRole:
-        return shown->album->title;
+        return texts(*shown).title;
     case ArtistRole:
-        return Wording::artistText(shown->album->artist);
+        return texts(*shown).artist;
     case CountAndSizeRole:
         return texts(*shown).countAndSize;
     case FormatRole:
@@ -113,8 +113,10 @@ const AlbumListModel::Texts &AlbumListModel::texts(const Row &row) const
         const Album &album = *row.album;
         Texts made;
         made.language = AppLocalizer::language();
+        made.title = Wording::shownName(album.title);
+        made.artist = Wording::shownName(Wording::artistText(album.artist));
         made.countAndSize = QString::number(album.tracks.size()) + QStringLiteral(" / ") + byteCount(album.bytes());
-        made.format = album.tracks.empty() ? QString() : album.tracks.front().info.codec;
+        made.format = album.tracks.empty() ? QString() : Wording::shownName(album.tracks.front().info.codec);
         made.highResolution = std::any_of(
             album.tracks.begin(), album.tracks.end(), [](const Track &track) { return isHighResolution(track.info); });
         if (const std::size_t discs = album.discs().size(); discs >= 2) {

@@ -72,6 +72,8 @@ private:
     /// What a page shows of one album.
     struct Texts {
         QString language; ///< in which they were made
+        QString title;
+        QString artist;
         QString countAndSize;
         QString format;
         bool highResolution = false;

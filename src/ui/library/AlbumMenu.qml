@@ -3,13 +3,12 @@ import QtQuick
 import QtQuick.Templates as T
 import Marlune
 
-Menu {
+RowMenu {
     id: root
 
     required property AlbumListModel albums
     required property bool deviceSide
     required property bool busy
-    property int row: -1
     property bool playing: false ///< the album of that row
     property bool several: false ///< it is about others too
     property bool chosen: false ///< all that it is about are queued or selected
@@ -32,6 +31,8 @@ Menu {
             root.popup();
         }
     }
+
+    rows: root.albums
 
     MenuItem {
         offered: !root.several

@@ -51,8 +51,8 @@ public:
 
     [[nodiscard]] bool wanted() const { return m_wanted; }
     [[nodiscard]] bool available() const { return m_available; }
-    [[nodiscard]] QString albumTitle() const { return m_album->title; }
-    [[nodiscard]] QString artist() const { return Wording::artistText(m_album->artist); }
+    [[nodiscard]] QString albumTitle() const { return Wording::shownName(m_album->title); }
+    [[nodiscard]] QString artist() const { return Wording::shownName(Wording::artistText(m_album->artist)); }
     [[nodiscard]] QString facts() const;
     [[nodiscard]] QString format() const;
     [[nodiscard]] QString cover() const;

@@ -17,7 +17,7 @@ QString factsOf(const CoverCandidate &candidate)
     QStringList facts;
     const auto add = [&facts](const QString &fact) {
         if (!fact.trimmed().isEmpty()) {
-            facts.append(Wording::fileName(fact));
+            facts.append(Wording::shownName(fact));
         }
     };
     add(candidate.artist());
@@ -57,7 +57,7 @@ QVariant CoverResultModel::data(const QModelIndex &index, int role) const
     switch (role) {
     case Qt::DisplayRole:
     case TitleRole:
-        return Wording::fileName(row.candidate.title);
+        return Wording::shownName(row.candidate.title);
     case FactsRole:
         return factsOf(row.candidate);
     case PictureRole:

@@ -99,7 +99,6 @@ T.ItemDelegate {
     component Line: TextBlock {
         Layout.fillWidth: true
         Layout.preferredWidth: 1 // the buttons keep theirs
-        horizontalAlignment: Text.AlignLeft
         maximumLineCount: 2
         elide: Text.ElideRight
         Accessible.ignored: true

@@ -59,11 +59,11 @@ QVariant DiscTrackListModel::data(const QModelIndex &index, int role) const
         return QString();
     case Qt::DisplayRole:
     case TitleRole:
-        return Wording::fileName(row.track->title);
+        return Wording::shownName(row.track->title);
     case NumberRole:
         return trackNumber(*row.track);
     case ArtistRole:
-        return row.track->artist == m_album->artist ? QString() : Wording::fileName(row.track->artist);
+        return row.track->artist == m_album->artist ? QString() : Wording::shownName(row.track->artist);
     case DurationRole:
         return durationLabel(row.track->info.duration);
     case QueuedRole:

@@ -3,12 +3,11 @@ import QtQuick
 import QtQuick.Templates as T
 import Marlune
 
-Menu {
+RowMenu {
     id: root
 
     required property DiscTrackListModel tracks
     required property bool deviceSide
-    property int row: -1
     property DiscTrackRow shown: null
 
     /// By the row, or at the pointer.
@@ -21,6 +20,8 @@ Menu {
             root.popup();
         }
     }
+
+    rows: root.tracks
 
     T.Action {
         text: L10n.text(root.shown?.playing ? "Pauza" : "Odtwórz")

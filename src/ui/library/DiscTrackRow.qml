@@ -46,7 +46,7 @@ T.ItemDelegate {
             root.menuWanted(true);
         }
     }
-    onDoubleClicked: if (root.isTrack) root.played()
+    onDoubleClicked: if (root.isTrack && !root.playing) root.played()
 
     TapHandler {
         acceptedButtons: Qt.RightButton
@@ -126,7 +126,6 @@ T.ItemDelegate {
     }
 
     component Line: TextLine {
-        horizontalAlignment: Text.AlignLeft // also of what is written from right to left
         Accessible.ignored: true
     }
 }

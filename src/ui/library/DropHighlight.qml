@@ -6,8 +6,8 @@ Rectangle {
     id: root
 
     required property bool shown
-    property string title: L10n.text("Upuść, aby dodać do biblioteki")
-    property string detail: L10n.text("Pliki i foldery z muzyką trafią też do kolejki.")
+    required property string title
+    required property string detail
 
     objectName: "dropHighlight"
 

@@ -3,16 +3,16 @@ import QtQuick
 import QtQuick.Templates as T
 import Marlune
 
-Menu {
+RowMenu {
     id: root
 
     required property FolderTreeModel folders
     required property bool deviceSide
-    property int row: -1
     property bool isFolder: false
     property bool open: false
     property bool playing: false
     property bool chosen: false ///< all that the menu is about
+    property bool canReveal: false
 
     readonly property string queueText: root.deviceSide ? root.chosen ? "Usuń z playlisty" : "Dodaj do playlisty"
                                                         : root.chosen ? "Usuń z kolejki" : "Dodaj do kolejki"
@@ -24,12 +24,15 @@ Menu {
         root.open = item.open;
         root.playing = item.playing;
         root.chosen = root.folders.selectedAreChosen(item.index);
+        root.canReveal = root.folders.canReveal(item.index);
         if (atRow) {
             root.popup(item, item.indent + Tokens.space.section, item.height);
         } else {
             root.popup();
         }
     }
+
+    rows: root.folders
 
     MenuItem {
         offered: root.isFolder
@@ -49,14 +52,14 @@ Menu {
         text: L10n.text(root.queueText)
         onTriggered: root.folders.toggleSelected(root.row)
     }
+    T.Action {
+        text: L10n.text("Pokaż w Finderze")
+        enabled: root.canReveal
+        onTriggered: root.folders.revealSelected(root.row)
+    }
     MenuItem {
         offered: !root.isFolder
         text: L10n.text("Album")
         onTriggered: root.folders.openAlbum(root.row)
-    }
-    T.Action {
-        text: L10n.text("Pokaż w Finderze")
-        enabled: root.folders.canReveal(root.row)
-        onTriggered: root.folders.revealSelected(root.row)
     }
 }

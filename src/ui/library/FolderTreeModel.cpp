@@ -110,8 +110,7 @@ QString FolderTreeModel::name(Node node) const
     if (node == 0 && !m_shown.root) {
         return AppLocalizer::text(QStringLiteral("Pliki na Macu"));
     }
-    constexpr qsizetype longest = 400; // of a longer name nobody reads the rest, and to lay it out takes long
-    return Wording::fileName(tree()[node].name.left(longest));
+    return Wording::shownName(tree()[node].name);
 }
 
 QString FolderTreeModel::state(Node node) const
@@ -374,7 +373,7 @@ void FolderTreeModel::refreshPlaying()
     const TrackIdentities &tracks = *m_shown.identities;
     const auto heard = std::find_if(tracks.begin(), tracks.end(),
         [&id = playback.current()->id](const TrackIdentity &track) { return track.id == id; });
-    for (Node node = 0; heard != tracks.end() && node < tree().size(); ++node) {
+    for (Node node = 0; heard != tracks.end() && m_playing == FolderNode::none && node < tree().size(); ++node) {
         if (tree()[node].track == std::uint32_t(heard - tracks.begin())) {
             m_playing = node;
         }

@@ -86,7 +86,7 @@ FocusScope {
             onPlayNeared: root.folders.preparePlay()
             onQueueWanted: root.folders.toggle(index)
             onMenuWanted: root.openMenu(row, false)
-            onDragged: root.folders.drag(index)
+            onDragged: keys.drag(index)
             Keys.onPressed: event => event.accepted = keys.act(index, event, keys.stepsInColumn(root.rowsOfAPage, view.count), {
                 [Qt.Key_Left]: () => root.folders.goOut(row.index),
                 [Qt.Key_Right]: () => root.folders.goIn(row.index),

@@ -115,7 +115,7 @@ Item {
                 objectName: "emptyState"
                 anchors.fill: parent
                 // Not while the first music is being read: what is missing is on its way.
-                visible: root.library.nothingListed && !(root.library.withoutMusic && root.model.busy)
+                visible: root.library.nothingListed && !(root.library.withoutMusic && root.model.readingMusic)
                 symbol: "square.stack"
                 symbolSide: 42
                 title: L10n.text(root.library.withoutMusic ? "Dodaj muzykę lub odczytaj iPoda"
@@ -138,11 +138,17 @@ Item {
 
     DropArea {
         id: drop
+
+        property bool imports
+
         anchors.fill: parent
         keys: ["text/uri-list"]
-        onEntered: event => event.accepted = root.library.takesDrop(event.formats)
+        onEntered: event => {
+            imports = !root.model.busy;
+            event.accepted = root.library.takesDrop(event.formats);
+        }
         onDropped: event => {
-            event.accept(Qt.CopyAction);
+            event.accept(imports ? Qt.CopyAction : Qt.IgnoreAction);
             root.library.importDropped(event.urls);
         }
     }
@@ -150,5 +156,7 @@ Item {
         anchors.fill: parent
         anchors.margins: Tokens.space.tight
         shown: drop.containsDrag
+        title: L10n.text(drop.imports ? "Upuść, aby dodać do biblioteki" : "Najpierw poczekaj na koniec bieżącej pracy")
+        detail: drop.imports ? L10n.text("Pliki i foldery z muzyką trafią też do kolejki.") : ""
     }
 }

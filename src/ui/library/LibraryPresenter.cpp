@@ -83,7 +83,7 @@ void LibraryPresenter::refreshContent()
 
 bool LibraryPresenter::takesDrop(const QStringList &formats) const
 {
-    return !m_model.busy() && !FileDrag::isOwn(formats);
+    return !FileDrag::isOwn(formats);
 }
 
 void LibraryPresenter::importDropped(const QList<QUrl> &urls)

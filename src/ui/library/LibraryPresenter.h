@@ -56,7 +56,8 @@ public:
 
     /// Whether a drag with these formats is one of files that are not the program's own.
     [[nodiscard]] Q_INVOKABLE bool takesDrop(const QStringList &formats) const;
-    /// Adds dropped files and folders to the library and the queue; other addresses are left out.
+    /// Adds dropped files and folders to the library and the queue; other addresses are left out. Nothing while the
+    /// model is busy.
     Q_INVOKABLE void importDropped(const QList<QUrl> &urls);
 
 Q_SIGNALS:

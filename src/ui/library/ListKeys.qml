@@ -1,4 +1,5 @@
-// What keys do in the lists of the library page: they lead to other rows, select, queue, open and play.
+// What keys do in the lists of the library page: they lead to other rows, select, queue, open and play. And what hangs
+// at the pointer when rows are dragged.
 import QtQml
 import Marlune
 
@@ -20,6 +21,10 @@ QtObject {
             [Qt.Key_End]: count
         };
     }
+    /// Drags what an action on the row is about.
+    function drag(row: int) {
+        root.list.drag(row, Tokens.color.accent, Tokens.color.textOnAccent, Tokens.type.subheadlineStrong);
+    }
     /// Whether the key of `event`, pressed on a row, led anywhere. `steps` holds how far a key leads, `others` the
     /// list's own keys.
     function act(row: int, event: var, steps: var, others: var): bool {
@@ -28,7 +33,7 @@ QtObject {
         const open = () => control ? list.play(row) : list.activate(row);
         const by = steps[event.key];
         const action = by !== undefined ? () => list.walk(row + by, event.modifiers) : others[event.key] ?? {
-            [Qt.Key_Space]: list.typing() ? null
+            [Qt.Key_Space]: list.typing() && !control ? null
                 : () => event.isAutoRepeat ? null : control ? list.toggleMark(row) : list.toggleSelected(row),
             [Qt.Key_Return]: open,
             [Qt.Key_Enter]: open,

@@ -102,9 +102,7 @@ bool MusicListModel::clearSelection()
 
 bool MusicListModel::type(const QString &text, int modifiers)
 {
-    const auto shortcut = Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier;
-    const bool isTyped = TypeAhead::isLetter(text) || (text == QStringLiteral(" ") && m_typeAhead.isUnderWay());
-    if (!isTyped || (Qt::KeyboardModifiers(modifiers) & shortcut) != 0) {
+    if (!m_typeAhead.takes(text, modifiers)) {
         return false;
     }
     const int found = m_typeAhead.type(text, currentRow(), rowCount(), [this](int row) { return nameAt(row); });
@@ -192,9 +190,15 @@ void MusicListModel::revealSelected(int row) const
     }
 }
 
-void MusicListModel::drag(int row)
+void MusicListModel::drag(int row, const QColor &ground, const QColor &ink, const QFont &font)
 {
-    FileDrag::Load load {.paths = {}, .tracks = {}, .onDevice = m_model.libraryOnDevice(), .title = {}};
+    FileDrag::Load load {.paths = {},
+        .tracks = {},
+        .onDevice = m_model.libraryOnDevice(),
+        .title = {},
+        .ground = ground,
+        .ink = ink,
+        .font = font};
     for (const Track *each : tracksAbout(row)) {
         load.paths.push_back(each->url);
         load.tracks.push_back(each->id);

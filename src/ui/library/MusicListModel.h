@@ -10,6 +10,8 @@
 #include "ui/lists/RowSelection.h"
 #include "ui/lists/TypeAhead.h"
 
+#include <QColor>
+#include <QFont>
 #include <QtQml/qqmlregistration.h>
 
 #include <filesystem>
@@ -55,8 +57,8 @@ public:
     /// Whether an action on the row is about others too.
     [[nodiscard]] Q_INVOKABLE bool isOneOfSeveral(int row) const;
     Q_INVOKABLE void revealSelected(int row) const;
-    /// Drags the files out; returns when they have been let go.
-    Q_INVOKABLE void drag(int row);
+    /// Drags the files out, with a card of this look at the pointer; returns when they have been let go.
+    Q_INVOKABLE void drag(int row, const QColor &ground, const QColor &ink, const QFont &font);
 
     // What is about one row alone.
     /// What Return does.

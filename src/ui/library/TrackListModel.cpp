@@ -8,16 +8,16 @@
 
 namespace {
 
-/// Of a name that is longer nobody reads the rest, and to lay it out takes long.
-QString shownName(const QString &name)
-{
-    constexpr qsizetype longest = 400;
-    return name.size() > longest ? Wording::fileName(name.left(longest)) + QChar(0x2026) : Wording::fileName(name);
-}
-
 QString numberText(std::int64_t number)
 {
     return number > 0 ? QStringLiteral("%1 ").arg(number, 2, 10, QChar(u'0')) : QString();
+}
+
+QString timeText(double seconds)
+{
+    constexpr qsizetype longest = 9; // "999:59:59"; a damaged file's is of no use
+    const QString text = durationLabel(seconds);
+    return text.size() > longest ? QStringLiteral("—") : text;
 }
 
 } // namespace
@@ -102,15 +102,15 @@ QString TrackListModel::text(const Track &track, int role) const
     case NumberRole:
         return numberText(track.info.trackNumber);
     case ArtistRole:
-        return shownName(Wording::artistText(track.artist));
+        return Wording::shownName(Wording::artistText(track.artist));
     case TimeRole:
-        return durationLabel(track.info.duration);
+        return timeText(track.info.duration);
     case FormatRole:
-        return shownName(track.info.codec);
+        return Wording::shownName(track.info.codec);
     case ParametersRole:
         return AppLocalizer::text(track.info.parameters());
     default:
-        return shownName(track.title);
+        return Wording::shownName(track.title);
     }
 }
 

@@ -98,7 +98,7 @@ FocusScope {
             onPlayNeared: root.tracks.preparePlay()
             onQueueWanted: root.tracks.toggle(index)
             onMenuWanted: menu.openFor(index, row.playing, null)
-            onDragged: root.tracks.drag(index)
+            onDragged: keys.drag(index)
             Keys.onPressed: event => event.accepted = keys.act(index, event, keys.stepsInColumn(root.rowsOfAPage, view.count), {})
         }
     }

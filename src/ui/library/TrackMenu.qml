@@ -3,12 +3,11 @@ import QtQuick
 import QtQuick.Templates as T
 import Marlune
 
-Menu {
+RowMenu {
     id: root
 
     required property TrackListModel tracks
     required property bool deviceSide
-    property int row: -1
     property bool playing: false ///< the track of that row
     property bool chosen: false ///< all that the menu is about
 
@@ -27,6 +26,12 @@ Menu {
         }
     }
 
+    rows: root.tracks
+
+    T.Action {
+        text: L10n.text("Otwórz album")
+        onTriggered: root.tracks.activate(root.row)
+    }
     T.Action {
         text: L10n.text(root.playing ? "Pauza" : "Odtwórz")
         onTriggered: root.tracks.play(root.row)
@@ -34,10 +39,6 @@ Menu {
     T.Action {
         text: L10n.text(root.queueText)
         onTriggered: root.tracks.toggleSelected(root.row)
-    }
-    T.Action {
-        text: L10n.text("Otwórz album")
-        onTriggered: root.tracks.activate(root.row)
     }
     T.Action {
         text: L10n.text("Pokaż w Finderze")

@@ -85,15 +85,14 @@ private:
 /// A card with the title, or with the number of files.
 QPixmap picture(const Load &files)
 {
-    constexpr int around = 12;
-    constexpr int height = 34;
-    constexpr int widest = 260;
-    const QFontMetrics metrics(QGuiApplication::font());
+    const QFontMetrics metrics(files.font);
+    const int around = metrics.height() * 2 / 3;
+    const int widest = metrics.height() * 16;
     const QString text = files.paths.size() == 1
-        ? Wording::fileName(files.title.left(widest))
+        ? Wording::shownName(files.title)
         : AppLocalizer::text(QStringLiteral("Utwory: ") + QString::number(files.paths.size()));
     const QString shown = metrics.elidedText(text, Qt::ElideRight, widest - 2 * around);
-    const QSize size(metrics.horizontalAdvance(shown) + 2 * around, std::max(height, metrics.height() + around));
+    const QSize size(metrics.horizontalAdvance(shown) + 2 * around, metrics.height() * 2);
     const double ratio = qGuiApp->devicePixelRatio();
     QPixmap result(size * ratio);
     result.setDevicePixelRatio(ratio);
@@ -101,9 +100,10 @@ QPixmap picture(const Load &files)
     QPainter painter(&result);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(QColor(0x0A, 0x63, 0xE0));
-    painter.drawRoundedRect(QRect(QPoint(), size), height / 4.0, height / 4.0);
-    painter.setPen(Qt::white);
+    painter.setBrush(files.ground);
+    painter.drawRoundedRect(QRect(QPoint(), size), around, around);
+    painter.setPen(files.ink);
+    painter.setFont(files.font);
     painter.drawText(QRect(QPoint(), size), Qt::AlignCenter, shown);
     return result;
 }

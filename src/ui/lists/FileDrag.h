@@ -5,6 +5,8 @@
 #pragma once
 
 #include <QByteArray>
+#include <QColor>
+#include <QFont>
 #include <QSet>
 #include <QString>
 #include <QStringList>
@@ -24,7 +26,11 @@ struct Load {
     std::vector<std::filesystem::path> paths;
     std::vector<QUuid> tracks; ///< the ids of the same, in any order
     bool onDevice = false; ///< they lie on the device
-    QString title; ///< of a single one, for the picture at the pointer
+    // The card at the pointer.
+    QString title {}; ///< of a single one
+    QColor ground {};
+    QColor ink {};
+    QFont font {};
 };
 
 /// What hangs at the pointer. The list of files is written when somebody asks for it.

@@ -11,7 +11,8 @@
 
 class RowListModel : public QAbstractListModel {
     Q_OBJECT
-    QML_ANONYMOUS
+    QML_ELEMENT
+    QML_UNCREATABLE("Only the lists themselves are made.")
     Q_PROPERTY(int count READ count NOTIFY countChanged) ///< a view's own follows a frame later
 
 public:
@@ -19,6 +20,8 @@ public:
 
 Q_SIGNALS:
     void countChanged();
+    /// A number may stand for another row than before.
+    void renumbered();
 
 protected:
     explicit RowListModel(QObject *parent = nullptr)
@@ -27,6 +30,7 @@ protected:
         connect(this, &QAbstractItemModel::rowsInserted, this, &RowListModel::countChanged);
         connect(this, &QAbstractItemModel::rowsRemoved, this, &RowListModel::countChanged);
         connect(this, &QAbstractItemModel::modelReset, this, &RowListModel::countChanged);
+        connect(this, &RowListModel::countChanged, this, &RowListModel::renumbered);
     }
 
     /// Makes all rows new.
@@ -53,6 +57,7 @@ protected:
             endInsertRows();
         }
         rows = std::move(wanted);
+        Q_EMIT renumbered();
     }
 
     /// Makes the identities of `rows` those of `wanted`. True if that was done in steps: rows that stayed are still the

@@ -117,13 +117,14 @@ bool beginsWith(const QString &name, const std::vector<Letter> &typed)
     });
 }
 
-} // namespace
-
-bool TypeAhead::isLetter(const QString &text)
+/// No control character, and no blank to begin with.
+bool isLetter(const QString &text)
 {
     return !text.isEmpty() && !text[0].isSpace()
         && std::none_of(text.begin(), text.end(), [](QChar unit) { return unit.category() == QChar::Other_Control; });
 }
+
+} // namespace
 
 bool TypeAhead::begins(const QString &name, const QString &typed)
 {
@@ -133,6 +134,13 @@ bool TypeAhead::begins(const QString &name, const QString &typed)
 bool TypeAhead::isUnderWay() const
 {
     return !m_typed.isEmpty() && m_clock() - m_last < typingPause;
+}
+
+bool TypeAhead::takes(const QString &text, int modifiers) const
+{
+    const auto shortcut = Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier;
+    return (Qt::KeyboardModifiers(modifiers) & shortcut) == 0
+        && (isLetter(text) || (text == QStringLiteral(" ") && isUnderWay()));
 }
 
 int TypeAhead::type(const QString &text, int current, int rowCount, const NameOf &nameOf)

@@ -25,11 +25,11 @@ public:
     [[nodiscard]] int type(const QString &text, int current, int rowCount, const NameOf &nameOf);
     /// Whether a blank would belong to what is being typed.
     [[nodiscard]] bool isUnderWay() const;
+    /// Whether a key with this text is one to look for. `modifiers` are Qt::KeyboardModifiers.
+    [[nodiscard]] bool takes(const QString &text, int modifiers) const;
     /// What comes next begins anew.
     void end() { m_typed.clear(); }
 
-    /// Whether a key's text is one to look for: no control character, and no blank to begin with.
-    [[nodiscard]] static bool isLetter(const QString &text);
     /// Whether `name` begins with `typed` in the way described above.
     [[nodiscard]] static bool begins(const QString &name, const QString &typed);
 

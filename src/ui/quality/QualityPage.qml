@@ -99,7 +99,7 @@ Item {
 
         // Not while the first music is being read: what is missing is on its way.
         readonly property bool wanted: root.quality.issues.count === 0
-            && !(root.quality.withoutMusic && root.model.busy)
+            && !(root.quality.withoutMusic && root.model.readingMusic)
 
         x: view.x
         y: view.originY - view.contentY

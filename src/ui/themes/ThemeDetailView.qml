@@ -9,6 +9,9 @@ DetailSheet {
     required property ThemeSheetPresenter theme
 
     title: root.theme.name
+    titleFont: Tokens.type.title
+    spacing: 20
+    padding: 25
     closeText: L10n.text("Gotowe")
     broad: Math.round(660 * Tokens.type.scale)
     wanted: root.theme.wanted
@@ -95,7 +98,6 @@ DetailSheet {
             visible: root.theme.hasPage
             kind: Button.Borderless
             text: L10n.text("Źródło i autor ↗")
-            Accessible.role: Accessible.Link
             onClicked: root.theme.openPage()
         }
     }

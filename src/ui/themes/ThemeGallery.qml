@@ -1,5 +1,5 @@
 // The installed themes as tiles in as many columns as fit. One stop for the Tab key: the arrows, Page Up and Down, Home
-// and End move, typed letters lead to a name, Return opens, the menu key or Shift+F10 opens the tile's menu.
+// and End move, typed letters lead to a name, Return or Space opens, the menu key or Shift+F10 opens the tile's menu.
 pragma ComponentBehavior: Bound
 
 import QtQuick
@@ -17,20 +17,25 @@ FocusScope {
         view.currentIndex = Math.max(0, Math.min(row, view.count - 1));
         view.currentItem?.forceActiveFocus(Qt.TabFocusReason);
     }
+    /// Whether the key of `event`, pressed on a tile, led anywhere.
+    function act(row: int, tile: Item, event: var): bool {
+        const step = columns.stepsFrom(row, view.count)[event.key];
+        const named = step === undefined ? root.themes.rowFor(event.text, event.modifiers, row) : -1;
+        const open = () => root.themes.open(row);
+        const openMenu = () => menu.openFor(row, tile);
+        const action = named >= 0 || step !== undefined ? () => root.goTo(named >= 0 ? named : row + step) : {
+            [Qt.Key_Space]: open,
+            [Qt.Key_Return]: open,
+            [Qt.Key_Enter]: open,
+            [Qt.Key_Menu]: openMenu,
+            [Qt.Key_F10]: event.modifiers & Qt.ShiftModifier ? openMenu : null
+        }[event.key];
+        action?.();
+        return Boolean(action);
+    }
 
     Accessible.role: Accessible.List
     Accessible.name: L10n.text("Motywy")
-    Keys.onPressed: event => {
-        const step = columns.stepsFrom(view.currentIndex, view.count)[event.key];
-        const wantsMenu = event.key === Qt.Key_Menu || event.key === Qt.Key_F10 && event.modifiers & Qt.ShiftModifier;
-        const named = step === undefined && !wantsMenu ? root.themes.rowFor(event.text, view.currentIndex) : -1;
-        event.accepted = view.count > 0 && (step !== undefined || wantsMenu || named >= 0);
-        if (wantsMenu) {
-            menu.openFor(view.currentIndex, view.currentItem);
-        } else if (event.accepted) {
-            root.goTo(named >= 0 ? named : view.currentIndex + step);
-        }
-    }
 
     GridColumns {
         id: columns
@@ -50,7 +55,7 @@ FocusScope {
         width: columns.tileWidth
         name: "X"
         picture: ""
-        source: "X"
+        source: L10n.text("Dodaj własny zrzut lub pobierz podgląd")
         active: false
     }
     GridView {
@@ -79,6 +84,8 @@ FocusScope {
             height: root.height
         }
         delegate: ThemeTile {
+            id: tile
+
             required property int index
 
             width: columns.tileWidth
@@ -86,6 +93,7 @@ FocusScope {
             onActiveFocusChanged: if (activeFocus && index >= 0) view.currentIndex = index
             onOpened: root.themes.open(index)
             onMenuWanted: menu.openFor(index, null)
+            Keys.onPressed: event => event.accepted = root.act(index, tile, event)
         }
     }
 }

@@ -35,7 +35,7 @@ QVariant ThemeListModel::data(const QModelIndex &index, int role) const
     switch (role) {
     case Qt::DisplayRole:
     case NameRole:
-        return Wording::fileName(shown->name());
+        return Wording::shownName(shown->name());
     case PictureRole:
         return ThemePictures::address(m_model, preview().playing);
     case SourceRole:

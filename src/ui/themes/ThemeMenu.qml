@@ -3,11 +3,10 @@ import QtQuick
 import QtQuick.Templates as T
 import Marlune
 
-Menu {
+RowMenu {
     id: root
 
     required property ThemesPresenter themes
-    property int row: -1
 
     /// By the tile, or without one at the pointer.
     function openFor(row: int, tile: Item) {
@@ -18,6 +17,8 @@ Menu {
             root.popup();
         }
     }
+
+    rows: root.themes.themes
 
     T.Action {
         text: L10n.text("Szczegóły i podgląd")

@@ -28,7 +28,7 @@ ThemePreview ThemeSheetPresenter::preview() const
 
 QString ThemeSheetPresenter::name() const
 {
-    return Wording::fileName(m_theme.name());
+    return Wording::shownName(m_theme.name());
 }
 
 QUrl ThemeSheetPresenter::playingPicture() const
@@ -43,13 +43,15 @@ QUrl ThemeSheetPresenter::menuPicture() const
 
 QString ThemeSheetPresenter::author() const
 {
-    return preview().author.value_or(AppLocalizer::text(QStringLiteral("Nieznany — sprawdź plik motywu")));
+    const std::optional<QString> author = preview().author;
+    return author ? Wording::shownName(*author) : AppLocalizer::text(QStringLiteral("Nieznany — sprawdź plik motywu"));
 }
 
 QString ThemeSheetPresenter::setting(const QString &key) const
 {
     const Configuration settings = m_model.themeSettings().value(m_theme.id());
-    return settings.contains(key) ? settings.value(key) : AppLocalizer::text(QStringLiteral("Domyślny"));
+    return settings.contains(key) ? Wording::shownName(settings.value(key))
+                                  : AppLocalizer::text(QStringLiteral("Domyślny"));
 }
 
 void ThemeSheetPresenter::reveal() const

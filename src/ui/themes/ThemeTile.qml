@@ -15,13 +15,10 @@ T.ItemDelegate {
     signal opened
     signal menuWanted
 
-    implicitHeight: root.width * 3 / 4 + words.implicitHeight + 2 * Tokens.space.tight
+    implicitHeight: root.width * 3 / 4 + words.implicitHeight + Tokens.space.tight
     Accessible.name: root.name
     Accessible.description: L10n.enumeration([root.active ? L10n.text("Ustawiony na iPodzie") : "", root.source])
     Accessible.onPressAction: root.opened()
-    Keys.onReturnPressed: root.opened()
-    Keys.onEnterPressed: root.opened()
-    Keys.onSpacePressed: root.opened()
     onClicked: root.opened()
 
     HoverHandler {
@@ -62,7 +59,7 @@ T.ItemDelegate {
         id: words
         y: shot.height + Tokens.space.tight
         width: root.width
-        spacing: 3
+        spacing: Tokens.space.tight
 
         TextLine {
             width: parent.width
@@ -74,6 +71,8 @@ T.ItemDelegate {
             width: parent.width
             text: root.source
             font: Tokens.type.caption2
+            wrapMode: Text.Wrap
+            maximumLineCount: 2
             color: Tokens.color.textMuted
             Accessible.ignored: true
         }

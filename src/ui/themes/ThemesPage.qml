@@ -41,6 +41,7 @@ Item {
 
             Button {
                 objectName: "fetchPreviewsButton"
+                enabled: root.themes.themes.count > 0
                 text: L10n.text("Pobierz podglądy z Rockbox")
                 onClicked: root.model.fetchThemePreviews()
             }
@@ -48,7 +49,6 @@ Item {
                 objectName: "catalogueLink"
                 kind: Button.Borderless
                 text: L10n.text("Katalog motywów ↗")
-                Accessible.role: Accessible.Link
                 onClicked: root.themes.openCatalogue()
             }
         }

@@ -69,9 +69,9 @@ void ThemesPresenter::openCatalogue() const
     (void)Desktop::openAddress(m_model.themeCataloguePage());
 }
 
-int ThemesPresenter::rowFor(const QString &typed, int current)
+int ThemesPresenter::rowFor(const QString &typed, int modifiers, int current)
 {
-    return TypeAhead::isLetter(typed) || m_typeAhead.isUnderWay()
+    return m_typeAhead.takes(typed, modifiers)
         ? m_typeAhead.type(typed, current, m_themes.count(), [this](int row) { return m_themes.name(row); })
         : -1;
 }

@@ -33,8 +33,8 @@ public:
     Q_INVOKABLE void reveal(int row) const;
     /// Opens the catalogue's page for the device's kind.
     Q_INVOKABLE void openCatalogue() const;
-    /// The row to which a typed letter leads, from `current` on; -1 for none.
-    Q_INVOKABLE int rowFor(const QString &typed, int current);
+    /// The row to which a typed letter leads, from `current` on; -1 for none. `modifiers` are Qt::KeyboardModifiers.
+    Q_INVOKABLE int rowFor(const QString &typed, int modifiers, int current);
 
     /// What letting go of these addresses would do, or why it does nothing: for a heading and a line below it.
     [[nodiscard]] Q_INVOKABLE QString dropTitle(const QList<QUrl> &urls) const;

@@ -55,6 +55,12 @@ QString fileName(const QString &name)
     return shown;
 }
 
+QString shownName(const QString &name)
+{
+    constexpr qsizetype longest = 400;
+    return name.size() > longest ? fileName(name.left(longest)) + QChar(0x2026) : fileName(name);
+}
+
 QString artistText(const QString &artist)
 {
     return artist == QStringLiteral("Różni wykonawcy") ? AppLocalizer::text(artist) : artist;

@@ -18,6 +18,10 @@ namespace Wording {
 /// or is no character at all is replaced. For the eye and the ear only: no file has this name.
 [[nodiscard]] QString fileName(const QString &name);
 
+/// fileName() of a name that may be of any length: of a longer one than this nobody reads the rest, and to lay it out
+/// takes long. For tags too.
+[[nodiscard]] QString shownName(const QString &name);
+
 /// An album's artist: a name, which stays as it is, or the words for several.
 [[nodiscard]] QString artistText(const QString &artist);
 

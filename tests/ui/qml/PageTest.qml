@@ -37,4 +37,21 @@ TestCase {
     function below(item) {
         return Array.from(item.children).reduce((found, child) => found.concat([child], below(child)), []);
     }
+
+    /// What the Down key leads to in the menu that the menu key opens on `item`.
+    function menuEntries(item: Item): var {
+        item.forceActiveFocus();
+        keyClick(Qt.Key_Menu);
+        tryVerify(() => !item.activeFocus);
+        const entries = [];
+        for (let text = null; text !== entries[entries.length - 1]; text = item.Window.activeFocusItem.text) {
+            if (text !== null) {
+                entries.push(text);
+            }
+            keyClick(Qt.Key_Down);
+        }
+        keyClick(Qt.Key_Escape);
+        tryVerify(() => item.activeFocus);
+        return entries;
+    }
 }

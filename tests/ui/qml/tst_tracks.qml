@@ -83,6 +83,7 @@ PageTest {
             keyClick(Qt.Key_Escape);
             tryVerify(() => row(1).visualFocus);
         }
+        compare(menuEntries(row(1)), ["Otwórz album", "Odtwórz", "Usuń z kolejki", "Pokaż w Finderze"]);
         keyClick(Qt.Key_Return);
         verify(root.bench.albumSheet.wanted);
     }
@@ -102,7 +103,7 @@ PageTest {
         compare(root.bench.queuedTracks(), 1);
         tryCompare(row(6), "chosen", true);
         compare(marked(), [3]);
-        compare(row(0).Accessible.name, "01 1, Wykonawca A".replace("01 ", row(0).number));
+        verify(/^(01 )?1, Wykonawca A$/.test(row(0).Accessible.name), row(0).Accessible.name);
     }
 
     function test_searchAndListHandTheKeyboardOver() {
