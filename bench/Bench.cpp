@@ -20,8 +20,9 @@ constexpr Figure figures[] = {{"import", Bench::import}, {"flac", Bench::flac}, 
     {"covers", Bench::covers}, {"inspect", Bench::inspect}, {"duplicates", Bench::duplicates}, {"play", Bench::play},
     {"heartbeat", Bench::heartbeatAndMemory}, {"memory", Bench::heartbeatAndMemory}, {"lists", Bench::lists},
     {"table", Bench::table}, {"typing", Bench::typing}, {"tree", Bench::tree}, {"tiles", Bench::tiles},
-    {"scroll", Bench::scroll}, {"covers-memory", Bench::coversMemory}, {"drawings", Bench::drawings},
-    {"translate", Bench::translate}, {"language", Bench::language}, {"start", Bench::start}};
+    {"scroll", Bench::scroll}, {"scroll-many", Bench::scrollMany}, {"covers-memory", Bench::coversMemory},
+    {"drawings", Bench::drawings}, {"translate", Bench::translate}, {"language", Bench::language},
+    {"start", Bench::start}};
 
 } // namespace
 

@@ -1,8 +1,12 @@
 #include "BenchWindow.h"
 
+#include <QElapsedTimer>
 #include <QEventLoop>
 #include <QSurfaceFormat>
 #include <QTimer>
+
+#include <algorithm>
+#include <cstdio>
 
 namespace Bench {
 
@@ -44,6 +48,42 @@ void renderWithoutPause()
     QSurfaceFormat format = QSurfaceFormat::defaultFormat();
     format.setSwapInterval(0);
     QSurfaceFormat::setDefaultFormat(format);
+}
+
+void scrollThrough(const char *name, QQuickWindow &window, QQuickItem &view, double pixelsPerFrame)
+{
+    QElapsedTimer sinceFrame;
+    std::vector<double> frames; // ms
+    QEventLoop scrolling;
+    const auto step = [&] {
+        const double end // a list may have put rows in before its first
+            = view.property("originY").toDouble() + view.property("contentHeight").toDouble() - view.height();
+        const double position = view.property("contentY").toDouble();
+        if (position >= end - 1) {
+            scrolling.quit();
+            return;
+        }
+        view.setProperty("contentY", std::min(position + pixelsPerFrame, end));
+        window.update();
+    };
+    QObject::connect(&window, &QQuickWindow::frameSwapped, &scrolling, [&] {
+        frames.push_back(double(sinceFrame.nsecsElapsed()) / 1e6);
+        sinceFrame.restart();
+        step();
+    });
+    sinceFrame.start();
+    step();
+    scrolling.exec();
+    const auto late = std::count_if(frames.begin(), frames.end(), [](double frame) { return frame > 16; });
+    std::printf("%s %zu frames, %zu over 16 ms, median %.1f ms, worst %.1f ms\n", name, frames.size(),
+        std::size_t(late), Bench::median(frames), *std::max_element(frames.begin(), frames.end()));
+}
+
+void scrollThrough(const char *name, QQuickWindow &window, QQuickItem &view, int frames)
+{
+    constexpr double slowest = 40; // pixels a frame
+    const double end = view.property("contentHeight").toDouble() - view.height();
+    scrollThrough(name, window, view, std::max(slowest, end / frames));
 }
 
 } // namespace Bench

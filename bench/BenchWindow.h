@@ -6,6 +6,7 @@
 #include "ui/MarluneApp.h"
 
 #include <QQuickItem>
+#include <QQuickWindow>
 
 namespace Bench {
 
@@ -20,5 +21,10 @@ void runFor(int milliseconds);
 
 /// One frame begins when the one before is done, so that the gaps are what the frames take. Before the first window.
 void renderWithoutPause();
+
+/// Prints what the frames take while `view` is scrolled from its beginning to its end.
+void scrollThrough(const char *name, QQuickWindow &window, QQuickItem &view, double pixelsPerFrame);
+/// The same in so many frames at most.
+void scrollThrough(const char *name, QQuickWindow &window, QQuickItem &view, int frames);
 
 } // namespace Bench

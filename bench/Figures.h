@@ -87,6 +87,8 @@ void tree(const std::filesystem::path &library);
 void tiles(const std::filesystem::path &library);
 /// Scrolls through each view of the library, from end to end.
 void scroll(const std::filesystem::path &library);
+/// The same in lists of 100,000 tracks.
+void scrollMany(const std::filesystem::path &library);
 /// What scrolling through all covers leaves in memory.
 void coversMemory(const std::filesystem::path &library);
 /// Scrolls through all drawn iPods; needs no library.

@@ -243,4 +243,19 @@ void typing(const std::filesystem::path &)
     }
 }
 
+void scrollMany(const std::filesystem::path &)
+{
+    renderWithoutPause();
+    constexpr int frames = 6000; // from end to end
+    ManyTracks desk;
+    desk.show(tracksView);
+    scrollThrough("scroll-many-tracks", desk.window(), desk.item(tracksView.item), frames);
+    desk.show(foldersView);
+    desk.item(foldersView.item).forceActiveFocus();
+    auto *rows = desk.item(foldersView.item).property("model").value<QAbstractItemModel *>();
+    require(QMetaObject::invokeMethod(rows, "openBelow", Q_ARG(int, 0)), "the outline");
+    runFor(1000);
+    scrollThrough("scroll-many-folders", desk.window(), desk.item(foldersView.item), frames);
+}
+
 } // namespace Bench

@@ -49,35 +49,6 @@ void showLibrary(MarluneApp::Program &program, const std::filesystem::path &libr
     Bench::runFor(3000);
 }
 
-/// Prints what the frames take while `view` is scrolled from its beginning to its end.
-void scrollThrough(const char *name, QQuickWindow &window, QQuickItem &view, double pixelsPerFrame)
-{
-    QElapsedTimer sinceFrame;
-    std::vector<double> frames; // ms
-    QEventLoop scrolling;
-    const auto step = [&] {
-        const double end = view.property("contentHeight").toDouble() - view.height();
-        const double position = view.property("contentY").toDouble();
-        if (position >= end) {
-            scrolling.quit();
-            return;
-        }
-        view.setProperty("contentY", std::min(position + pixelsPerFrame, end));
-        window.update();
-    };
-    QObject::connect(&window, &QQuickWindow::frameSwapped, &scrolling, [&] {
-        frames.push_back(double(sinceFrame.nsecsElapsed()) / 1e6);
-        sinceFrame.restart();
-        step();
-    });
-    sinceFrame.start();
-    step();
-    scrolling.exec();
-    const auto late = std::count_if(frames.begin(), frames.end(), [](double frame) { return frame > 16; });
-    std::printf("%s %zu frames, %zu over 16 ms, median %.1f ms, worst %.1f ms\n", name, frames.size(),
-        std::size_t(late), Bench::median(frames), *std::max_element(frames.begin(), frames.end()));
-}
-
 /// All models as the handbook shows them, with no page around them.
 constexpr char gallery[] = R"(
 import QtQuick
@@ -173,7 +144,7 @@ void tiles(const std::filesystem::path &library)
 void scroll(const std::filesystem::path &library)
 {
     renderWithoutPause();
-    constexpr double frames = 1500; // at most, from end to end
+    constexpr int frames = 1500; // from end to end
 
     const WorkFolder folder;
     MarluneApp::Program program(emptySetup(folder));
@@ -183,9 +154,7 @@ void scroll(const std::filesystem::path &library)
              std::tuple(ViewMode::Folders, "folderTree", "scroll-folders")}) {
         program.model().setViewMode(viewModeText(mode));
         runFor(2000);
-        QQuickItem &list = view(program, name);
-        const double end = list.property("contentHeight").toDouble() - list.height();
-        scrollThrough(figure, *program.window(), list, std::max(40.0, end / frames));
+        scrollThrough(figure, *program.window(), view(program, name), frames);
     }
 }
 

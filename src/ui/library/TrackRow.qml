@@ -78,6 +78,8 @@ T.ItemDelegate {
             x: root.columns.timeX + root.columns.time - width // an hour's digits take the gap too
             anchors.verticalCenter: parent.verticalCenter
             text: root.time
+            font: Tokens.type.caption
+            color: Tokens.color.textMuted
         }
         Cell {
             x: root.columns.formatX
