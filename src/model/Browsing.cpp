@@ -2,7 +2,10 @@
 
 #include "library/AlbumGrouping.h"
 
+#include "platform/tasks/Background.h"
+
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -66,15 +69,6 @@ std::vector<Track> &Browsing::ownTracks(Side side)
     return *std::const_pointer_cast<std::vector<Track>>(held);
 }
 
-void Browsing::append(Side side, std::vector<Track> tracks)
-{
-    std::vector<Track> &target = ownTracks(side);
-    target.insert(target.end(), std::move_iterator(tracks.begin()), std::move_iterator(tracks.end()));
-    m_contents[place(side)].index.reset();
-    m_contents[place(side)].albums.reset();
-    m_queueSum.reset();
-}
-
 bool Browsing::land(Side side, const LibraryContents &base, const LibraryContents &made)
 {
     LibraryContents &held = m_contents[place(side)];
@@ -112,7 +106,8 @@ void Browsing::remove(const QSet<QUuid> &ids)
 
 void Browsing::clearDevice()
 {
-    m_contents[place(Side::Device)] = {};
+    BackgroundJobs::discard(
+        std::make_shared<LibraryContents>(std::exchange(m_contents[place(Side::Device)], LibraryContents())));
     m_chosen[place(Side::Device)].clear();
 }
 
@@ -191,7 +186,8 @@ bool Browsing::setSortMode(const QString &mode)
 const LibraryContents &Browsing::indexed(Side side) const
 {
     LibraryContents &held = m_contents[place(side)];
-    if (!held.index || !held.index->isCurrent()) {
+    // Of many tracks one whose order is another language's serves until a job has made one anew.
+    if (!held.index || (isReady(side) && !held.index->isCurrent())) {
         held = held.prepared();
     }
     return held;

@@ -47,7 +47,6 @@ public:
     [[nodiscard]] const std::vector<Track> &tracks(Side side) const { return *contents(side).tracks; }
     [[nodiscard]] const std::vector<Track> &activeTracks() const { return tracks(m_side); }
     [[nodiscard]] const LibraryContents &contents(Side side) const { return m_contents[place(side)]; }
-    void append(Side side, std::vector<Track> tracks);
     /// Puts `made`, prepared of `base`, in the place of the side's contents. Nothing, and false, where those have
     /// changed meanwhile, or the order of texts has.
     [[nodiscard]] bool land(Side side, const LibraryContents &base, const LibraryContents &made);

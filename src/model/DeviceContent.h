@@ -5,7 +5,12 @@
 
 #include "platform/volumes/Volumes.h"
 
+#include <cstdint>
 #include <stop_token>
+
+/// What is known of the device's music: nothing before the first reading of it; a part until one has come to its end,
+/// and after one that has not; all of it, be it none.
+enum class DeviceReading : std::uint8_t { None, Partial, Complete };
 
 struct DeviceContent {
     std::vector<Theme> themes; ///< in the order shown

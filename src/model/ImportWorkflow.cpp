@@ -38,7 +38,7 @@ TrackImport importInto(const std::vector<Track> &held)
 /// An import that has been read, with the library that it gives.
 struct MarluneModel::ImportReading {
     TracksRead read;
-    LibraryContents base; ///< the library at the begin
+    LibraryContents base; ///< the library at the start
     LibraryContents made;
 };
 

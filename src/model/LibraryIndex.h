@@ -19,8 +19,7 @@
 #include <optional>
 #include <vector>
 
-/// Tracks as their places among the active ones: no track is copied. Good until those change, and their order or number
-/// with them.
+/// Tracks as their places among the active ones: no track is copied. Valid until a track is added or removed.
 using TrackPlaces = std::vector<std::uint32_t>;
 
 /// More than 16 bits a sample or more than 48 kHz.

@@ -31,7 +31,7 @@ QCoro::Task<> MarluneModel::runReorder()
             }
             (void)m_browsing.land(side, base, made); // otherwise once more
         }
-        if (side == shown) {
+        if (side == m_browsing.side()) { // perhaps it is another one by now
             Q_EMIT browsingChanged();
         }
     }

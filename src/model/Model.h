@@ -34,10 +34,6 @@ namespace Storage {
 class DeviceAnchor;
 }
 
-/// What is known of the selected device's music: nothing before the first reading of it; a part until one has come to
-/// its end, and after one that has not; all of it, be it none.
-enum class DeviceReading : std::uint8_t { None, Partial, Complete };
-
 class MarluneModel : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString section READ sectionText WRITE setSectionText NOTIFY sectionChanged)

@@ -19,7 +19,7 @@ std::optional<std::filesystem::path> localPath(const QUrl &url)
         return std::nullopt;
     }
     const QByteArray bytes = QByteArray::fromPercentEncoding(url.path(QUrl::FullyEncoded).toLatin1());
-    if (bytes.isEmpty() || bytes.contains('\0')) {
+    if (!bytes.startsWith('/') || bytes.contains('\0')) {
         return std::nullopt;
     }
     return std::filesystem::path(bytes.toStdString());

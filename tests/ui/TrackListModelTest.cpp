@@ -131,8 +131,13 @@ private Q_SLOTS:
         table.import();
         QTRY_VERIFY(table.titles().contains(u'Z'));
         QCOMPARE(table.marked(), u"H"_s);
+        const qsizetype placedBefore = places.count();
+        table.model->setSearch(u"Band"_s); // which all of them have
+        QTest::qWait(1);
+        QCOMPARE(places.count(), placedBefore);
         table.model->setSearch(u"d A"_s);
         QTRY_COMPARE(table.titles(), u"A"_s);
+        QCOMPARE(places.count(), placedBefore + 1);
         QCOMPARE(table.rows.selectedCount(), 0);
         QCOMPARE(table.rows.currentRow(), 0);
     }

@@ -20,7 +20,7 @@ TEST(LocalPath, keepsTheBytesOfEveryName)
     const std::pair<const char *, Path> table[]
         = {{"file:///%C5%BB%C3%B3%C5%82w%20b", "/Żółw b"}, {"file:///old/%A3%FF.mp3", "/old/\xA3\xFF.mp3"},
             {"file:///a%23b%3Fc%25d", "/a#b?c%d"}, {"https://example.org/a.flac", {}}, {"file:///a%00b", {}}, {"", {}},
-            {"file://localhost/a", "/a"}, {"file://elsewhere/a", {}}};
+            {"file://localhost/a", "/a"}, {"file://elsewhere/a", {}}, {"file:a.zip", {}}};
     for (const auto &[address, path] : table) {
         EXPECT_EQ(localPath(QUrl::fromEncoded(address)), path) << address;
     }

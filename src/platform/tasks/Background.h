@@ -60,7 +60,7 @@ template <std::invocable Work> void startOn(QThreadPool &pool, Work work)
     pool.start(std::move(task));
 }
 
-/// Has the value die on another thread, if nobody else holds it: that of many tracks takes long.
+/// Destroys the value on another thread, if nobody else holds it: with many tracks that takes long.
 template <typename Value> void discard(std::shared_ptr<Value> value)
 {
     startOn(pool(JobPriority::Utility), [value = std::move(value)]() mutable { value.reset(); });

@@ -186,7 +186,7 @@ void AlbumListModel::replaceRows(std::vector<Row> rows)
     const bool isOtherOrder = std::exchange(m_order, now) != now;
     if (changeInSteps(m_rows, rows, [](const Row &row) { return row.id; })) {
         updateRows(std::move(rows));
-        if (isOtherOrder) {
+        if (isOtherOrder && m_before.ids != idsOf(m_rows)) {
             Q_EMIT placed(0);
         }
     } else {

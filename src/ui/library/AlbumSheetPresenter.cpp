@@ -3,7 +3,6 @@
 #include "ui/words/Localization.h"
 #include "ui/words/Wording.h"
 
-#include "media/pictures/Images.h"
 #include "platform/desktop/Desktop.h"
 #include "platform/text/ByteCount.h"
 
@@ -17,13 +16,13 @@ AlbumSheetPresenter::AlbumSheetPresenter(
     , m_covers(std::move(covers))
     , m_onDeviceOverride(onDeviceOverride)
 {
-    m_change.follow(
-        m_model, &MarluneModel::tracksChanged, &MarluneModel::artworkChanged, &MarluneModel::libraryOnDeviceChanged);
+    m_change.follow(m_model, &MarluneModel::tracksChanged, &MarluneModel::artworkChanged,
+        &MarluneModel::libraryOnDeviceChanged, &MarluneModel::coverDownloaded);
     connect(&m_model, &MarluneModel::busyChanged, this, [this] { // at once: it may be over in the next turn
         m_sawWork = m_sawWork || (m_wanted && m_model.busy());
     });
     m_state.follow(m_model, &MarluneModel::busyChanged, &MarluneModel::statusChanged, &MarluneModel::deviceChanged,
-        &MarluneModel::selectionChanged, &MarluneModel::coverDownloaded);
+        &MarluneModel::selectionChanged);
     m_state.follow(m_model.playback(), &Playback::currentChanged, &Playback::playingChanged);
 }
 
@@ -77,6 +76,8 @@ void AlbumSheetPresenter::refresh()
         m_album = now;
     }
     m_artwork = m_album->artworkBytes();
+    m_coverFacts = m_artwork ? imageFacts(*m_artwork) : std::nullopt;
+    m_source = m_model.coverSource(m_album->id());
     m_tracks.show(m_album, m_onDeviceOverride);
     Q_EMIT changed();
     m_covers->prune();
@@ -113,16 +114,14 @@ QString AlbumSheetPresenter::cover() const
 
 int AlbumSheetPresenter::coverSide() const
 {
-    const std::optional<ImageFacts> facts = m_artwork ? imageFacts(*m_artwork) : std::nullopt;
-    return facts ? std::max(facts->width, facts->height) : 0;
+    return m_coverFacts ? std::max(m_coverFacts->width, m_coverFacts->height) : 0;
 }
 
 QString AlbumSheetPresenter::coverFacts() const
 {
-    const std::optional<ImageFacts> facts = m_artwork ? imageFacts(*m_artwork) : std::nullopt;
-    return facts ? QStringLiteral("%1 × %2 · ").arg(facts->width).arg(facts->height) + facts->format
-            + QStringLiteral(" · ") + byteCount(m_artwork->size())
-                 : QString();
+    return m_coverFacts ? QStringLiteral("%1 × %2 · ").arg(m_coverFacts->width).arg(m_coverFacts->height)
+            + m_coverFacts->format + QStringLiteral(" · ") + byteCount(m_artwork->size())
+                        : QString();
 }
 
 bool AlbumSheetPresenter::queued() const
@@ -168,7 +167,7 @@ void AlbumSheetPresenter::reveal() const
 
 void AlbumSheetPresenter::openSource() const
 {
-    if (const QUrl page = m_model.coverSource(m_album->id()); page.isValid()) {
-        Desktop::openAddress(page);
+    if (m_source.isValid()) {
+        Desktop::openAddress(m_source);
     }
 }

@@ -6,6 +6,8 @@
 #include "ui/library/DiscTrackListModel.h"
 #include "ui/words/Wording.h"
 
+#include "media/pictures/Images.h"
+
 #include <QtQml/qqmlregistration.h>
 
 class AlbumSheetPresenter : public QObject {
@@ -58,7 +60,7 @@ public:
     [[nodiscard]] QString cover() const;
     [[nodiscard]] int coverSide() const;
     [[nodiscard]] QString coverFacts() const;
-    [[nodiscard]] bool hasSource() const { return m_model.coverSource(m_album->id()).isValid(); }
+    [[nodiscard]] bool hasSource() const { return m_source.isValid(); }
     [[nodiscard]] bool deviceSide() const { return m_onDeviceOverride.value_or(m_model.libraryOnDevice()); }
     [[nodiscard]] bool canTransfer() const { return !busy() && m_model.device().has_value(); }
     [[nodiscard]] bool busy() const { return m_model.busy(); }
@@ -99,6 +101,8 @@ private:
     CoverSearchPresenter m_coverSearch {m_model, m_covers, m_onDeviceOverride};
     std::shared_ptr<const Album> m_album = std::make_shared<const Album>(); ///< stays while a closed sheet fades
     std::optional<QByteArray> m_artwork; ///< its cover
+    std::optional<ImageFacts> m_coverFacts;
+    QUrl m_source; ///< the page that the cover is from
     bool m_follows = false;
     bool m_wanted = false;
     bool m_available = false;

@@ -171,7 +171,7 @@ std::vector<std::filesystem::path> FolderTreeModel::filesAbout(int row) const
 
 std::vector<Track> FolderTreeModel::queueAround(Node file, const std::vector<Node> &files) const
 {
-    constexpr std::ptrdiff_t longest = 1000; // to each side: days of music
+    constexpr std::ptrdiff_t longest = queueReach;
     const auto at = std::lower_bound(files.begin(), files.end(), file);
     const auto begin = at - std::min(longest, at - files.begin());
     std::vector<Track> queue;

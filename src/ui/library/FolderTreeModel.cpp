@@ -39,8 +39,12 @@ FolderTreeModel::FolderTreeModel(MarluneModel &model, QObject *parent)
     m_selectionChange.follow(model, &MarluneModel::selectionChanged);
     for (const auto signal : {&Playback::currentChanged, &Playback::playingChanged}) {
         connect(&model.playback(), signal, this, [this] {
-            refreshPlaying();
-            renew({PlayingRole});
+            if (isShown()) {
+                refreshPlaying();
+                renew({PlayingRole});
+            } else {
+                m_isOutdated = true;
+            }
         });
     }
     refreshIfShown();
@@ -149,11 +153,14 @@ std::vector<bool> FolderTreeModel::listedTracks() const
     return model().trackMatches()->places;
 }
 
+bool FolderTreeModel::isShown() const
+{
+    return model().section() == Section::Music && viewModeFromText(model().viewMode()) == ViewMode::Folders;
+}
+
 void FolderTreeModel::refreshIfShown()
 {
-    const bool isShown
-        = model().section() == Section::Music && viewModeFromText(model().viewMode()) == ViewMode::Folders;
-    if (m_isOutdated && isShown) {
+    if (m_isOutdated && isShown()) {
         refresh();
     }
 }
@@ -204,7 +211,7 @@ QCoro::Task<> FolderTreeModel::runBuilding()
     Built begun {.base = m_shown.folders.tree(), .shown = {}, .isOnDevice = m_isOnDevice, .tree = {}, .before = {}};
     begun.shown.root = root();
     begun.shown.language = TextOrder::language();
-    if (!begun.base && aside().root == begun.shown.root) { // those of another device are of no use
+    if (!begun.base && aside().root == begun.shown.root) { // those at another place are of no use
         begun.base = aside().folders.tree();
     }
     begun.shown.identities = model().index()->identities();
@@ -272,7 +279,6 @@ void FolderTreeModel::land(const Built &built)
     for (std::size_t i = 0; i < m_shown.rows.size(); ++i) { // those that are gone get numbers of no node
         m_shown.rows[i] = before.rows[i] != FolderNode::none ? before.rows[i] : tree().size() + Node(i);
     }
-    refreshPlaying();
     list(std::move(before));
 }
 
@@ -291,6 +297,7 @@ void FolderTreeModel::list(Places before)
     }
     m_shown.folders.setListed(listedTracks(), !m_search.isEmpty());
     m_shown.folders.setChosen(chosenTracks());
+    refreshPlaying();
     const std::optional<Places> kept
         = m_search.isEmpty() ? std::exchange(m_shown.beforeSearch, std::nullopt) : std::nullopt;
     const bool selects = before.selection.count() > 0;
@@ -357,7 +364,9 @@ int FolderTreeModel::rowNear(Node node) const
 
 void FolderTreeModel::refreshChosen()
 {
-    if (m_shown.folders.tree()) {
+    if (!isShown()) {
+        m_isOutdated = true;
+    } else if (m_shown.folders.tree()) {
         m_shown.folders.setChosen(chosenTracks());
         renew({ChosenRole});
     }

@@ -104,6 +104,7 @@ private:
     };
     struct Built;
 
+    [[nodiscard]] bool isShown() const;
     void refreshIfShown();
     void refresh();
     [[nodiscard]] bool isCurrent(const Shown &shown) const;

@@ -85,6 +85,9 @@ protected:
     /// What the file manager is to show of them.
     [[nodiscard]] virtual std::vector<std::filesystem::path> filesAbout(int row) const;
 
+    /// So many of the listed tracks to each side of one that is played are played too: days of music.
+    static constexpr int queueReach = 1000;
+
     /// What decides which rows there are, and in what order, but for the tracks themselves.
     struct Order {
         bool onDevice = false;

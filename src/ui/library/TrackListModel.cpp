@@ -13,6 +13,12 @@ QString numberText(std::int64_t number)
     return number > 0 ? QStringLiteral("%1 ").arg(number, 2, 10, QChar(u'0')) : QString();
 }
 
+template <typename Row> bool listsTheSame(const std::vector<Row> &a, const std::vector<Row> &b)
+{
+    return std::equal(
+        a.begin(), a.end(), b.begin(), b.end(), [](const Row &x, const Row &y) { return x.file == y.file; });
+}
+
 QString timeText(double seconds)
 {
     constexpr qsizetype longest = 9; // "999:59:59"; a damaged file's is of no use
@@ -149,16 +155,17 @@ void TrackListModel::refresh()
     const Order now = order();
     const bool isSortedAnew
         = now.sortMode != m_order.sortMode || now.language != m_order.language || now.onDevice != m_order.onDevice;
+    const bool wasOnDevice = m_order.onDevice;
     const bool isOtherOrder = std::exchange(m_order, now) != now;
     if (rows.empty() && !m_rows.empty() && model().activeTracks().empty()) {
-        m_gone = {.rows = m_rows, .selection = m_selection, .topRow = m_topRow, .onDevice = now.onDevice};
+        m_gone = {.rows = m_rows, .selection = m_selection, .topRow = m_topRow, .onDevice = wasOnDevice};
     }
-    m_before = {.rows = m_rows, .selection = m_selection, .topRow = m_topRow, .onDevice = now.onDevice};
+    const Listed before {.rows = m_rows, .selection = m_selection, .topRow = m_topRow, .onDevice = wasOnDevice};
     // In another order no steps need be looked for, which would take longer than all else here.
     const bool inSteps = !isSortedAnew && changeInSteps(m_rows, rows, [](const Row &row) { return row.file; });
     if (!inSteps) {
         exchangeRows(m_rows, std::move(rows));
-        follow(m_before);
+        follow(before);
         renew({});
     } else {
         const std::vector<Row> stale = std::exchange(m_rows, std::move(rows));
@@ -170,17 +177,14 @@ void TrackListModel::refresh()
             Q_EMIT dataChanged(index(int(first - stale.begin())), index(int(stale.rend() - last) - 1));
         }
     }
-    if (const bool isBack = !m_rows.empty() && !m_gone.rows.empty(); isBack) {
+    if (!m_rows.empty() && !m_gone.rows.empty() && m_gone.onDevice == now.onDevice) {
         const Listed gone = std::exchange(m_gone, {});
-        if (gone.onDevice == now.onDevice) {
-            follow(gone);
-            renew({MarkedRole});
-            Q_EMIT placed(topAfter(gone, false));
-        }
-    } else if (!inSteps) {
-        Q_EMIT placed(topAfter(m_before, isOtherOrder));
+        follow(gone);
+        renew({MarkedRole});
+        Q_EMIT placed(topAfter(gone, false));
+    } else if (!inSteps || (isOtherOrder && !listsTheSame(before.rows, m_rows))) {
+        Q_EMIT placed(topAfter(before, isOtherOrder));
     }
-    m_before = {};
     Q_EMIT selectedChanged();
     Q_EMIT currentRowChanged();
 }
@@ -277,8 +281,7 @@ void TrackListModel::play(int row)
         return;
     }
     std::vector<Track> queue;
-    queue.reserve(m_rows.size());
-    for (int each = 0; each < rowCount(); ++each) {
+    for (int each = std::max(0, row - queueReach); each < std::min(rowCount(), row + queueReach); ++each) {
         if (const Track *known = track(each)) {
             queue.push_back(*known);
         }

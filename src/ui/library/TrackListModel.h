@@ -89,7 +89,6 @@ private:
     Order m_order; ///< of m_rows
     double m_topRow = 0;
     double m_rowsInView = 0;
-    Listed m_before; ///< while the rows are replaced
     Listed m_gone; ///< when all tracks went: a device that is read again has none in between
     bool m_isOutdated = true;
     BurstTimer m_listChange {[this] { refreshIfShown(); }};

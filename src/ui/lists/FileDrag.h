@@ -18,7 +18,6 @@
 
 class QMimeData;
 class QObject;
-class QPixmap;
 
 namespace FileDrag {
 

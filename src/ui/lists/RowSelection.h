@@ -23,8 +23,6 @@ public:
     [[nodiscard]] std::vector<int> rows() const; ///< ascending
     /// Where the keyboard is, selected or not; -1 for none.
     [[nodiscard]] int current() const { return m_current; }
-    /// Where an extension starts; -1 for none.
-    [[nodiscard]] int anchor() const { return m_anchor; }
 
     // Each of these makes its row the current one.
     Span only(int row);
@@ -57,5 +55,5 @@ private:
     std::vector<bool> m_selected;
     int m_count = 0;
     int m_current = -1;
-    int m_anchor = -1;
+    int m_anchor = -1; ///< where an extension starts; -1: nowhere
 };

@@ -33,7 +33,7 @@ QImage drawStored(const CoverStore &store, const QString &id, const QSize &reque
     return encoded ? CoverProvider::draw(*encoded, side, radius) : QImage();
 }
 
-/// From 1 at the begin of a line to 0 at its end, without a visible edge.
+/// From 1 at the start of a line to 0 at its end, without a visible edge.
 double fade(double place)
 {
     const double wave = std::cos(place * std::numbers::pi / 2);

@@ -10,7 +10,8 @@ DropArea {
     onEntered: event => event.accepted = root.shell.takesDrop(event.formats)
     onDropped: event => {
         event.accept(Qt.CopyAction);
-        root.shell.queueDropped(event.getDataAsArrayBuffer(root.shell.trackFormat), event.urls);
+        const own = event.formats.includes(root.shell.trackFormat); // then nobody need name all the files
+        root.shell.queueDropped(event.getDataAsArrayBuffer(root.shell.trackFormat), own ? [] : event.urls);
     }
 
     Rectangle {

@@ -23,7 +23,6 @@ class ShellPresenter : public QObject {
     Q_PROPERTY(bool backupsShown READ backupsShown NOTIFY sectionChanged)
     Q_PROPERTY(bool qualityShown READ qualityShown NOTIFY sectionChanged)
     Q_PROPERTY(bool guideShown READ guideShown NOTIFY sectionChanged)
-    /// The section has no page of its own yet.
     Q_PROPERTY(bool themesShown READ themesShown NOTIFY sectionChanged)
     Q_PROPERTY(bool inspectorShown READ inspectorShown NOTIFY sectionChanged)
 

@@ -39,7 +39,7 @@ public:
     /// What letting go of these addresses would do, or why it does nothing: for a heading and a line below it.
     [[nodiscard]] Q_INVOKABLE QString dropTitle(const QList<QUrl> &urls) const;
     [[nodiscard]] Q_INVOKABLE bool isPackage(const QList<QUrl> &urls) const;
-    /// Installs the one package among them; nothing where they are something else.
+    /// Installs the package that they are; nothing where they are several files or something else.
     Q_INVOKABLE void importDropped(const QList<QUrl> &urls);
 
 Q_SIGNALS:
