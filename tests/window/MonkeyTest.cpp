@@ -176,7 +176,7 @@ private:
         static const QList<Qt::Key> keys {Qt::Key_Tab, Qt::Key_Backtab, Qt::Key_Up, Qt::Key_Down, Qt::Key_Left,
             Qt::Key_Right, Qt::Key_Home, Qt::Key_End, Qt::Key_PageUp, Qt::Key_PageDown, Qt::Key_Space, Qt::Key_Return,
             Qt::Key_Escape, Qt::Key_Escape, Qt::Key_Menu, Qt::Key_Delete, Qt::Key_Backspace, Qt::Key_F10,
-            Qt::Key_Asterisk, Qt::Key_A, Qt::Key_F, Qt::Key_O, Qt::Key_S, Qt::Key_P};
+            Qt::Key_Asterisk, Qt::Key_A, Qt::Key_F, Qt::Key_O, Qt::Key_S};
         const Qt::Key key = oneOf(keys);
         const bool isLetter = key >= Qt::Key_A && key <= Qt::Key_Z;
         QTest::sendKeyEvent(
@@ -228,7 +228,19 @@ private:
     static QString textOf(const fs::path &path) { return QString::fromStdString(path.string()); }
 
     void resize() { window().resize(1050 + below(500), 690 + below(300)); }
-    void openPage() { m_user.program.model().setSection(oneOf(allSections)); }
+    /// Most of all the library, with all of its music: what hides or forgets it is soon found.
+    void openPage()
+    {
+        MarluneModel &model = m_user.program.model();
+        model.setSection(below(2) == 0 ? Section::Music : oneOf(allSections));
+        model.setViewMode(viewModeText(oneOf(allViewModes)));
+        model.setSearch({});
+        model.setFormatFilter(formatFilterText(FormatFilter::Everything));
+        if (model.activeTracks().empty()) {
+            model.setLibraryOnDevice(false);
+            model.importURLs({m_user.folder / "music"}, false, below(2) == 0);
+        }
+    }
 
     void answerPanel()
     {

@@ -39,7 +39,8 @@ Item {
 
         TextLine {
             id: place
-            width: text === "" ? 0 : Math.min(Math.max(implicitWidth, usual.advanceWidth), root.room * 0.3)
+            // The implicit width is read in any case: where that is first done later on it changes as it is read.
+            width: Math.min(Math.max(implicitWidth, usual.advanceWidth), text === "" ? 0 : root.room * 0.3)
             anchors.baseline: name.baseline
             text: root.number
             font: Tokens.type.caption
