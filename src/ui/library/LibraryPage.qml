@@ -112,16 +112,17 @@ Item {
                 }
             }
             EmptyState {
+                readonly property bool awaits: root.library.withoutMusic && root.model.readingMusic
+
                 objectName: "emptyState"
                 anchors.fill: parent
-                // Not while the first music is being read: what is missing is on its way.
-                visible: root.library.nothingListed && !(root.library.withoutMusic && root.model.readingMusic)
+                visible: root.library.nothingListed
                 symbol: "square.stack"
                 symbolSide: 42
-                title: L10n.text(root.library.withoutMusic ? "Dodaj muzykę lub odczytaj iPoda"
-                                                           : "Brak utworów dla tych filtrów")
+                title: L10n.text(awaits ? "Odczytuję albumy…"
+                    : root.library.withoutMusic ? "Dodaj muzykę lub odczytaj iPoda" : "Brak utworów dla tych filtrów")
                 titleFont: Tokens.type.headline
-                detail: L10n.text(
+                detail: awaits ? "" : L10n.text(
                     "Kliknięcie albumu otwiera listę utworów.\nKolejkę i playlistę wybierasz osobnymi przyciskami.")
                 detailFont: Tokens.type.caption
             }
