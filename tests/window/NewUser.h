@@ -10,6 +10,7 @@
 #include <QMimeData>
 #include <QQuickItem>
 #include <QQuickWindow>
+#include <QSignalSpy>
 
 inline const fs::path sample = MARLUNE_SAMPLE;
 
@@ -146,6 +147,17 @@ struct NewUser {
         QCoreApplication::sendEvent(program.window(), &enter);
         QDropEvent dropped(place, Qt::CopyAction, &dragged, Qt::LeftButton, Qt::NoModifier);
         QCoreApplication::sendEvent(program.window(), &dropped);
+    }
+
+    /// Until no job runs, each result has landed, and the window shows what came of it.
+    void settle() const
+    {
+        for (int round = 0; round < 3; ++round) { // what lands may begin something
+            QVERIFY(BackgroundJobs::drain(std::chrono::seconds(20)));
+            QSignalSpy frames(program.window(), &QQuickWindow::frameSwapped);
+            program.window()->update();
+            QVERIFY(frames.wait(5'000));
+        }
     }
 
     void clickNamed(const char *name) const

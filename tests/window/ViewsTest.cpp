@@ -70,19 +70,19 @@ private Q_SLOTS:
             const qsizetype queued = model.queued().size();
             const int selected = view.number(user, "selectedCount");
             const int current = view.number(user, "currentRow");
-            QTest::qWait(50); // the list has gone to what is current
+            user.settle(); // the list has gone to what is current
             const double place = view.of(user)->property("contentY").toDouble();
             QVERIFY2(place > 0, view.mode);
 
             const std::array<std::function<void()>, 4> journeys = {
                 [&] { // another page
                     model.setSection(Section::Guide);
-                    QTest::qWait(50);
+                    user.settle();
                     model.setSection(Section::Music);
                 },
                 [&] { // another view
                     model.setViewMode(view.name == albums.name ? u"Utwory"_s : u"Albumy"_s);
-                    QTest::qWait(50);
+                    user.settle();
                     view.open(user);
                 },
                 [&] { // a sheet
@@ -98,7 +98,7 @@ private Q_SLOTS:
             };
             for (std::size_t i = 0; i < journeys.size(); ++i) {
                 journeys[i]();
-                QTest::qWait(50);
+                user.settle();
                 QVERIFY2(qAbs(view.of(user)->property("contentY").toDouble() - place) < 1, view.mode);
                 QCOMPARE(view.number(user, "selectedCount"), selected);
                 QCOMPARE(view.number(user, "currentRow"), current);
@@ -141,6 +141,13 @@ private Q_SLOTS:
         for (const View &view : {tracks, folders, albums}) {
             view.open(user);
         }
+        // The device goes while a sheet shows an album of it.
+        model.setOpenAlbum(*model.albums()->front());
+        QTRY_VERIFY(user.item("sheetTitle"));
+        model.volumeUnmounted(user.device);
+        QTRY_VERIFY(user.item("albumGone"));
+        user.press(Qt::Key_Escape);
+        QTRY_VERIFY(!user.item("albumGone") && !model.openAlbum());
         pick(0.25);
         QTRY_VERIFY(!model.libraryOnDevice() && user.tile("Soundings"));
     }
@@ -168,7 +175,7 @@ private Q_SLOTS:
                 user.type(u"*"_s);
             }
             user.press(Qt::Key_End);
-            QTest::qWait(50);
+            user.settle();
             user.press(Qt::Key_Return);
             openedAndClosed();
         }
@@ -181,6 +188,14 @@ private Q_SLOTS:
         QTRY_VERIFY(user.item("searchButton"));
         user.press(Qt::Key_Escape);
         QTRY_VERIFY(!user.item("searchButton"));
+        model.importURLs({sample / "Music/Radio Szuflada"}, false, false); // it has no tags
+        QTRY_VERIFY_WITH_TIMEOUT(user.item("openAlbumButton"), 20'000);
+        user.item("openAlbumButton")->forceActiveFocus(Qt::TabFocusReason);
+        user.press(Qt::Key_Space);
+        QTRY_VERIFY(user.item("sheetTitle"));
+        QTest::qWait(250);
+        user.press(Qt::Key_Escape);
+        QTRY_VERIFY(!user.item("sheetTitle") && !model.openAlbum());
         model.setSection(Section::Music);
         albums.open(user);
         QTRY_VERIFY(user.tile("Soundings"));

@@ -99,7 +99,7 @@ FocusScope {
                 deviceSide: root.deviceSide
                 coverDecodeSide: columns.decodeSide
                 current: GridView.isCurrentItem
-                onActiveFocusChanged: if (activeFocus && index >= 0) root.albums.makeCurrent(index)
+                onActiveFocusChanged: keys.noteFocus(this, index, current)
                 onOpened: root.albums.activate(index)
                 onPicked: modifiers => root.albums.click(index, modifiers)
                 onToggled: root.albums.toggle(index)

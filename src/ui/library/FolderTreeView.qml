@@ -74,7 +74,7 @@ FocusScope {
             height: root.rowHeight
             deviceSide: root.deviceSide
             current: ListView.isCurrentItem
-            onActiveFocusChanged: if (activeFocus && index >= 0) root.folders.makeCurrent(index)
+            onActiveFocusChanged: keys.noteFocus(this, index, current)
             onHeld: modifiers => {
                 forceActiveFocus(Qt.MouseFocusReason);
                 root.folders.press(index, modifiers);

@@ -122,7 +122,7 @@ Item {
                 title: L10n.text(awaits ? "Odczytuję albumy…"
                     : root.library.withoutMusic ? "Dodaj muzykę lub odczytaj iPoda" : "Brak utworów dla tych filtrów")
                 titleFont: Tokens.type.headline
-                detail: awaits ? "" : L10n.text(
+                detail: L10n.text(awaits ? "" :
                     "Kliknięcie albumu otwiera listę utworów.\nKolejkę i playlistę wybierasz osobnymi przyciskami.")
                 detailFont: Tokens.type.caption
             }

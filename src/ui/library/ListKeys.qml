@@ -1,6 +1,6 @@
 // What keys do in the lists of the library page: they lead to other rows, select, queue, open and play. And what hangs
 // at the pointer when rows are dragged.
-import QtQml
+import QtQuick
 import Marlune
 
 QtObject {
@@ -20,6 +20,13 @@ QtObject {
             [Qt.Key_Home]: -count,
             [Qt.Key_End]: count
         };
+    }
+    /// The focus has come to an item, or left it. Where the view itself goes from row to row, as rows are taken out, the
+    /// item is `current` already, and it is the list that says which row is.
+    function noteFocus(item: Item, row: int, current: bool) {
+        if (item.activeFocus && row >= 0 && !current) {
+            root.list.makeCurrent(row);
+        }
     }
     /// Drags what an action on the row is about.
     function drag(row: int) {

@@ -87,7 +87,7 @@ FocusScope {
             columns: sizes
             deviceSide: root.deviceSide
             current: ListView.isCurrentItem
-            onActiveFocusChanged: if (activeFocus && index >= 0) root.tracks.makeCurrent(index)
+            onActiveFocusChanged: keys.noteFocus(this, index, current)
             onHeld: modifiers => {
                 forceActiveFocus(Qt.MouseFocusReason);
                 root.tracks.press(index, modifiers);
