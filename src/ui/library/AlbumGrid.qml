@@ -99,7 +99,7 @@ FocusScope {
                 deviceSide: root.deviceSide
                 coverDecodeSide: columns.decodeSide
                 current: GridView.isCurrentItem
-                onActiveFocusChanged: keys.noteFocus(this, index, current)
+                onActiveFocusChanged: keys.noteFocus(this, index, view.currentIndex)
                 onOpened: root.albums.activate(index)
                 onPicked: modifiers => root.albums.click(index, modifiers)
                 onToggled: root.albums.toggle(index)

@@ -74,7 +74,7 @@ FocusScope {
             height: root.rowHeight
             deviceSide: root.deviceSide
             current: ListView.isCurrentItem
-            onActiveFocusChanged: keys.noteFocus(this, index, current)
+            onActiveFocusChanged: keys.noteFocus(this, index, view.currentIndex)
             onHeld: modifiers => {
                 forceActiveFocus(Qt.MouseFocusReason);
                 root.folders.press(index, modifiers);

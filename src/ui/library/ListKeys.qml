@@ -21,10 +21,10 @@ QtObject {
             [Qt.Key_End]: count
         };
     }
-    /// The focus has come to an item, or left it. Where the view itself goes from row to row, as rows are taken out, the
-    /// item is `current` already, and it is the list that says which row is.
-    function noteFocus(item: Item, row: int, current: bool) {
-        if (item.activeFocus && row >= 0 && !current) {
+    /// The focus has come to a row's item, or left it. Where the view itself has gone there, as rows were put in or taken
+    /// out, it is the list that says which row is the current one.
+    function noteFocus(item: Item, row: int, currentOfView: int) {
+        if (item.activeFocus && row >= 0 && row !== currentOfView) {
             root.list.makeCurrent(row);
         }
     }

@@ -87,7 +87,7 @@ FocusScope {
             columns: sizes
             deviceSide: root.deviceSide
             current: ListView.isCurrentItem
-            onActiveFocusChanged: keys.noteFocus(this, index, current)
+            onActiveFocusChanged: keys.noteFocus(this, index, view.currentIndex)
             onHeld: modifiers => {
                 forceActiveFocus(Qt.MouseFocusReason);
                 root.tracks.press(index, modifiers);
