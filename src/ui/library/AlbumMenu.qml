@@ -28,7 +28,7 @@ RowMenu {
         if (byCard) {
             root.popup(card, Tokens.space.wide, Tokens.space.wide);
         } else {
-            root.popup();
+            root.openAtPointer();
         }
     }
 

@@ -17,7 +17,7 @@ RowMenu {
         if (byKey) {
             root.popup(shown, Tokens.space.section, shown.height - Tokens.space.hair);
         } else {
-            root.popup();
+            root.openAtPointer();
         }
     }
 

@@ -28,7 +28,7 @@ RowMenu {
         if (atRow) {
             root.popup(item, item.indent + Tokens.space.section, item.height);
         } else {
-            root.popup();
+            root.openAtPointer();
         }
     }
 

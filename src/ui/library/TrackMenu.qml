@@ -22,7 +22,7 @@ RowMenu {
         if (item) {
             root.popup(item, Tokens.space.section, item.height);
         } else {
-            root.popup();
+            root.openAtPointer();
         }
     }
 

@@ -14,7 +14,7 @@ RowMenu {
         if (tile) {
             root.popup(tile, Tokens.space.wide, Tokens.space.wide);
         } else {
-            root.popup();
+            root.openAtPointer();
         }
     }
 

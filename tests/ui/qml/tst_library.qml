@@ -122,6 +122,14 @@ PageTest {
         for (const key of [Qt.Key_Menu, Qt.Key_Down]) {
             keyClick(key); // nothing is there to act on
         }
+        part("albumGrid").reuseItems = false; // what the menu was opened by goes for good
+        root.bench.model.search = "";
+        tryVerify(() => tile(2) !== null);
+        mouseClick(tile(2), 20, 20, Qt.RightButton);
+        tryVerify(() => !tile(2).activeFocus);
+        keyClick(Qt.Key_Down);
+        verify(onMenu());
+        keyClick(Qt.Key_Escape);
     }
 
     function test_anAlbumIsPlayedByKeyboardAndMouse() {
