@@ -13,8 +13,9 @@ T.Button {
     property int measure: Button.Regular
     property string symbol
     property string toolTip
-    property color tint: root.filled ? Tokens.color.textOnAccent
-        : root.kind === Button.Borderless ? Tokens.color.accent : Tokens.color.text
+    property ColorRoles roles: Tokens.color ///< of the ground that it lies on
+    property color tint: root.filled ? root.roles.textOnAccent
+        : root.kind === Button.Borderless ? root.roles.accent : root.roles.text
 
     /// Disabled, it would be pale on pale: it is then drawn as a bordered one.
     readonly property bool filled: root.kind === Button.Prominent && root.enabled
@@ -26,7 +27,7 @@ T.Button {
         : root.kind === Button.Borderless ? Tokens.space.tight
         : root.measure === Button.Large ? Tokens.space.wide : Tokens.space.regular
     focusPolicy: Qt.StrongFocus
-    opacity: root.enabled ? 1 : Tokens.color.disabled
+    opacity: root.enabled ? 1 : root.roles.disabled
     font: root.measure === Button.Small ? Tokens.type.caption : Tokens.type.subheadlineStrong
     Accessible.name: root.text !== "" ? root.text : root.toolTip
     Accessible.description: root.text !== "" ? root.toolTip : ""
@@ -72,14 +73,14 @@ T.Button {
     }
     background: Rectangle {
         radius: Tokens.radius.control
-        color: root.filled ? Tokens.color.accent : root.kind === Button.Borderless ? "transparent" : Tokens.color.card
+        color: root.filled ? root.roles.accent : root.kind === Button.Borderless ? "transparent" : root.roles.card
         border.width: root.filled || root.kind === Button.Borderless ? 0 : 1
-        border.color: Tokens.color.line
+        border.color: root.roles.line
 
         Rectangle {
             anchors.fill: parent
             radius: parent.radius
-            color: root.down ? Tokens.color.pressed : Tokens.color.hover
+            color: root.down ? root.roles.pressed : root.roles.hover
             opacity: root.enabled && (root.down || root.hovered) ? 1 : 0
             Behavior on opacity {
                 NumberAnimation { duration: Tokens.motion.state }
@@ -87,6 +88,7 @@ T.Button {
         }
         FocusRing {
             shown: root.visualFocus
+            border.color: root.roles.focusRing
         }
     }
 }

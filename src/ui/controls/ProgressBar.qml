@@ -6,6 +6,8 @@ import Marlune
 T.ProgressBar {
     id: root
 
+    property ColorRoles roles: Tokens.color ///< of the ground that it lies on
+
     readonly property real sweepShare: 0.3
 
     implicitWidth: 120
@@ -13,7 +15,7 @@ T.ProgressBar {
 
     background: Rectangle {
         radius: height / 2
-        color: Tokens.color.pressed
+        color: root.roles.pressed
     }
     contentItem: Item {
         clip: root.indeterminate
@@ -23,7 +25,7 @@ T.ProgressBar {
             width: Math.max(parent.height, root.visualPosition * parent.width)
             height: parent.height
             radius: height / 2
-            color: Tokens.color.accent
+            color: root.roles.accent
         }
         Rectangle {
             id: sweep
@@ -31,8 +33,8 @@ T.ProgressBar {
             width: Tokens.motion.still ? parent.width : root.sweepShare * parent.width
             height: parent.height
             radius: height / 2
-            color: Tokens.color.accent
-            opacity: Tokens.motion.still ? Tokens.color.disabled : 1
+            color: root.roles.accent
+            opacity: Tokens.motion.still ? root.roles.disabled : 1
 
             NumberAnimation on x {
                 running: root.indeterminate && root.visible && !Tokens.motion.still

@@ -7,13 +7,14 @@ T.Slider {
     id: root
 
     property string toolTip
+    property ColorRoles roles: Tokens.color ///< of the ground that it lies on
 
     readonly property int knob: 16
 
     implicitWidth: 85
     implicitHeight: Tokens.height.regular
     focusPolicy: Qt.StrongFocus
-    opacity: root.enabled ? 1 : Tokens.color.disabled
+    opacity: root.enabled ? 1 : root.roles.disabled
     Accessible.name: root.toolTip
     onHoveredChanged: root.hovered ? Hints.show(root, root.toolTip) : Hints.hide(root)
 
@@ -23,23 +24,24 @@ T.Slider {
         width: root.knob
         height: root.knob
         radius: width / 2
-        color: Tokens.color.knob
-        border.color: Tokens.color.line
+        color: root.roles.knob
+        border.color: root.roles.line
 
         Shadow {
             around: 4
             blur: 4
             drop: 1
-            strength: Tokens.color.sheetShadow
+            strength: root.roles.sheetShadow
         }
         Rectangle {
             anchors.fill: parent
             radius: parent.radius
-            color: root.pressed ? Tokens.color.pressed : Tokens.color.hover
+            color: root.pressed ? root.roles.pressed : root.roles.hover
             visible: root.enabled && (root.pressed || root.hovered)
         }
         FocusRing {
             shown: root.visualFocus
+            border.color: root.roles.focusRing
             around: parent.radius
         }
     }
@@ -49,13 +51,13 @@ T.Slider {
         width: root.availableWidth
         height: 4
         radius: 2
-        color: Tokens.color.pressed
+        color: root.roles.pressed
 
         Rectangle {
             width: root.visualPosition * parent.width
             height: parent.height
             radius: parent.radius
-            color: Tokens.color.accent
+            color: root.roles.accent
         }
     }
 }

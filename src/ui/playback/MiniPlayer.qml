@@ -7,6 +7,7 @@ Item {
     id: root
 
     required property PlaybackPresenter playback
+    property ColorRoles roles: Tokens.color ///< of the ground that it lies on
 
     readonly property bool shown: root.playback.shown
     readonly property bool narrow: root.width < 500 * Tokens.type.scale
@@ -29,6 +30,7 @@ Item {
 
         TransportButtons {
             playback: root.playback
+            roles: root.roles
         }
         ColumnLayout {
             Layout.fillWidth: true
@@ -39,6 +41,7 @@ Item {
                 Layout.fillWidth: true
                 text: root.playback.heading
                 font: Tokens.type.subheadlineStrong
+                color: root.roles.text
             }
             TextLine {
                 objectName: "playbackError"
@@ -48,7 +51,7 @@ Item {
                 visible: root.playback.error !== ""
                 text: root.playback.error
                 font: Tokens.type.caption
-                color: Tokens.color.danger
+                color: root.roles.danger
                 Accessible.role: Accessible.AlertMessage
                 Accessible.name: text
             }
@@ -57,12 +60,13 @@ Item {
                 Layout.fillWidth: true
                 visible: root.playback.error === ""
                 playback: root.playback
+                roles: root.roles
             }
         }
         Icon {
             visible: !root.narrow
             symbol: "speaker.wave.2"
-            color: Tokens.color.textMuted
+            color: root.roles.textMuted
         }
         Slider {
             id: volumeSlider
@@ -70,6 +74,7 @@ Item {
             Layout.leftMargin: root.narrow ? 0 : -Tokens.space.tight
             implicitWidth: root.narrow ? 60 : 85
             stepSize: 0.05
+            roles: root.roles
             toolTip: L10n.text("Głośność odsłuchu")
             onMoved: root.playback.volume = value
         }
@@ -77,7 +82,8 @@ Item {
             objectName: "stopButton"
             Layout.leftMargin: -Tokens.space.tight
             kind: Button.Borderless
-            tint: Tokens.color.textMuted
+            roles: root.roles
+            tint: root.roles.textMuted
             symbol: "xmark"
             toolTip: L10n.text("Zakończ odsłuch")
             onClicked: root.playback.stop()
@@ -86,6 +92,7 @@ Item {
     Divider {
         anchors.bottom: root.bottom
         width: root.width
+        color: root.roles.line
     }
     // A hand on the slider is not moved away by the sound.
     Binding {

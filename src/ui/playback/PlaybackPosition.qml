@@ -7,6 +7,7 @@ RowLayout {
     id: root
 
     required property PlaybackPresenter playback
+    property ColorRoles roles: Tokens.color ///< of the ground that it lies on
 
     spacing: Tokens.space.tight
 
@@ -22,6 +23,7 @@ RowLayout {
         enabled: root.playback.duration > 0
         to: Math.max(1, root.playback.duration)
         stepSize: 5
+        roles: root.roles
         Accessible.name: L10n.text("Miejsce w utworze")
         onMoved: root.playback.seek(value)
     }
@@ -40,7 +42,7 @@ RowLayout {
         Layout.preferredWidth: Math.max(implicitWidth, widest.advanceWidth)
         elide: Text.ElideNone
         font: Tokens.type.caption
-        color: Tokens.color.textMuted
+        color: root.roles.textMuted
 
         TextMetrics {
             id: widest

@@ -7,13 +7,15 @@ RowLayout {
     id: root
 
     required property PlaybackPresenter playback
+    property ColorRoles roles: Tokens.color ///< of the ground that it lies on
 
     spacing: 0
 
     Button {
         objectName: "previousButton"
         kind: Button.Borderless
-        tint: Tokens.color.text
+        roles: root.roles
+        tint: root.roles.text
         symbol: "backward.end.fill"
         toolTip: L10n.text("Poprzedni")
         enabled: root.playback.hasPrevious
@@ -22,14 +24,16 @@ RowLayout {
     TrackPlayButton {
         objectName: "playButton"
         measure: Button.Large
-        tint: Tokens.color.text
+        roles: root.roles
+        tint: root.roles.text
         playing: root.playback.playing
         onClicked: root.playback.toggle()
     }
     Button {
         objectName: "nextButton"
         kind: Button.Borderless
-        tint: Tokens.color.text
+        roles: root.roles
+        tint: root.roles.text
         symbol: "forward.end.fill"
         toolTip: L10n.text("Następny")
         enabled: root.playback.hasNext
