@@ -172,10 +172,12 @@ public:
     [[nodiscard]] std::shared_ptr<const TrackPlaces> filteredTracks() const { return m_browsing.filteredTracks(); }
     [[nodiscard]] std::size_t filteredTrackCount() const { return m_browsing.filteredTrackCount(); }
     [[nodiscard]] std::shared_ptr<const TrackMatches> trackMatches() const { return m_browsing.trackMatches(); }
-    /// The active tracks as they are now, for a job: it sees none of what happens to them later.
-    [[nodiscard]] std::shared_ptr<const std::vector<Track>> sharedTracks() const
+    /// The tracks of the side that is shown, or that `onDeviceOverride` names, as they are now, for a job: it sees none
+    /// of what happens to them later.
+    [[nodiscard]] std::shared_ptr<const std::vector<Track>> sharedTracks(
+        std::optional<bool> onDeviceOverride = std::nullopt) const
     {
-        return m_browsing.contents(m_browsing.side()).tracks;
+        return m_browsing.contents(side(onDeviceOverride)).tracks;
     }
     [[nodiscard]] QString search() const { return m_browsing.search(); }
     void setSearch(const QString &text);

@@ -4,6 +4,8 @@
 #include "ui/controls/FocusGuide.h"
 #include "ui/device/DevicePresenter.h"
 #include "ui/device/IPodProvider.h"
+#include "ui/flow/CoverFlowPresenter.h"
+#include "ui/flow/StageProvider.h"
 #include "ui/library/AlbumSheetPresenter.h"
 #include "ui/library/LibraryPresenter.h"
 #include "ui/pictures/CoverProvider.h"
@@ -106,7 +108,8 @@ struct Program::Parts {
     ~Parts();
 
     [[nodiscard]] QQuickWindow *window() const;
-    void rebuildContent();
+    [[nodiscard]] QQuickWindow *carousel() const;
+    void rebuildContent(QQuickWindow &shown);
 
     // In the order of their making; they go the other way round.
     SettingsLock settingsLock;
@@ -126,6 +129,7 @@ struct Program::Parts {
     AlbumSheetPresenter albumSheet;
     CoverSearchPresenter coverSearch;
     ThemeSheetPresenter themeSheet;
+    CoverFlowPresenter coverFlow;
     PlaybackPresenter playback;
     MediaControls mediaControls;
     QQmlApplicationEngine engine;
@@ -155,6 +159,7 @@ Program::Parts::Parts(const Setup &setup)
     , albumSheet(model, covers)
     , coverSearch(model, covers)
     , themeSheet(model)
+    , coverFlow(model, covers)
     , playback(model.playback())
     , mediaControls(model.playback())
 {
@@ -167,8 +172,18 @@ Program::Parts::Parts(const Setup &setup)
     QObject::connect(&language, &Language::codeChanged, &model, &MarluneModel::reorder);
     QObject::connect(
         &language, &Language::codeChanged, &model, [this] { model.renewDefaultPlaylistName(defaultPlaylistName()); });
+    QObject::connect(&language, &Language::codeChanged, &coverFlow, &CoverFlowPresenter::reorder);
     // Queued: the menu or picker that the choice was made with goes with the rest.
-    QObject::connect(&language, &Language::codeChanged, &engine, [this] { rebuildContent(); }, Qt::QueuedConnection);
+    QObject::connect(
+        &language, &Language::codeChanged, &engine,
+        [this] {
+            for (QQuickWindow *shown : {window(), carousel()}) {
+                if (shown) {
+                    rebuildContent(*shown);
+                }
+            }
+        },
+        Qt::QueuedConnection);
 
     prepareEngine(engine, covers);
     engine.setInitialProperties(
@@ -182,6 +197,7 @@ Program::Parts::Parts(const Setup &setup)
             {QStringLiteral("albumSheet"), QVariant::fromValue(&albumSheet)},
             {QStringLiteral("coverSearch"), QVariant::fromValue(&coverSearch)},
             {QStringLiteral("themeSheet"), QVariant::fromValue(&themeSheet)},
+            {QStringLiteral("coverFlow"), QVariant::fromValue(&coverFlow)},
             {QStringLiteral("playback"), QVariant::fromValue(&playback)},
             {QStringLiteral("panels"), QVariant::fromValue(&desktopPanels)}});
     engine.load(QUrl(QStringLiteral("qrc:/qml/Marlune/shell/Main.qml")));
@@ -195,28 +211,24 @@ Program::Parts::Parts(const Setup &setup)
     }
 }
 
-/// The window keeps its place, its size and what is asked in it; all else is made in the language that is shown now.
-void Program::Parts::rebuildContent()
+/// A window keeps its place, its size and what is asked in it; all else is made in the language that is shown now.
+void Program::Parts::rebuildContent(QQuickWindow &shown)
 {
-    QQuickWindow *shown = window();
-    auto *content = shown ? shown->findChild<QQuickItem *>(QStringLiteral("content")) : nullptr;
-    if (!content) {
-        return;
-    }
+    auto *content = shown.findChild<QQuickItem *>(QStringLiteral("content"), Qt::FindDirectChildrenOnly);
     const auto isWithin = [](const QQuickItem *item, const auto &isIt) {
         while (item && !isIt(*item)) {
             item = item->parentItem();
         }
         return item != nullptr;
     };
-    const bool byPicker = isWithin(shown->activeFocusItem(),
+    const bool byPicker = isWithin(shown.activeFocusItem(),
         [](const QQuickItem &item) { return item.objectName() == QStringLiteral("languagePicker"); });
     withoutReader([content] {
         content->setProperty("source", QUrl());
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     });
     QMetaObject::invokeMethod(content, "build");
-    if (!isWithin(shown->activeFocusItem(), [](const QQuickItem &item) { return item.inherits("QQuickPopupItem"); })) {
+    if (!isWithin(shown.activeFocusItem(), [](const QQuickItem &item) { return item.inherits("QQuickPopupItem"); })) {
         QMetaObject::invokeMethod(content->property("item").value<QQuickItem *>(), "takeFocus", Q_ARG(bool, byPicker));
     }
 }
@@ -253,6 +265,11 @@ QQuickWindow *Program::Parts::window() const
     return roots.isEmpty() ? nullptr : qobject_cast<QQuickWindow *>(roots.front());
 }
 
+QQuickWindow *Program::Parts::carousel() const
+{
+    return window() ? window()->findChild<QQuickWindow *>(QStringLiteral("coverFlowWindow")) : nullptr;
+}
+
 void Program::endSoon()
 {
     m_parts->shell.endSoon();
@@ -273,6 +290,7 @@ void prepareEngine(QQmlEngine &engine, std::shared_ptr<const CoverStore> covers)
     engine.addImageProvider(QStringLiteral("cover"), new CoverProvider(std::move(covers)));
     engine.addImageProvider(QStringLiteral("ipod"), new IPodProvider);
     engine.addImageProvider(QStringLiteral("shadow"), new ShadowProvider);
+    engine.addImageProvider(QStringLiteral("stage"), new StageProvider);
     engine.addImageProvider(QStringLiteral("symbol"), new Symbols::Provider);
     engine.singletonInstance<FocusGuide *>(qmlTypeId("Marlune", 1, 0, "FocusGuide")); // at work from the start
 }

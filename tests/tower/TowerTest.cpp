@@ -32,6 +32,7 @@ const std::map<std::string, std::set<std::string>> rooms {
     {"media/sound", {"AudioOutput.h"}},
     {"ui/backups", {"BackupsPresenter.h"}},
     {"ui/device", {"DevicePresenter.h", "IPodFinish.h", "IPodProvider.h"}},
+    {"ui/flow", {"CoverFlowPresenter.h", "StageProvider.h"}},
     {"ui/guide", {}},
     {"ui/library", {"AlbumSheetPresenter.h", "CoverSearchPresenter.h", "LibraryPresenter.h"}},
     {"ui/playlists", {"PlaylistsPresenter.h"}},

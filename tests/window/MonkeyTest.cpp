@@ -84,6 +84,7 @@ public:
             {24, &Monkey::clickControl}, {26, &Monkey::pressKey}, {8, &Monkey::turnWheel}, {6, &Monkey::drag},
             {2, &Monkey::drop}, {2, &Monkey::resize}, {3, &Monkey::openPage}, {2, &Monkey::answerPanel},
             {1, &Monkey::plugOrPull}, {1, &Monkey::breakDisk}, {1, &Monkey::changeLooks}};
+        m_window = m_user.carousel() && below(3) == 0 ? m_user.carousel() : m_user.program.window();
         int choice = below(100);
         for (const auto &[share, deed] : deeds) {
             if (choice < share) {
@@ -96,11 +97,11 @@ public:
             pull();
         }
         QTest::qWait(below(10) == 0 ? 40 : 1);
-        if (!window().isVisible()) { // it has closed the window
-            window().show();
+        if (!m_user.program.window()->isVisible()) { // it has closed the window
+            m_user.program.window()->show();
         }
         for (auto &[place, visits] : m_visits) {
-            visits += m_user.item(place) ? 1 : 0;
+            visits += m_user.item(place) || (m_user.carousel() && m_user.item(place, m_user.carousel()->contentItem()));
         }
     }
 
@@ -124,7 +125,7 @@ public:
     }
 
 private:
-    [[nodiscard]] QQuickWindow &window() const { return *m_user.program.window(); }
+    [[nodiscard]] QQuickWindow &window() const { return *m_window; }
     [[nodiscard]] fs::path parked() const { return m_user.folder / "unplugged"; }
     int below(int limit) { return m_random.bounded(limit); }
     template <typename Values> auto &oneOf(Values &values)
@@ -235,6 +236,10 @@ private:
         model.setSection(below(2) == 0 ? Section::Music : oneOf(allSections));
         model.setViewMode(viewModeText(oneOf(allViewModes)));
         model.setSearch({});
+        if (below(6) == 0) {
+            model.revealCoverFlow();
+            model.scanDeviceMusic();
+        }
         model.setFormatFilter(formatFilterText(FormatFilter::Everything));
         if (model.activeTracks().empty()) {
             model.setLibraryOnDevice(false);
@@ -273,9 +278,11 @@ private:
     NewUser &m_user;
     Socket &m_socket;
     QRandomGenerator m_random;
+    QPointer<QQuickWindow> m_window; ///< in which it is at work
     std::map<const char *, int> m_visits {{"albumGrid", 0}, {"trackList", 0}, {"folderTree", 0}, {"sheetTitle", 0},
         {"wholeCover", 0}, {"searchButton", 0}, {"resultList", 0}, {"themeGrid", 0}, {"ownPictureButton", 0},
-        {"issueList", 0}, {"fileList", 0}, {"deviceBackUpButton", 0}, {"findCount", 0}, {"alertOk", 0}};
+        {"issueList", 0}, {"fileList", 0}, {"deviceBackUpButton", 0}, {"findCount", 0}, {"alertOk", 0},
+        {"flowStage", 0}, {"readAlbumsButton", 0}};
 };
 
 int numberFrom(const char *variable, int otherwise)

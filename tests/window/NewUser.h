@@ -99,6 +99,11 @@ struct NewUser {
         }
         return found;
     }
+    /// The carousel's window; null while it is closed.
+    [[nodiscard]] QQuickWindow *carousel() const
+    {
+        return program.window()->findChild<QQuickWindow *>(u"coverFlowWindow"_s);
+    }
     [[nodiscard]] int count() const { return item("albumGrid") ? item("albumGrid")->property("count").toInt() : 0; }
     [[nodiscard]] QQuickItem *tile(const char *title) const
     {
@@ -123,8 +128,8 @@ struct NewUser {
             before = centre;
             centre = middle();
         }
-        QVERIFY(program.window()->contentItem()->contains(centre));
-        QTest::mouseClick(program.window(), Qt::LeftButton, Qt::NoModifier, centre.toPoint());
+        QVERIFY(target->window()->contentItem()->contains(centre));
+        QTest::mouseClick(target->window(), Qt::LeftButton, Qt::NoModifier, centre.toPoint());
     }
 
     void press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) const

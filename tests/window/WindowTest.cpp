@@ -7,6 +7,8 @@
 
 #include "platform/MarluneError.h"
 
+#include <QStyleHints>
+
 class WindowTest : public QObject {
     Q_OBJECT
 
@@ -60,6 +62,7 @@ private Q_SLOTS:
             QTRY_VERIFY(!user.item("alertOk") && !model.alert());
         }
         listenToTheOnlyAlbum(user);
+        findTheCarousel(user);
         walkThroughThePages(user, language == u"en");
     }
 
@@ -191,6 +194,68 @@ private:
                 QTest::Click, user.program.window(), Qt::Key(letter - 'a' + Qt::Key_A), QChar::fromLatin1(letter), {});
         }
         QTRY_VERIFY(user.shownText("findCount").starts_with(inEnglish ? "Match 1 of" : "Wynik 1 z"));
+    }
+
+    /// Three clicks on the drawn iPod lead there, and lead there again.
+    static void findTheCarousel(NewUser &user)
+    {
+        const QQuickItem *const drawing = user.item("inspectorIPod");
+        const QPoint middle = drawing->mapToScene({drawing->width() / 2, drawing->height() / 2}).toPoint();
+        const auto clickThrice = [&] {
+            QTest::qWait(QGuiApplication::styleHints()->mouseDoubleClickInterval() + 1); // it is a new beginning
+            for (int click = 0; click < 3; ++click) {
+                QTest::mouseClick(user.program.window(), Qt::LeftButton, Qt::NoModifier, middle);
+            }
+        };
+        clickThrice();
+        QTRY_VERIFY(user.carousel());
+        const QPointer<QQuickWindow> window(user.carousel());
+        const auto item = [&](const char *name) { return user.item(name, window->contentItem()); };
+        const auto place = [&] { return item("flowStage")->property("index").toInt(); };
+        QTRY_VERIFY(item("readAlbumsButton"));
+        user.click(item("readAlbumsButton"));
+        QTRY_VERIFY_WITH_TIMEOUT(item("flowStage") && item("flowStage")->property("count").toInt() == 2, 30'000);
+        QTest::keyClick(window, Qt::Key_Right);
+        QCOMPARE(place(), 1);
+        user.click(item("flowPrevious"));
+        QCOMPARE(place(), 0);
+        QTRY_VERIFY(!item("flowStage")->property("moving").toBool());
+        const QQuickItem &stage = *item("flowStage");
+        const QPointF centre = stage.mapToScene({stage.width() / 2, stage.height() / 2});
+        const double side = stage.property("coverSide").toDouble();
+        QTest::mouseClick(window, Qt::LeftButton, {}, (centre + QPointF(side * 0.7, 0)).toPoint()); // a side cover
+        QCOMPARE(place(), 1);
+        QTest::mousePress(window, Qt::LeftButton, {}, centre.toPoint());
+        for (const int way : {10, 35, 60}) {
+            QTest::mouseMove(window, centre.toPoint() + QPoint(way, 0));
+        }
+        QTest::mouseRelease(window, Qt::LeftButton, {}, centre.toPoint() + QPoint(60, 0));
+        QCOMPARE(place(), 0);
+        QVERIFY(!item("sheetTitle"));
+        QTRY_VERIFY(!stage.property("moving").toBool());
+        QTest::mouseClick(window, Qt::LeftButton, {}, centre.toPoint());
+        QTRY_VERIFY(item("sheetTitle"));
+        QTest::qWait(300); // the sheet has come in
+        if (AppLocalizer::language() == u"en") {
+            QCOMPARE(leftInPolish(user.program.model(), *window->contentItem()).join(u"; "_s), QString());
+        }
+        QTest::keyClick(window, Qt::Key_Escape);
+        QTRY_VERIFY(!item("sheetTitle"));
+        clickThrice(); // it is there already
+        QCOMPARE(user.program.window()->findChildren<QQuickWindow *>(u"coverFlowWindow"_s).size(), 1);
+        QCOMPARE(place(), 0);
+        QTest::keyClick(window, Qt::Key_F11);
+        QTRY_COMPARE(window->visibility(), QWindow::FullScreen);
+        QTest::keyClick(window, Qt::Key_Escape);
+        QTRY_VERIFY(window && window->visibility() != QWindow::FullScreen);
+        QTest::keyClick(window, Qt::Key_Escape);
+        QTRY_VERIFY(!window && !user.program.model().showCoverFlow());
+        clickThrice();
+        QTRY_VERIFY(user.carousel());
+        user.program.model().setLibraryOnDevice(false);
+        QTest::keyClick(user.carousel(), Qt::Key_Escape);
+        QTRY_VERIFY(!user.carousel());
+        user.program.window()->requestActivate(); // which a window manager does
     }
 
     static void listenToTheOnlyAlbum(NewUser &user)

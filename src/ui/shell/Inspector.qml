@@ -69,6 +69,7 @@ Rectangle {
                 }
             }
             IPodView {
+                objectName: "inspectorIPod"
                 Layout.alignment: Qt.AlignHCenter
                 Layout.topMargin: 8
                 Layout.bottomMargin: 8

@@ -17,6 +17,7 @@ T.ApplicationWindow {
     required property AlbumSheetPresenter albumSheet
     required property CoverSearchPresenter coverSearch
     required property ThemeSheetPresenter themeSheet
+    required property CoverFlowPresenter coverFlow
     required property PlaybackPresenter playback
     required property DesktopPanels panels
 
@@ -29,6 +30,7 @@ T.ApplicationWindow {
     color: Tokens.color.content
     font: Tokens.type.body
     onClosing: close => close.accepted = root.shell.requestClose()
+    onVisibleChanged: if (!root.visible) root.coverFlow.dismiss()
 
     Connections {
         target: root.shell
@@ -66,6 +68,15 @@ T.ApplicationWindow {
         objectName: "alertDialog"
         message: Language.code === "pl" ? root.model.alert : L10n.text(root.model.alert)
         onDismissed: root.model.dismissAlert()
+    }
+    Loader {
+        active: root.coverFlow.shown
+        sourceComponent: Component {
+            CoverFlowWindow {
+                flow: root.coverFlow
+                playback: root.playback
+            }
+        }
     }
     PanelHost {
         anchors.fill: parent

@@ -1,0 +1,104 @@
+// The carousel of the device's albums: a stage of covers, below it the album in the middle and what can be done with it.
+import QtQuick
+import QtQuick.Layouts
+import Marlune
+
+FocusScope {
+    id: root
+
+    required property CoverFlowPresenter flow
+    required property PlaybackPresenter playback
+    required property bool fullScreen
+
+    readonly property bool empty: root.flow.count === 0
+    readonly property ColorRoles roles: ColorRoles { dark: true } ///< it is black in the light look too
+
+    signal fullScreenToggled
+    signal closeWanted
+
+    function takeFocus(byPicker: bool) {
+        root.forceActiveFocus();
+    }
+    function step(by: int) {
+        root.flow.select(root.flow.index + by);
+    }
+
+    focus: true
+    Accessible.role: Accessible.Pane
+    Accessible.name: "Cover Flow"
+    Keys.onPressed: event => {
+        const action = {
+            [Qt.Key_Left]: () => root.step(-1),
+            [Qt.Key_Right]: () => root.step(1),
+            [Qt.Key_PageUp]: () => root.step(-6),
+            [Qt.Key_PageDown]: () => root.step(6),
+            [Qt.Key_Home]: () => root.flow.select(0),
+            [Qt.Key_End]: () => root.flow.select(root.flow.count - 1),
+            [Qt.Key_Return]: () => root.flow.openDetail(),
+            [Qt.Key_Enter]: () => root.flow.openDetail(),
+            [Qt.Key_Escape]: () => root.fullScreen ? root.fullScreenToggled() : root.closeWanted()
+        }[event.key];
+        action?.();
+        event.accepted = Boolean(action);
+    }
+
+    Image { // the dark room
+        anchors.fill: parent
+        source: "image://stage/ground"
+        fillMode: Image.TileHorizontally
+    }
+    ColumnLayout {
+        anchors.fill: parent
+        anchors.margins: Tokens.space.group
+        spacing: 18
+
+        FlowHeader {
+            Layout.fillWidth: true
+            flow: root.flow
+            roles: root.roles
+            fullScreen: root.fullScreen
+            onFullScreenToggled: root.fullScreenToggled()
+            onCloseWanted: root.closeWanted()
+        }
+        FlowEmpty {
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            visible: root.empty
+            flow: root.flow
+            roles: root.roles
+        }
+        FlowCarousel {
+            objectName: "flowStage"
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            Layout.leftMargin: -Tokens.space.group
+            Layout.rightMargin: -Tokens.space.group
+            visible: !root.empty
+            flow: root.flow
+        }
+        FlowCaption {
+            Layout.fillWidth: true
+            visible: !root.empty
+            flow: root.flow
+            roles: root.roles
+        }
+        MiniPlayer {
+            Layout.fillWidth: true
+            visible: !root.empty && implicitHeight > 0
+            playback: root.playback
+            roles: root.roles
+        }
+        TextLine {
+            Layout.alignment: Qt.AlignHCenter
+            Layout.maximumWidth: parent.width
+            visible: !root.empty
+            text: L10n.text("Przesuwaj okładki gestem lub strzałkami. Kliknij środkową, aby zajrzeć do środka.")
+            font: Tokens.type.caption
+            color: root.roles.textMuted
+        }
+    }
+    AlbumDetailView {
+        objectName: "flowAlbumSheet"
+        album: root.flow.detail
+    }
+}

@@ -1,0 +1,83 @@
+// The carousel's window. Black in either look of the desktop; what it shows is made anew for another language.
+import QtQuick
+import QtQuick.Templates as T
+import Marlune
+
+T.ApplicationWindow {
+    id: root
+
+    required property CoverFlowPresenter flow
+    required property PlaybackPresenter playback
+
+    property int before: Window.AutomaticVisibility ///< what it was before it filled the screen
+
+    function toggleFullScreen() {
+        if (root.visibility === Window.FullScreen) {
+            root.visibility = root.before === Window.Maximized ? Window.Maximized : Window.Windowed;
+        } else {
+            root.before = root.visibility;
+            root.visibility = Window.FullScreen;
+        }
+    }
+    /// Also where it is minimised.
+    function comeToFront() {
+        if (root.visibility === Window.Minimized) {
+            root.showNormal();
+        }
+        root.raise();
+        root.requestActivate();
+    }
+
+    objectName: "coverFlowWindow"
+    transientParent: null // a window like any other: it may lie below the main one
+    width: Math.min(1000, Screen.desktopAvailableWidth)
+    height: Math.min(740, Screen.desktopAvailableHeight)
+    x: Screen.virtualX + Math.round((Screen.width - width) / 2)
+    y: Screen.virtualY + Math.round((Screen.height - height) / 2)
+    minimumWidth: 800
+    minimumHeight: 640
+    visible: true
+    title: "Cover Flow"
+    color: "black"
+    font: Tokens.type.body
+    onClosing: root.flow.dismiss()
+    Component.onCompleted: root.comeToFront()
+
+    Connections {
+        target: root.flow
+        function onFrontWanted() {
+            root.comeToFront();
+        }
+    }
+    Shortcut {
+        sequences: ["F11", "Ctrl+Meta+F"]
+        onActivated: root.toggleFullScreen()
+    }
+
+    Loader {
+        id: content
+
+        function build() {
+            content.setSource("CoverFlowView.qml", {
+                flow: root.flow,
+                playback: root.playback,
+                fullScreen: Qt.binding(() => root.visibility === Window.FullScreen)
+            });
+        }
+
+        objectName: "content"
+        anchors.fill: parent
+        focus: true
+        Component.onCompleted: content.build()
+
+        Connections {
+            target: content.item as CoverFlowView
+            function onFullScreenToggled() {
+                root.toggleFullScreen();
+            }
+            function onCloseWanted() {
+                root.close();
+            }
+        }
+    }
+}
