@@ -21,8 +21,8 @@ constexpr Figure figures[] = {{"import", Bench::import}, {"flac", Bench::flac}, 
     {"heartbeat", Bench::heartbeatAndMemory}, {"memory", Bench::heartbeatAndMemory}, {"lists", Bench::lists},
     {"table", Bench::table}, {"typing", Bench::typing}, {"tree", Bench::tree}, {"tiles", Bench::tiles},
     {"scroll", Bench::scroll}, {"scroll-many", Bench::scrollMany}, {"covers-memory", Bench::coversMemory},
-    {"drawings", Bench::drawings}, {"translate", Bench::translate}, {"language", Bench::language},
-    {"start", Bench::start}};
+    {"drawings", Bench::drawings}, {"flow", Bench::flow}, {"translate", Bench::translate},
+    {"language", Bench::language}, {"start", Bench::start}};
 
 } // namespace
 

@@ -5,8 +5,11 @@
 #include <QSurfaceFormat>
 #include <QTimer>
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <cstdio>
+#include <fstream>
 
 namespace Bench {
 
@@ -26,6 +29,15 @@ MarluneApp::Setup emptySetup(const WorkFolder &folder)
         .deviceDiscovery = [] { return std::vector<Device> {}; },
         .ejectVolume = {},
         .panels = nullptr};
+}
+
+double residentBytes()
+{
+    std::ifstream statm("/proc/self/statm");
+    double pages = 0;
+    double resident = 0;
+    statm >> pages >> resident;
+    return resident * double(::sysconf(_SC_PAGESIZE));
 }
 
 QQuickItem *findItem(QQuickItem *root, const char *name)
@@ -48,6 +60,13 @@ void renderWithoutPause()
     QSurfaceFormat format = QSurfaceFormat::defaultFormat();
     format.setSwapInterval(0);
     QSurfaceFormat::setDefaultFormat(format);
+}
+
+void printFrames(const char *name, const std::vector<double> &frames)
+{
+    const auto late = std::count_if(frames.begin(), frames.end(), [](double frame) { return frame > 16; });
+    std::printf("%s %zu frames, %zu over 16 ms, median %.1f ms, worst %.1f ms\n", name, frames.size(),
+        std::size_t(late), median(frames), *std::max_element(frames.begin(), frames.end()));
 }
 
 void scrollThrough(const char *name, QQuickWindow &window, QQuickItem &view, double pixelsPerFrame)
@@ -74,9 +93,7 @@ void scrollThrough(const char *name, QQuickWindow &window, QQuickItem &view, dou
     sinceFrame.start();
     step();
     scrolling.exec();
-    const auto late = std::count_if(frames.begin(), frames.end(), [](double frame) { return frame > 16; });
-    std::printf("%s %zu frames, %zu over 16 ms, median %.1f ms, worst %.1f ms\n", name, frames.size(),
-        std::size_t(late), Bench::median(frames), *std::max_element(frames.begin(), frames.end()));
+    printFrames(name, frames);
 }
 
 void scrollThrough(const char *name, QQuickWindow &window, QQuickItem &view, int frames)

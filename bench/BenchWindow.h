@@ -22,6 +22,11 @@ void runFor(int milliseconds);
 /// One frame begins when the one before is done, so that the gaps are what the frames take. Before the first window.
 void renderWithoutPause();
 
+/// Of this process.
+[[nodiscard]] double residentBytes();
+
+/// Prints what the frames took, in milliseconds.
+void printFrames(const char *name, const std::vector<double> &frames);
 /// Prints what the frames take while `view` is scrolled from its beginning to its end.
 void scrollThrough(const char *name, QQuickWindow &window, QQuickItem &view, double pixelsPerFrame);
 /// The same in so many frames at most.

@@ -80,8 +80,8 @@ void lists(const std::filesystem::path &library);
 void table(const std::filesystem::path &library);
 /// From a letter in the search to the frame that shows it, with many tracks, in each view.
 void typing(const std::filesystem::path &library);
-/// The outline of folders with many files of its own: until it stands, against sorting names by keys that are ready; and
-/// the longest time that the UI thread is held.
+/// The outline of folders with many files of its own: until it stands, against sorting names by keys that are ready;
+/// and the longest time that the UI thread is held.
 void tree(const std::filesystem::path &library);
 /// Scrolls through the album grid.
 void tiles(const std::filesystem::path &library);
@@ -93,6 +93,8 @@ void scrollMany(const std::filesystem::path &library);
 void coversMemory(const std::filesystem::path &library);
 /// Scrolls through all drawn iPods; needs no library.
 void drawings(const std::filesystem::path &library);
+/// The carousel over a device with the library's music: until it stands, an arrow held, single steps, memory.
+void flow(const std::filesystem::path &library);
 /// The text operation on texts of the program's own table.
 void translate(const std::filesystem::path &library);
 /// From the start of a process of its own to the first frame of a window whose library comes back.

@@ -12,24 +12,12 @@
 #include <QQuickItem>
 #include <QTimer>
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <cstdio>
-#include <fstream>
 #include <map>
 #include <set>
 
 namespace {
-
-double residentBytes()
-{
-    std::ifstream statm("/proc/self/statm");
-    double pages = 0;
-    double resident = 0;
-    statm >> pages >> resident;
-    return resident * double(::sysconf(_SC_PAGESIZE));
-}
 
 QQuickItem &view(const MarluneApp::Program &program, const char *name)
 {

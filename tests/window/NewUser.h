@@ -122,11 +122,13 @@ struct NewUser {
     {
         QVERIFY(target);
         const auto middle = [target] { return target->mapToScene({target->width() / 2, target->height() / 2}); };
-        QPointF centre;
+        QPointF centre = middle();
         for (QPointF before(-1, -1); centre != before;
-            QTest::qWait(20)) { // what has just come is still put in its place
+            centre = middle()) { // what has just come is still put in its place
             before = centre;
-            centre = middle();
+            QSignalSpy frames(target->window(), &QQuickWindow::frameSwapped);
+            target->window()->update();
+            frames.wait(1'000);
         }
         QVERIFY(target->window()->contentItem()->contains(centre));
         QTest::mouseClick(target->window(), Qt::LeftButton, Qt::NoModifier, centre.toPoint());
