@@ -16,7 +16,7 @@ class FlowPictures : public QObject {
 public:
     static constexpr int smallSide = 128; ///< pixels
     static constexpr int largestSide = 640;
-    static constexpr qint64 largeBudget = 100'000'000; ///< bytes of all large ones
+    static constexpr qint64 largeBudget = 64'000'000; ///< bytes of all large ones
 
     explicit FlowPictures(QObject *parent = nullptr);
     ~FlowPictures() override;
