@@ -227,6 +227,15 @@ private Q_SLOTS:
             QVERIFY(!theatre.stage.moving());
             QCOMPARE(theatre.seen(), expected);
         }
+        Theatre unlit(2); // it learns of its albums before it has a size
+        FlowPictures pictures;
+        pictures.setCovers({{}, {}});
+        unlit.stage.setSize({0, 0});
+        unlit.stage.setPictures(&pictures);
+        unlit.stage.setSize({1000, 460});
+        for (const FlowPicture *card : cardsOf(unlit.stage)) {
+            QCOMPARE(card->image().isNull(), card->place() < 0);
+        }
     }
 
     void theStageMovesWithoutAJumpWhereverItIsLed()

@@ -30,6 +30,7 @@ public:
 
     [[nodiscard]] int place() const { return m_place; }
     void setPlace(int place);
+    [[nodiscard]] const QImage &image() const { return m_image; }
     void setImage(const QImage &image);
     void stand(const FlowGeometry::Pose &pose);
 

@@ -33,6 +33,7 @@ void FlowStage::setPictures(FlowPictures *pictures)
         }
         measure();
         arrange();
+        showPictures();
         Q_EMIT picturesChanged();
     }
 }
@@ -88,6 +89,11 @@ void FlowStage::retarget(bool still)
 void FlowStage::settle()
 {
     retarget(true);
+    showPictures();
+}
+
+void FlowStage::showPictures()
+{
     for (FlowPicture *card : m_cards) {
         card->setImage(m_pictures ? m_pictures->card(card->place()) : QImage());
     }
@@ -140,6 +146,7 @@ void FlowStage::measure()
     }
     if (m_coverSide != side) {
         m_coverSide = side;
+        showPictures(); // stand-ins of another size
         Q_EMIT coverSideChanged();
     }
 }

@@ -66,6 +66,7 @@ protected:
 private:
     void measure();
     void arrange();
+    void showPictures();
     void onArrived(int place);
     void retarget(bool still);
 
