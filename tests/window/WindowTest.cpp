@@ -2,6 +2,7 @@
 // transfer, transfer again, listen, and on through the pages; in both languages.
 #include "NewUser.h"
 
+#include "ui/shell/DesktopPanels.h"
 #include "ui/words/Language.h"
 #include "ui/words/Localization.h"
 
@@ -64,6 +65,27 @@ private Q_SLOTS:
         listenToTheOnlyAlbum(user);
         findTheCarousel(user);
         walkThroughThePages(user, language == u"en");
+    }
+
+    void asksForWhatIsWanted()
+    {
+        NewUser user;
+        auto &panels = *user.program.window()->property("panels").value<DesktopPanels *>();
+        std::vector<std::pair<const char *, Panels::Request>> questions {{"filesDialog", {}}, {"folderDialog", {}},
+            {"placeChoice", {}}, {"picturesDialog", Panels::Request::onePicture({})}, {"archivesDialog", {}}};
+        questions[1].second.folders = questions[2].second.folders = true;
+        questions[2].second.files = true;
+        questions[4].second.archives = true;
+        for (const auto &question : questions) {
+            panels.open(question.second, {});
+            for (const auto &[name, request] : questions) {
+                const QObject *dialog = user.program.window()->findChild<QObject *>(QString::fromLatin1(name));
+                QCOMPARE(dialog->property("visible").toBool(), name == question.first);
+            }
+            QMetaObject::invokeMethod(
+                user.program.window()->findChild<QObject *>(QString::fromLatin1(question.first)), "close");
+            QTest::qWait(300); // it goes out of sight
+        }
     }
 
     void speaksTheUsersLanguage()
@@ -212,8 +234,10 @@ private:
         const auto item = [&](const char *name) { return user.item(name, window->contentItem()); };
         const auto place = [&] { return item("flowStage")->property("index").toInt(); };
         QTRY_VERIFY(item("readAlbumsButton"));
-        user.click(item("readAlbumsButton"));
+        item("readAlbumsButton")->forceActiveFocus(Qt::TabFocusReason);
+        QTest::keyClick(window, Qt::Key_Space);
         QTRY_VERIFY_WITH_TIMEOUT(item("flowStage") && item("flowStage")->property("count").toInt() == 2, 30'000);
+        QCOMPARE(window->activeFocusItem(), item("flowStage"));
         QTest::keyClick(window, Qt::Key_Right);
         QCOMPARE(place(), 1);
         user.click(item("flowPrevious"));

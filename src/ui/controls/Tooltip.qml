@@ -7,6 +7,8 @@ T.ToolTip {
     id: root
 
     readonly property int widest: 320
+    /// Of the window that it is shown in, where that has some of its own.
+    readonly property ColorRoles roles: root.parent?.Window.window?.roles ?? Tokens.color
 
     parent: Hints.target
     visible: Hints.shown
@@ -24,14 +26,14 @@ T.ToolTip {
         text: root.text
         textFormat: Text.PlainText
         font: Tokens.type.caption
-        color: Tokens.color.text
+        color: root.roles.text
         wrapMode: Text.Wrap
         maximumLineCount: 12
         elide: Text.ElideRight
     }
     background: Rectangle {
-        color: Tokens.color.raised
-        border.color: Tokens.color.line
+        color: root.roles.raised
+        border.color: root.roles.line
         radius: Tokens.radius.control
     }
     enter: Transition {

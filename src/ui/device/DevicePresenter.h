@@ -61,7 +61,7 @@ class DevicePresenter : public QObject {
     Q_PROPERTY(bool canWork READ canWork NOTIFY changed)
 
 public:
-    enum Part : std::uint8_t { Flac, Mp3, OtherMusic, OtherData, Free };
+    enum Part { Flac, Mp3, OtherMusic, OtherData, Free };
     Q_ENUM(Part)
 
     explicit DevicePresenter(MarluneModel &model, QObject *parent = nullptr);

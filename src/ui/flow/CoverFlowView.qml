@@ -8,10 +8,10 @@ FocusScope {
 
     required property CoverFlowPresenter flow
     required property PlaybackPresenter playback
+    required property ColorRoles roles
     required property bool fullScreen
 
     readonly property bool empty: root.flow.count === 0
-    readonly property ColorRoles roles: ColorRoles { dark: true } ///< it is black in the light look too
 
     signal fullScreenToggled
     signal closeWanted
@@ -19,11 +19,20 @@ FocusScope {
     function takeFocus(byPicker: bool) {
         root.forceActiveFocus();
     }
+    /// The button that stands out: what Return does wherever it is pressed.
+    function act() {
+        if (!root.empty) {
+            root.flow.openDetail();
+        } else if (root.flow.canRead) {
+            root.flow.read();
+        }
+    }
     function step(by: int) {
         root.flow.select(root.flow.index + by);
     }
 
     focus: true
+    onEmptyChanged: if (!root.empty && root.activeFocus) carousel.forceActiveFocus() // what had it has gone
     Accessible.role: Accessible.Pane
     Accessible.name: "Cover Flow"
     Keys.onPressed: event => {
@@ -34,8 +43,8 @@ FocusScope {
             [Qt.Key_PageDown]: () => root.step(6),
             [Qt.Key_Home]: () => root.flow.select(0),
             [Qt.Key_End]: () => root.flow.select(root.flow.count - 1),
-            [Qt.Key_Return]: () => root.flow.openDetail(),
-            [Qt.Key_Enter]: () => root.flow.openDetail(),
+            [Qt.Key_Return]: () => root.act(),
+            [Qt.Key_Enter]: () => root.act(),
             [Qt.Key_Escape]: () => root.fullScreen ? root.fullScreenToggled() : root.closeWanted()
         }[event.key];
         action?.();
@@ -68,6 +77,7 @@ FocusScope {
             roles: root.roles
         }
         FlowCarousel {
+            id: carousel
             objectName: "flowStage"
             Layout.fillWidth: true
             Layout.fillHeight: true

@@ -6,8 +6,12 @@ import Marlune
 T.ApplicationWindow {
     id: root
 
+    required property MarluneModel model
     required property CoverFlowPresenter flow
     required property PlaybackPresenter playback
+    required property DesktopPanels panels
+
+    readonly property ColorRoles roles: ColorRoles { dark: true } ///< it is black in the light look too
 
     property int before: Window.AutomaticVisibility ///< what it was before it filled the screen
 
@@ -61,6 +65,7 @@ T.ApplicationWindow {
             content.setSource("CoverFlowView.qml", {
                 flow: root.flow,
                 playback: root.playback,
+                roles: root.roles,
                 fullScreen: Qt.binding(() => root.visibility === Window.FullScreen)
             });
         }
@@ -79,5 +84,16 @@ T.ApplicationWindow {
                 root.close();
             }
         }
+    }
+
+    // What is said and asked while this window is in front is said and asked in it.
+    AlertDialog {
+        message: Language.code === "pl" ? root.model.alert : L10n.text(root.model.alert)
+        onDismissed: root.model.dismissAlert()
+    }
+    PanelHost {
+        anchors.fill: parent
+        panels: root.panels
+        asksHere: root.active
     }
 }

@@ -35,7 +35,7 @@ public:
         MarkedRole, ///< selected in the outline
         StateRole, ///< "Poziom 2 · zwinięty · Utwory: 12", for the ear
     };
-    enum Share : std::uint8_t { NoneChosen, SomeChosen, AllChosen };
+    enum Share { NoneChosen, SomeChosen, AllChosen };
     Q_ENUM(Share)
 
     explicit FolderTreeModel(MarluneModel &model, QObject *parent = nullptr);

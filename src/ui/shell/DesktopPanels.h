@@ -24,7 +24,8 @@ class DesktopPanels : public QObject, public Panels {
     Q_PROPERTY(QString archivePatterns READ archivePatterns CONSTANT)
 
 public:
-    enum Kind : std::uint8_t { ChooseFiles, ChooseFolder, ChooseFilesOrFolder, ChoosePictures, ChooseArchives };
+    // An int, as each enumeration for QML: compiled handlers take one from a signal's argument.
+    enum Kind { ChooseFiles, ChooseFolder, ChooseFilesOrFolder, ChoosePictures, ChooseArchives };
     Q_ENUM(Kind)
 
     explicit DesktopPanels(QObject *parent = nullptr);

@@ -69,18 +69,22 @@ T.ApplicationWindow {
         message: Language.code === "pl" ? root.model.alert : L10n.text(root.model.alert)
         onDismissed: root.model.dismissAlert()
     }
-    Loader {
-        active: root.coverFlow.shown
-        sourceComponent: Component {
-            CoverFlowWindow {
-                flow: root.coverFlow
-                playback: root.playback
-            }
-        }
-    }
     PanelHost {
         anchors.fill: parent
         panels: root.panels
+        asksHere: !(carousel.item as CoverFlowWindow)?.active
+    }
+    Loader {
+        id: carousel
+        active: root.coverFlow.shown
+        sourceComponent: Component {
+            CoverFlowWindow {
+                model: root.model
+                flow: root.coverFlow
+                playback: root.playback
+                panels: root.panels
+            }
+        }
     }
     Tooltip {}
 }

@@ -8,6 +8,7 @@ Item {
     id: root
 
     required property DesktopPanels panels
+    property bool asksHere: true ///< and not in another window
 
     readonly property string prompt: root.shown(root.panels.prompt)
     readonly property string question: root.panels.message === "" ? root.prompt : root.shown(root.panels.message)
@@ -34,7 +35,9 @@ Item {
     Connections {
         target: root.panels
         function onAsked(kind: int) {
-            root.show(kind);
+            if (root.asksHere) {
+                root.show(kind);
+            }
         }
     }
 
@@ -50,6 +53,7 @@ Item {
 
     FilePanel {
         id: files
+        objectName: "filesDialog"
         panels: root.panels
         title: root.question
         acceptLabel: root.prompt
@@ -57,6 +61,7 @@ Item {
     }
     FilePanel {
         id: pictures
+        objectName: "picturesDialog"
         panels: root.panels
         title: root.question
         acceptLabel: root.prompt
@@ -65,6 +70,7 @@ Item {
     }
     FilePanel {
         id: archives
+        objectName: "archivesDialog"
         panels: root.panels
         title: root.question
         acceptLabel: root.prompt
@@ -73,6 +79,7 @@ Item {
     }
     FolderDialog {
         id: folder
+        objectName: "folderDialog"
         title: root.question
         acceptLabel: root.prompt
         currentFolder: root.panels.startFolder
@@ -82,6 +89,7 @@ Item {
 
     PlaceChoice {
         id: choice
+        objectName: "placeChoice"
         title: root.prompt
         onPicked: kind => root.show(kind)
         onCancelled: root.panels.cancel()

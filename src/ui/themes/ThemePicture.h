@@ -28,7 +28,7 @@ class ThemePicture : public QQuickPaintedItem {
     Q_PROPERTY(State state READ state NOTIFY stateChanged)
 
 public:
-    enum State : std::uint8_t {
+    enum State {
         Absent, ///< there is no address
         Reading, ///< a file
         Fetching, ///< from the network
