@@ -88,6 +88,14 @@ private Q_SLOTS:
             = u"page tab list: Sections|page tab: Tidy up*|heading: Tidy up your collection|label: Covers: 1|radio button: All*|list: Issues|list item: Soundings. Large cover – make a 500 × 500 version for the iPod.|panel: Language|radio button: EN*|heading: Your iPod"_s
                   .split(u'|');
         QCOMPARE(amiss(english), QStringList());
+        user.program.model().revealCoverFlow();
+        user.program.model().scanDeviceMusic();
+        const QStringList carousel
+            = u"panel: Cover Flow|heading: Cover Flow|label: Albums: 1|list: Albums|push button: Early Crossings, Halcyon Ferry|label: 1 / 1 · Tracks: 4|push button: Open album|push button: Full screen"_s
+                  .split(u'|');
+        QCOMPARE(amiss(carousel), QStringList());
+        user.item("flowStage", user.carousel()->contentItem())->forceActiveFocus();
+        QVERIFY(reported("push button: Early Crossings, Halcyon Ferry"));
     }
 
     void tellsOfAPickersChoicesAndOfAMessage()

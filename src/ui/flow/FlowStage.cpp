@@ -2,6 +2,7 @@
 
 #include "ui/flow/FlowPicture.h"
 
+#include <QAccessible>
 #include <QQuickWindow>
 #include <QWheelEvent>
 
@@ -84,6 +85,7 @@ void FlowStage::retarget(bool still)
     if (moving() != wasMoving) {
         Q_EMIT movingChanged();
     }
+    tellOfTheMiddle();
 }
 
 void FlowStage::settle()
@@ -106,7 +108,19 @@ void FlowStage::advance(double seconds)
         arrange();
         if (!moving()) {
             Q_EMIT movingChanged();
+            tellOfTheMiddle();
         }
+    }
+}
+
+/// A screen reader is told that the card in the middle has the focus, which the stage holds for whichever stands there.
+void FlowStage::tellOfTheMiddle()
+{
+    const auto middle
+        = std::ranges::find_if(m_cards, [this](const FlowPicture *card) { return card->place() == m_index; });
+    if (!moving() && hasActiveFocus() && middle != m_cards.end()) {
+        QAccessibleEvent event(*middle, QAccessible::Focus);
+        QAccessible::updateAccessibility(&event);
     }
 }
 
@@ -181,6 +195,12 @@ void FlowStage::onArrived(int place)
             card->setImage(m_pictures->card(place));
         }
     }
+}
+
+void FlowStage::focusInEvent(QFocusEvent *event)
+{
+    QQuickItem::focusInEvent(event);
+    tellOfTheMiddle();
 }
 
 void FlowStage::wheelEvent(QWheelEvent *event)

@@ -62,11 +62,13 @@ protected:
     void geometryChange(const QRectF &now, const QRectF &before) override;
     void itemChange(ItemChange change, const ItemChangeData &value) override;
     void wheelEvent(QWheelEvent *event) override;
+    void focusInEvent(QFocusEvent *event) override;
 
 private:
     void measure();
     void arrange();
     void showPictures();
+    void tellOfTheMiddle();
     void onArrived(int place);
     void retarget(bool still);
 
