@@ -264,6 +264,13 @@ private:
         }
         QTest::keyClick(window, Qt::Key_Escape);
         QTRY_VERIFY(!item("sheetTitle"));
+        const QString code = AppLocalizer::language();
+        for (const QString &choice : {code == u"en" ? u"pl"_s : u"en"_s, code}) {
+            Language::create(nullptr, nullptr)->setChoice(choice);
+            QTRY_VERIFY(item("flowCount")
+                && item("flowCount")->property("text") == (choice == u"en" ? u"Albums: 2"_s : u"2 albumów"_s));
+            QTRY_VERIFY(item("flowStage") && item("flowStage")->hasActiveFocus());
+        }
         clickThrice(); // it is there already
         QCOMPARE(user.program.window()->findChildren<QQuickWindow *>(u"coverFlowWindow"_s).size(), 1);
         QCOMPARE(place(), 0);

@@ -17,7 +17,7 @@ FocusScope {
     signal closeWanted
 
     function takeFocus(byPicker: bool) {
-        root.forceActiveFocus();
+        (root.empty ? root : carousel).forceActiveFocus();
     }
     /// The button that stands out: what Return does wherever it is pressed.
     function act() {
