@@ -101,6 +101,14 @@ int refuse(const QString &reason)
     return 1;
 }
 
+/// Also a minimised one, which then is as large as it was.
+void bringToFront(QWindow &window)
+{
+    window.setWindowStates(window.windowStates() & ~Qt::WindowMinimized);
+    window.raise();
+    window.requestActivate();
+}
+
 } // namespace
 
 struct Program::Parts {
@@ -177,8 +185,8 @@ Program::Parts::Parts(const Setup &setup)
     QObject::connect(
         &language, &Language::codeChanged, &engine,
         [this] {
-            for (QQuickWindow *shown : {window(), carousel()}) {
-                if (shown) {
+            for (const QPointer<QQuickWindow> &shown : {QPointer(window()), QPointer(carousel())}) {
+                if (shown) { // what is rebuilt first may close the other
                     rebuildContent(*shown);
                 }
             }
@@ -203,10 +211,11 @@ Program::Parts::Parts(const Setup &setup)
     engine.load(QUrl(QStringLiteral("qrc:/qml/Marlune/shell/Main.qml")));
     if (QQuickWindow *shown = window()) {
         QObject::connect(&mediaControls, &MediaControls::quitWanted, shown, &QWindow::close);
-        QObject::connect(&mediaControls, &MediaControls::raiseWanted, shown, [shown] {
-            shown->show();
-            shown->raise();
-            shown->requestActivate();
+        QObject::connect(&mediaControls, &MediaControls::raiseWanted, shown, [shown] { bringToFront(*shown); });
+        QObject::connect(&coverFlow, &CoverFlowPresenter::frontWanted, shown, [this] {
+            if (QQuickWindow *wanted = carousel()) {
+                bringToFront(*wanted);
+            }
         });
     }
 }

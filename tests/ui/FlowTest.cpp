@@ -43,15 +43,6 @@ QColor shown(const FlowPictures &pictures, int place)
     return card.isNull() ? QColor() : card.pixelColor(card.width() / 2, card.width() / 2);
 }
 
-int heldLarge(const FlowPictures &pictures, int count)
-{
-    int held = 0;
-    for (int place = 0; place < count; ++place) {
-        held += pictures.card(place).width() > FlowPictures::smallSide + 2 * FlowCard::margin;
-    }
-    return held;
-}
-
 std::vector<FlowPicture *> cardsOf(const FlowStage &stage)
 {
     std::vector<FlowPicture *> cards;
@@ -233,6 +224,10 @@ private Q_SLOTS:
         unlit.stage.setSize({0, 0});
         unlit.stage.setPictures(&pictures);
         unlit.stage.setSize({1000, 460});
+        pictures.setCovers({encoded(Qt::red), {}});
+        QTRY_VERIFY(pictures.isFinal(0));
+        unlit.window.show();
+        QVERIFY(isNear(unlit.window.grabWindow().pixelColor(500, 230), Qt::red));
         for (const FlowPicture *card : cardsOf(unlit.stage)) {
             QCOMPARE(card->image().isNull(), card->place() < 0);
         }
@@ -271,8 +266,10 @@ private Q_SLOTS:
         }
         Theatre theatre(9);
         QSignalSpy stepped(&theatre.stage, &FlowStage::stepped);
-        for (const QPoint &turn : {QPoint(0, -120), QPoint(0, 240), QPoint(-60, 0), QPoint(-60, 0), QPoint(20, 50)}) {
-            QWheelEvent event({9, 9}, {9, 9}, {}, turn, Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+        for (const QPoint &turn :
+            {QPoint(0, -120), QPoint(0, 240), QPoint(-60, 0), QPoint(-60, 0), QPoint(20, 70), QPoint(0, 60)}) {
+            const Qt::ScrollPhase phase = turn.y() == 60 ? Qt::ScrollBegin : Qt::NoScrollPhase; // nothing is left over
+            QWheelEvent event({9, 9}, {9, 9}, {}, turn, Qt::NoButton, Qt::NoModifier, phase, false);
             QCoreApplication::sendEvent(&theatre.stage, &event);
         }
         QCOMPARE(stepped, (QList<QVariantList> {{1}, {-2}, {1}}));
@@ -325,8 +322,7 @@ private Q_SLOTS:
         }
         pictures.lookAt(59);
         QTRY_VERIFY(pictures.isFinal(59) && pictures.isFinal(55));
-        QVERIFY(!pictures.isFinal(0)
-            || heldLarge(pictures, 60) * pictures.card(59).sizeInBytes() <= FlowPictures::largeBudget);
+        QVERIFY(!pictures.isFinal(0));
 
         // Other albums: what was decoded of the same bytes is there at once.
         std::vector<QByteArray> others {covers[59], covers[7], covers[58]};

@@ -65,6 +65,7 @@ private Q_SLOTS:
         listenToTheOnlyAlbum(user);
         findTheCarousel(user);
         walkThroughThePages(user, language == u"en");
+        endTheProgram(user);
     }
 
     void asksForWhatIsWanted()
@@ -248,15 +249,22 @@ private:
         const double side = stage.property("coverSide").toDouble();
         QTest::mouseClick(window, Qt::LeftButton, {}, (centre + QPointF(side * 0.7, 0)).toPoint()); // a side cover
         QCOMPARE(place(), 1);
-        QTest::mousePress(window, Qt::LeftButton, {}, centre.toPoint());
-        for (const int way : {10, 35, 60}) {
-            QTest::mouseMove(window, centre.toPoint() + QPoint(way, 0));
+        for (const auto &[ways, expected] : {std::pair(std::vector {10, 35, 60}, 0), std::pair(std::vector {-300}, 1),
+                 std::pair(std::vector {300}, 0)}) {
+            QTest::mousePress(window, Qt::LeftButton, {}, centre.toPoint());
+            for (const int way : ways) {
+                QTest::mouseMove(window, centre.toPoint() + QPoint(way, 0));
+            }
+            QTest::mouseRelease(window, Qt::LeftButton, {}, centre.toPoint() + QPoint(ways.back(), 0));
+            QCOMPARE(place(), expected);
+            QVERIFY(!item("sheetTitle"));
         }
-        QTest::mouseRelease(window, Qt::LeftButton, {}, centre.toPoint() + QPoint(60, 0));
+        QTest::keyClick(window, Qt::Key_Right, Qt::AltModifier); // means nothing here
         QCOMPARE(place(), 0);
-        QVERIFY(!item("sheetTitle"));
         QTRY_VERIFY(!stage.property("moving").toBool());
-        QTest::mouseClick(window, Qt::LeftButton, {}, centre.toPoint());
+        const QPointF overlap = centre + QPointF(side * 0.47, 0); // of the middle cover and the one beside it
+        QTest::mouseClick(window, Qt::LeftButton, {}, overlap.toPoint());
+        QCOMPARE(place(), 0);
         QTRY_VERIFY(item("sheetTitle"));
         QTest::qWait(300); // the sheet has come in
         if (AppLocalizer::language() == u"en") {
@@ -271,7 +279,10 @@ private:
                 && item("flowCount")->property("text") == (choice == u"en" ? u"Albums: 2"_s : u"2 albumów"_s));
             QTRY_VERIFY(item("flowStage") && item("flowStage")->hasActiveFocus());
         }
+        window->resize(820, 660);
+        window->showMinimized();
         clickThrice(); // it is there already
+        QTRY_VERIFY(!window->windowStates().testFlag(Qt::WindowMinimized) && window->width() == 820);
         QCOMPARE(user.program.window()->findChildren<QQuickWindow *>(u"coverFlowWindow"_s).size(), 1);
         QCOMPARE(place(), 0);
         QTest::keyClick(window, Qt::Key_F11);
@@ -286,6 +297,19 @@ private:
         QTest::keyClick(user.carousel(), Qt::Key_Escape);
         QTRY_VERIFY(!user.carousel());
         user.program.window()->requestActivate(); // which a window manager does
+    }
+
+    /// The program ends with the main window, also where the carousel is open.
+    static void endTheProgram(NewUser &user)
+    {
+        user.program.model().revealCoverFlow();
+        QTRY_VERIFY(user.carousel());
+        QTimer::singleShot(0, user.program.window(), &QWindow::close);
+        QTimer patience;
+        patience.callOnTimeout([] { QCoreApplication::exit(1); });
+        patience.start(10'000);
+        QCOMPARE(QGuiApplication::exec(), 0);
+        QTRY_VERIFY(!user.carousel());
     }
 
     static void listenToTheOnlyAlbum(NewUser &user)

@@ -8,6 +8,7 @@
 #include <QPointer>
 
 #include <algorithm>
+#include <utility>
 
 CoverFlowPresenter::CoverFlowPresenter(MarluneModel &model, const std::shared_ptr<CoverStore> &covers, QObject *parent)
     : QObject(parent)
@@ -19,6 +20,8 @@ CoverFlowPresenter::CoverFlowPresenter(MarluneModel &model, const std::shared_pt
         Q_EMIT shownChanged();
     });
     connect(&m_model, &MarluneModel::coverFlowWanted, this, &CoverFlowPresenter::frontWanted);
+    // Covers may be changed in the same list of tracks, and nothing here keeps them from that.
+    connect(&m_model, &MarluneModel::artworkChanged, this, [this] { m_source.reset(); });
     m_change.follow(m_model, &MarluneModel::tracksChanged, &MarluneModel::artworkChanged, &MarluneModel::deviceChanged);
     for (const auto change : {&MarluneModel::busyChanged, &MarluneModel::tracksChanged, &MarluneModel::deviceChanged}) {
         connect(&m_model, change, this, &CoverFlowPresenter::loadingChanged);
@@ -35,9 +38,9 @@ void CoverFlowPresenter::follow()
         dismiss(); // comes back here
     } else if (shown()) {
         rebuild();
-    } else if (m_tracks) {
+    } else if (std::exchange(m_isAtWork, false)) {
         ++m_build;
-        m_tracks.reset();
+        m_source.reset();
         m_loading = false;
         m_detail.dismiss();
         setItems(std::make_shared<const Items>());
@@ -50,16 +53,17 @@ void CoverFlowPresenter::follow()
 void CoverFlowPresenter::rebuild()
 {
     std::shared_ptr<const std::vector<Track>> tracks = m_model.sharedTracks(true);
-    if (tracks != m_tracks) {
-        m_tracks = std::move(tracks);
-        build(m_tracks);
+    m_isAtWork = true;
+    if (tracks != m_source.lock()) {
+        m_source = tracks;
+        build(std::move(tracks));
     }
 }
 
 void CoverFlowPresenter::reorder()
 {
     if (shown()) {
-        m_tracks.reset();
+        m_source.reset();
         rebuild();
     }
 }
@@ -100,8 +104,8 @@ void CoverFlowPresenter::setItems(std::shared_ptr<const Items> items)
     }
     BackgroundJobs::discard(std::exchange(m_items, std::move(items)));
     m_pictures.setCovers(covers);
-    Q_EMIT indexChanged();
     Q_EMIT itemsChanged();
+    Q_EMIT indexChanged();
     Q_EMIT currentChanged();
 }
 

@@ -89,11 +89,12 @@ private:
     FlowPictures m_pictures;
     AlbumSheetPresenter m_detail;
     std::shared_ptr<const Items> m_items = std::make_shared<const Items>();
-    std::shared_ptr<const std::vector<Track>> m_tracks; ///< what the items were made of, or are being
+    std::weak_ptr<const std::vector<Track>> m_source; ///< what the items were made of, or are being; absent: of others
     // Of the last items that there were: a reading begins with none at all.
     QString m_remembered; ///< the album in the middle
     int m_index = 0;
     int m_build = 0; ///< the newest build
     bool m_loading = false;
+    bool m_isAtWork = false; ///< since it was shown
     BurstTimer m_change {[this] { follow(); }};
 };

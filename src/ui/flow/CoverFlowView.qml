@@ -36,7 +36,7 @@ FocusScope {
     Accessible.role: Accessible.Pane
     Accessible.name: "Cover Flow"
     Keys.onPressed: event => {
-        const action = {
+        const action = event.modifiers & ~Qt.KeypadModifier ? undefined : {
             [Qt.Key_Left]: () => root.step(-1),
             [Qt.Key_Right]: () => root.step(1),
             [Qt.Key_PageUp]: () => root.step(-6),

@@ -23,36 +23,24 @@ T.ApplicationWindow {
             root.visibility = Window.FullScreen;
         }
     }
-    /// Also where it is minimised.
-    function comeToFront() {
-        if (root.visibility === Window.Minimized) {
-            root.showNormal();
-        }
-        root.raise();
-        root.requestActivate();
-    }
-
     objectName: "coverFlowWindow"
     transientParent: null // a window like any other: it may lie below the main one
-    width: Math.min(1000, Screen.desktopAvailableWidth)
-    height: Math.min(740, Screen.desktopAvailableHeight)
-    x: Screen.virtualX + Math.round((Screen.width - width) / 2)
-    y: Screen.virtualY + Math.round((Screen.height - height) / 2)
     minimumWidth: 800
     minimumHeight: 640
-    visible: true
     title: "Cover Flow"
     color: "black"
     font: Tokens.type.body
     onClosing: root.flow.dismiss()
-    Component.onCompleted: root.comeToFront()
-
-    Connections {
-        target: root.flow
-        function onFrontWanted() {
-            root.comeToFront();
-        }
+    Component.onCompleted: {
+        // Once: afterwards it lies as the user puts it.
+        root.width = Math.min(1000, Screen.desktopAvailableWidth);
+        root.height = Math.min(740, Screen.desktopAvailableHeight);
+        root.x = Screen.virtualX + Math.round((Screen.width - root.width) / 2);
+        root.y = Screen.virtualY + Math.round((Screen.height - root.height) / 2);
+        root.visible = true;
+        root.requestActivate();
     }
+
     Shortcut {
         sequences: ["F11", "Ctrl+Meta+F"]
         onActivated: root.toggleFullScreen()

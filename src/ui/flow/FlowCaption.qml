@@ -44,7 +44,6 @@ ColumnLayout {
             roles: root.roles
             symbol: "chevron.left"
             toolTip: L10n.text("Poprzedni album")
-            enabled: root.flow.index > 0
             onClicked: root.flow.select(root.flow.index - 1)
         }
         Button {
@@ -66,7 +65,6 @@ ColumnLayout {
             roles: root.roles
             symbol: "chevron.right"
             toolTip: L10n.text("Następny album")
-            enabled: root.flow.index < root.flow.count - 1
             onClicked: root.flow.select(root.flow.index + 1)
         }
     }

@@ -7,8 +7,6 @@ FlowStage {
 
     required property CoverFlowPresenter flow
 
-    property real lastDrag: 0 ///< logical pixels to the right
-
     pictures: root.flow.pictures
     count: root.flow.count
     index: root.flow.index
@@ -30,7 +28,7 @@ FlowStage {
     Connections {
         target: root.flow
         function onItemsChanged() {
-            root.settle();
+            root.renew(root.flow.index);
         }
     }
     FrameAnimation {
@@ -38,17 +36,14 @@ FlowStage {
         onTriggered: root.advance(frameTime)
     }
     DragHandler {
-        id: drag
         target: null
         dragThreshold: 25
         yAxis.enabled: false
         grabPermissions: PointerHandler.CanTakeOverFromAnything
-        onCentroidChanged: if (drag.active) root.lastDrag = centroid.position.x - centroid.pressPosition.x
-        onActiveChanged: {
-            if (!drag.active) {
-                root.flow.select(root.flow.index + root.stepsOfDrag(root.lastDrag));
+        onGrabChanged: (transition, point) => {
+            if (transition === PointerDevice.UngrabExclusive) { // let go, not taken away
+                root.flow.select(root.flow.index + root.stepsOfDrag(point.position.x - point.pressPosition.x));
             }
-            root.lastDrag = 0;
         }
     }
     Repeater {
@@ -68,15 +63,18 @@ FlowStage {
                 }
             }
 
+            onHintChanged: if (hover.hovered) Hints.show(floor, card.hint)
             Accessible.role: Accessible.Button
             Accessible.name: card.place < root.flow.count ? root.flow.nameAt(card.place) : ""
-            Accessible.description: card.hint
+            Accessible.description: card.place + 1 + " / " + root.flow.count + ". " + card.hint
             Accessible.onPressAction: card.act()
 
             TapHandler {
+                gesturePolicy: TapHandler.ReleaseWithinBounds // which the cover below is not told of
                 onTapped: card.act()
             }
             HoverHandler {
+                id: hover
                 onHoveredChanged: hovered ? Hints.show(floor, card.hint) : Hints.hide(floor)
             }
             Item { // the hint is shown on the reflection rather than on the album's names

@@ -44,6 +44,7 @@ void FlowStage::setCount(int count)
     if (m_count != count) {
         m_count = count;
         arrange();
+        tellOfTheMiddle();
         Q_EMIT countChanged();
     }
 }
@@ -52,7 +53,7 @@ void FlowStage::setIndex(int index)
 {
     if (m_index != index) {
         m_index = index;
-        retarget(m_reduceMotion);
+        retarget(m_reduceMotion || !isComponentComplete()); // where it begins is no motion
         Q_EMIT indexChanged();
     }
 }
@@ -85,12 +86,17 @@ void FlowStage::retarget(bool still)
     if (moving() != wasMoving) {
         Q_EMIT movingChanged();
     }
+    putInOrder();
     tellOfTheMiddle();
 }
 
-void FlowStage::settle()
+void FlowStage::renew(int index)
 {
-    retarget(true);
+    if (m_index != index) {
+        m_index = index;
+        retarget(true);
+        Q_EMIT indexChanged();
+    }
     showPictures();
 }
 
@@ -108,8 +114,22 @@ void FlowStage::advance(double seconds)
         arrange();
         if (!moving()) {
             Q_EMIT movingChanged();
+            putInOrder();
             tellOfTheMiddle();
         }
+    }
+}
+
+/// A screen reader goes through the cards as they were stacked.
+void FlowStage::putInOrder()
+{
+    if (moving() || m_cards.empty()) {
+        return;
+    }
+    std::vector<FlowPicture *> cards = m_cards;
+    std::ranges::sort(cards, {}, &FlowPicture::place);
+    for (std::size_t card = 1; card < cards.size(); ++card) {
+        cards[card]->stackAfter(cards[card - 1]);
     }
 }
 

@@ -41,8 +41,9 @@ public:
     [[nodiscard]] double coverSide() const { return m_coverSide; }
     [[nodiscard]] static int cards() { return 2 * (FlowGeometry::reach + 1) + 1; }
 
-    /// Other items are in the places: the one at the index stands in the middle at once.
-    Q_INVOKABLE void settle();
+    /// Other items are in the places: the one at `index` stands in the middle at once. Where that was the index before,
+    /// what moves goes on.
+    Q_INVOKABLE void renew(int index);
     /// So much time has passed, in seconds.
     Q_INVOKABLE void advance(double seconds);
     /// The steps that a drag of so many logical pixels to the right is worth.
@@ -67,6 +68,7 @@ protected:
 private:
     void measure();
     void arrange();
+    void putInOrder();
     void showPictures();
     void tellOfTheMiddle();
     void onArrived(int place);

@@ -21,16 +21,22 @@ T.ApplicationWindow {
     required property PlaybackPresenter playback
     required property DesktopPanels panels
 
-    width: Math.min(1260, Screen.desktopAvailableWidth)
-    height: Math.min(820, Screen.desktopAvailableHeight)
     minimumWidth: 1050
     minimumHeight: 690
-    visible: true
     title: "Marlune"
     color: Tokens.color.content
     font: Tokens.type.body
-    onClosing: close => close.accepted = root.shell.requestClose()
-    onVisibleChanged: if (!root.visible) root.coverFlow.dismiss()
+    onClosing: close => {
+        close.accepted = root.shell.requestClose();
+        if (close.accepted) {
+            (carousel.item as CoverFlowWindow)?.close(); // first: the program ends with its last window
+        }
+    }
+    Component.onCompleted: {
+        root.width = Math.min(1260, Screen.desktopAvailableWidth);
+        root.height = Math.min(820, Screen.desktopAvailableHeight);
+        root.visible = true;
+    }
 
     Connections {
         target: root.shell
