@@ -3,6 +3,7 @@
 // after the other. UI thread.
 #pragma once
 
+#include "ui/flow/FlowGeometry.h"
 #include "ui/flow/FlowPictures.h"
 #include "ui/flow/FlowSpring.h"
 
