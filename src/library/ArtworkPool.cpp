@@ -24,6 +24,7 @@ std::size_t sample(const QByteArray &bytes)
 QByteArray ArtworkPool::shared(const QByteArray &bytes)
 {
     const std::size_t hash = sample(bytes);
+    const std::lock_guard lock(m_guard);
     const auto [begin, end] = m_pictures.equal_range(hash);
     const auto found = std::find_if(begin, end,
         [&](const auto &entry) { return entry.second.constData() == bytes.constData() || entry.second == bytes; });

@@ -3,15 +3,17 @@
 
 #include <QByteArray>
 
+#include <mutex>
 #include <unordered_map>
 #include <vector>
 
-/// Not shared between threads; the byte arrays that it hands out are.
+/// For any thread.
 class ArtworkPool {
 public:
     /// The pooled bytes equal to `bytes`; these themselves if they are new.
     [[nodiscard]] QByteArray shared(const QByteArray &bytes);
 
 private:
+    std::mutex m_guard;
     std::unordered_multimap<std::size_t, QByteArray> m_pictures;
 };

@@ -2,9 +2,9 @@
 
 #include "library/AudioExtensions.h"
 
-#include "storage/PathSafety.h"
-
 #include "platform/files/FolderItems.h"
+
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <array>
@@ -41,25 +41,36 @@ void addFolder(
 
 } // namespace
 
-std::vector<std::filesystem::path> scanAudio(
-    const std::vector<std::filesystem::path> &urls, const std::stop_token &stop)
+AudioFound findAudio(const std::vector<std::filesystem::path> &urls, const std::stop_token &stop, Missing missing)
 {
-    std::vector<std::filesystem::path> files;
+    AudioFound found;
     for (const std::filesystem::path &given : urls) {
         if (stop.stop_requested()) {
             break;
         }
-        const std::filesystem::path url = given.has_filename() ? given : given.parent_path();
-        if (isSymbolicLink(url) || isHidden(url.filename().native())) {
+        const std::filesystem::path url = Files::withoutSeparator(given);
+        struct stat status {};
+        const bool isPresent = ::lstat(url.c_str(), &status) == 0;
+        if (isPresent) {
+            ++found.present;
+            found.volumes.insert(status.st_dev);
+        }
+        if ((isPresent && S_ISLNK(status.st_mode)) || isHidden(url.filename().native())) {
             continue;
         }
-        if (Files::isDirectory(url)) {
-            addFolder(url, files, stop);
-        } else if (hasAudioExtension(url)) {
-            files.push_back(url);
+        if (isPresent && S_ISDIR(status.st_mode)) {
+            addFolder(url, found.files, stop);
+        } else if ((isPresent || missing == Missing::Keep) && hasAudioExtension(url)) {
+            found.files.push_back(url);
         }
     }
-    return files;
+    return found;
+}
+
+std::vector<std::filesystem::path> scanAudio(
+    const std::vector<std::filesystem::path> &urls, const std::stop_token &stop)
+{
+    return findAudio(urls, stop).files;
 }
 
 std::vector<std::filesystem::path> deviceMusicFolders(const std::filesystem::path &root)

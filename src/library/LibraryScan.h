@@ -1,9 +1,24 @@
 // Finds audio files below files and folders of the user's choice. Blocking; any thread but the UI's; never throws.
 #pragma once
 
+#include <sys/types.h>
+
+#include <cstdint>
 #include <filesystem>
+#include <set>
 #include <stop_token>
 #include <vector>
+
+/// What a search found.
+struct AudioFound {
+    std::vector<std::filesystem::path> files; ///< in the order of discovery; may hold one file twice
+    std::size_t present = 0; ///< how many of the given files and folders there are
+    std::set<dev_t> volumes; ///< that those lie on
+};
+/// What is given by name and is not there counts as found, or is passed over.
+enum class Missing : std::uint8_t { Keep, Skip };
+[[nodiscard]] AudioFound findAudio(
+    const std::vector<std::filesystem::path> &urls, const std::stop_token &stop = {}, Missing missing = Missing::Keep);
 
 /// The audio files among `urls` and in the folders among them, at any depth. Symbolic links and hidden items are passed
 /// over; what cannot be read contributes nothing. Order of discovery; may hold one file twice. Once `stop` is

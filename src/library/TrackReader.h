@@ -1,12 +1,13 @@
 // Makes Track records of audio files: tags, the fallback for each missing one, and the cover.
 //
-// Blocking, reads the files one after the other; any thread but the UI's; never throws for a file: one that cannot be
-// read still yields a record.
+// Blocking, several files at once where the disk takes that; any thread but the UI's; never throws for a file: one that
+// cannot be read still yields a record.
 #pragma once
 
-#include "library/Track.h"
-
 #include "library/ArtworkPool.h"
+#include "library/LibraryScan.h"
+#include "library/ReadingCache.h"
+#include "library/Track.h"
 
 #include "platform/files/CaselessFolder.h"
 
@@ -24,6 +25,8 @@ struct TrackImport {
     std::unordered_set<std::string> known; ///< standardized paths of tracks that are there already
     QMap<QString, QString> artworkOverrides; ///< overrideKey() to the path of a chosen cover
     std::vector<QByteArray> artwork; ///< covers held already, for new tracks to share
+    std::shared_ptr<ReadingCache> cache = {}; ///< remembers what files said; may be none
+    Missing missing = Missing::Keep; ///< what becomes of given files that are not there
 };
 
 /// What one import found.
@@ -31,13 +34,15 @@ struct TracksRead {
     std::vector<Track> tracks;
     bool isStopped = false; ///< before all were read
     int left = 0; ///< new files that were found and not read; not known where the stop came while they were looked for
+    std::size_t present = 1; ///< how many of the given files and folders there were
 };
 
-/// Called after each file that is read, with the number of files done and of all found.
+/// Called after each file that is read, with the number of files done and of all found; one call at a time, on any
+/// thread.
 using ImportProgress = std::function<void(int done, int total)>;
 
-/// Reads the new audio files among and below the given ones, in the order of their paths as a file manager shows them.
-/// Ends before the next file once `stop` is requested.
+/// Reads the new audio files among and below the given ones. They come in the order of their paths as a file manager
+/// shows them. Begins no other file once `stop` is requested.
 [[nodiscard]] TracksRead readTracks(
     TrackImport import, const ImportProgress &progress, const std::stop_token &stop = {});
 
@@ -50,7 +55,8 @@ using TrackSource = std::function<TracksRead(TrackImport, const ImportProgress &
 /// Reads one file after another, keeping what files of one folder have in common.
 class TrackReader {
 public:
-    TrackReader(QMap<QString, QString> overrides, const std::vector<QByteArray> &heldArtwork);
+    /// All outlive it, and may be other readers' too. `cache` may be null.
+    TrackReader(const QMap<QString, QString> &overrides, ArtworkPool &pool, ReadingCache *cache);
 
     [[nodiscard]] Track read(const std::filesystem::path &file);
 
@@ -64,11 +70,18 @@ private:
         std::optional<QByteArray> cover;
     };
 
+    /// As FileFacts::read() gives it, or remembered.
+    FileFacts factsOf(const std::filesystem::path &file, const std::optional<FileStamp> &stamp);
+    std::optional<QByteArray> readPicture(const std::filesystem::path &file, std::int64_t limit);
+    std::optional<QByteArray> readNamed(const std::filesystem::path &name, std::int64_t limit);
+    std::optional<QByteArray> readSidecar(const std::filesystem::path &file);
     Folder &folderOf(const std::filesystem::path &file);
     std::optional<QByteArray> chooseArtwork(const Track &track, const std::optional<QByteArray> &embedded);
     const std::optional<QByteArray> &folderCover();
 
-    QMap<QString, QString> m_overrides;
-    ArtworkPool m_pool;
+    const QMap<QString, QString> &m_overrides;
+    ArtworkPool &m_pool;
+    ReadingCache *m_cache;
+    std::optional<ReadingCache::Reader> m_remembered;
     Folder m_folder; ///< of the last file: files come folder by folder
 };

@@ -8,6 +8,8 @@
 
 #include <QPointer>
 
+#include <algorithm>
+
 namespace {
 
 std::vector<QByteArray> artworkOf(const std::vector<Track> &tracks)
@@ -78,20 +80,12 @@ void MarluneModel::restoreLibrary()
         return;
     }
     m_unrestored = stored;
-    const auto remaining = [stored](const std::stop_token &stop) -> std::optional<std::vector<std::filesystem::path>> {
-        std::vector<std::filesystem::path> files;
-        for (const QString &path : stored) {
-            if (stop.stop_requested()) {
-                return files;
-            }
-            std::filesystem::path file = Files::fromText(path);
-            if (Files::exists(file)) {
-                files.push_back(std::move(file));
-            }
-        }
-        return files.empty() ? std::nullopt : std::optional(std::move(files));
+    const auto files = [stored](const std::stop_token &) {
+        std::vector<std::filesystem::path> paths(std::size_t(stored.size()));
+        std::transform(stored.begin(), stored.end(), paths.begin(), Files::fromText);
+        return paths;
     };
-    beginImport(remaining, ImportKind::Restored);
+    beginImport(files, ImportKind::Restored);
 }
 
 QCoro::Task<> MarluneModel::runImport(ImportSource source, ImportKind kind)
@@ -106,16 +100,18 @@ QCoro::Task<> MarluneModel::runImport(ImportSource source, ImportKind kind)
     try {
         auto work = [source = std::move(source), base = m_browsing.contents(side), stop = m_work.stopToken(),
                         overrides = m_environment.settings.textMap(QStringLiteral("artworkOverrides")),
-                        read = m_environment.readTracks, progress = importProgress()]() {
-            auto urls = source(stop);
-            if (!urls) {
-                return std::shared_ptr<ImportReading>();
-            }
+                        missing = kind == ImportKind::Restored ? Missing::Skip : Missing::Keep,
+                        cache = m_environment.cache, read = m_environment.readTracks, progress = importProgress()]() {
             TrackImport import = importInto(*base.tracks);
-            import.urls = std::move(*urls);
+            import.urls = source(stop);
             import.artworkOverrides = overrides;
+            import.missing = missing;
+            import.cache = cache;
             const auto result = std::make_shared<ImportReading>();
             result->read = read(std::move(import), progress, stop);
+            if (missing == Missing::Skip && result->read.present == 0 && !result->read.isStopped) {
+                return std::shared_ptr<ImportReading>();
+            }
             result->base = base;
             result->made = base.prepared(result->read.tracks);
             return result;

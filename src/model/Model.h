@@ -410,7 +410,7 @@ private:
         std::filesystem::path zip, std::filesystem::path root, std::filesystem::path backupFolder);
     /// What an import starts from; asked in the background, since the answer can lie on a slow disk. Absent: there is
     /// nothing to import, and all stays as it is.
-    using ImportSource = std::function<std::optional<std::vector<std::filesystem::path>>(const std::stop_token &stop)>;
+    using ImportSource = std::function<std::vector<std::filesystem::path>(const std::stop_token &stop)>;
     /// Where the tracks go: to the library, also to the queue, back to the library of the last run, to the device's;
     /// the last are all that the device has.
     enum class ImportKind : std::uint8_t { Added, Enqueued, Restored, Device, WholeDevice };

@@ -17,6 +17,7 @@
 #include <chrono>
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <vector>
 
 struct ModelEnvironment {
@@ -30,6 +31,8 @@ struct ModelEnvironment {
     std::filesystem::path supportFolder;
     /// Where the themes' catalogue is; none: no server is asked.
     Catalogue::Site themeSite = {};
+    /// Remembers what files said when they were last read; may be none.
+    std::shared_ptr<ReadingCache> cache = {};
     /// Makes tracks of the files of an import; blocking, called on a background thread.
     TrackSource readTracks = ::readTracks;
     /// Finds covers on the network.

@@ -153,6 +153,7 @@ Program::Parts::Parts(const Setup &setup)
           .ejectVolume = setup.ejectVolume,
           .supportFolder = setup.supportFolder,
           .themeSite = setup.themeSite,
+          .cache = setup.cacheFile.empty() ? nullptr : std::make_shared<ReadingCache>(setup.cacheFile),
           .readTracks = setup.readTracks,
           .covers = setup.covers ? *setup.covers : CoverSearch::shared(),
           .audioOutput = setup.audioOutput,
@@ -308,6 +309,8 @@ Setup Setup::forUser()
 {
     return {.settingsFile = Settings::defaultFile(),
         .supportFolder = Files::fromText(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation)),
+        .cacheFile = Files::fromText(QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation))
+            / "Marlune/library.sqlite",
         .ejectVolume = [](const std::filesystem::path &volume) { Volumes::eject(volume); },
         .themeSite = Catalogue::Site::ofThePublic(),
         .preferredLanguages = QLocale::system().uiLanguages()};

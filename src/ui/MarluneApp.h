@@ -25,6 +25,7 @@ void prepareEngine(QQmlEngine &engine, std::shared_ptr<const CoverStore> covers)
 struct Setup {
     std::filesystem::path settingsFile;
     std::filesystem::path supportFolder; ///< the user's folder for application data
+    std::filesystem::path cacheFile = {}; ///< where what music files said is remembered; nowhere, if empty
     std::function<std::vector<Device>()> deviceDiscovery = discoverDevices;
     std::function<void(const std::filesystem::path &)> ejectVolume;
     TrackSource readTracks = ::readTracks; ///< makes tracks of files

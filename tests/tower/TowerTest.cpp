@@ -15,7 +15,7 @@ const std::vector<std::pair<std::string, std::set<std::string>>> floors {
     {"media", {"platform"}},
     {"storage", {"platform"}},
     {"audio", {"media", "platform"}},
-    {"library", {"audio", "media", "storage", "platform"}},
+    {"library", {"audio", "media", "platform"}},
     {"artwork", {"library", "storage", "media", "platform"}},
     {"themes", {"storage", "platform"}},
     {"quality", {"artwork", "library", "storage", "platform"}},
@@ -26,7 +26,7 @@ const std::vector<std::pair<std::string, std::set<std::string>>> floors {
 
 /// Rooms with private headers, and the headers that others may use.
 const std::map<std::string, std::set<std::string>> rooms {
-    {"platform/volumes", {"Volumes.h"}},
+    {"platform/volumes", {"DiskKind.h", "Volumes.h"}},
     {"media/files", {"FlacBlocks.h", "MediaAsset.h"}},
     {"media/pictures", {"Images.h"}},
     {"media/sound", {"AudioOutput.h"}},
@@ -47,7 +47,7 @@ const std::vector<std::pair<QString, std::set<std::string>>> reserved {
     {u"^(taglib/.*|[a-z0-9]+file\\.h|fileref\\.h|libav.*)$"_s, {"media/files"}},
     {u"^j(peg|config|error|morecfg).*\\.h$"_s, {"media/pictures"}},
     {u"^mpv/.*$"_s, {"media/sound"}},
-    {u"^openssl/.*$"_s, {"platform/files"}},
+    {u"^(openssl/.*|sqlite3\\.h)$"_s, {"platform/files"}},
     {u"^(QNetwork|QSsl|QTcp|QHost|QAbstractSocket|QtNetwork).*$"_s, {"platform/web"}},
     {u"^QDBus.*$"_s, {"platform/desktop", "platform/volumes", "ui"}},
     {u"^(QQ|QtQ|QSG|QGuiApplication).*$"_s, {"ui"}},

@@ -7,13 +7,26 @@
 #include <cerrno>
 #include <utility>
 
+namespace {
+
+thread_local std::uint64_t refusedHere = 0;
+
+} // namespace
+
+std::uint64_t RegularFile::refusals()
+{
+    return refusedHere;
+}
+
 RegularFile RegularFile::openOrThrow(const std::filesystem::path &path)
 {
+    ++refusedHere; // until it is open
     Files::Descriptor descriptor = Files::openForReading(path);
     struct stat status {};
     if (::fstat(descriptor.get(), &status) != 0) {
         Files::throwFailure(errno, path);
     }
+    --refusedHere;
     return {std::move(descriptor), status.st_size};
 }
 
@@ -37,6 +50,7 @@ std::size_t RegularFile::readAt(std::int64_t position, std::span<char> buffer) c
         }
         if (count < 0) {
             m_failure = std::error_code(errno, std::generic_category());
+            ++refusedHere;
         }
         if (count <= 0) {
             break;

@@ -26,6 +26,9 @@ public:
     [[nodiscard]] std::size_t readAt(std::int64_t position, std::span<char> buffer) const;
     /// The reason why the disk refused a read so far; no error if none was refused.
     [[nodiscard]] std::error_code failure() const { return m_failure; }
+    /// How often so far this thread could not open a file or read what there is of it: whoever wants to know whether
+    /// what was read is all that the file says compares two answers.
+    [[nodiscard]] static std::uint64_t refusals();
 
 private:
     RegularFile(Files::Descriptor descriptor, std::int64_t size)

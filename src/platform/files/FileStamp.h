@@ -1,0 +1,21 @@
+// What tells a file that has not changed from one that has.
+#pragma once
+
+#include <sys/types.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+
+struct FileStamp {
+    dev_t volume = 0;
+    std::uint64_t inode = 0;
+    std::int64_t size = 0; ///< bytes
+    std::int64_t modified = 0; ///< of its content; nanoseconds since 1970
+    std::int64_t changed = 0; ///< of anything about it; no program can set it
+
+    bool operator==(const FileStamp &) const = default;
+
+    /// Absent for what is no regular file, a link too, and for what cannot be asked. Blocking; any thread.
+    [[nodiscard]] static std::optional<FileStamp> of(const std::filesystem::path &file);
+};
