@@ -13,7 +13,8 @@ struct Figure {
     void (*measure)(const std::filesystem::path &library);
 };
 
-constexpr Figure figures[] = {{"import", Bench::import}, {"flac", Bench::flac}, {"digest", Bench::digest},
+constexpr Figure figures[] = {{"import", Bench::import}, {"import-cold", Bench::importCold},
+    {"restart", Bench::restart}, {"rescan", Bench::rescan}, {"flac", Bench::flac}, {"digest", Bench::digest},
     {"transfer", Bench::transfer}, {"cleanup", Bench::cleanup}, {"zip", Bench::zip}, {"install", Bench::install},
     {"group", Bench::group}, {"browse", Bench::browse}, {"jpeg", Bench::jpeg},
     {"jpeg-progressive", Bench::jpegProgressive}, {"check", Bench::check}, {"catalogue", Bench::catalogue},
@@ -30,6 +31,9 @@ int main(int argc, char **argv)
 {
     if (argc == 3 && std::strcmp(argv[1], "first-frame") == 0) {
         return Bench::firstFrame(argc, argv, argv[2]);
+    }
+    if (argc == 3 && std::strcmp(argv[1], "whole-library") == 0) {
+        return Bench::wholeLibrary(argc, argv, argv[2]);
     }
     const QGuiApplication application(argc, argv);
     if (argc < 3) {

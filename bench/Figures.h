@@ -70,6 +70,14 @@ void inspect(const std::filesystem::path &library);
 void duplicates(const std::filesystem::path &library);
 /// Both import the library into the real window; they share one run.
 void heartbeatAndMemory(const std::filesystem::path &library);
+/// The same with what the kernel holds of files dropped, for root.
+void importCold(const std::filesystem::path &library);
+/// A start with seven times the library, all of it remembered, until it is shown; against a stat of each file.
+void restart(const std::filesystem::path &library);
+/// Reads a folder again in which nothing has changed.
+void rescan(const std::filesystem::path &library);
+/// One such start, in a process of its own: writes a line of figures, and ends.
+[[nodiscard]] int wholeLibrary(int argc, char **argv, const std::filesystem::path &folder);
 /// Starts the program with the library, and without any.
 void start(const std::filesystem::path &library);
 /// One such start, in a process of its own: writes a line with the first frame, and ends. `folder` holds the settings.

@@ -149,7 +149,8 @@ void lists(const std::filesystem::path &)
     std::vector<Track> tracks = makeTracks(manyTracks);
     Browsing browsing;
     LibraryContents made;
-    printTime("made in a job", [&] { made = LibraryContents().prepared(std::move(tracks)); });
+    printTime("made in a job",
+        [&] { made = LibraryContents().prepared(std::make_shared<const std::vector<Track>>(std::move(tracks))); });
     printTime("landed", [&] { require(browsing.land(Side::Computer, browsing.contents(Side::Computer), made), "it"); });
     made = {};
     const auto read = [&] {

@@ -1,10 +1,9 @@
-// All that one file says by itself, whatever lies around it, and the form in which the library's cache keeps it.
+// All that one file says by itself, whatever lies around it.
 #pragma once
 
 #include "audio/AudioInfo.h"
 
 #include <QByteArray>
-#include <QByteArrayView>
 
 #include <filesystem>
 #include <optional>
@@ -18,9 +17,4 @@ struct FileFacts {
 
     /// Reads an audio file; what cannot be read keeps its value of "unknown". Never throws. Blocking; any thread.
     [[nodiscard]] static FileFacts read(const std::filesystem::path &file);
-
-    /// All but the picture.
-    [[nodiscard]] QByteArray encoded() const;
-    /// Absent for bytes that encoded() does not make. Never throws, whatever they are.
-    [[nodiscard]] static std::optional<FileFacts> decoded(QByteArrayView bytes);
 };

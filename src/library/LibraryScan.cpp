@@ -3,11 +3,15 @@
 #include "library/AudioExtensions.h"
 
 #include "platform/files/FolderItems.h"
+#include "platform/tasks/Parallel.h"
+
+#include <QThread>
 
 #include <sys/stat.h>
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 #include <string_view>
 
 namespace {
@@ -20,8 +24,7 @@ bool isHidden(const std::string &name)
     return name.starts_with('.');
 }
 
-void addFolder(
-    const std::filesystem::path &folder, std::vector<std::filesystem::path> &files, const std::stop_token &stop)
+void addFolder(const std::filesystem::path &folder, std::vector<AudioFile> &files, const std::stop_token &stop)
 {
     for (const Files::FolderItem &item : Files::readableItemsOf(folder)) {
         if (stop.stop_requested()) {
@@ -34,8 +37,26 @@ void addFolder(
         if (item.kind == Files::Kind::Folder) {
             addFolder(path, files, stop);
         } else if (item.kind == Files::Kind::File && hasAudioExtension(path)) {
-            files.push_back(std::move(path));
+            files.push_back({std::move(path), {}});
         }
+    }
+}
+
+void addGiven(const std::filesystem::path &url, AudioFound &found, const std::stop_token &stop, Missing missing)
+{
+    struct stat status {};
+    const bool isPresent = ::lstat(url.c_str(), &status) == 0;
+    if (isPresent) {
+        ++found.present;
+        found.volumes.insert(status.st_dev);
+    }
+    if ((isPresent && S_ISLNK(status.st_mode)) || isHidden(url.filename().native())) {
+        return;
+    }
+    if (isPresent && S_ISDIR(status.st_mode)) {
+        addFolder(url, found.files, stop);
+    } else if ((isPresent || missing == Missing::Keep) && hasAudioExtension(url)) {
+        found.files.push_back({url, isPresent ? FileStamp::from(status) : std::nullopt});
     }
 }
 
@@ -43,26 +64,21 @@ void addFolder(
 
 AudioFound findAudio(const std::vector<std::filesystem::path> &urls, const std::stop_token &stop, Missing missing)
 {
-    AudioFound found;
-    for (const std::filesystem::path &given : urls) {
-        if (stop.stop_requested()) {
-            break;
+    constexpr std::size_t portion = 1000; // a whole library comes as the paths of its files
+    std::vector<AudioFound> portions(urls.size() / portion + 1);
+    Parallel::forEach(portions.size(), QThread::idealThreadCount(), [&](std::size_t number, int) {
+        const std::size_t begin = number * portion;
+        for (std::size_t url = begin; url < std::min(begin + portion, urls.size()) && !stop.stop_requested(); ++url) {
+            addGiven(Files::withoutSeparator(urls[url]), portions[number], stop, missing);
         }
-        const std::filesystem::path url = Files::withoutSeparator(given);
-        struct stat status {};
-        const bool isPresent = ::lstat(url.c_str(), &status) == 0;
-        if (isPresent) {
-            ++found.present;
-            found.volumes.insert(status.st_dev);
-        }
-        if ((isPresent && S_ISLNK(status.st_mode)) || isHidden(url.filename().native())) {
-            continue;
-        }
-        if (isPresent && S_ISDIR(status.st_mode)) {
-            addFolder(url, found.files, stop);
-        } else if ((isPresent || missing == Missing::Keep) && hasAudioExtension(url)) {
-            found.files.push_back(url);
-        }
+    });
+    AudioFound found = std::move(portions.front());
+    for (std::size_t number = 1; number < portions.size(); ++number) {
+        AudioFound &more = portions[number];
+        found.present += more.present;
+        found.volumes.merge(more.volumes);
+        found.files.insert(
+            found.files.end(), std::move_iterator(more.files.begin()), std::move_iterator(more.files.end()));
     }
     return found;
 }
@@ -70,7 +86,11 @@ AudioFound findAudio(const std::vector<std::filesystem::path> &urls, const std::
 std::vector<std::filesystem::path> scanAudio(
     const std::vector<std::filesystem::path> &urls, const std::stop_token &stop)
 {
-    return findAudio(urls, stop).files;
+    std::vector<std::filesystem::path> paths;
+    for (AudioFile &file : findAudio(urls, stop).files) {
+        paths.push_back(std::move(file.path));
+    }
+    return paths;
 }
 
 std::vector<std::filesystem::path> deviceMusicFolders(const std::filesystem::path &root)

@@ -1,17 +1,25 @@
 // Finds audio files below files and folders of the user's choice. Blocking; any thread but the UI's; never throws.
 #pragma once
 
+#include "platform/files/FileStamp.h"
+
 #include <sys/types.h>
 
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <set>
 #include <stop_token>
 #include <vector>
 
+struct AudioFile {
+    std::filesystem::path path;
+    std::optional<FileStamp> stamp; ///< where it was asked for on the way
+};
+
 /// What a search found.
 struct AudioFound {
-    std::vector<std::filesystem::path> files; ///< in the order of discovery; may hold one file twice
+    std::vector<AudioFile> files; ///< in the order of discovery; may hold one file twice
     std::size_t present = 0; ///< how many of the given files and folders there are
     std::set<dev_t> volumes; ///< that those lie on
 };

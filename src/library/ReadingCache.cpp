@@ -12,16 +12,17 @@
 #include <array>
 #include <cstdlib>
 #include <cstring>
+#include <numeric>
 #include <system_error>
 #include <utility>
 
 namespace {
 
 constexpr std::int64_t version = 1;
-constexpr std::chrono::seconds youngest(3); // a file that changed later may change again under the same time
-constexpr qsizetype maxFacts = 1500; // bytes of an entry
-constexpr std::int64_t maxPendingBytes = 64'000'000;
-constexpr std::size_t maxPendingRows = 4000;
+constexpr std::chrono::nanoseconds youngest = std::chrono::seconds(3); // what changed later may do so again unseen
+constexpr qsizetype maxTags = 2400; // bytes of a file's texts; packed they are half of that
+constexpr std::int64_t maxWaitingBytes = 64'000'000;
+constexpr std::size_t maxWaitingFolders = 1000;
 constexpr std::int64_t seenEvery = 7; // days between notes that a folder is still asked for
 constexpr std::int64_t forgottenAfter = 90; // days
 constexpr qsizetype checkBytes = 16;
@@ -32,12 +33,11 @@ constexpr const char *schema = R"(
     PRAGMA journal_mode = TRUNCATE;
     BEGIN IMMEDIATE;
     CREATE TABLE IF NOT EXISTS folders (id INTEGER PRIMARY KEY, volume BLOB NOT NULL, path BLOB NOT NULL,
-        seen INTEGER NOT NULL, UNIQUE (volume, path));
-    CREATE TABLE IF NOT EXISTS files (folder INTEGER NOT NULL, name BLOB NOT NULL, size INTEGER NOT NULL,
-        modified INTEGER NOT NULL, changed INTEGER NOT NULL, inode INTEGER NOT NULL, facts BLOB NOT NULL,
-        picture BLOB, digest BLOB NOT NULL, PRIMARY KEY (folder, name)) WITHOUT ROWID;
-    CREATE INDEX IF NOT EXISTS pictured ON files (picture) WHERE picture IS NOT NULL;
+        seen INTEGER NOT NULL, files BLOB NOT NULL, digest BLOB NOT NULL, UNIQUE (volume, path));
     CREATE TABLE IF NOT EXISTS pictures (id INTEGER PRIMARY KEY, digest BLOB NOT NULL UNIQUE, bytes BLOB NOT NULL);
+    CREATE TABLE IF NOT EXISTS uses (folder INTEGER NOT NULL, picture BLOB NOT NULL, PRIMARY KEY (folder, picture))
+        WITHOUT ROWID;
+    CREATE INDEX IF NOT EXISTS users ON uses (picture);
     PRAGMA user_version = 1;
     COMMIT;
 )";
@@ -76,41 +76,6 @@ QByteArray digestOf(const QByteArray &bytes)
     return {reinterpret_cast<const char *>(digest.data()), qsizetype(digest.size())};
 }
 
-/// A file's entry as the database has it.
-struct Row {
-    QByteArrayView name;
-    std::int64_t size = 0;
-    std::int64_t modified = 0;
-    std::int64_t changed = 0;
-    std::int64_t inode = 0;
-    QByteArrayView facts;
-    std::optional<QByteArrayView> picture; ///< its digest
-
-    [[nodiscard]] QByteArray digest(const ReadingCache::Place &place) const
-    {
-        Digest digest;
-        digest.add(place.volume).add(place.folder).add(name).add(size).add(modified).add(changed).add(inode);
-        digest.add(facts).add(std::int64_t(picture.has_value())).add(picture.value_or(QByteArrayView()));
-        return digest.finish().first(checkBytes);
-    }
-};
-
-Row rowOf(const FileStamp &stamp, bool hasInodes)
-{
-    return {.name = {},
-        .size = stamp.size,
-        .modified = stamp.modified,
-        .changed = hasInodes ? stamp.changed : 0,
-        .inode = hasInodes ? std::int64_t(stamp.inode) : 0,
-        .facts = {},
-        .picture = {}};
-}
-
-std::int64_t dayOf(std::chrono::system_clock::time_point time)
-{
-    return std::chrono::duration_cast<std::chrono::days>(time.time_since_epoch()).count();
-}
-
 } // namespace
 
 ReadingCache::ReadingCache(std::filesystem::path file, Clock clock)
@@ -121,7 +86,7 @@ ReadingCache::ReadingCache(std::filesystem::path file, Clock clock)
 
 ReadingCache::~ReadingCache() = default;
 
-ReadingCache::Place ReadingCache::placeOf(const std::filesystem::path &folder, dev_t volume)
+ReadingCache::Place ReadingCache::placeOf(const std::string &folder, dev_t volume)
 {
     const std::lock_guard lock(m_guard);
     auto known = m_volumes.find(volume);
@@ -136,11 +101,9 @@ ReadingCache::Place ReadingCache::placeOf(const std::filesystem::path &folder, d
         known = m_volumes.emplace(volume, std::move(made)).first;
     }
     const Volume &found = known->second;
-    const std::string &path = folder.native();
-    const bool isBelow = path.starts_with(found.base)
-        && (path.size() == found.base.size() || found.base.empty() || path[found.base.size()] == '/');
+    const bool isBelow = folder.starts_with(found.base);
     return {.volume = found.name,
-        .folder = QByteArray::fromStdString(isBelow ? path.substr(found.base.size()) : path),
+        .folder = QByteArray::fromStdString(isBelow ? folder.substr(found.base.size()) : folder),
         .hasInodes = found.hasInodes};
 }
 
@@ -156,16 +119,25 @@ std::unique_ptr<Database> ReadingCache::open()
     if (!database) {
         return nullptr;
     }
-    const std::int64_t found = database->number("PRAGMA user_version", -1);
-    if (found == 0 && database->number("SELECT count(*) FROM sqlite_schema", -1) == 0) {
-        (void)database->run(schema);
+    std::int64_t found = database->number("PRAGMA user_version", -1);
+    if (found == 0 && database->number("SELECT count(*) FROM sqlite_schema", -1) == 0 && database->run(schema)) {
+        found = version;
     }
-    if (database->isDamaged() || (found > 0 && found != version)) {
+    if (!database->hasFailed() && found != version) {
         const std::lock_guard lock(m_guard);
-        m_isDamaged = true;
+        m_isDamaged = true; // another program's, or another version's
         return nullptr;
     }
+    noteDamage(*database);
     return database->hasFailed() ? nullptr : std::move(database);
+}
+
+void ReadingCache::noteDamage(const Database &database)
+{
+    if (database.isDamaged()) {
+        const std::lock_guard lock(m_guard);
+        m_isDamaged = true;
+    }
 }
 
 std::optional<QByteArray> ReadingCache::pictureHeld(const QByteArray &digest)
@@ -182,164 +154,26 @@ QByteArray ReadingCache::holdPicture(const QByteArray &digest, const QByteArray 
     return m_pictures.try_emplace(digest.toStdString(), bytes).first->second;
 }
 
-struct ReadingCache::Reader::Connection {
-    explicit Connection(std::unique_ptr<Database> opened)
-        : database(std::move(opened))
-    {
-    }
-
-    std::unique_ptr<Database> database;
-    DatabaseStatement folder {*database, "SELECT id, seen FROM folders WHERE volume = ? AND path = ?"};
-    DatabaseStatement files {
-        *database, "SELECT name, size, modified, changed, inode, facts, picture, digest FROM files WHERE folder = ?"};
-    DatabaseStatement picture {*database, "SELECT bytes FROM pictures WHERE digest = ?"};
-};
-
-struct ReadingCache::Reader::Entry {
-    FileStamp stamp; ///< as far as entries have it
-    QByteArray facts;
-    std::optional<QByteArray> picture; ///< its digest
-    bool isAskedFor = false;
-};
-
-ReadingCache::Reader::Reader(ReadingCache &cache)
-    : m_cache(cache)
+void ReadingCache::take(const Place &place, Change change, const Pictures &pictures)
 {
-    if (std::unique_ptr<Database> database = cache.open()) {
-        m_connection = std::make_unique<Connection>(std::move(database));
-    }
-}
-
-ReadingCache::Reader::~Reader()
-{
-    leave();
-    if (m_connection && m_connection->database->isDamaged()) {
-        const std::lock_guard lock(m_cache.m_guard);
-        m_cache.m_isDamaged = true;
-    }
-}
-
-/// Of what nobody has asked for some may be gone.
-void ReadingCache::Reader::leave()
-{
-    for (const auto &[name, entry] : m_entries) {
-        if (!entry.isAskedFor && !FileStamp::of(std::filesystem::path(m_folder) / name)) {
-            const std::lock_guard lock(m_cache.m_guard);
-            m_cache.m_gone.emplace_back(m_number, QByteArray::fromStdString(name));
-        }
-    }
-    m_entries.clear();
-}
-
-void ReadingCache::Reader::look(const std::filesystem::path &folder, dev_t volume)
-{
-    leave();
-    m_folder = folder.native();
-    m_place = m_cache.placeOf(folder, volume);
-    DatabaseStatement &known = m_connection->folder;
-    if (!known.start().with(m_place.volume).with(m_place.folder).next()) {
-        known.start();
-        return;
-    }
-    m_number = known.number(0);
-    const std::int64_t seen = known.number(1);
-    known.start(); // what is not at its end keeps writers out
-    if (std::abs(dayOf(m_cache.m_clock()) - seen) >= seenEvery) {
-        const std::lock_guard lock(m_cache.m_guard);
-        m_cache.m_seen.push_back(m_number);
-    }
-    DatabaseStatement &files = m_connection->files;
-    for (files.start().with(m_number); files.next();) {
-        Row row {.name = files.bytes(0),
-            .size = files.number(1),
-            .modified = files.number(2),
-            .changed = files.number(3),
-            .inode = files.number(4),
-            .facts = files.bytes(5),
-            .picture = {}};
-        if (!files.bytes(6).isEmpty()) {
-            row.picture = files.bytes(6);
-        }
-        if (files.bytes(7) == row.digest(m_place)) {
-            m_entries.emplace(row.name.toByteArray().toStdString(),
-                Entry {.stamp = {.volume = volume,
-                           .inode = std::uint64_t(row.inode),
-                           .size = row.size,
-                           .modified = row.modified,
-                           .changed = row.changed},
-                    .facts = row.facts.toByteArray(),
-                    .picture = row.picture ? std::optional(row.picture->toByteArray()) : std::nullopt,
-                    .isAskedFor = false});
-        }
-    }
-    files.start();
-}
-
-std::optional<FileFacts> ReadingCache::Reader::find(const std::filesystem::path &file, const FileStamp &stamp)
-{
-    if (!m_connection || m_connection->database->hasFailed()) {
-        return std::nullopt;
-    }
-    if (const std::filesystem::path folder = file.parent_path(); folder.native() != m_folder) {
-        look(folder, stamp.volume);
-    }
-    const auto found = m_entries.find(file.filename().native());
-    if (found == m_entries.end()) {
-        return std::nullopt;
-    }
-    found->second.isAskedFor = true;
-    FileStamp wanted = stamp;
-    if (!m_place.hasInodes) {
-        wanted.inode = 0;
-        wanted.changed = 0;
-    }
-    return found->second.stamp == wanted ? factsOf(found->second) : std::nullopt;
-}
-
-std::optional<FileFacts> ReadingCache::Reader::factsOf(const Entry &entry)
-{
-    std::optional<FileFacts> facts = FileFacts::decoded(entry.facts);
-    if (!facts || !entry.picture) {
-        return facts;
-    }
-    facts->picture = m_cache.pictureHeld(*entry.picture);
-    if (!facts->picture) {
-        DatabaseStatement &picture = m_connection->picture;
-        const bool isThere = picture.start().with(*entry.picture).next();
-        const QByteArray bytes = isThere ? picture.bytes(0).toByteArray() : QByteArray();
-        picture.start();
-        if (!isThere || digestOf(bytes) != *entry.picture) {
-            return std::nullopt;
-        }
-        facts->picture = m_cache.holdPicture(*entry.picture, bytes);
-    }
-    return facts;
-}
-
-void ReadingCache::remember(const std::filesystem::path &file, const FileStamp &stamp, const FileFacts &facts)
-{
-    const auto now = std::chrono::duration_cast<std::chrono::nanoseconds>(m_clock().time_since_epoch()).count();
-    const auto isYoung
-        = [&](std::int64_t time) { return std::abs(now - time) < std::chrono::nanoseconds(youngest).count(); };
-    const Place place = placeOf(file.parent_path(), stamp.volume);
-    if (isYoung(stamp.modified) || (place.hasInodes && isYoung(stamp.changed)) || FileStamp::of(file) != stamp) {
-        return;
-    }
-    QByteArray encoded = facts.encoded();
-    if (encoded.size() > maxFacts) {
-        return;
-    }
     bool isMuch = false;
     {
         const std::lock_guard lock(m_guard);
-        m_pendingBytes += facts.picture ? facts.picture->size() : 0;
-        m_pending.push_back({.place = place,
-            .name = QByteArray::fromStdString(file.filename().native()),
-            .stamp = stamp,
-            .facts = std::move(encoded),
-            .picture = facts.picture});
-        isMuch = m_pending.size() == maxPendingRows || m_pendingBytes > maxPendingBytes;
-        m_pendingBytes = isMuch ? 0 : m_pendingBytes;
+        for (const auto &[digest, bytes] : pictures) {
+            m_newBytes += m_newPictures.try_emplace(digest, bytes).second ? bytes.size() : 0;
+        }
+        Change &waiting = m_changes[place];
+        if (change.isPictureList) {
+            waiting.isPictureList = true;
+            waiting.now.stamp = change.now.stamp;
+            waiting.now.pictures = std::move(change.now.pictures);
+        }
+        for (auto &[name, file] : change.now.files) {
+            waiting.now.files.insert_or_assign(name, std::move(file));
+        }
+        waiting.gone.insert(waiting.gone.end(), change.gone.begin(), change.gone.end());
+        isMuch = m_changes.size() == maxWaitingFolders || m_newBytes > maxWaitingBytes;
+        m_newBytes = isMuch ? 0 : m_newBytes;
     }
     if (isMuch) {
         BackgroundJobs::startOn(
@@ -353,7 +187,7 @@ void ReadingCache::finish()
         const std::lock_guard lock(m_guard);
         m_pictures.clear();
         m_volumes.clear(); // another disk may be mounted next time
-        if (m_pending.empty() && m_seen.empty() && m_gone.empty() && !m_isDamaged) {
+        if (m_changes.empty() && !m_isDamaged) {
             return;
         }
     }
@@ -363,93 +197,106 @@ void ReadingCache::finish()
 void ReadingCache::flush()
 {
     const std::lock_guard writing(m_writing);
-    std::vector<Pending> pending;
-    std::vector<std::int64_t> seen;
-    std::vector<std::pair<std::int64_t, QByteArray>> gone;
+    std::map<Place, Change> changes;
+    Pictures pictures;
     {
         const std::lock_guard lock(m_guard);
-        pending.swap(m_pending);
-        seen.swap(m_seen);
-        gone.swap(m_gone);
-        m_pendingBytes = 0;
+        changes.swap(m_changes);
+        pictures.swap(m_newPictures);
+        m_newBytes = 0;
     }
     setAside();
-    if (pending.empty() && seen.empty() && gone.empty()) {
-        return;
-    }
-    const std::unique_ptr<Database> database = open();
+    const std::unique_ptr<Database> database = changes.empty() ? nullptr : open();
     if (!database || !database->run("BEGIN IMMEDIATE")) {
         return;
     }
-    DatabaseStatement see(*database, "UPDATE folders SET seen = ? WHERE id = ?");
-    for (const std::int64_t folder : seen) {
-        (void)see.start().with(dayOf(m_clock())).with(folder).run();
+    DatabaseStatement addPicture(*database,
+        "INSERT INTO pictures (digest, bytes) VALUES (?, ?) "
+        "ON CONFLICT (digest) DO UPDATE SET bytes = excluded.bytes WHERE bytes <> excluded.bytes");
+    for (const auto &[digest, bytes] : pictures) {
+        (void)addPicture.start().with(QByteArrayView(digest.data(), qsizetype(digest.size()))).with(bytes).run();
     }
-    DatabaseStatement drop(*database, "DELETE FROM files WHERE folder = ? AND name = ?");
-    for (const auto &[folder, name] : gone) {
-        (void)drop.start().with(folder).with(name).run();
-    }
-    write(*database, pending);
+    write(*database, changes);
     tidy(*database);
     (void)database->run(database->hasFailed() ? "ROLLBACK" : "COMMIT");
     (void)database->run("PRAGMA incremental_vacuum");
-    if (database->isDamaged()) {
-        const std::lock_guard lock(m_guard);
-        m_isDamaged = true;
-    }
+    noteDamage(*database);
 }
 
-void ReadingCache::write(Database &database, const std::vector<Pending> &pending) const
+namespace {
+
+/// The digest with which a folder's entry is stored.
+QByteArray checkOf(QByteArrayView volume, QByteArrayView folder, QByteArrayView files)
 {
-    DatabaseStatement addFolder(
-        database, "INSERT INTO folders (volume, path, seen) VALUES (?, ?, ?) ON CONFLICT (volume, path) DO NOTHING");
-    DatabaseStatement findFolder(database, "SELECT id FROM folders WHERE volume = ? AND path = ?");
-    DatabaseStatement addPicture(database,
-        "INSERT INTO pictures (digest, bytes) VALUES (?, ?) ON CONFLICT (digest) DO UPDATE SET bytes = excluded.bytes "
-        "WHERE bytes <> excluded.bytes");
-    DatabaseStatement addFile(database, "INSERT OR REPLACE INTO files VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?)");
-    const std::int64_t today = dayOf(m_clock());
-    std::unordered_map<const char *, QByteArray> digests; // of equal covers, which share their bytes
-    const Place *last = nullptr;
-    std::int64_t folder = 0;
-    for (const Pending &entry : pending) {
+    return Digest().add(volume).add(folder).add(files).finish().first(checkBytes);
+}
+
+constexpr const char *findFolder = "SELECT id, seen, files, digest FROM folders WHERE volume = ? AND path = ?";
+
+/// The entry that the statement has come to; absent where it is not what was stored.
+std::optional<RememberedFolder> entryAt(
+    const DatabaseStatement &found, const QByteArray &volume, const QByteArray &folder)
+{
+    const QByteArrayView files = found.bytes(2);
+    return found.bytes(3) == checkOf(volume, folder, files) ? RememberedFolder::decoded(files) : std::nullopt;
+}
+
+std::int64_t dayOf(std::chrono::system_clock::time_point time)
+{
+    return std::chrono::duration_cast<std::chrono::days>(time.time_since_epoch()).count();
+}
+
+} // namespace
+
+void ReadingCache::write(Database &database, const std::map<Place, Change> &changes) const
+{
+    DatabaseStatement find(database, findFolder);
+    DatabaseStatement add(database,
+        "INSERT INTO folders (volume, path, seen, files, digest) VALUES (?, ?, ?, ?, ?) "
+        "ON CONFLICT (volume, path) DO UPDATE SET seen = excluded.seen, files = excluded.files, "
+        "digest = excluded.digest RETURNING id");
+    DatabaseStatement forget(database, "DELETE FROM uses WHERE folder = ?");
+    DatabaseStatement use(database, "INSERT OR IGNORE INTO uses VALUES (?, ?)");
+    for (const auto &[place, change] : changes) {
         if (database.hasFailed()) {
             return;
         }
-        if (!last || last->folder != entry.place.folder || last->volume != entry.place.volume) {
-            (void)addFolder.start().with(entry.place.volume).with(entry.place.folder).with(today).run();
-            folder = findFolder.start().with(entry.place.volume).with(entry.place.folder).next() ? findFolder.number(0)
-                                                                                                 : 0;
-            findFolder.start();
-            last = &entry.place;
+        RememberedFolder folder;
+        if (find.start().with(place.volume).with(place.folder).next()) {
+            folder = entryAt(find, place.volume, place.folder).value_or(RememberedFolder());
         }
-        Row row = rowOf(entry.stamp, entry.place.hasInodes);
-        row.name = entry.name;
-        row.facts = entry.facts;
-        if (entry.picture) {
-            const auto [digest, isNew] = digests.try_emplace(entry.picture->constData());
-            if (isNew) {
-                digest->second = digestOf(*entry.picture);
-                (void)addPicture.start().with(digest->second).with(*entry.picture).run();
+        find.start();
+        for (const std::string &name : change.gone) {
+            folder.files.erase(name);
+        }
+        for (const auto &[name, file] : change.now.files) {
+            folder.files.insert_or_assign(name, file);
+        }
+        if (change.isPictureList) {
+            folder.stamp = change.now.stamp;
+            folder.pictures = change.now.pictures;
+        }
+        const QByteArray files = folder.encoded();
+        const QByteArray digest = checkOf(place.volume, place.folder, files);
+        add.start().with(place.volume).with(place.folder).with(dayOf(m_clock())).with(files).with(digest);
+        const std::int64_t number = add.next() ? add.number(0) : 0;
+        add.start();
+        (void)forget.start().with(number).run();
+        for (const auto &[name, file] : folder.files) {
+            if (!file.picture.isEmpty()) {
+                (void)use.start().with(number).with(file.picture).run();
             }
-            row.picture = digest->second;
         }
-        const QByteArray digest = row.digest(entry.place);
-        addFile.start().with(folder).with(row.name).with(row.size).with(row.modified).with(row.changed).with(row.inode);
-        addFile.with(row.facts);
-        (void)(row.picture ? addFile.with(*row.picture) : addFile.withNothing()).with(digest).run();
     }
 }
 
 /// Drops what nobody has asked for since long, and pictures that no file has any more.
 void ReadingCache::tidy(Database &database) const
 {
-    const std::int64_t longAgo = dayOf(m_clock()) - forgottenAfter;
-    DatabaseStatement files(database, "DELETE FROM files WHERE folder IN (SELECT id FROM folders WHERE seen < ?)");
-    (void)files.start().with(longAgo).run();
     DatabaseStatement folders(database, "DELETE FROM folders WHERE seen < ?");
-    (void)folders.start().with(longAgo).run();
-    (void)database.run("DELETE FROM pictures WHERE NOT EXISTS (SELECT 1 FROM files WHERE picture = pictures.digest)");
+    (void)folders.start().with(dayOf(m_clock()) - forgottenAfter).run();
+    (void)database.run("DELETE FROM uses WHERE folder NOT IN (SELECT id FROM folders)");
+    (void)database.run("DELETE FROM pictures WHERE digest NOT IN (SELECT picture FROM uses)");
 }
 
 /// A damaged file keeps a name of its own, for whoever wants to know what has happened to it.
@@ -466,4 +313,155 @@ void ReadingCache::setAside()
     const std::filesystem::path aside = m_file.native() + ".damaged";
     (void)diskCalls().unlink(journal.c_str());
     (void)diskCalls().renameat(AT_FDCWD, m_file.c_str(), AT_FDCWD, aside.c_str());
+}
+
+struct ReadingCache::Reader::Connection {
+    explicit Connection(std::unique_ptr<Database> opened)
+        : database(std::move(opened))
+    {
+    }
+
+    std::unique_ptr<Database> database;
+    DatabaseStatement folder {*database, findFolder};
+    DatabaseStatement picture {*database, "SELECT bytes FROM pictures WHERE digest = ?"};
+};
+
+ReadingCache::Reader::Reader(ReadingCache &cache)
+    : m_cache(cache)
+{
+    if (std::unique_ptr<Database> database = cache.open()) {
+        m_connection = std::make_unique<Connection>(std::move(database));
+    }
+}
+
+ReadingCache::Reader::~Reader()
+{
+    leave();
+    if (m_connection) {
+        m_cache.noteDamage(*m_connection->database);
+    }
+}
+
+void ReadingCache::Reader::enter(const std::filesystem::path &folder)
+{
+    leave();
+    m_folder = folder;
+    m_stamp = FileStamp::ofFolder(folder);
+    if (m_stamp) {
+        m_place = m_cache.placeOf(folder.native(), m_stamp->volume);
+        load();
+    }
+}
+
+void ReadingCache::Reader::load()
+{
+    if (!m_connection || m_connection->database->hasFailed()) {
+        return;
+    }
+    DatabaseStatement &found = m_connection->folder;
+    if (found.start().with(m_place.volume).with(m_place.folder).next()) {
+        m_known = entryAt(found, m_place.volume, m_place.folder).value_or(RememberedFolder());
+        m_change.isSeen = std::abs(dayOf(m_cache.m_clock()) - found.number(1)) >= seenEvery;
+    }
+    found.start(); // one that is not at its end keeps writers out
+}
+
+/// Hands over what has changed. Of the files that nobody has asked for some may be gone.
+void ReadingCache::Reader::leave()
+{
+    for (const auto &[name, file] : m_known.files) {
+        if (!m_asked.contains(name) && !FileStamp::of(m_folder / name)) {
+            m_change.gone.push_back(name);
+        }
+    }
+    if (m_change.isPictureList || m_change.isSeen || !m_change.now.files.empty() || !m_change.gone.empty()) {
+        m_cache.take(m_place, std::exchange(m_change, {}), m_newPictures);
+    }
+    m_newPictures.clear();
+    m_asked.clear();
+    m_known = {};
+    m_stamp.reset();
+}
+
+FileStamp ReadingCache::Reader::comparable(FileStamp stamp) const
+{
+    stamp.volume = 0;
+    stamp.inode = m_place.hasInodes ? stamp.inode : 0;
+    stamp.changed = m_place.hasInodes ? stamp.changed : 0;
+    return stamp;
+}
+
+bool ReadingCache::Reader::isSettled(const FileStamp &stamp) const
+{
+    const std::chrono::nanoseconds now = m_cache.m_clock().time_since_epoch();
+    const auto isYoung = [&](std::int64_t time) { return std::abs(now.count() - time) < youngest.count(); };
+    return !isYoung(stamp.modified) && !(m_place.hasInodes && isYoung(stamp.changed));
+}
+
+std::optional<QByteArray> ReadingCache::Reader::picture(const QByteArray &digest)
+{
+    if (std::optional<QByteArray> held = m_cache.pictureHeld(digest)) {
+        return held;
+    }
+    DatabaseStatement &found = m_connection->picture;
+    const bool isThere = found.start().with(digest).next();
+    const QByteArray bytes = isThere ? found.bytes(0).toByteArray() : QByteArray();
+    found.start();
+    return isThere && digestOf(bytes) == digest ? std::optional(m_cache.holdPicture(digest, bytes)) : std::nullopt;
+}
+
+std::optional<FileFacts> ReadingCache::Reader::find(const std::string &name, const FileStamp &stamp)
+{
+    m_asked.emplace(name, true);
+    const auto found = m_known.files.find(name);
+    if (found == m_known.files.end() || !m_stamp || stamp.volume != m_stamp->volume
+        || found->second.stamp != comparable(stamp)) {
+        return std::nullopt;
+    }
+    FileFacts facts = found->second.facts;
+    if (!found->second.picture.isEmpty()) {
+        facts.picture = picture(found->second.picture);
+        if (!facts.picture) {
+            return std::nullopt;
+        }
+    }
+    return facts;
+}
+
+void ReadingCache::Reader::remember(const std::string &name, const FileStamp &stamp, const FileFacts &facts)
+{
+    const QMap<QString, QString> &tags = facts.info.tags;
+    const qsizetype length = std::accumulate(tags.keyValueBegin(), tags.keyValueEnd(), qsizetype(0),
+        [](qsizetype sum, const auto &tag) { return sum + tag.first.size() + 2 * tag.second.size(); });
+    if (!m_stamp || stamp.volume != m_stamp->volume || length > maxTags || !isSettled(stamp)
+        || FileStamp::of(m_folder / name) != stamp) {
+        return;
+    }
+    RememberedFile file {.stamp = comparable(stamp), .facts = facts, .picture = {}};
+    file.facts.picture.reset();
+    if (facts.picture) {
+        if (m_lastPicture.constData() != facts.picture->constData()) {
+            m_lastPicture = *facts.picture;
+            m_lastDigest = digestOf(m_lastPicture);
+        }
+        file.picture = m_lastDigest;
+        m_newPictures.try_emplace(m_lastDigest.toStdString(), m_lastPicture);
+    }
+    m_change.now.files.insert_or_assign(name, std::move(file));
+}
+
+std::optional<std::vector<std::string>> ReadingCache::Reader::pictures() const
+{
+    // On FAT other systems leave a folder's time as it is.
+    const bool isKnown = m_stamp && m_place.hasInodes && m_known.stamp == comparable(*m_stamp);
+    return isKnown ? std::optional(m_known.pictures) : std::nullopt;
+}
+
+void ReadingCache::Reader::rememberPictures(std::vector<std::string> names)
+{
+    if (m_stamp && m_place.hasInodes && isSettled(*m_stamp) && FileStamp::ofFolder(m_folder) == m_stamp) {
+        m_change.isPictureList = true;
+        m_change.now.stamp = comparable(*m_stamp);
+        m_change.now.pictures = std::move(names);
+    }
 }

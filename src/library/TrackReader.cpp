@@ -3,6 +3,7 @@
 #include "library/AlbumGrouping.h"
 
 #include "platform/files/Files.h"
+#include "platform/files/FolderItems.h"
 #include "platform/files/RegularFile.h"
 #include "platform/tasks/Parallel.h"
 #include "platform/text/TextOrder.h"
@@ -19,6 +20,8 @@
 namespace {
 
 constexpr std::array folderCovers {"cover.jpeg", "cover.jpg", "cover.bmp", "folder.jpg", "cover.png", "folder.png"};
+const std::array pictureExtensions {
+    QStringLiteral("jpeg"), QStringLiteral("jpg"), QStringLiteral("bmp"), QStringLiteral("png")};
 constexpr std::int64_t folderCoverLimit = 10'000'000; // bytes; one that is as large is not read
 constexpr std::int64_t chosenCoverLimit = 100'000'000; // bytes; only keeps a mistaken file out of memory
 
@@ -43,21 +46,58 @@ struct Portion {
     std::size_t end = 0;
 };
 
-std::vector<Portion> portionsOf(const std::vector<std::filesystem::path> &files)
+std::string_view folderPart(const AudioFile &file)
+{
+    const std::string_view path = file.path.native();
+    return path.substr(0, path.rfind('/') + 1);
+}
+
+std::vector<Portion> portionsOf(const std::vector<AudioFile> &files)
 {
     constexpr std::size_t largest = 64; // files: several readers share a large folder
     std::vector<Portion> portions;
-    std::string_view folder;
     for (std::size_t file = 0; file < files.size(); ++file) {
-        const std::string_view path = files[file].native();
-        const std::string_view its = path.substr(0, path.rfind('/'));
-        if (file == 0 || its != folder || portions.back().end - portions.back().begin == largest) {
+        const bool isMore = file > 0 && folderPart(files[file]) == folderPart(files[file - 1])
+            && file - portions.back().begin < largest;
+        if (!isMore) {
             portions.push_back({file, file});
-            folder = its;
         }
         portions.back().end = file + 1;
     }
     return portions;
+}
+
+/// A path that is plain already needs no work; one that becomes another may lead to another file.
+void standardize(AudioFile &file)
+{
+    const std::string &path = file.path.native();
+    const bool isPlain = path.starts_with('/') && path.find("/.") == std::string::npos
+        && path.find("//") == std::string::npos && !path.ends_with('/');
+    if (!isPlain) {
+        std::filesystem::path plain = Files::standardized(file.path);
+        if (plain.native() != path) {
+            file = {std::move(plain), {}};
+        }
+    }
+}
+
+/// Whether a comes behind b. What both begin with, up to a separator, has no say: only that is left out.
+bool isBehind(const AudioFile &a, const AudioFile &b)
+{
+    const std::string_view first = a.path.native();
+    const std::string_view second = b.path.native();
+    const auto differing = std::ranges::mismatch(first, second).in1;
+    const std::size_t common = first.substr(0, std::size_t(differing - first.begin())).rfind('/') + 1;
+    const auto rest = [&](std::string_view path) { return Files::text(std::filesystem::path(path.substr(common))); };
+    return TextOrder::compare(rest(first), rest(second)) > 0;
+}
+
+/// In the order of a file manager. A library that comes back is in it already, save for what was added last.
+void sortByPath(std::vector<AudioFile> &files)
+{
+    if (std::ranges::adjacent_find(files, isBehind) != files.end()) {
+        TextOrder::stableSort(files, [](const AudioFile &file) { return Files::text(file.path); });
+    }
 }
 
 /// How many files are best read at once.
@@ -79,37 +119,38 @@ QString overrideKey(const QString &artist, const QString &album, const std::file
 TrackReader::TrackReader(const QMap<QString, QString> &overrides, ArtworkPool &pool, ReadingCache *cache)
     : m_overrides(overrides)
     , m_pool(pool)
-    , m_cache(cache)
 {
-    if (m_cache) {
-        m_remembered.emplace(*m_cache);
+    if (cache) {
+        m_remembered.emplace(*cache);
     }
 }
 
-FileFacts TrackReader::factsOf(const std::filesystem::path &file, const std::optional<FileStamp> &stamp)
+FileFacts TrackReader::factsOf(const AudioFile &file)
 {
-    if (!m_cache || !stamp) {
-        return FileFacts::read(file);
+    if (!m_remembered || !file.stamp) {
+        return FileFacts::read(file.path);
     }
-    if (std::optional<FileFacts> known = m_remembered->find(file, *stamp)) {
+    const std::string name = file.path.filename().native();
+    if (std::optional<FileFacts> known = m_remembered->find(name, *file.stamp)) {
         return *std::move(known);
     }
     const std::uint64_t before = RegularFile::refusals();
-    FileFacts facts = FileFacts::read(file);
+    FileFacts facts = FileFacts::read(file.path);
     if (facts.picture) {
         facts.picture = m_pool.shared(*facts.picture);
     }
     if (RegularFile::refusals() == before) {
-        m_cache->remember(file, *stamp, facts);
+        m_remembered->remember(name, *file.stamp, facts);
     }
     return facts;
 }
 
 std::optional<QByteArray> TrackReader::readPicture(const std::filesystem::path &file, std::int64_t limit)
 {
-    const std::optional<FileStamp> stamp = m_cache ? FileStamp::of(file) : std::nullopt;
+    const std::optional<FileStamp> stamp = m_remembered ? FileStamp::of(file) : std::nullopt;
+    const std::string name = file.filename().native();
     if (stamp && stamp->size < limit) {
-        if (std::optional<FileFacts> known = m_remembered->find(file, *stamp)) {
+        if (std::optional<FileFacts> known = m_remembered->find(name, *stamp)) {
             return std::move(known->picture);
         }
     }
@@ -118,7 +159,7 @@ std::optional<QByteArray> TrackReader::readPicture(const std::filesystem::path &
         bytes = m_pool.shared(*bytes);
     }
     if (bytes && stamp) {
-        m_cache->remember(file, *stamp, {.info = {}, .picture = bytes});
+        m_remembered->remember(name, *stamp, {.info = {}, .picture = bytes});
     }
     return bytes;
 }
@@ -126,7 +167,7 @@ std::optional<QByteArray> TrackReader::readPicture(const std::filesystem::path &
 /// The first that can be read of the folder's items of this name.
 std::optional<QByteArray> TrackReader::readNamed(const std::filesystem::path &name, std::int64_t limit)
 {
-    for (const std::filesystem::path &file : m_folder.items.named(name)) {
+    for (const std::filesystem::path &file : m_folder.pictures.named(name)) {
         if (std::optional<QByteArray> bytes = readPicture(file, limit)) {
             return bytes;
         }
@@ -136,6 +177,9 @@ std::optional<QByteArray> TrackReader::readNamed(const std::filesystem::path &na
 
 std::optional<QByteArray> TrackReader::readSidecar(const std::filesystem::path &file)
 {
+    if (m_folder.pictures.isEmpty()) {
+        return std::nullopt;
+    }
     for (const char *extension : {".jpeg", ".jpg"}) {
         const std::filesystem::path name = file.filename().replace_extension(extension);
         if (std::optional<QByteArray> bytes = readNamed(name, chosenCoverLimit)) {
@@ -145,14 +189,17 @@ std::optional<QByteArray> TrackReader::readSidecar(const std::filesystem::path &
     return std::nullopt;
 }
 
-Track TrackReader::read(const std::filesystem::path &file)
+Track TrackReader::read(AudioFile found)
 {
-    const std::optional<FileStamp> stamp = FileStamp::of(file);
-    FileFacts facts = factsOf(file, stamp);
+    if (!found.stamp) {
+        found.stamp = FileStamp::of(found.path);
+    }
+    const std::filesystem::path &file = found.path;
+    const Folder &folder = folderOf(file);
+    FileFacts facts = factsOf(found);
     Track track;
     track.id = QUuid::createUuid();
-    track.url = file;
-    track.bytes = stamp ? stamp->size : Files::size(file).value_or(0);
+    track.bytes = found.stamp ? found.stamp->size : Files::size(file).value_or(0);
     track.info = std::move(facts.info);
     const std::optional<QByteArray> embedded
         = facts.picture ? std::optional(m_pool.shared(*facts.picture)) : std::nullopt;
@@ -160,7 +207,6 @@ Track TrackReader::read(const std::filesystem::path &file)
         track.info.picture = embedded;
     }
 
-    const Folder &folder = folderOf(file);
     track.title = tag(track.info, "TITLE").value_or(Files::baseName(file));
     track.artist = tag(track.info, "ALBUMARTIST").value_or(tag(track.info, "ARTIST").value_or(folder.artist));
     track.album = tag(track.info, "ALBUM").value_or(folder.name);
@@ -168,28 +214,53 @@ Track TrackReader::read(const std::filesystem::path &file)
         track.info.trackNumber = leadingNumber(Files::name(file));
     }
     track.hasEmbeddedArt = embedded.has_value();
-    track.artwork = chooseArtwork(track, embedded);
+    track.artwork = chooseArtwork(file, track, embedded);
+    track.url = std::move(found.path);
     return track;
 }
 
 TrackReader::Folder &TrackReader::folderOf(const std::filesystem::path &file)
 {
-    const std::filesystem::path path = file.parent_path();
-    if (path != m_folder.path) {
-        const QString name = Files::name(path);
-        const std::filesystem::path above = path.parent_path();
+    const std::string_view path = file.native();
+    if (path.substr(0, path.rfind('/')) != m_folder.path.native()) {
+        const std::filesystem::path folder = file.parent_path();
+        const QString name = Files::name(folder);
+        const std::filesystem::path above = folder.parent_path();
         const std::filesystem::path artist = AlbumGrouping::folderDisc(name) ? above.parent_path() : above;
-        m_folder = {.path = path,
+        m_folder = {.path = folder,
             .name = name,
             .artist = Files::name(artist),
-            .items = CaselessFolder(path),
+            .pictures = CaselessFolder(folder, pictureNames(folder)),
             .coverLooked = false,
             .cover = {}};
     }
     return m_folder;
 }
 
-std::optional<QByteArray> TrackReader::chooseArtwork(const Track &track, const std::optional<QByteArray> &embedded)
+/// The names of the folder's files that can be covers.
+std::vector<std::string> TrackReader::pictureNames(const std::filesystem::path &folder)
+{
+    if (m_remembered) {
+        m_remembered->enter(folder);
+        if (std::optional<std::vector<std::string>> known = m_remembered->pictures()) {
+            return *std::move(known);
+        }
+    }
+    std::vector<std::string> names;
+    for (const Files::FolderItem &item : Files::readableItemsOf(folder)) {
+        const QString extension = Files::extension(item.name).toCaseFolded();
+        if (std::ranges::find(pictureExtensions, extension) != pictureExtensions.end()) {
+            names.push_back(item.name);
+        }
+    }
+    if (m_remembered) {
+        m_remembered->rememberPictures(names);
+    }
+    return names;
+}
+
+std::optional<QByteArray> TrackReader::chooseArtwork(
+    const std::filesystem::path &file, const Track &track, const std::optional<QByteArray> &embedded)
 {
     std::optional<QByteArray> chosen;
     if (!m_overrides.isEmpty()) {
@@ -199,7 +270,7 @@ std::optional<QByteArray> TrackReader::chooseArtwork(const Track &track, const s
         }
     }
     if (!chosen) {
-        chosen = readSidecar(track.url);
+        chosen = readSidecar(file);
     }
     if (chosen) {
         return m_pool.shared(*chosen);
@@ -223,27 +294,33 @@ const std::optional<QByteArray> &TrackReader::folderCover()
 
 TracksRead readTracks(TrackImport import, const ImportProgress &progress, const std::stop_token &stop)
 {
+
     AudioFound found = findAudio(import.urls, stop, import.missing);
     if (stop.stop_requested()) {
         return {.tracks = {}, .isStopped = true};
     }
-    std::vector<std::filesystem::path> &files = found.files;
-    std::transform(files.begin(), files.end(), files.begin(), Files::standardized);
-    TextOrder::stableSort(files, [](const std::filesystem::path &file) { return Files::text(file); });
-    const auto total = int(files.size());
-    std::erase_if(files, [&](const auto &file) { return !import.known.insert(file.native()).second; });
+    std::vector<AudioFile> &files = found.files;
+    std::ranges::for_each(files, standardize);
 
+    sortByPath(files);
+
+    const auto total = int(files.size());
+    std::erase_if(files, [&](const AudioFile &file) { return !import.known.insert(file.path.native()).second; });
+
+    const bool isAsGiven = std::ranges::equal(files, import.urls,
+        [](const AudioFile &file, const auto &given) { return file.path.native() == given.native(); });
     ArtworkPool pool;
     for (const QByteArray &bytes : import.artwork) {
         (void)pool.shared(bytes);
     }
-    std::vector<std::optional<Track>> tracks(files.size());
+
     const std::vector<Portion> portions = portionsOf(files);
     const int workers = readersAtOnce(found.volumes);
     std::vector<std::unique_ptr<TrackReader>> readers;
     for (int reader = 0; reader < workers; ++reader) {
         readers.push_back(std::make_unique<TrackReader>(import.artworkOverrides, pool, import.cache.get()));
     }
+    std::vector<Track> tracks(files.size()); // without an id until it is read
     std::mutex guard;
     int done = total - int(files.size());
     Parallel::forEach(portions.size(), workers, [&](std::size_t number, int worker) {
@@ -251,24 +328,21 @@ TracksRead readTracks(TrackImport import, const ImportProgress &progress, const 
             if (stop.stop_requested()) {
                 return;
             }
-            tracks[file] = readers[std::size_t(worker)]->read(files[file]);
+            tracks[file] = readers[std::size_t(worker)]->read(std::move(files[file]));
             const std::lock_guard lock(guard);
             progress(++done, total);
         }
     });
 
     readers.clear();
+
     if (import.cache) {
         import.cache->finish();
     }
-
-    TracksRead read {.tracks = {}, .isStopped = false, .left = total - done, .present = found.present};
-    read.isStopped = read.left > 0;
-    read.tracks.reserve(files.size());
-    for (std::optional<Track> &track : tracks) {
-        if (track) {
-            read.tracks.push_back(*std::move(track));
-        }
-    }
-    return read;
+    std::erase_if(tracks, [](const Track &track) { return track.id.isNull(); });
+    return {.tracks = std::move(tracks),
+        .isStopped = done < total,
+        .left = total - done,
+        .present = found.present,
+        .isAsGiven = isAsGiven && done == total};
 }

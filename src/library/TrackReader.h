@@ -35,6 +35,7 @@ struct TracksRead {
     bool isStopped = false; ///< before all were read
     int left = 0; ///< new files that were found and not read; not known where the stop came while they were looked for
     std::size_t present = 1; ///< how many of the given files and folders there were
+    bool isAsGiven = false; ///< the tracks are the given files, one for one
 };
 
 /// Called after each file that is read, with the number of files done and of all found; one call at a time, on any
@@ -58,30 +59,31 @@ public:
     /// All outlive it, and may be other readers' too. `cache` may be null.
     TrackReader(const QMap<QString, QString> &overrides, ArtworkPool &pool, ReadingCache *cache);
 
-    [[nodiscard]] Track read(const std::filesystem::path &file);
+    [[nodiscard]] Track read(AudioFile file);
 
 private:
     struct Folder {
         std::filesystem::path path;
         QString name;
         QString artist; ///< fallback: the folder that stands for the artist
-        CaselessFolder items;
+        CaselessFolder pictures;
         bool coverLooked = false;
         std::optional<QByteArray> cover;
     };
 
     /// As FileFacts::read() gives it, or remembered.
-    FileFacts factsOf(const std::filesystem::path &file, const std::optional<FileStamp> &stamp);
+    FileFacts factsOf(const AudioFile &file);
     std::optional<QByteArray> readPicture(const std::filesystem::path &file, std::int64_t limit);
     std::optional<QByteArray> readNamed(const std::filesystem::path &name, std::int64_t limit);
     std::optional<QByteArray> readSidecar(const std::filesystem::path &file);
     Folder &folderOf(const std::filesystem::path &file);
-    std::optional<QByteArray> chooseArtwork(const Track &track, const std::optional<QByteArray> &embedded);
+    std::vector<std::string> pictureNames(const std::filesystem::path &folder);
+    std::optional<QByteArray> chooseArtwork(
+        const std::filesystem::path &file, const Track &track, const std::optional<QByteArray> &embedded);
     const std::optional<QByteArray> &folderCover();
 
     const QMap<QString, QString> &m_overrides;
     ArtworkPool &m_pool;
-    ReadingCache *m_cache;
     std::optional<ReadingCache::Reader> m_remembered;
     Folder m_folder; ///< of the last file: files come folder by folder
 };

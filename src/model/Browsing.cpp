@@ -3,6 +3,7 @@
 #include "library/AlbumGrouping.h"
 
 #include "platform/tasks/Background.h"
+#include "platform/tasks/Parallel.h"
 
 #include <algorithm>
 #include <utility>
@@ -31,30 +32,39 @@ void giveArtwork(std::vector<Track> &tracks, const QSet<QUuid> &ids, const QByte
 
 } // namespace
 
-LibraryContents LibraryContents::prepared(std::vector<Track> more) const
+LibraryContents LibraryContents::prepared(std::shared_ptr<const std::vector<Track>> more) const
 {
-    if (more.empty() && index && index->isCurrent()) {
+    const bool isMore = more && !more->empty();
+    if (!isMore && index && index->isCurrent()) {
         return *this;
     }
     LibraryContents made {.tracks = tracks, .index = {}, .albums = {}};
-    if (!more.empty()) {
+    if (isMore && tracks->empty()) {
+        made.tracks = std::move(more);
+    } else if (isMore) {
         const auto joined = std::make_shared<std::vector<Track>>();
-        joined->reserve(tracks->size() + more.size());
+        joined->reserve(tracks->size() + more->size());
         joined->insert(joined->end(), tracks->begin(), tracks->end());
-        joined->insert(joined->end(), std::move_iterator(more.begin()), std::move_iterator(more.end()));
+        joined->insert(joined->end(), more->begin(), more->end());
         made.tracks = joined;
     }
+
     const std::vector<AlbumGrouping::Group> groups = AlbumGrouping::groups(*made.tracks);
-    made.index = std::make_shared<const LibraryIndex>(*made.tracks, groups);
-    AlbumList list;
-    list.reserve(groups.size());
-    for (const AlbumGrouping::Group &group : groups) {
-        const std::optional<std::uint32_t> before = index ? index->albumOf(group.key) : std::nullopt;
-        const bool isKept = before && isRecordOf(*(*albums)[*before], group, *made.tracks);
-        list.push_back(
-            isKept ? (*albums)[*before] : std::make_shared<const Album>(AlbumGrouping::album(group, *made.tracks)));
-    }
+    AlbumList list(groups.size());
+    Parallel::forEach(2, 2, [&](std::size_t part, int) {
+        if (part == 0) {
+            made.index = std::make_shared<const LibraryIndex>(*made.tracks, groups);
+            return;
+        }
+        for (std::size_t at = 0; at < groups.size(); ++at) {
+            const std::optional<std::uint32_t> before = index ? index->albumOf(groups[at].key) : std::nullopt;
+            const bool isKept = before && isRecordOf(*(*albums)[*before], groups[at], *made.tracks);
+            list[at] = isKept ? (*albums)[*before]
+                              : std::make_shared<const Album>(AlbumGrouping::album(groups[at], *made.tracks));
+        }
+    });
     made.albums = std::make_shared<const AlbumList>(std::move(list));
+
     return made;
 }
 

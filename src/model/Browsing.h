@@ -32,9 +32,9 @@ struct LibraryContents {
     std::shared_ptr<const LibraryIndex> index; ///< may be absent
     std::shared_ptr<const AlbumList> albums; ///< of the index, as they were grouped
 
-    /// These tracks with `more` behind them, and their index. Albums that stay as they are stay the same records.
-    /// Blocking: some seconds for 100,000 tracks; any thread.
-    [[nodiscard]] LibraryContents prepared(std::vector<Track> more = {}) const;
+    /// These tracks with `more`, which may be none, behind them, and their index. Albums that stay as they are stay the
+    /// same records. Blocking: a second for 100,000 tracks, on two threads; any thread.
+    [[nodiscard]] LibraryContents prepared(std::shared_ptr<const std::vector<Track>> more = {}) const;
 };
 
 /// Where tracks are.

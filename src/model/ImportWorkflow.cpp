@@ -5,8 +5,11 @@
 
 #include "platform/MarluneError.h"
 #include "platform/files/Files.h"
+#include "platform/tasks/Parallel.h"
 
+#include <QElapsedTimer>
 #include <QPointer>
+#include <QThread>
 
 #include <algorithm>
 
@@ -39,7 +42,8 @@ TrackImport importInto(const std::vector<Track> &held)
 
 /// An import that has been read, with the library that it gives.
 struct MarluneModel::ImportReading {
-    TracksRead read;
+    TracksRead read; ///< its tracks are the next field
+    std::shared_ptr<const std::vector<Track>> tracks;
     LibraryContents base; ///< the library at the start
     LibraryContents made;
 };
@@ -81,8 +85,13 @@ void MarluneModel::restoreLibrary()
     }
     m_unrestored = stored;
     const auto files = [stored](const std::stop_token &) {
+        constexpr std::size_t portion = 1000;
         std::vector<std::filesystem::path> paths(std::size_t(stored.size()));
-        std::transform(stored.begin(), stored.end(), paths.begin(), Files::fromText);
+        Parallel::forEach(paths.size() / portion + 1, QThread::idealThreadCount(), [&](std::size_t number, int) {
+            for (std::size_t at = number * portion; at < std::min((number + 1) * portion, paths.size()); ++at) {
+                paths[at] = Files::fromText(stored[qsizetype(at)]);
+            }
+        });
         return paths;
     };
     beginImport(files, ImportKind::Restored);
@@ -113,7 +122,10 @@ QCoro::Task<> MarluneModel::runImport(ImportSource source, ImportKind kind)
                 return std::shared_ptr<ImportReading>();
             }
             result->base = base;
-            result->made = base.prepared(result->read.tracks);
+
+            result->tracks = std::make_shared<const std::vector<Track>>(std::move(result->read.tracks));
+            result->made = base.prepared(result->tracks);
+
             return result;
         };
         reading = co_await background(work);
@@ -121,7 +133,7 @@ QCoro::Task<> MarluneModel::runImport(ImportSource source, ImportKind kind)
             && (order != m_textOrder || !m_browsing.land(side, reading->base, reading->made))) {
             order = m_textOrder;
             reading->base = m_browsing.contents(side);
-            auto again = [reading] { reading->made = reading->base.prepared(reading->read.tracks); };
+            auto again = [reading] { reading->made = reading->base.prepared(reading->tracks); };
             co_await background(again);
         }
     } catch (const std::exception &) {
@@ -145,7 +157,8 @@ QCoro::Task<> MarluneModel::runImport(ImportSource source, ImportKind kind)
                 ? QStringLiteral("iPod został zmieniony podczas odczytu. Odczytaj muzykę jeszcze raz.")
                 : QStringLiteral("iPod został odłączony"));
     } else {
-        applyImport(reading->read, kind);
+
+        applyImport(*reading, kind);
     }
     BackgroundJobs::discard(std::move(reading));
 }
@@ -153,10 +166,13 @@ QCoro::Task<> MarluneModel::runImport(ImportSource source, ImportKind kind)
 MarluneModel::JobProgress MarluneModel::importProgress()
 {
     constexpr int interval = 20; // files
-    return [self = QPointer(this)](int done, int total) {
-        if (done % interval != 1) {
+    constexpr int pause = 30; // milliseconds: more often nobody sees it
+    const auto since = std::make_shared<QElapsedTimer>();
+    return [self = QPointer(this), since](int done, int total) {
+        if (done % interval != 1 || (since->isValid() && since->elapsed() < pause)) {
             return;
         }
+        since->start();
         postToUi([self, done, total] {
             if (self && self->m_work.busy()) {
                 self->m_work.report(double(done) / std::max(total, 1));
@@ -168,12 +184,13 @@ MarluneModel::JobProgress MarluneModel::importProgress()
 }
 
 /// The tracks have landed.
-void MarluneModel::applyImport(const TracksRead &read, ImportKind kind)
+void MarluneModel::applyImport(const ImportReading &reading, ImportKind kind)
 {
+    const TracksRead &read = reading.read;
     const bool fromDevice = isFromDevice(kind);
-    const std::size_t count = read.tracks.size();
+    const std::size_t count = reading.tracks->size();
     if (kind == ImportKind::Enqueued) {
-        m_browsing.enqueue(read.tracks);
+        m_browsing.enqueue(*reading.tracks);
     }
     if (kind == ImportKind::Restored && !read.isStopped) {
         m_unrestored.clear();
@@ -185,7 +202,10 @@ void MarluneModel::applyImport(const TracksRead &read, ImportKind kind)
         m_deviceReading = DeviceReading::Partial;
     }
     if (!fromDevice) {
-        storeLibraryPaths();
+        const bool isStored = kind == ImportKind::Restored && read.isAsGiven && count == tracks().size();
+        if (!isStored) {
+            storeLibraryPaths();
+        }
         setLibraryOnDevice(false);
     }
     forgetDuplicates();

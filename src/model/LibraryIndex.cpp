@@ -1,5 +1,7 @@
 #include "model/LibraryIndex.h"
 
+#include "platform/tasks/Parallel.h"
+
 #include <algorithm>
 #include <numeric>
 
@@ -71,6 +73,48 @@ Places renamedAfter(const std::vector<bool> &gone)
     return renamed;
 }
 
+Places trackOrder(const std::vector<Track> &tracks, SortMode mode)
+{
+    switch (mode) {
+    case SortMode::Album:
+        return orderedByText(
+            tracks.size(), [&](std::uint32_t at) { return QString(tracks[at].album + tracks[at].title); });
+    case SortMode::Year: // newest first, then by title
+        return orderedBy(
+            tracks.size(), [&](std::uint32_t at) { return std::pair(tracks[at].info.year, tracks[at].title); },
+            [](const auto &a, const auto &b) { return a.first != b.first ? b.first < a.first : a.second < b.second; });
+    case SortMode::Size: // largest first
+        return orderedBy(tracks.size(), [&](std::uint32_t at) { return tracks[at].bytes; }, std::greater<>());
+    case SortMode::Artist:
+        break;
+    }
+    return orderedByText(
+        tracks.size(), [&](std::uint32_t at) { return QString(tracks[at].artist + tracks[at].title); });
+}
+
+Places albumOrder(const std::vector<Track> &tracks, const std::vector<AlbumGrouping::Group> &groups, SortMode mode)
+{
+    const auto bytesOf = [&](std::uint32_t album) {
+        const auto &of = groups[album].tracks;
+        return std::accumulate(of.begin(), of.end(), std::int64_t(0),
+            [&](std::int64_t sum, std::size_t place) { return sum + tracks[place].bytes; });
+    };
+    switch (mode) {
+    case SortMode::Album:
+        return orderedByText(groups.size(), [&](std::uint32_t album) { return groups[album].title; });
+    case SortMode::Year: // newest first
+        return orderedBy(
+            groups.size(), [&](std::uint32_t album) { return tracks[groups[album].tracks.front()].info.year; },
+            std::greater<>());
+    case SortMode::Size: // largest first
+        return orderedBy(groups.size(), bytesOf, std::greater<>());
+    case SortMode::Artist:
+        break;
+    }
+    return orderedByText(
+        groups.size(), [&](std::uint32_t album) { return QString(groups[album].artist + groups[album].title); });
+}
+
 } // namespace
 
 bool isHighResolution(const AudioInfo &info)
@@ -88,7 +132,6 @@ bool ListFilter::passes(const Track &track) const
 
 LibraryIndex::LibraryIndex(const std::vector<Track> &tracks, const std::vector<AlbumGrouping::Group> &groups)
 {
-    noteTracks(tracks);
     m_albumOf.resize(tracks.size());
     for (std::uint32_t album = 0; album < groups.size(); ++album) {
         m_albums.insert(groups[album].key, album);
@@ -96,8 +139,16 @@ LibraryIndex::LibraryIndex(const std::vector<Track> &tracks, const std::vector<A
             m_albumOf[place] = album;
         }
     }
-    orderTracks(tracks);
-    orderAlbums(tracks, groups);
+    constexpr std::size_t orders = allSortModes.size();
+    Parallel::forEach(1 + 2 * orders, 2, [&](std::size_t part, int) {
+        if (part < orders) {
+            m_trackOrders[part] = trackOrder(tracks, allSortModes[part]);
+        } else if (part == orders) {
+            noteTracks(tracks);
+        } else {
+            m_albumOrders[part - orders - 1] = albumOrder(tracks, groups, allSortModes[part - orders - 1]);
+        }
+    });
 }
 
 void LibraryIndex::noteTracks(const std::vector<Track> &tracks)
@@ -120,60 +171,6 @@ void LibraryIndex::noteTracks(const std::vector<Track> &tracks)
     }
     m_identities = identities;
     std::sort(m_places.begin(), m_places.end());
-}
-
-void LibraryIndex::orderTracks(const std::vector<Track> &tracks)
-{
-    const auto orderOf = [&](SortMode mode) {
-        switch (mode) {
-        case SortMode::Album:
-            return orderedByText(
-                tracks.size(), [&](std::uint32_t at) { return QString(tracks[at].album + tracks[at].title); });
-        case SortMode::Year: // newest first, then by title
-            return orderedBy(
-                tracks.size(), [&](std::uint32_t at) { return std::pair(tracks[at].info.year, tracks[at].title); },
-                [](const auto &a, const auto &b) {
-                    return a.first != b.first ? b.first < a.first : a.second < b.second;
-                });
-        case SortMode::Size: // largest first
-            return orderedBy(tracks.size(), [&](std::uint32_t at) { return tracks[at].bytes; }, std::greater<>());
-        case SortMode::Artist:
-            break;
-        }
-        return orderedByText(
-            tracks.size(), [&](std::uint32_t at) { return QString(tracks[at].artist + tracks[at].title); });
-    };
-    for (const SortMode mode : allSortModes) {
-        m_trackOrders[std::size_t(mode)] = orderOf(mode);
-    }
-}
-
-void LibraryIndex::orderAlbums(const std::vector<Track> &tracks, const std::vector<AlbumGrouping::Group> &groups)
-{
-    const auto bytesOf = [&](std::uint32_t album) {
-        const auto &of = groups[album].tracks;
-        return std::accumulate(of.begin(), of.end(), std::int64_t(0),
-            [&](std::int64_t sum, std::size_t place) { return sum + tracks[place].bytes; });
-    };
-    const auto orderOf = [&](SortMode mode) {
-        switch (mode) {
-        case SortMode::Album:
-            return orderedByText(groups.size(), [&](std::uint32_t album) { return groups[album].title; });
-        case SortMode::Year: // newest first
-            return orderedBy(
-                groups.size(), [&](std::uint32_t album) { return tracks[groups[album].tracks.front()].info.year; },
-                std::greater<>());
-        case SortMode::Size: // largest first
-            return orderedBy(groups.size(), bytesOf, std::greater<>());
-        case SortMode::Artist:
-            break;
-        }
-        return orderedByText(
-            groups.size(), [&](std::uint32_t album) { return QString(groups[album].artist + groups[album].title); });
-    };
-    for (const SortMode mode : allSortModes) {
-        m_albumOrders[std::size_t(mode)] = orderOf(mode);
-    }
 }
 
 std::shared_ptr<const LibraryIndex> LibraryIndex::without(const std::vector<bool> &gone) const

@@ -76,8 +76,6 @@ private:
 
     LibraryIndex() = default;
     void noteTracks(const std::vector<Track> &tracks);
-    void orderTracks(const std::vector<Track> &tracks);
-    void orderAlbums(const std::vector<Track> &tracks, const std::vector<AlbumGrouping::Group> &groups);
     [[nodiscard]] QStringView textAt(std::uint32_t place) const;
 
     TextOrder::Language m_language = TextOrder::language();

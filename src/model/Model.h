@@ -457,7 +457,7 @@ private:
     void rediscover();
     QCoro::Task<> runReorder();
     void restoreLibrary();
-    void applyImport(const TracksRead &read, ImportKind kind);
+    void applyImport(const ImportReading &reading, ImportKind kind);
 
     ModelEnvironment m_environment;
     RunningWork m_work;

@@ -43,7 +43,7 @@ std::vector<Track> someMusic()
 void append(Browsing &browsing, Side side, std::vector<Track> tracks)
 {
     const LibraryContents base = browsing.contents(side);
-    ASSERT_TRUE(browsing.land(side, base, base.prepared(std::move(tracks))));
+    ASSERT_TRUE(browsing.land(side, base, base.prepared(std::make_shared<const std::vector<Track>>(std::move(tracks)))));
 }
 
 /// The lists by their definition.
@@ -150,7 +150,7 @@ TEST(Browsing, listsAlwaysWhatAFreshComputationWouldGive)
             const Side of = side();
             const LibraryContents base = browsing.contents(of);
             const std::size_t count = base.tracks->size();
-            const LibraryContents made = base.prepared(someMusic());
+            const LibraryContents made = base.prepared(std::make_shared<const std::vector<Track>>(someMusic()));
             const bool isLate = random.bounded(3) == 0;
             if (isLate) {
                 append(browsing, of, someMusic());

@@ -13,6 +13,15 @@ QString caseless(const std::filesystem::path &name)
 
 } // namespace
 
+CaselessFolder::CaselessFolder(std::filesystem::path folder, const std::vector<std::string> &names)
+    : m_folder(std::move(folder))
+{
+    m_names.emplace();
+    for (const std::string &name : names) {
+        (*m_names)[caseless(name)].emplace_back(name);
+    }
+}
+
 CaselessFolder::Names CaselessFolder::list() const
 {
     Names names;
@@ -26,6 +35,9 @@ std::vector<std::filesystem::path> CaselessFolder::named(const std::filesystem::
 {
     if (!m_names) {
         m_names = list();
+    }
+    if (m_names->isEmpty()) {
+        return {};
     }
     std::vector<std::filesystem::path> items = m_names->value(caseless(name));
     std::sort(items.begin(), items.end(), [&name](const auto &a, const auto &b) {

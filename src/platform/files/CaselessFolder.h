@@ -9,6 +9,7 @@
 
 #include <filesystem>
 #include <optional>
+#include <string>
 #include <vector>
 
 class CaselessFolder {
@@ -18,7 +19,11 @@ public:
         : m_folder(std::move(folder))
     {
     }
+    /// Of these names alone: nothing is asked of the disk.
+    CaselessFolder(std::filesystem::path folder, const std::vector<std::string> &names);
 
+    /// Whether it is known to hold nothing.
+    [[nodiscard]] bool isEmpty() const { return m_names && m_names->isEmpty(); }
     [[nodiscard]] const std::filesystem::path &folder() const { return m_folder; }
     /// Where the items of this name are: first the one that is spelled exactly so, then the others in text order.
     [[nodiscard]] std::vector<std::filesystem::path> named(const std::filesystem::path &name) const;

@@ -1,17 +1,33 @@
 #include "platform/files/FileStamp.h"
 
-#include <sys/stat.h>
+namespace {
 
-std::optional<FileStamp> FileStamp::of(const std::filesystem::path &file)
+FileStamp stampOf(const struct stat &status)
 {
-    struct stat status {};
-    if (::lstat(file.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) {
-        return std::nullopt;
-    }
     const auto nanoseconds = [](const timespec &time) { return time.tv_sec * 1'000'000'000 + time.tv_nsec; };
-    return FileStamp {.volume = status.st_dev,
+    return {.volume = status.st_dev,
         .inode = status.st_ino,
         .size = status.st_size,
         .modified = nanoseconds(status.st_mtim),
         .changed = nanoseconds(status.st_ctim)};
+}
+
+} // namespace
+
+std::optional<FileStamp> FileStamp::from(const struct stat &status)
+{
+    return S_ISREG(status.st_mode) ? std::optional(stampOf(status)) : std::nullopt;
+}
+
+std::optional<FileStamp> FileStamp::of(const std::filesystem::path &file)
+{
+    struct stat status {};
+    return ::lstat(file.c_str(), &status) == 0 ? from(status) : std::nullopt;
+}
+
+std::optional<FileStamp> FileStamp::ofFolder(const std::filesystem::path &folder)
+{
+    struct stat status {};
+    const bool isFolder = ::stat(folder.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+    return isFolder ? std::optional(stampOf(status)) : std::nullopt;
 }
