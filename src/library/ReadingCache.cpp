@@ -20,6 +20,8 @@ namespace {
 
 constexpr std::int64_t version = 1;
 constexpr std::chrono::nanoseconds youngest = std::chrono::seconds(3); // what changed later may do so again unseen
+constexpr std::chrono::milliseconds readersPatience(300); // reading the files anew is not worth more
+constexpr std::chrono::milliseconds writersPatience(2000);
 constexpr qsizetype maxTags = 2400; // bytes of a file's texts; packed they are half of that
 constexpr std::int64_t maxWaitingBytes = 64'000'000;
 constexpr std::size_t maxWaitingFolders = 1000;
@@ -108,14 +110,14 @@ ReadingCache::Place ReadingCache::placeOf(const std::string &folder, dev_t volum
 }
 
 /// A database with our tables; null where there is none to be had.
-std::unique_ptr<Database> ReadingCache::open()
+std::unique_ptr<Database> ReadingCache::open(std::chrono::milliseconds patience)
 {
     try {
         Files::makeFolders(m_file.parent_path());
     } catch (const std::system_error &) {
         return nullptr;
     }
-    std::unique_ptr<Database> database = Database::open(m_file);
+    std::unique_ptr<Database> database = Database::open(m_file, patience);
     if (!database) {
         return nullptr;
     }
@@ -206,7 +208,7 @@ void ReadingCache::flush()
         m_newBytes = 0;
     }
     setAside();
-    const std::unique_ptr<Database> database = changes.empty() ? nullptr : open();
+    const std::unique_ptr<Database> database = changes.empty() ? nullptr : open(writersPatience);
     if (!database || !database->run("BEGIN IMMEDIATE")) {
         return;
     }
@@ -329,7 +331,7 @@ struct ReadingCache::Reader::Connection {
 ReadingCache::Reader::Reader(ReadingCache &cache)
     : m_cache(cache)
 {
-    if (std::unique_ptr<Database> database = cache.open()) {
+    if (std::unique_ptr<Database> database = cache.open(readersPatience)) {
         m_connection = std::make_unique<Connection>(std::move(database));
     }
 }

@@ -62,7 +62,7 @@ private:
     };
 
     [[nodiscard]] Place placeOf(const std::string &folder, dev_t volume);
-    [[nodiscard]] std::unique_ptr<Database> open();
+    [[nodiscard]] std::unique_ptr<Database> open(std::chrono::milliseconds patience);
     void noteDamage(const Database &database);
     [[nodiscard]] std::optional<QByteArray> pictureHeld(const QByteArray &digest);
     [[nodiscard]] QByteArray holdPicture(const QByteArray &digest, const QByteArray &bytes);

@@ -2,13 +2,7 @@
 
 #include <sqlite3.h>
 
-namespace {
-
-constexpr int patience = 2000; // milliseconds for another's lock
-
-} // namespace
-
-std::unique_ptr<Database> Database::open(const std::filesystem::path &file)
+std::unique_ptr<Database> Database::open(const std::filesystem::path &file, std::chrono::milliseconds patience)
 {
     sqlite3 *handle = nullptr;
     constexpr int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_NOFOLLOW;
@@ -17,14 +11,15 @@ std::unique_ptr<Database> Database::open(const std::filesystem::path &file)
     if (!database->note(result)) {
         return nullptr;
     }
-    sqlite3_busy_timeout(handle, patience);
+    sqlite3_busy_timeout(handle, int(patience.count()));
     // What a file says of itself is not trusted: no function or trigger in it is run.
     sqlite3_db_config(handle, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
     sqlite3_db_config(handle, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
     sqlite3_db_config(handle, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);
     sqlite3_db_config(handle, SQLITE_DBCONFIG_ENABLE_VIEW, 0, nullptr);
-    (void)database->run("PRAGMA cell_size_check = ON; PRAGMA mmap_size = 0; PRAGMA synchronous = NORMAL");
-    return database;
+    const bool isReady
+        = database->run("PRAGMA cell_size_check = ON; PRAGMA mmap_size = 0; PRAGMA synchronous = NORMAL");
+    return isReady || database->isDamaged() ? std::move(database) : nullptr;
 }
 
 Database::~Database()

@@ -7,6 +7,7 @@
 #include <QByteArray>
 #include <QByteArrayView>
 
+#include <chrono>
 #include <cstdint>
 #include <filesystem>
 #include <memory>
@@ -16,9 +17,10 @@ struct sqlite3_stmt;
 
 class Database {
 public:
-    /// Opens the file, which is made if need be. Null where that is impossible. A file that is none of these is found
-    /// out by the first call.
-    [[nodiscard]] static std::unique_ptr<Database> open(const std::filesystem::path &file);
+    /// Opens the file, which is made if need be. Null where that is impossible. One that turns out to be no
+    /// such file is damaged. Each call waits so long for another's lock, and then fails.
+    [[nodiscard]] static std::unique_ptr<Database> open(
+        const std::filesystem::path &file, std::chrono::milliseconds patience = std::chrono::seconds(2));
     ~Database();
     Database(const Database &) = delete;
     Database &operator=(const Database &) = delete;
