@@ -99,7 +99,6 @@ namespace Bench {
 
 int wholeLibrary(int argc, char **argv, const std::filesystem::path &folder)
 {
-
     const QGuiApplication application(argc, argv);
     MarluneApp::prepareApplication();
     MarluneApp::Program program({.settingsFile = folder / "settings.json",

@@ -23,6 +23,7 @@ public:
     explicit FlacFile(const std::filesystem::path &file)
         : m_file(RegularFile::openOrThrow(file))
     {
+        m_file.expect(RegularFile::Reading::Scattered);
     }
 
     [[nodiscard]] std::uint64_t size() const { return std::uint64_t(m_file.size()); }

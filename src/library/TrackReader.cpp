@@ -104,9 +104,10 @@ void sortByPath(std::vector<AudioFile> &files)
 int readersAtOnce(const std::set<dev_t> &volumes)
 {
     constexpr int onSlowDisks = 2; // one's next request waits at the disk while another's answer is worked on
+    constexpr int onQuickDisks = 8; // more than cores: most wait for the disk, which answers many at a time
     const auto isSerial = [](dev_t volume) { return Volumes::diskKind(volume) == Volumes::DiskKind::Serial; };
-    const int cores = std::max(1, QThread::idealThreadCount());
-    return std::any_of(volumes.begin(), volumes.end(), isSerial) ? onSlowDisks : cores;
+    return std::any_of(volumes.begin(), volumes.end(), isSerial) ? onSlowDisks
+                                                                 : std::max(onQuickDisks, QThread::idealThreadCount());
 }
 
 } // namespace
@@ -294,14 +295,12 @@ const std::optional<QByteArray> &TrackReader::folderCover()
 
 TracksRead readTracks(TrackImport import, const ImportProgress &progress, const std::stop_token &stop)
 {
-
     AudioFound found = findAudio(import.urls, stop, import.missing);
     if (stop.stop_requested()) {
         return {.tracks = {}, .isStopped = true};
     }
     std::vector<AudioFile> &files = found.files;
     std::ranges::for_each(files, standardize);
-
     sortByPath(files);
 
     const auto total = int(files.size());
@@ -334,8 +333,7 @@ TracksRead readTracks(TrackImport import, const ImportProgress &progress, const 
         }
     });
 
-    readers.clear();
-
+    readers.clear(); // they hand over what they have found
     if (import.cache) {
         import.cache->finish();
     }

@@ -122,10 +122,8 @@ QCoro::Task<> MarluneModel::runImport(ImportSource source, ImportKind kind)
                 return std::shared_ptr<ImportReading>();
             }
             result->base = base;
-
             result->tracks = std::make_shared<const std::vector<Track>>(std::move(result->read.tracks));
             result->made = base.prepared(result->tracks);
-
             return result;
         };
         reading = co_await background(work);
@@ -157,7 +155,6 @@ QCoro::Task<> MarluneModel::runImport(ImportSource source, ImportKind kind)
                 ? QStringLiteral("iPod został zmieniony podczas odczytu. Odczytaj muzykę jeszcze raz.")
                 : QStringLiteral("iPod został odłączony"));
     } else {
-
         applyImport(*reading, kind);
     }
     BackgroundJobs::discard(std::move(reading));

@@ -145,6 +145,7 @@ bool isAnyNear(const RegularFile &file, Kind kind, std::int64_t position)
 
 std::optional<double> seconds(const RegularFile &file, Kind kind, std::int64_t position)
 {
+    file.expect(RegularFile::Reading::Onward);
     Walk walk(file, kind, position);
     std::int64_t samples = 0;
     std::uint32_t sampleRate = 0;

@@ -71,6 +71,7 @@ void MediaAsset::Reading::read()
     if (!file || file->size() == 0) {
         return;
     }
+    file->expect(RegularFile::Reading::Scattered);
     stream = std::make_unique<BoundedStream>(*file);
     content = audioContent(*stream, path.extension().native());
     if (isOgg()) {
@@ -101,6 +102,7 @@ void MediaAsset::Reading::askTagLib()
 void MediaAsset::Reading::askProbe()
 {
     const std::int64_t start = std::min(content.start, stream->file().size());
+    file->expect(RegularFile::Reading::Onward);
     StreamProbe::Answer answer
         = StreamProbe::probe(stream->file(), start, content.kind == Kind::Adts ? "aac" : nullptr);
     if (!facts.stream) {

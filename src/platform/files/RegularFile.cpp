@@ -1,5 +1,6 @@
 #include "platform/files/RegularFile.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -37,6 +38,12 @@ std::optional<RegularFile> RegularFile::open(const std::filesystem::path &path)
     } catch (const std::system_error &) {
         return std::nullopt;
     }
+}
+
+void RegularFile::expect(Reading reading) const
+{
+    const int advice = reading == Reading::Onward ? POSIX_FADV_NORMAL : POSIX_FADV_RANDOM;
+    (void)::posix_fadvise(m_descriptor.get(), 0, 0, advice); // without it all goes well too
 }
 
 std::size_t RegularFile::readAt(std::int64_t position, std::span<char> buffer) const

@@ -20,6 +20,11 @@ public:
     /// The same; throws std::system_error with the reason.
     [[nodiscard]] static RegularFile openOrThrow(const std::filesystem::path &path);
 
+    /// Onward, or small parts here and there: then the disk is not asked for what lies behind them.
+    enum class Reading : std::uint8_t { Onward, Scattered };
+    /// How it will be read, from the beginning onward unless told.
+    void expect(Reading reading) const;
+
     /// Bytes, as they were when the file was opened.
     [[nodiscard]] std::int64_t size() const { return m_size; }
     /// Fills `buffer` from `position`; returns the bytes read, fewer at the file's end or after an error of the disk.
