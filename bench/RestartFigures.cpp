@@ -181,7 +181,12 @@ void rescan(const std::filesystem::path &library)
     (void)BackgroundJobs::drain(std::chrono::minutes(10));
     std::vector<Track> tracks;
     print("rescan",
-        inTurn([&] { return seconds([&] { tracks = readAll(music, cache); }); }, [&] { return secondsToStat(files); }));
+        inTurn(
+            [&] {
+                tracks.clear(); // freed outside the time, as the program keeps them
+                return seconds([&] { tracks = readAll(music, cache); });
+            },
+            [&] { return secondsToStat(files); }));
 }
 
 void importCold(const std::filesystem::path &library)

@@ -14,12 +14,14 @@ constexpr std::array<std::string_view, 13> audioExtensions {
 
 bool hasAudioExtension(const std::filesystem::path &file)
 {
-    std::string extension = file.extension().native();
-    if (extension.size() < 2) {
+    std::string_view name = file.native();
+    name.remove_prefix(name.rfind('/') + 1);
+    const std::size_t dot = name.rfind('.');
+    if (dot == std::string_view::npos || dot == 0) {
         return false;
     }
+    std::string extension(name.substr(dot + 1));
     std::transform(extension.begin(), extension.end(), extension.begin(),
         [](char c) { return c >= 'A' && c <= 'Z' ? char(c - 'A' + 'a') : c; });
-    const std::string_view withoutDot = std::string_view(extension).substr(1);
-    return std::find(audioExtensions.begin(), audioExtensions.end(), withoutDot) != audioExtensions.end();
+    return std::find(audioExtensions.begin(), audioExtensions.end(), extension) != audioExtensions.end();
 }

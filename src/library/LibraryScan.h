@@ -22,17 +22,21 @@ struct AudioFound {
     std::vector<AudioFile> files; ///< in the order of discovery; may hold one file twice
     std::size_t present = 0; ///< how many of the given files and folders there are
     std::set<dev_t> volumes; ///< that those lie on
+    bool isAsGiven = false; ///< `files` are what was given, one for one
 };
 /// What is given by name and is not there counts as found, or is passed over.
 enum class Missing : std::uint8_t { Keep, Skip };
 [[nodiscard]] AudioFound findAudio(
-    const std::vector<std::filesystem::path> &urls, const std::stop_token &stop = {}, Missing missing = Missing::Keep);
+    std::vector<std::filesystem::path> urls, const std::stop_token &stop = {}, Missing missing = Missing::Keep);
+
+/// How many folders or files on these disks are best read at once.
+[[nodiscard]] int readersAtOnce(const std::set<dev_t> &volumes);
 
 /// The audio files among `urls` and in the folders among them, at any depth. Symbolic links and hidden items are passed
-/// over; what cannot be read contributes nothing. Order of discovery; may hold one file twice. Once `stop` is
-/// requested, these are not all of them.
+/// over; what cannot be read contributes nothing. In the order of `urls`, and in a folder of the names; may hold one
+/// file twice. Once `stop` is requested, these are not all of them.
 [[nodiscard]] std::vector<std::filesystem::path> scanAudio(
-    const std::vector<std::filesystem::path> &urls, const std::stop_token &stop = {});
+    std::vector<std::filesystem::path> urls, const std::stop_token &stop = {});
 
 /// The folders directly in a device's root that can hold music: not hidden, and none of those that the first firmware
 /// and other systems keep there.

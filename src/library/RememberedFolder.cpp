@@ -1,15 +1,68 @@
 #include "library/RememberedFolder.h"
 
-#include <QDataStream>
-#include <QHash>
-#include <QIODevice>
+#include "platform/files/ByteCursor.h"
 
+#include <QHash>
+#include <QtEndian>
+
+#include <cstring>
 #include <map>
 
 namespace {
 
-constexpr auto streamVersion = QDataStream::Qt_6_0;
 constexpr std::uint32_t maxDecoded = 64'000'000; // bytes
+
+/// What encoded() puts one behind the other: numbers with their high bytes first, bytes behind their length.
+class Writer {
+public:
+    template <typename Number> void add(Number number)
+    {
+        const Number ordered = qToBigEndian(number);
+        m_bytes.append(reinterpret_cast<const char *>(&ordered), sizeof ordered);
+    }
+    void add(QByteArrayView bytes)
+    {
+        add(quint32(bytes.size()));
+        m_bytes.append(bytes);
+    }
+    [[nodiscard]] const QByteArray &bytes() const { return m_bytes; }
+
+private:
+    QByteArray m_bytes;
+};
+
+/// Gives it back. Once the bytes do not suffice it gives nothing any more.
+class Reader {
+public:
+    explicit Reader(QByteArrayView bytes)
+        : m_cursor(bytes, ByteOrder::Big)
+    {
+    }
+    template <typename Number> [[nodiscard]] Number number()
+    {
+        const std::optional<QByteArrayView> found = m_cursor.take(sizeof(Number));
+        if (!found) {
+            fail();
+            return {};
+        }
+        return qFromBigEndian<Number>(found->data());
+    }
+    [[nodiscard]] QByteArrayView bytes()
+    {
+        const std::optional<QByteArrayView> found = m_cursor.take(number<quint32>());
+        if (!found) {
+            fail();
+        }
+        return found.value_or(QByteArrayView());
+    }
+    void fail() { m_hasFailed = true; }
+    [[nodiscard]] bool hasFailed() const { return m_hasFailed; }
+    [[nodiscard]] bool isAtEnd() const { return !m_hasFailed && m_cursor.remaining() == 0; }
+
+private:
+    ByteCursor m_cursor;
+    bool m_hasFailed = false;
+};
 
 /// Texts by their numbers: the tracks of an album have most of theirs in common.
 class TextWriter {
@@ -25,14 +78,15 @@ public:
         return quint32(m_texts.size() - 1);
     }
     /// UTF-8 where that gives the same text again: a broken tag may hold half a character.
-    void write(QDataStream &stream) const
+    void write(Writer &writer) const
     {
-        stream << quint32(m_texts.size());
+        writer.add(quint32(m_texts.size()));
         for (const QString &text : m_texts) {
             const QByteArray bytes = text.toUtf8();
             const bool isExact = QString::fromUtf8(bytes) == text;
-            stream << isExact;
-            isExact ? stream << bytes : stream << text;
+            writer.add(quint8(isExact));
+            writer.add(isExact ? QByteArrayView(bytes)
+                               : QByteArrayView(reinterpret_cast<const char *>(text.utf16()), text.size() * 2));
         }
     }
 
@@ -43,32 +97,26 @@ private:
 
 class TextReader {
 public:
-    explicit TextReader(QDataStream &stream)
+    explicit TextReader(Reader &reader)
     {
-        quint32 count = 0;
-        stream >> count;
-        for (quint32 i = 0; i < count && stream.status() == QDataStream::Ok; ++i) {
-            bool isUtf8 = false;
-            stream >> isUtf8;
-            QByteArray bytes;
-            QString text;
-            if (isUtf8) {
-                stream >> bytes;
-                text = QString::fromUtf8(bytes);
-            } else {
-                stream >> text;
+        const auto count = reader.number<quint32>();
+        for (quint32 i = 0; i < count && !reader.hasFailed(); ++i) {
+            const bool isUtf8 = reader.number<quint8>() != 0;
+            const QByteArrayView bytes = reader.bytes();
+            QString text = isUtf8 ? QString::fromUtf8(bytes) : QString(bytes.size() / 2, Qt::Uninitialized);
+            if (!isUtf8) {
+                std::memcpy(text.data(), bytes.data(), std::size_t(text.size()) * 2);
             }
-            m_texts.push_back(text);
+            m_texts.push_back(std::move(text));
         }
     }
-    [[nodiscard]] QString next(QDataStream &stream) const
+    [[nodiscard]] QString next(Reader &reader) const
     {
-        quint32 number = 0;
-        stream >> number;
+        const auto number = reader.number<quint32>();
         if (number < m_texts.size()) {
             return m_texts[number];
         }
-        stream.setStatus(QDataStream::ReadCorruptData);
+        reader.fail();
         return {};
     }
 
@@ -76,60 +124,59 @@ private:
     std::vector<QString> m_texts;
 };
 
-void write(QDataStream &stream, const FileStamp &stamp)
+void write(Writer &writer, const FileStamp &stamp)
 {
-    stream << quint64(stamp.inode) << qint64(stamp.size) << qint64(stamp.modified) << qint64(stamp.changed);
-}
-
-void write(QDataStream &stream, const AudioInfo &info, TextWriter &texts)
-{
-    stream << texts.number(info.codec) << qint64(info.sampleRate) << qint64(info.bitDepth) << info.duration
-           << qint64(info.bitrate) << qint64(info.trackNumber) << qint64(info.discNumber) << texts.number(info.year)
-           << quint32(info.tags.size());
-    for (auto tag = info.tags.begin(); tag != info.tags.end(); ++tag) {
-        stream << texts.number(tag.key()) << texts.number(tag.value());
+    writer.add(quint64(stamp.inode));
+    for (const std::int64_t value : {stamp.size, stamp.modified, stamp.changed}) {
+        writer.add(qint64(value));
     }
 }
 
-template <typename Number> Number read(QDataStream &stream)
+void write(Writer &writer, const AudioInfo &info, TextWriter &texts)
 {
-    Number value {};
-    stream >> value;
-    return value;
+    writer.add(texts.number(info.codec));
+    writer.add(texts.number(info.year));
+    writer.add(info.duration);
+    for (const std::int64_t value : {info.sampleRate, info.bitDepth, info.bitrate, info.trackNumber, info.discNumber}) {
+        writer.add(qint64(value));
+    }
+    writer.add(quint32(info.tags.size()));
+    for (auto tag = info.tags.begin(); tag != info.tags.end(); ++tag) {
+        writer.add(texts.number(tag.key()));
+        writer.add(texts.number(tag.value()));
+    }
 }
 
-FileStamp readStamp(QDataStream &stream)
+FileStamp readStamp(Reader &reader)
 {
     FileStamp stamp;
-    stamp.inode = read<quint64>(stream);
-    stamp.size = read<qint64>(stream);
-    stamp.modified = read<qint64>(stream);
-    stamp.changed = read<qint64>(stream);
+    stamp.inode = reader.number<quint64>();
+    for (std::int64_t *value : {&stamp.size, &stamp.modified, &stamp.changed}) {
+        *value = reader.number<qint64>();
+    }
     return stamp;
 }
 
-AudioInfo readInfo(QDataStream &stream, const TextReader &texts)
+AudioInfo readInfo(Reader &reader, const TextReader &texts)
 {
     AudioInfo info;
-    info.codec = texts.next(stream);
-    info.sampleRate = read<qint64>(stream);
-    info.bitDepth = read<qint64>(stream);
-    info.duration = read<double>(stream);
-    info.bitrate = read<qint64>(stream);
-    info.trackNumber = read<qint64>(stream);
-    info.discNumber = read<qint64>(stream);
-    info.year = texts.next(stream);
-    const auto tags = read<quint32>(stream);
-    for (quint32 tag = 0; tag < tags && stream.status() == QDataStream::Ok; ++tag) {
-        const QString key = texts.next(stream);
-        info.tags.insert(info.tags.cend(), key, texts.next(stream)); // they come in order
+    info.codec = texts.next(reader);
+    info.year = texts.next(reader);
+    info.duration = reader.number<double>();
+    for (std::int64_t *value : {&info.sampleRate, &info.bitDepth, &info.bitrate, &info.trackNumber, &info.discNumber}) {
+        *value = reader.number<qint64>();
+    }
+    const auto tags = reader.number<quint32>();
+    for (quint32 tag = 0; tag < tags && !reader.hasFailed(); ++tag) {
+        const QString key = texts.next(reader);
+        info.tags.insert(info.tags.cend(), key, texts.next(reader)); // they come in order
     }
     return info;
 }
 
-std::string readName(QDataStream &stream)
+std::string textOf(QByteArrayView bytes)
 {
-    return read<QByteArray>(stream).toStdString();
+    return {bytes.data(), std::size_t(bytes.size())};
 }
 
 /// What qCompress() has packed; empty where that states a size beyond all bounds (its first four bytes).
@@ -148,56 +195,49 @@ QByteArray unpacked(QByteArrayView bytes)
 QByteArray RememberedFolder::encoded() const
 {
     TextWriter texts;
-    QByteArray entries;
-    QDataStream stream(&entries, QIODevice::WriteOnly);
-    stream.setVersion(streamVersion);
-    write(stream, stamp);
-    stream << quint32(pictures.size());
+    Writer entries;
+    write(entries, stamp);
+    entries.add(quint32(pictures.size()));
     for (const std::string &picture : pictures) {
-        stream << QByteArray::fromStdString(picture);
+        entries.add(QByteArrayView(picture));
     }
-    const std::map<std::string, const RememberedFile *> ordered = [this] {
-        std::map<std::string, const RememberedFile *> byName;
-        for (const auto &[name, file] : files) {
-            byName.emplace(name, &file);
-        }
-        return byName;
-    }();
-    stream << quint32(files.size());
+    std::map<std::string, const RememberedFile *> ordered;
+    for (const auto &[name, file] : files) {
+        ordered.emplace(name, &file);
+    }
+    entries.add(quint32(files.size()));
     for (const auto &[name, file] : ordered) {
-        stream << QByteArray::fromStdString(name);
-        write(stream, file->stamp);
-        write(stream, file->facts.info, texts);
-        stream << file->facts.hasFlacPicture << file->picture;
+        entries.add(QByteArrayView(name));
+        write(entries, file->stamp);
+        write(entries, file->facts.info, texts);
+        entries.add(quint8(file->facts.hasFlacPicture));
+        entries.add(QByteArrayView(file->picture));
     }
-    QByteArray bytes;
-    QDataStream whole(&bytes, QIODevice::WriteOnly);
-    whole.setVersion(streamVersion);
+    Writer whole;
     texts.write(whole);
-    return qCompress(bytes + entries, 1);
+    return qCompress(whole.bytes() + entries.bytes(), 1);
 }
 
 std::optional<RememberedFolder> RememberedFolder::decoded(QByteArrayView bytes)
 {
     const QByteArray content = unpacked(bytes);
-    QDataStream stream(content);
-    stream.setVersion(streamVersion);
-    const TextReader texts(stream);
+    Reader reader(content);
+    const TextReader texts(reader);
     RememberedFolder folder;
-    folder.stamp = readStamp(stream);
-    const auto pictures = read<quint32>(stream);
-    for (quint32 i = 0; i < pictures && stream.status() == QDataStream::Ok; ++i) {
-        folder.pictures.push_back(readName(stream));
+    folder.stamp = readStamp(reader);
+    const auto pictures = reader.number<quint32>();
+    for (quint32 i = 0; i < pictures && !reader.hasFailed(); ++i) {
+        folder.pictures.push_back(textOf(reader.bytes()));
     }
-    const auto count = read<quint32>(stream);
-    for (quint32 i = 0; i < count && stream.status() == QDataStream::Ok; ++i) {
-        const std::string name = readName(stream);
+    const auto count = reader.number<quint32>();
+    for (quint32 i = 0; i < count && !reader.hasFailed(); ++i) {
+        std::string name = textOf(reader.bytes());
         RememberedFile file;
-        file.stamp = readStamp(stream);
-        file.facts.info = readInfo(stream, texts);
-        stream >> file.facts.hasFlacPicture >> file.picture;
-        folder.files.emplace(name, std::move(file));
+        file.stamp = readStamp(reader);
+        file.facts.info = readInfo(reader, texts);
+        file.facts.hasFlacPicture = reader.number<quint8>() != 0;
+        file.picture = reader.bytes().toByteArray();
+        folder.files.emplace(std::move(name), std::move(file));
     }
-    const bool isWhole = !content.isEmpty() && stream.status() == QDataStream::Ok && stream.atEnd();
-    return isWhole ? std::optional(std::move(folder)) : std::nullopt;
+    return reader.isAtEnd() ? std::optional(std::move(folder)) : std::nullopt;
 }

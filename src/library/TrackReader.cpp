@@ -1,18 +1,16 @@
 #include "library/TrackReader.h"
 
 #include "library/AlbumGrouping.h"
+#include "library/FileOrder.h"
 
 #include "platform/files/Files.h"
 #include "platform/files/FolderItems.h"
 #include "platform/files/RegularFile.h"
 #include "platform/tasks/Parallel.h"
-#include "platform/text/TextOrder.h"
-#include "platform/volumes/DiskKind.h"
-
-#include <QThread>
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <memory>
 #include <mutex>
 #include <string_view>
@@ -67,8 +65,8 @@ std::vector<Portion> portionsOf(const std::vector<AudioFile> &files)
     return portions;
 }
 
-/// A path that is plain already needs no work; one that becomes another may lead to another file.
-void standardize(AudioFile &file)
+/// A path that is plain already needs no work; one that becomes another, which is returned, may lead to another file.
+bool standardize(AudioFile &file)
 {
     const std::string &path = file.path.native();
     const bool isPlain = path.starts_with('/') && path.find("/.") == std::string::npos
@@ -77,37 +75,10 @@ void standardize(AudioFile &file)
         std::filesystem::path plain = Files::standardized(file.path);
         if (plain.native() != path) {
             file = {std::move(plain), {}};
+            return true;
         }
     }
-}
-
-/// Whether a comes behind b. What both begin with, up to a separator, has no say: only that is left out.
-bool isBehind(const AudioFile &a, const AudioFile &b)
-{
-    const std::string_view first = a.path.native();
-    const std::string_view second = b.path.native();
-    const auto differing = std::ranges::mismatch(first, second).in1;
-    const std::size_t common = first.substr(0, std::size_t(differing - first.begin())).rfind('/') + 1;
-    const auto rest = [&](std::string_view path) { return Files::text(std::filesystem::path(path.substr(common))); };
-    return TextOrder::compare(rest(first), rest(second)) > 0;
-}
-
-/// In the order of a file manager. A library that comes back is in it already, save for what was added last.
-void sortByPath(std::vector<AudioFile> &files)
-{
-    if (std::ranges::adjacent_find(files, isBehind) != files.end()) {
-        TextOrder::stableSort(files, [](const AudioFile &file) { return Files::text(file.path); });
-    }
-}
-
-/// How many files are best read at once.
-int readersAtOnce(const std::set<dev_t> &volumes)
-{
-    constexpr int onSlowDisks = 2; // one's next request waits at the disk while another's answer is worked on
-    constexpr int onQuickDisks = 8; // more than cores: most wait for the disk, which answers many at a time
-    const auto isSerial = [](dev_t volume) { return Volumes::diskKind(volume) == Volumes::DiskKind::Serial; };
-    return std::any_of(volumes.begin(), volumes.end(), isSerial) ? onSlowDisks
-                                                                 : std::max(onQuickDisks, QThread::idealThreadCount());
+    return false;
 }
 
 } // namespace
@@ -124,6 +95,17 @@ TrackReader::TrackReader(const QMap<QString, QString> &overrides, ArtworkPool &p
     if (cache) {
         m_remembered.emplace(*cache);
     }
+}
+
+/// A random one (RFC 4122, 4.4). The processor's own numbers, which QUuid takes, come at a microsecond each.
+QUuid TrackReader::newId()
+{
+    std::array<quint32, 4> words {};
+    m_random.fillRange(words.data(), qsizetype(words.size()));
+    QUuid id = std::bit_cast<QUuid>(words);
+    id.data3 = ushort((id.data3 & 0x0FFFU) | 0x4000U); // version 4
+    id.data4[0] = uchar((id.data4[0] & 0x3FU) | 0x80U); // the variant of the standard
+    return id;
 }
 
 FileFacts TrackReader::factsOf(const AudioFile &file)
@@ -199,7 +181,7 @@ Track TrackReader::read(AudioFile found)
     const Folder &folder = folderOf(file);
     FileFacts facts = factsOf(found);
     Track track;
-    track.id = QUuid::createUuid();
+    track.id = newId();
     track.bytes = found.stamp ? found.stamp->size : Files::size(file).value_or(0);
     track.info = std::move(facts.info);
     const std::optional<QByteArray> embedded
@@ -295,19 +277,20 @@ const std::optional<QByteArray> &TrackReader::folderCover()
 
 TracksRead readTracks(TrackImport import, const ImportProgress &progress, const std::stop_token &stop)
 {
-    AudioFound found = findAudio(import.urls, stop, import.missing);
+    AudioFound found = findAudio(std::move(import.urls), stop, import.missing);
     if (stop.stop_requested()) {
         return {.tracks = {}, .isStopped = true};
     }
     std::vector<AudioFile> &files = found.files;
-    std::ranges::for_each(files, standardize);
-    sortByPath(files);
+    const auto renamed = std::ranges::count_if(files, standardize);
+    const bool areDistinct = FileOrder::sort(files);
 
     const auto total = int(files.size());
-    std::erase_if(files, [&](const AudioFile &file) { return !import.known.insert(file.path.native()).second; });
+    if (!areDistinct || !import.known.empty()) {
+        std::erase_if(files, [&](const AudioFile &file) { return !import.known.insert(file.path.native()).second; });
+    }
 
-    const bool isAsGiven = std::ranges::equal(files, import.urls,
-        [](const AudioFile &file, const auto &given) { return file.path.native() == given.native(); });
+    const bool isAsGiven = found.isAsGiven && renamed == 0 && areDistinct && int(files.size()) == total;
     ArtworkPool pool;
     for (const QByteArray &bytes : import.artwork) {
         (void)pool.shared(bytes);
@@ -315,19 +298,20 @@ TracksRead readTracks(TrackImport import, const ImportProgress &progress, const 
 
     const std::vector<Portion> portions = portionsOf(files);
     const int workers = readersAtOnce(found.volumes);
-    std::vector<std::unique_ptr<TrackReader>> readers;
-    for (int reader = 0; reader < workers; ++reader) {
-        readers.push_back(std::make_unique<TrackReader>(import.artworkOverrides, pool, import.cache.get()));
-    }
+    std::vector<std::unique_ptr<TrackReader>> readers(static_cast<std::size_t>(workers));
     std::vector<Track> tracks(files.size()); // without an id until it is read
     std::mutex guard;
     int done = total - int(files.size());
     Parallel::forEach(portions.size(), workers, [&](std::size_t number, int worker) {
+        std::unique_ptr<TrackReader> &reader = readers[std::size_t(worker)];
+        if (!reader) {
+            reader = std::make_unique<TrackReader>(import.artworkOverrides, pool, import.cache.get());
+        }
         for (std::size_t file = portions[number].begin; file < portions[number].end; ++file) {
             if (stop.stop_requested()) {
                 return;
             }
-            tracks[file] = readers[std::size_t(worker)]->read(std::move(files[file]));
+            tracks[file] = reader->read(std::move(files[file]));
             const std::lock_guard lock(guard);
             progress(++done, total);
         }

@@ -12,6 +12,8 @@
 #include "platform/files/CaselessFolder.h"
 
 #include <QMap>
+#include <QRandomGenerator>
+#include <QUuid>
 
 #include <functional>
 #include <optional>
@@ -71,6 +73,7 @@ private:
         std::optional<QByteArray> cover;
     };
 
+    QUuid newId();
     /// As FileFacts::read() gives it, or remembered.
     FileFacts factsOf(const AudioFile &file);
     std::optional<QByteArray> readPicture(const std::filesystem::path &file, std::int64_t limit);
@@ -85,5 +88,6 @@ private:
     const QMap<QString, QString> &m_overrides;
     ArtworkPool &m_pool;
     std::optional<ReadingCache::Reader> m_remembered;
+    QRandomGenerator m_random = QRandomGenerator::securelySeeded();
     Folder m_folder; ///< of the last file: files come folder by folder
 };

@@ -19,10 +19,10 @@ std::optional<FileStamp> FileStamp::from(const struct stat &status)
     return S_ISREG(status.st_mode) ? std::optional(stampOf(status)) : std::nullopt;
 }
 
-std::optional<FileStamp> FileStamp::of(const std::filesystem::path &file)
+std::optional<FileStamp> FileStamp::of(const std::filesystem::path &file, int folder)
 {
     struct stat status {};
-    return ::lstat(file.c_str(), &status) == 0 ? from(status) : std::nullopt;
+    return ::fstatat(folder, file.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 ? from(status) : std::nullopt;
 }
 
 std::optional<FileStamp> FileStamp::ofFolder(const std::filesystem::path &folder)

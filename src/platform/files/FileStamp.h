@@ -1,6 +1,7 @@
 // What tells a file that has not changed from one that has.
 #pragma once
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/types.h>
 
@@ -20,7 +21,8 @@ struct FileStamp {
     /// Of a file that has been asked for; absent for what is no regular file.
     [[nodiscard]] static std::optional<FileStamp> from(const struct stat &status);
     /// Absent for what is no regular file, a link too, and for what cannot be asked. Blocking; any thread.
-    [[nodiscard]] static std::optional<FileStamp> of(const std::filesystem::path &file);
+    /// A relative path counts from the open folder.
+    [[nodiscard]] static std::optional<FileStamp> of(const std::filesystem::path &file, int folder = AT_FDCWD);
     /// Of a folder, a link to one too: what it holds is the same names while its stamp is the same, save on FAT.
     [[nodiscard]] static std::optional<FileStamp> ofFolder(const std::filesystem::path &folder);
 };

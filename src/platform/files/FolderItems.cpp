@@ -69,14 +69,23 @@ std::vector<FolderItem> itemsOf(const Folder &folder, Undescribed undescribed)
     return items;
 }
 
-std::vector<FolderItem> readableItemsOf(const std::filesystem::path &folder)
+Descriptor readableFolder(const std::filesystem::path &folder)
+{
+    return Descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+}
+
+std::vector<FolderItem> readableItemsOf(const Descriptor &folder)
 {
     std::vector<FolderItem> items;
-    const Descriptor opened(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (opened.get() >= 0) {
-        (void)appendItems(opened.get(), items, Undescribed::None);
+    if (folder.get() >= 0) {
+        (void)appendItems(folder.get(), items, Undescribed::None);
     }
     return items;
+}
+
+std::vector<FolderItem> readableItemsOf(const std::filesystem::path &folder)
+{
+    return readableItemsOf(readableFolder(folder));
 }
 
 } // namespace Files

@@ -28,5 +28,8 @@ enum class Undescribed : std::uint8_t { Throw, None };
 /// The same for those who show what there is: a link to the folder is followed, what cannot be read is missing, and
 /// what is not described is None. Never throws.
 [[nodiscard]] std::vector<FolderItem> readableItemsOf(const std::filesystem::path &folder);
+[[nodiscard]] std::vector<FolderItem> readableItemsOf(const Descriptor &folder);
+/// Opens a folder for that; without a number where that cannot be. A link to one is followed.
+[[nodiscard]] Descriptor readableFolder(const std::filesystem::path &folder);
 
 } // namespace Files

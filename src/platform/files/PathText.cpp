@@ -50,7 +50,11 @@ namespace Files {
 
 QString text(const std::filesystem::path &path)
 {
-    const std::string_view bytes = path.native();
+    return textOfBytes(path.native());
+}
+
+QString textOfBytes(std::string_view bytes)
+{
     const auto whole = QUtf8StringView(bytes.data(), qsizetype(bytes.size()));
     if (whole.isValidUtf8()) {
         return decoded(whole);

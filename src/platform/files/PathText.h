@@ -6,12 +6,15 @@
 #include <QString>
 
 #include <filesystem>
+#include <string_view>
 
 namespace Files {
 
 /// A path as text, for display and storage. Lossless: a byte that is not valid UTF-8 becomes the lone surrogate
 /// U+DC00 + byte, from which fromText() makes the same byte again.
 [[nodiscard]] QString text(const std::filesystem::path &path);
+/// The same of a path's bytes, or of a part of them.
+[[nodiscard]] QString textOfBytes(std::string_view bytes);
 [[nodiscard]] std::filesystem::path fromText(const QString &text);
 
 /// The last component as text; of "/a/b/" it is "b", of the root "/".
